@@ -1,0 +1,31 @@
+// Picture files of the tool: sizes, loading, and saving that leaves nothing half-written.
+#pragma once
+
+#include "host/Host.h"
+
+#include <filesystem>
+
+struct PictureSize {
+    unsigned width;
+    unsigned height;
+};
+
+/// Width and height from a file's header. Throws ToolError: missing, unreadable, or no picture.
+PictureSize sizeOf(const std::filesystem::path& file);
+
+/// "WIDTHxHEIGHT" of a command line. Throws ToolError.
+PictureSize parseSize(const std::string& text);
+
+/// The size at which the engine can hold the picture: its own, or the largest of the same shape.
+PictureSize fitted(PictureSize size);
+
+/// Throws ToolError.
+host::Image loadPicture(const std::filesystem::path& file, PictureSize size);
+
+/// Throws ToolError when the name's extension is no kind of picture that can be written, or the directory
+/// is missing; to be asked before any work is done.
+void checkOutput(const std::filesystem::path& file);
+
+/// Writes beside the target, checks what was written, then renames. Throws ToolError; the target is then as
+/// it was before.
+void savePicture(CEffectImage* image, const std::filesystem::path& file);

@@ -1,0 +1,59 @@
+// Start and end of the engine.
+#include "effectengine/Session.h"
+
+#include "core/Clock.h"
+#include "effectengine/ToolError.h"
+
+#include <cstdlib>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path makeTemporaryDirectory()
+{
+    std::string name = (fs::temp_directory_path() / "effectengine-XXXXXX").string();
+    if (!mkdtemp(name.data()))
+        throw ToolError(ExitCode::cannotWrite,
+            "cannot make a directory for logs in " + fs::temp_directory_path().string());
+    return name;
+}
+
+} // namespace
+
+fs::path resourceDirectory(const fs::path& named)
+{
+    if (!named.empty()) {
+        if (!fs::is_directory(named))
+            throw ToolError(ExitCode::missingInput, "no resource directory " + named.string());
+        return named;
+    }
+    const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
+    for (const char* const place : {"../share/effectengine", "../resources"}) {
+        const fs::path candidate = (program / place).lexically_normal();
+        if (fs::exists(candidate / "resources.cfg"))
+            return candidate;
+    }
+    throw ToolError(ExitCode::missingInput,
+        "no resource directory beside " + program.string() + "; name one with --resources");
+}
+
+Session::Session(const SessionOptions& options)
+{
+    core::pinTime(options.seed);
+    const std::string resources = resourceDirectory(options.resources).string() + "/";
+    fs::path logs = options.logs;
+    if (logs.empty())
+        logs = temporaryLogs_ = makeTemporaryDirectory();
+    else
+        fs::create_directories(logs);
+    engine_.emplace(resources, (logs.string() + "/").c_str());
+}
+
+Session::~Session()
+{
+    engine_.reset();
+    std::error_code ignored;
+    if (!temporaryLogs_.empty())
+        fs::remove_all(temporaryLogs_, ignored);
+}

@@ -1,0 +1,28 @@
+// A running engine for one invocation of the tool.
+#pragma once
+
+#include "host/Host.h"
+
+#include <filesystem>
+#include <optional>
+
+/// Where the engine finds its data and leaves its logs; both may be empty for the defaults.
+struct SessionOptions {
+    std::filesystem::path resources;
+    std::filesystem::path logs;
+    std::optional<long long> seed; ///< holds the clock that random tables are seeded from
+};
+
+class Session {
+public:
+    /// Throws ToolError when there is no resource directory.
+    explicit Session(const SessionOptions& options);
+    ~Session();
+
+private:
+    std::filesystem::path temporaryLogs_; ///< removed at the end; empty when the user named a directory
+    std::optional<host::Engine> engine_;
+};
+
+/// The named directory, or the one beside the tool in an installed prefix or a build tree.
+std::filesystem::path resourceDirectory(const std::filesystem::path& named);

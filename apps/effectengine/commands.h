@@ -1,0 +1,10 @@
+// The verbs of the tool. Each adds its subcommand; the work runs while the command line is parsed.
+#pragma once
+
+#include "effectengine/Session.h"
+
+#include <CLI/CLI.hpp>
+
+void addListCommand(CLI::App& tool);
+void addDescribeCommand(CLI::App& tool);
+void addApplyCommand(CLI::App& tool, const SessionOptions& session);

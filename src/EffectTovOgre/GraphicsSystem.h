@@ -1,0 +1,75 @@
+// What the render thread needs of a graphics system; nothing here knows which one stands behind it.
+#pragma once
+
+#include "core/Types.h"
+#include "model/ImageParam.h"
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+class TovEffectBase;
+
+/// The one picture that every load request decodes into: 32-bit pixels in the bytes blue, green, red, alpha
+/// (straight alpha, opaque where the file has none), rows packed, top row first.
+class SharedImage {
+public:
+    virtual ~SharedImage() = default;
+    virtual bool hasData() const = 0;
+    virtual u32 width() const = 0;
+    virtual u32 height() const = 0;
+    virtual KEXSDK::RecordFormat format() const = 0;
+    virtual u32 bitsPerPixel() const = 0;
+    /// Valid until the next change of the picture.
+    virtual std::span<const u8> bytes() const = 0;
+    /// Scales with a bilinear filter. False, with the picture unchanged, when there is no picture, a side
+    /// is 0 or above 65535, or memory is short.
+    virtual bool scale(u32 width, u32 height) = 0;
+    virtual void freeMemory() = 0;
+};
+
+/// Facts about the GPU, read once when the graphics system starts.
+struct GpuCapabilities {
+    u32 maxTextureSize = 0;
+    bool pbuffer = false;
+    bool intelGpu = false;
+    bool textures3D = false;
+    struct {
+        i32 major = 0, minor = 0, release = 0, build = 0;
+    } driver;
+};
+
+/// Made, used and destroyed by the render thread alone; `log` may also be called by a requesting thread while
+/// the render thread waits. Destruction ends the system; every effect is destroyed before.
+class GraphicsSystem {
+public:
+    virtual ~GraphicsSystem() = default;
+
+    /// Directories end with a separator; empty means the current directory. @return whether it is usable
+    virtual bool start(const std::string& resourceDirectory, const std::string& pluginsDirectory,
+        const std::string& logDirectory, u32 kind) = 0;
+
+    virtual GpuCapabilities capabilities() const = 0;
+
+    /// A new effect that the caller owns, or null when no factory knows the class.
+    virtual TovEffectBase* createEffect(const char* className) = 0;
+
+    /// Decodes the file into the shared image; a file that cannot be read leaves it empty and is logged.
+    virtual void loadImage(const std::string& path) = 0;
+    virtual SharedImage& sharedImage() = 0;
+
+    /// Writes rows, top row first, as the kind of picture that the path's extension names.
+    /// @return whether the file is complete; a failure is logged
+    virtual bool saveImage(
+        const std::string& path, const u8* pixels, u32 width, u32 height, KEXSDK::RecordFormat format) = 0;
+
+    /// One line of the graphics system's own log, at its normal level. Nothing before `start`.
+    virtual void log(std::string_view message) = 0;
+};
+
+using GraphicsSystemFactory = std::function<std::unique_ptr<GraphicsSystem>()>;
+
+/// The system that draws with OGRE and OpenGL.
+std::unique_ptr<GraphicsSystem> makeOgreGraphicsSystem();

@@ -1,0 +1,15 @@
+// JPEG files through the system's JPEG library, which decodes faster than the library for the other kinds,
+// and never hands out memory that a damaged file left unwritten.
+#pragma once
+
+#include "EffectTovOgre/PictureCodecs.h"
+
+namespace pictures {
+
+/// Parts of a damaged file that cannot be made out are grey; a file that ends too early is unreadable.
+Decoded decodeJpeg(std::istream& file);
+
+/// Empty when the picture is too large for the format. Alpha is dropped.
+std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height);
+
+} // namespace pictures

@@ -1,0 +1,126 @@
+// The graphics system behind the render thread: OGRE's environment, its image type and the picture codecs.
+#include "EffectTovOgre/GraphicsSystem.h"
+#include "EffectTovOgre/PictureCodecs.h"
+#include "EffectTovOgre/PixelFormats.h"
+#include "EffectTovOgre/TovOgreBase.h"
+#include "core/DynClass.h"
+
+#include <OgreImage.h>
+#include <OgreResourceGroupManager.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+class OgreSharedImage : public SharedImage {
+public:
+    bool hasData() const override { return image_.getData() != nullptr; }
+    u32 width() const override { return hasData() ? image_.getWidth() : 0; }
+    u32 height() const override { return hasData() ? image_.getHeight() : 0; }
+    KEXSDK::RecordFormat format() const override
+    {
+        return KEXSDK::RecordFormat(recordNumber(image_.getFormat()));
+    }
+    u32 bitsPerPixel() const override { return image_.getBPP(); }
+    std::span<const u8> bytes() const override
+    {
+        return hasData() ? std::span<const u8>(image_.getData(), image_.getSize()) : std::span<const u8>{};
+    }
+
+    bool scale(u32 width, u32 height) override
+    {
+        if (!hasData() || width == 0 || height == 0 || width > 0xFFFF || height > 0xFFFF)
+            return false;
+        image_.resize(Ogre::ushort(width), Ogre::ushort(height), Ogre::Image::FILTER_BILINEAR);
+        return true;
+    }
+
+    void freeMemory() override { image_.freeMemory(); }
+
+    void assign(const pictures::Decoded& picture)
+    {
+        image_.create(ogreFormat(KEXSDK::RecordFormat::A8R8G8B8), picture.width, picture.height);
+        std::memcpy(image_.getData(), picture.pixels.get(), image_.getSize());
+    }
+
+private:
+    Ogre::Image image_;
+};
+
+/// The file at that path, or the resource of that name; null when neither can be read.
+std::unique_ptr<std::istream> openPicture(const std::string& path)
+{
+    // Only regular files: opening a pipe, or reading a device, could take for ever.
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error)) {
+        auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
+        return *file ? std::move(file) : nullptr;
+    }
+    auto& groups = Ogre::ResourceGroupManager::getSingleton();
+    if (!groups.resourceExists(Ogre::RGN_DEFAULT, path))
+        return nullptr;
+    return std::make_unique<std::istringstream>(groups.openResource(path, Ogre::RGN_DEFAULT)->getAsString());
+}
+
+class OgreGraphicsSystem : public GraphicsSystem {
+public:
+    bool start(const std::string& resourceDirectory, const std::string& pluginsDirectory,
+        const std::string& logDirectory, u32 kind) override
+    {
+        environment_ = std::make_unique<TovOgreBase>(
+            resourceDirectory.c_str(), pluginsDirectory.c_str(), logDirectory.c_str(), kind);
+        return environment_->initialisationSucceeded();
+    }
+
+    GpuCapabilities capabilities() const override { return environment_->capabilities(); }
+
+    TovEffectBase* createEffect(const char* className) override { return DYN_CLASS::create(className); }
+
+    void loadImage(const std::string& path) override
+    {
+        image_.freeMemory();
+        pictures::Decoded picture;
+        try {
+            if (const auto file = openPicture(path))
+                picture = pictures::decode(*file);
+            if (picture.outcome == pictures::Decoded::Outcome::picture)
+                image_.assign(picture);
+        } catch (const std::exception&) { // out of memory, or a resource that went away
+            image_.freeMemory();
+            picture.outcome = pictures::Decoded::Outcome::unreadable;
+        }
+        if (picture.outcome == pictures::Decoded::Outcome::tooLarge)
+            log("The picture " + path + " is too large: " + std::to_string(picture.width) + " x "
+                + std::to_string(picture.height) + " pixels.");
+        else if (picture.outcome == pictures::Decoded::Outcome::unreadable)
+            log("The resouce: " + path + "not be add to resource group or path is not right!");
+    }
+
+    SharedImage& sharedImage() override { return image_; }
+
+    bool saveImage(const std::string& path, const u8* pixels, u32 width, u32 height,
+        KEXSDK::RecordFormat format) override
+    {
+        bool saved = false;
+        try {
+            saved = format == KEXSDK::RecordFormat::A8R8G8B8 && pictures::save(path, pixels, width, height);
+        } catch (const std::exception&) { // out of memory
+        }
+        if (!saved)
+            log("Could not store picture. Maybe something that you specified is wrong.");
+        return saved;
+    }
+
+    void log(std::string_view message) override { TovOgreBase::log(std::string(message)); }
+
+private:
+    std::unique_ptr<TovOgreBase> environment_;
+    OgreSharedImage image_; // after the environment: an image goes before OGRE does
+};
+
+} // namespace
+
+std::unique_ptr<GraphicsSystem> makeOgreGraphicsSystem() { return std::make_unique<OgreGraphicsSystem>(); }

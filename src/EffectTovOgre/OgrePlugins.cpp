@@ -1,0 +1,55 @@
+// Loading of plug-ins by their full path; OGRE does not look for them by itself.
+#include "EffectTovOgre/OgrePlugins.h"
+
+#include "EffectTovOgre/TovOgreBase.h"
+#include "platform/OffscreenGl.h"
+
+#include <OgreRoot.h>
+
+#include <cstdlib>
+
+namespace {
+
+#define EFFECTENGINE_TEXT_OF(value) #value
+#define EFFECTENGINE_TEXT(value) EFFECTENGINE_TEXT_OF(value)
+
+/// OGRE appends this to the names of libraries; opening a plug-in in its place means appending it as well.
+constexpr const char* kVersionSuffix = ".so." EFFECTENGINE_TEXT(OGRE_VERSION_MAJOR) "." EFFECTENGINE_TEXT(
+    OGRE_VERSION_MINOR) "." EFFECTENGINE_TEXT(OGRE_VERSION_PATCH);
+
+#undef EFFECTENGINE_TEXT
+#undef EFFECTENGINE_TEXT_OF
+
+std::string pathOf(const std::string& file) { return EFFECTENGINE_OGRE_PLUGIN_DIR "/" + file; }
+
+} // namespace
+
+namespace ogrePlugins {
+
+bool load(Ogre::Root& root, const std::string& file)
+{
+    try {
+        root.loadPlugin(pathOf(file));
+        return true;
+    } catch (const std::exception& error) {
+        TovOgreBase::log(error.what());
+        return false;
+    }
+}
+
+bool loadRenderSystem(Ogre::Root& root)
+{
+    const std::string file = "RenderSystem_GL";
+    if (!offscreenGl::enable(pathOf(file) + kVersionSuffix)) {
+        // Not the first choice: Xlib ends the whole process when the display goes away.
+        offscreenGl::disable();
+        const char* const display = std::getenv("DISPLAY");
+        if (!display || !*display) {
+            TovOgreBase::log("No OpenGL: drawing off-screen is not possible here, and there is no display.");
+            return false;
+        }
+    }
+    return load(root, file);
+}
+
+} // namespace ogrePlugins

@@ -1,0 +1,135 @@
+// Reading picture files: JPEG through its own library, the other kinds through the system's stb library.
+#include "EffectTovOgre/JpegCodec.h"
+#include "EffectTovOgre/PictureCodecs.h"
+
+#include <stb_image.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <istream>
+#include <sstream>
+
+namespace pictures {
+
+namespace {
+
+constexpr std::streamoff kHeadBytes = 128; // what stb reads ahead to find out the kind
+
+/// The decoder fills up what a file lacks, partly with memory it never wrote, and reports nothing: that the
+/// file was too short shows only in how it reads.
+class Source {
+public:
+    explicit Source(std::istream& stream) : stream_(stream) { }
+
+    bool ranOut() const { return ranOut_; }
+
+    static const stbi_io_callbacks& callbacks()
+    {
+        static constexpr stbi_io_callbacks kCallbacks{
+            [](void* self, char* data, int size) { return static_cast<Source*>(self)->read(data, size); },
+            [](void* self, int count) { static_cast<Source*>(self)->skip(count); },
+            [](void* self) -> int { return static_cast<Source*>(self)->stream_.peek() == EOF; }};
+        return kCallbacks;
+    }
+
+private:
+    int read(char* data, int size)
+    {
+        if (!readAhead_)
+            readAhead_ = data; // the decoder's own buffer comes first, and may be filled in part
+        stream_.read(data, size);
+        const int count = int(stream_.gcount());
+        if (count == 0 || (count < size && data != readAhead_))
+            ranOut_ = true;
+        return count;
+    }
+    void skip(int count)
+    {
+        stream_.clear();
+        stream_.seekg(count, std::ios::cur);
+    }
+
+    std::istream& stream_;
+    const char* readAhead_ = nullptr;
+    bool ranOut_ = false;
+};
+
+Decoded decodeWhole(std::istream& stream)
+{
+    Decoded result;
+    int width = 0, height = 0, channels = 0;
+    Source header(stream);
+    if (!stbi_info_from_callbacks(&Source::callbacks(), &header, &width, &height, &channels) || width <= 0
+        || height <= 0)
+        return result;
+    result.width = u32(width);
+    result.height = u32(height);
+    if (tooLarge(result.width, result.height)) {
+        result.outcome = Decoded::Outcome::tooLarge;
+        return result;
+    }
+
+    stream.clear();
+    stream.seekg(0);
+    Source source(stream);
+    stbi_set_flip_vertically_on_load_thread(
+        0); // the host may use the same library, and set it for all threads
+    result.pixels.reset(
+        stbi_load_from_callbacks(&Source::callbacks(), &source, &width, &height, &channels, 4));
+    if (!result.pixels || source.ranOut() || u32(width) != result.width || u32(height) != result.height) {
+        result.pixels.reset();
+        return result;
+    }
+    u8* const end = result.pixels.get() + std::size_t{result.width} * result.height * 4;
+    for (u8* pixel = result.pixels.get(); pixel != end; pixel += 4)
+        std::swap(pixel[0], pixel[2]);
+    result.outcome = Decoded::Outcome::picture;
+    return result;
+}
+
+/// A file shorter than what is read ahead: finding out its kind alone may run into its end. So it is read
+/// with something appended, and whatever depends on what that was is not in the file.
+Decoded decodeTiny(const std::string& bytes)
+{
+    Decoded results[2];
+    for (int i = 0; i < 2; ++i) {
+        std::istringstream padded(bytes + std::string(std::size_t{kHeadBytes}, i ? '\xFF' : '\0'));
+        results[i] = decodeWhole(padded);
+        if (results[i].outcome != Decoded::Outcome::picture)
+            return std::move(results[i]);
+    }
+    const std::size_t size = std::size_t{results[0].width} * results[0].height * 4;
+    const bool same = results[0].width == results[1].width && results[0].height == results[1].height
+        && std::memcmp(results[0].pixels.get(), results[1].pixels.get(), size) == 0;
+    return same ? std::move(results[0]) : Decoded{};
+}
+
+} // namespace
+
+void Free::operator()(void* memory) const { std::free(memory); } // as stb releases what it allocates
+
+bool tooLarge(u32 width, u32 height)
+{
+    return width > kMaxSide || height > kMaxSide || u64{width} * height > kMaxPixels;
+}
+
+Decoded decode(std::istream& file)
+{
+    std::string head(std::size_t{kHeadBytes}, '\0');
+    file.read(head.data(), kHeadBytes);
+    if (file.gcount() == 0)
+        return {};
+    if (head.starts_with("\xFF\xD8")) {
+        file.clear();
+        return decodeJpeg(file);
+    }
+    if (file.gcount() < kHeadBytes) {
+        head.resize(std::size_t(file.gcount()));
+        return decodeTiny(head);
+    }
+    file.seekg(0);
+    return decodeWhole(file);
+}
+
+} // namespace pictures

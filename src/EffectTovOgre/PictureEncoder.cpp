@@ -1,0 +1,185 @@
+// Writing picture files: PNG through its library, BMP and TGA directly.
+#include "EffectTovOgre/JpegCodec.h"
+#include "EffectTovOgre/PictureCodecs.h"
+
+#include <fcntl.h>
+#include <png.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csetjmp>
+#include <cstdlib>
+
+namespace pictures {
+
+namespace {
+
+constexpr int kPngCompression = 1;
+
+void appendPng(png_structp png, png_bytep data, std::size_t size)
+{
+    auto& out = *static_cast<std::vector<u8>*>(png_get_io_ptr(png));
+    bool appended = true;
+    try {
+        out.insert(out.end(), data, data + size);
+    } catch (const std::exception&) {
+        appended = false;
+    }
+    if (!appended)
+        png_error(png, "out of memory");
+}
+
+/// The library leaves by longjmp, so this keeps no objects with destructors.
+bool writePng(std::vector<u8>& out, const u8* pixels, u32 width, u32 height)
+{
+    png_structp png = png_create_write_struct(
+        PNG_LIBPNG_VER_STRING, nullptr, [](png_structp self, png_const_charp) { png_longjmp(self, 1); },
+        [](png_structp, png_const_charp) {});
+    if (!png)
+        return false;
+    png_infop info = png_create_info_struct(png);
+    if (!info || setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        return false;
+    }
+    png_set_write_fn(png, &out, appendPng, [](png_structp) {});
+    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
+        PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    png_set_compression_level(png, kPngCompression);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
+    png_write_info(png, info);
+    png_set_bgr(png);
+    for (u32 y = 0; y < height; ++y)
+        png_write_row(png, pixels + std::size_t{y} * width * 4);
+    png_write_end(png, info);
+    png_destroy_write_struct(&png, &info);
+    return true;
+}
+
+/// Appends numbers with their lowest byte first.
+struct LittleEndian {
+    std::vector<u8>& out;
+
+    void u16s(std::initializer_list<u32> values)
+    {
+        for (const u32 v : values)
+            out.insert(out.end(), {u8(v), u8(v >> 8)});
+    }
+    void u32s(std::initializer_list<u32> values)
+    {
+        for (const u32 v : values)
+            out.insert(out.end(), {u8(v), u8(v >> 8), u8(v >> 16), u8(v >> 24)});
+    }
+};
+
+/// With the header of version 4: only that one says that the fourth byte is alpha.
+std::vector<u8> encodeBmp(const u8* pixels, u32 width, u32 height)
+{
+    constexpr u32 kFileHeader = 14, kInfoHeader = 108, kBitFields = 3, kSrgb = 0x73524742;
+    constexpr u32 kPixelsPerMetre = 2835; // 72 dpi
+    const u64 bytes = u64{width} * height * 4;
+    if (bytes > 0xFFFFFFFFu - kFileHeader - kInfoHeader)
+        return {};
+    std::vector<u8> out;
+    out.reserve(kFileHeader + kInfoHeader + bytes);
+    LittleEndian put{out};
+    out.insert(out.end(), {'B', 'M'});
+    put.u32s({u32(kFileHeader + kInfoHeader + bytes), 0, kFileHeader + kInfoHeader});
+    put.u32s({kInfoHeader, width, height});
+    put.u16s({1, 32});
+    put.u32s({kBitFields, u32(bytes), kPixelsPerMetre, kPixelsPerMetre, 0, 0});
+    put.u32s({0x00FF0000, 0x0000FF00, 0x000000FF, 0xFF000000, kSrgb});
+    out.resize(kFileHeader + kInfoHeader); // end points and gammas, unused with sRGB
+    for (u32 y = height; y-- > 0;)         // the bottom row comes first
+        out.insert(out.end(), pixels + std::size_t{y} * width * 4, pixels + (std::size_t{y} + 1) * width * 4);
+    return out;
+}
+
+std::vector<u8> encodeTga(const u8* pixels, u32 width, u32 height)
+{
+    constexpr u8 kTrueColour = 2, kBits = 32, kTopRowFirst = 0x20, kAlphaBits = 8;
+    if (width > 0xFFFF || height > 0xFFFF)
+        return {};
+    std::vector<u8> out{0, 0, kTrueColour};
+    out.resize(12); // no colour map, origin 0
+    LittleEndian{out}.u16s({width, height});
+    out.insert(out.end(), {kBits, kTopRowFirst | kAlphaBits});
+    out.insert(out.end(), pixels, pixels + std::size_t{width} * height * 4);
+    return out;
+}
+
+bool writeAll(int file, const std::vector<u8>& bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = write(file, bytes.data() + done, bytes.size() - done);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return false;
+        done += std::size_t(count);
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<Kind> kindOf(std::string_view path)
+{
+    constexpr std::pair<std::string_view, Kind> kExtensions[] = {{"png", Kind::png}, {"jpg", Kind::jpeg},
+        {"jpeg", Kind::jpeg}, {"bmp", Kind::bmp}, {"tga", Kind::tga}};
+    const std::string_view extension = path.substr(path.rfind('.') + 1); // all of it when there is no dot
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; };
+    if (extension.size() < path.size())
+        for (const auto& [name, kind] : kExtensions)
+            if (std::ranges::equal(extension, name, {}, lower))
+                return kind;
+    return std::nullopt;
+}
+
+std::vector<u8> encode(Kind kind, const u8* pixels, u32 width, u32 height)
+{
+    std::vector<u8> out;
+    if (width == 0 || height == 0)
+        return out;
+    switch (kind) {
+    case Kind::png:
+        if (!writePng(out, pixels, width, height))
+            out.clear();
+        return out;
+    case Kind::jpeg:
+        return encodeJpeg(pixels, width, height);
+    case Kind::bmp:
+        return encodeBmp(pixels, width, height);
+    case Kind::tga:
+        return encodeTga(pixels, width, height);
+    }
+    return out;
+}
+
+bool save(const std::string& path, const u8* pixels, u32 width, u32 height)
+{
+    const auto kind = kindOf(path);
+    if (!kind)
+        return false;
+    // Encoded before the file is touched: a picture that cannot be written leaves an older one in place.
+    const std::vector<u8> bytes = encode(*kind, pixels, width, height);
+    if (bytes.empty())
+        return false;
+    // Without O_NONBLOCK a pipe that nobody reads would hold up the thread that everybody waits for.
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (file < 0)
+        return false;
+    const bool written = writeAll(file, bytes);
+    if (close(file) == 0 && written)
+        return true;
+    struct stat status { };
+    if (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) // devices and links stay
+        unlink(path.c_str());
+    return false;
+}
+
+} // namespace pictures

@@ -1,0 +1,38 @@
+// Pixel formats of image records, and what the installed OGRE calls them: its numbers differ between
+// versions, its names do not.
+#pragma once
+
+#include "core/Types.h"
+#include "model/ImageParam.h"
+
+#include <OgrePixelFormat.h>
+
+inline Ogre::PixelFormat ogreFormat(KEXSDK::RecordFormat format)
+{
+    using enum KEXSDK::RecordFormat;
+    switch (format) {
+    case A8R8G8B8:
+        return Ogre::PF_A8R8G8B8;
+    case A8B8G8R8:
+        return Ogre::PF_A8B8G8R8;
+    case R8G8B8A8:
+        return Ogre::PF_R8G8B8A8;
+    }
+    return Ogre::PF_UNKNOWN;
+}
+
+/// The number for an image record; 0 for a format that no record can have.
+inline u32 recordNumber(Ogre::PixelFormat format)
+{
+    using enum KEXSDK::RecordFormat;
+    switch (format) {
+    case Ogre::PF_A8R8G8B8:
+        return u32(A8R8G8B8);
+    case Ogre::PF_A8B8G8R8:
+        return u32(A8B8G8R8);
+    case Ogre::PF_R8G8B8A8:
+        return u32(R8G8B8A8);
+    default:
+        return 0;
+    }
+}

@@ -1,0 +1,105 @@
+// The thread that does all GPU work and all picture file work, one request at a time.
+#pragma once
+
+#include "EffectTovOgre/GraphicsSystem.h"
+#include "core/Types.h"
+#include "platform/CriticalSection.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+
+/// The shared image after a load request. While a LoadedImage lives nobody else's request can overwrite the
+/// image: copy what you need and let it go, on the thread that loaded it. That thread's own requests are
+/// refused meanwhile.
+class LoadedImage {
+public:
+    LoadedImage() = default;
+    LoadedImage(LoadedImage&& other) noexcept
+        : lock_(std::move(other.lock_)),
+          image_(std::exchange(other.image_, nullptr))
+    {
+    }
+    LoadedImage& operator=(LoadedImage&&) = delete;
+
+    /// False when there is no render thread that could load. True says nothing about the file: ask hasData().
+    explicit operator bool() const { return image_ != nullptr; }
+    SharedImage* operator->() const { return image_; }
+    SharedImage& operator*() const { return *image_; }
+
+private:
+    friend class TovOgreRenderThread;
+    LoadedImage(MyCSingleLock&& lock, SharedImage* image) : lock_(std::move(lock)), image_(image) { }
+
+    std::optional<MyCSingleLock> lock_;
+    SharedImage* image_ = nullptr;
+};
+
+/// Requests block until the render thread has done them. Any thread may make them; those of two threads come
+/// one after the other. Without a running thread (failed start, ended by itself, shut down), on the render
+/// thread itself, and while the calling thread holds a LoadedImage they return at once without effect.
+class TovOgreRenderThread {
+public:
+    /// Starts the thread unless one is running, waits until the GPU is up or known to be unavailable, and
+    /// becomes the instance if it is up. Null directories count as empty.
+    TovOgreRenderThread(
+        const char* resourceDirectory, const char* pluginsDirectory, const char* logDirectory);
+    TovOgreRenderThread(const TovOgreRenderThread&) = delete;
+    TovOgreRenderThread& operator=(const TovOgreRenderThread&) = delete;
+    /// Shuts the thread down, whichever object started it.
+    virtual ~TovOgreRenderThread();
+
+    /// The instance. If there is none, one with empty directories is started; it stays the instance even when
+    /// its start fails, so that later callers do not wait for another failure.
+    static TovOgreRenderThread& getInstance();
+
+    /// A new GPU effect, owned by the render thread, or null.
+    TovEffectBase* createEffect();
+
+    /// Draws a frame of an effect made by createEffect. `slot` is the variable with the output record (it may
+    /// hold null: it then receives the effect's own), `buffer` memory to read the frame into, or null.
+    /// @return 1 when the request was made. After a closed window one call is passed over.
+    u32 evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer);
+
+    /// Copies the render target of the effect that owns the record into the record's pixels; a record without
+    /// owner stays as it is. @return 1 when the request was made, else 0
+    u32 readBack(KEXSDK::_ImageParam* record);
+
+    /// Destroys an effect made by createEffect. @return 1 when the request was made, else 0
+    u32 deleteEffect(TovEffectBase* effect);
+
+    /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations.
+    LoadedImage loadImage(const char* path);
+
+    /// Writes a picture file, its kind by the path's extension. Rows are top row first, bytes blue, green,
+    /// red, alpha. @return whether the file was written
+    bool saveImage(const char* path, const u8* pixels, u32 width, u32 height);
+
+    /// Deletes every effect, ends the graphics system and the thread. The next user starts anew.
+    /// @return 0 when there was no instance, else 1
+    u32 shutdown();
+
+    /// Replaces what the next start of the thread puts behind it; an empty factory stands for OGRE.
+    static void setGraphicsSystemFactory(GraphicsSystemFactory factory);
+
+private:
+    struct Deferred { };
+    explicit TovOgreRenderThread(Deferred) { }
+
+    void start();
+
+    std::string resourceDirectory_;
+    std::string pluginsDirectory_;
+    std::string logDirectory_;
+    u32 kind_ = 0; ///< the render system asked for; 0 is OpenGL, the only one
+};
+
+/// False after a failed start and after the thread ended by itself; true before the first start and after a
+/// shutdown, when the next request starts the thread. Any thread.
+bool gpuAvailable() noexcept;
+
+/// Largest side of a texture, 0 until a thread has started. Any thread.
+u32 maxTextureSize() noexcept;
+
+/// What the running (or last started) GPU reported. Any thread.
+GpuCapabilities gpuCapabilities();

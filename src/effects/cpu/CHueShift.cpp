@@ -1,0 +1,44 @@
+// Hue rotation that keeps luminance.
+#include "model/CPureCEffect.h"
+#include "model/EffectRegistry.h"
+#include "pixels/ColourMatrix.h"
+#include "pixels/numbers.h"
+
+namespace KEXSDK {
+namespace {
+
+constexpr auto kHue = Param<int>{"Hue", 95, {0, 100}, "position on the hue wheel; 50 changes nothing"};
+
+// The weights stand in byte order, blue first.
+constexpr std::array<float, 3> kLuminance{0.3086f, 0.6094f, 0.082f};
+
+int degreesOf(int hue)
+{
+    if (hue >= 0 && hue <= 50)
+        return pixels::truncated(180 - hue / 50.0 * 180);
+    if (hue > 50 && hue <= 100)
+        return pixels::truncated((100 - hue) / 50.0 * 180 + 180);
+    return 0;
+}
+
+class CHueShift final : public CPureCEffect {
+public:
+    CHueShift(u32 w, u32 h) : CPureCEffect(w, h) { declare(kHue); }
+
+    void processFrame(const u8* src, u8* dst) override
+    {
+        const auto matrix = pixels::ColourMatrix::hueRotation(degreesOf(get(kHue)), kLuminance);
+        pixels::mapMatrix(input(src), output(dst), matrix);
+    }
+};
+
+const Registration<CHueShift> registered{{
+    .guid = "12E5BC38-3508-44b0-AD1A-D0B37D19289F",
+    .name = "hue-shift",
+    .title = "Hue Shift",
+    .family = "colour",
+    .summary = "Turns all hues by one angle and keeps the luminance.",
+}};
+
+} // namespace
+} // namespace KEXSDK

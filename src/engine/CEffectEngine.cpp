@@ -1,0 +1,54 @@
+// Engine life cycle and effect creation.
+#include "engine/CEffectEngine.h"
+
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "core/Log.h"
+#include "model/CSimpleEffect.h"
+
+CEffectEngine::CEffectEngine() = default;
+CEffectEngine::~CEffectEngine() = default;
+
+bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
+{
+    resourceDir_ = resourceDir;
+    logDir_ = logDir ? logDir : "";
+    if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
+        logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
+    initOgreEnvirenment();
+    return true;
+}
+
+bool CEffectEngine::initOgreEnvirenment()
+{
+    constexpr const char* kTag = "CEffectEngine::initOgreEnvirenment";
+    logging::info(kTag, "initOgreEnvirenment");
+    renderThread_ =
+        std::make_unique<TovOgreRenderThread>(resourceDir_.c_str(), resourceDir_.c_str(), logDir_.c_str());
+    const bool available = gpuAvailable();
+    if (!available)
+        logging::warning(kTag, "Ogre envirenment init failed.");
+    return available;
+}
+
+void CEffectEngine::unInitialize()
+{
+    constexpr const char* kTag = "CEffectEngine::unInitialize";
+    logging::info(kTag, "Uninitialze begin.");
+    renderThread_.reset();
+    logging::info(kTag, "Uninitialze end.");
+}
+
+void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height, KEXSDK::CSimpleEffect** out)
+{
+    constexpr const char* kTag = "CEffectEngine::createEffectFromGUID";
+    *out = nullptr;
+    std::unique_ptr<KEXSDK::CSimpleEffect> node(
+        KEXSDK::EffectRegistry::instance().create(guid, width, height));
+    if (!node) {
+        logging::info(kTag, std::string("Can't find filter GUID [") + guid + "]");
+        return;
+    }
+    logging::info(kTag, std::string("Create Filter: [") + guid + "]");
+    node->init();
+    *out = node.release();
+}

@@ -1,0 +1,42 @@
+// The process-wide engine: directories, start-up order, and the way from a GUID to a filter node.
+#pragma once
+
+#include "model/EffectRegistry.h"
+
+#include <memory>
+#include <string>
+
+class TovOgreRenderThread;
+
+namespace KEXSDK {
+class CSimpleEffect;
+}
+
+/// One per process, made by InitializeEngine. Its tables are written during initialize() and only read
+/// afterwards; all operations run on the host's calling thread.
+class CEffectEngine {
+public:
+    CEffectEngine();
+    /// Frees the tables; the render thread is unInitialize's business.
+    virtual ~CEffectEngine();
+
+    /// Opens the log, starts the GPU environment and fills the tables. A GPU that cannot be brought up is
+    /// one warning line, not a failure.
+    /// @param resourceDir  prefix of effect data, with its trailing separator
+    /// @param logDir       directory of "EffectEngine.log", or null for no log file
+    bool initialize(const char* resourceDir, const char* logDir);
+
+    /// Ends the render thread with everything that lives there.
+    void unInitialize();
+
+    /// Writes a new node, initialised and owned by the caller, to *out, or null when no source knows the
+    /// GUID. Throws std::bad_alloc.
+    void createEffectFromGUID(const char* guid, u32 width, u32 height, KEXSDK::CSimpleEffect** out);
+
+private:
+    bool initOgreEnvirenment();
+
+    std::unique_ptr<TovOgreRenderThread> renderThread_;
+    std::string resourceDir_;
+    std::string logDir_;
+};

@@ -1,0 +1,55 @@
+// Gathers the registries behind one list.
+#include "engine/effectList.h"
+
+#include "model/CSimpleEffect.h"
+
+#include <algorithm>
+#include <tuple>
+
+using KEXSDK::EffectInfo;
+
+namespace {
+
+// Repeated names get numbers: "wash", "wash-2".
+void makeNamesUnique(std::vector<EffectInfo>& effects)
+{
+    std::map<std::string, int> seen;
+    for (EffectInfo& effect : effects) {
+        const int count = ++seen[effect.name];
+        if (count > 1)
+            effect.name += "-" + std::to_string(count);
+    }
+}
+
+std::vector<EffectInfo> gather()
+{
+    std::vector<EffectInfo> effects;
+    for (const auto& [guid, entry] : KEXSDK::EffectRegistry::instance().entries())
+        effects.push_back(entry.info);
+    makeNamesUnique(effects);
+    std::ranges::sort(effects, {}, [](const EffectInfo& e) { return std::tie(e.family, e.name); });
+    return effects;
+}
+
+const std::vector<EffectInfo>& all()
+{
+    static const std::vector<EffectInfo> effects = gather();
+    return effects;
+}
+
+} // namespace
+
+std::vector<EffectInfo> listEffects() { return all(); }
+
+const EffectInfo* findEffect(std::string_view guidOrName)
+{
+    const auto found = std::ranges::find_if(
+        all(), [&](const EffectInfo& e) { return e.guid == guidOrName || e.name == guidOrName; });
+    return found == all().end() ? nullptr : &*found;
+}
+
+std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid)
+{
+    const std::unique_ptr<KEXSDK::CSimpleEffect> node(KEXSDK::EffectRegistry::instance().create(guid, 1, 1));
+    return node ? node->described() : std::vector<const KEXSDK::ParamInfo*>{};
+}

@@ -1,0 +1,73 @@
+// Image memory, row order, picture files.
+#include "model/CEffectImage.h"
+
+#include "EffectTovOgre/GraphicsSystem.h"
+#include "EffectTovOgre/TovOgreRenderThread.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace KEXSDK {
+
+CEffectImage::CEffectImage(u32 width, u32 height, u32 flipOnUnlock, u32 bitsPerPixel, void* externalPixels)
+    : bitsPerPixel_(bitsPerPixel),
+      flipOnUnlock_(flipOnUnlock)
+{
+    auto record = std::make_unique<_ImageParam>();
+    record->width = width;
+    record->height = height;
+    record->externalBuffer = externalPixels;
+    record->byteSize = width * height * record->bytesPerPixel;
+    if (externalPixels)
+        record->pixels = static_cast<u8*>(externalPixels);
+    else
+        record->allocatePixels();
+    record_ = record.release();
+}
+
+CEffectImage::~CEffectImage()
+{
+    if (!borrowsRecord_)
+        delete record_;
+}
+
+std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 width, u32 height)
+{
+    auto picture = TovOgreRenderThread::getInstance().loadImage(path);
+    if (!picture || !picture->hasData() || !picture->scale(width, height))
+        return nullptr;
+    auto image = std::make_unique<CEffectImage>(width, height, 1, picture->bitsPerPixel(), nullptr);
+    const auto bytes = picture->bytes();
+    std::memcpy(image->pixels(), bytes.data(), std::min<std::size_t>(bytes.size(), image->byteSize()));
+    image->record_->format = u32(picture->format());
+    picture->freeMemory();
+    image->reverseRows();
+    return image;
+}
+
+bool CEffectImage::saveToFile(const char* path)
+{
+    TovOgreRenderThread& renderThread = TovOgreRenderThread::getInstance();
+    renderThread.readBack(record_);
+    reverseRows();
+    const bool saved = renderThread.saveImage(path, pixels(), width(), height());
+    reverseRows();
+    return saved;
+}
+
+void CEffectImage::reverseRows()
+{
+    const pixels::View rows = view();
+    for (int y = 0; y < rows.height() / 2; ++y)
+        std::ranges::swap_ranges(rows.row(y), rows.pictureRow(y));
+}
+
+void CEffectImage::borrowRecord(_ImageParam* record)
+{
+    if (!borrowsRecord_ && record_ != record)
+        delete record_;
+    record_ = record;
+    borrowsRecord_ = 1;
+}
+
+} // namespace KEXSDK

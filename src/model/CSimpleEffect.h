@@ -1,0 +1,81 @@
+// The filter node: inputs, connections, an output image, and the evaluation of graphs.
+#pragma once
+
+#include "model/CEffectBaseParam.h"
+#include "model/CEffectImage.h"
+
+#include <map>
+
+namespace KEXSDK {
+
+// Parameters that every node carries, or that animated effects read.
+inline constexpr Param<int> kEnable{"kex_effect_enable", 1, {0, 1}, "0 passes input 0 through"};
+inline constexpr Param<float> kGlobalTime{"u_global_time", 0.0f, {0, 3600}, "time within the effect"};
+inline constexpr Param<float> kTotalTime{"u_total_time", 5.0f, {0, 3600}, "duration of the effect"};
+
+/// Every effect is such a node. It never owns its inputs or the nodes it is connected to; they must
+/// outlive its evaluations. One thread evaluates a graph at a time.
+class CSimpleEffect : public CEffectBaseParam {
+public:
+    /// @param width, height  working size in pixels, 1..4096, fixed for the node's life
+    CSimpleEffect(u32 width, u32 height);
+    ~CSimpleEffect() override;
+
+    /// Called once by the engine after construction. Override it to set up what needs the render thread.
+    virtual void init() { }
+
+    /// Inputs that the node expects; hosts show them. Index 0 is the first.
+    virtual u32 getInputCount() = 0;
+
+    /// The node's result; null before the first evaluation. Override it only when another node inside
+    /// this one holds the result.
+    virtual CEffectImage* getOutputImage() { return output_; }
+
+    /// Computes the output from the inputs. Called by evaluate() while the node is enabled: the output
+    /// image exists then and has the node's size. Write every pixel or leave the output as it was; allocate
+    /// on the first frame only. Afterwards paramsChanged is cleared by the caller.
+    virtual void run() = 0;
+
+    /// Stores an image under an input index, replacing an earlier one.
+    void setInputImage(CEffectImage* image, i32 index);
+    /// Feeds an input from another node's output; null removes the connection and what it fed.
+    void connect(CSimpleEffect* upstream, i32 index);
+    /// The image under an index, or null.
+    CEffectImage* getInputImage(i32 index) const;
+
+    /// Evaluates the connected nodes, depth first in the order of their indices, then this node.
+    /// @param external  becomes the output from now on, or null for the node's own image; it is handed to
+    ///                  every upstream node as well
+    /// @return false when there is no input at all, or the external image has another size (nothing is
+    ///         written then)
+    bool evaluate(CEffectImage* external);
+
+    u32 width() const { return width_; }
+    u32 height() const { return height_; }
+
+protected:
+    /// True when the image has the node's size. Otherwise false, with one warning line per node.
+    bool fits(const CEffectImage& image);
+
+private:
+    struct Connection {
+        CSimpleEffect* upstream;
+        CEffectImage* fed; ///< what the last evaluation stored as the input
+    };
+
+    void evaluateUpstream(CEffectImage* external);
+    void passThrough(CEffectImage* target) const;
+
+    std::map<i32, CEffectImage*> inputs_;
+    std::map<i32, Connection> connections_;
+    CEffectImage* output_ = nullptr;
+    const u32 width_;
+    const u32 height_;
+    /// The image that this node made. It stays until the node's end even when an external image has
+    /// replaced it, so addresses handed out earlier remain valid.
+    std::unique_ptr<CEffectImage> ownOutput_;
+    bool evaluating_ = false;
+    bool warnedOfSize_ = false;
+};
+
+} // namespace KEXSDK

@@ -1,0 +1,33 @@
+// Pixel memory of images.
+#include "model/ImageParam.h"
+
+#include <cstring>
+#include <new>
+
+namespace KEXSDK {
+
+namespace {
+
+constexpr std::align_val_t kPixelAlignment{64}; // a cache line, and the widest vector register
+
+} // namespace
+
+_ImageParam::~_ImageParam()
+{
+    if (ownsPixels)
+        ::operator delete[](pixels, kPixelAlignment);
+    pixels = nullptr;
+    externalBuffer = nullptr;
+    byteSize = 0;
+    ownsPixels = 0;
+    released = 1;
+}
+
+void _ImageParam::allocatePixels()
+{
+    pixels = static_cast<u8*>(::operator new[](byteSize, kPixelAlignment));
+    std::memset(pixels, 0, byteSize);
+    ownsPixels = 1;
+}
+
+} // namespace KEXSDK

@@ -1,0 +1,102 @@
+// A parameter, declared once: the constructor, the getters, the catalogue, the host tool and the sweep
+// test all read the same object.
+#pragma once
+
+#include "core/Types.h"
+
+#include <array>
+#include <type_traits>
+
+namespace KEXSDK {
+
+/// The tag of a stored value; the numbers are the ones hosts see.
+enum class ParamType : u16 { integer = 1, real = 2, integerArray = 3, realArray = 4, filePath = 5 };
+
+template <class T> struct Range {
+    T low;
+    T high;
+};
+
+/// What tools need to know about a parameter. Ranges advise hosts; the store never clamps.
+struct ParamInfo {
+    static constexpr u32 kMaxElements = 4;
+
+    const char* name;
+    ParamType type;
+    const char* help;
+    const char* unit = "";    ///< "percent", "pixels", "seconds"; empty for a plain number
+    const char* choices = ""; ///< values of a mode, "0 off, 1 left, 2 right"; empty when any number goes
+    double low = 0;
+    double high = 0;
+    u32 elements = 1;     ///< arrays: how many values the effect reads
+    bool declared = true; ///< false: the constructor stores nothing and the host adds the parameter
+    /// What the constructor stores; for undeclared parameters a value that shows the effect.
+    std::array<double, kMaxElements> value{};
+};
+
+/// A number. `get(param)` on the node answers the stored value, or `fallback` when the name is missing or
+/// holds another type.
+template <class T> struct Param : ParamInfo {
+    static_assert(std::is_same_v<T, int> || std::is_same_v<T, float>);
+    T fallback{};
+
+    constexpr Param(const char* paramName, T initial, Range<T> advised, const char* text)
+        : ParamInfo{paramName, std::is_same_v<T, int> ? ParamType::integer : ParamType::real, text}
+    {
+        low = double(advised.low);
+        high = double(advised.high);
+        value[0] = double(initial);
+    }
+    constexpr T initial() const { return T(value[0]); }
+
+    constexpr Param in(const char* unitName) const
+    {
+        return with([&](Param& p) { p.unit = unitName; });
+    }
+    constexpr Param choosing(const char* text) const
+    {
+        return with([&](Param& p) { p.choices = text; });
+    }
+    constexpr Param readingAs(T whenMissing) const
+    {
+        return with([&](Param& p) { p.fallback = whenMissing; });
+    }
+    constexpr Param undeclared() const
+    {
+        return with([](Param& p) { p.declared = false; });
+    }
+
+private:
+    template <class Change> constexpr Param with(Change change) const
+    {
+        Param copy = *this;
+        change(copy);
+        return copy;
+    }
+};
+
+/// An array that the host sets; effects check its length when they read it.
+template <class T> struct ArrayParam : ParamInfo {
+    constexpr ArrayParam(const char* paramName, std::array<double, kMaxElements> example, u32 count,
+        Range<T> advised, const char* text, const char* unitName = "")
+        : ParamInfo{paramName, std::is_same_v<T, int> ? ParamType::integerArray : ParamType::realArray, text,
+            unitName}
+    {
+        low = double(advised.low);
+        high = double(advised.high);
+        elements = count;
+        declared = false;
+        value = example;
+    }
+};
+
+/// A file that the host names.
+struct PathParam : ParamInfo {
+    constexpr PathParam(const char* paramName, const char* text)
+        : ParamInfo{paramName, ParamType::filePath, text}
+    {
+        declared = false;
+    }
+};
+
+} // namespace KEXSDK

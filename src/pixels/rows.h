@@ -1,0 +1,169 @@
+// The row loops of every effect, named by what they promise about order.
+#pragma once
+
+#include "pixels/View.h"
+#include "pixels/widest.h"
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+#include <tbb/parallel_reduce.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace pixels::rows {
+
+/// Pixels that one task handles: large enough to hide the cost of a task, small enough to balance cores.
+inline constexpr int kPixelsPerTask = 32 * 1024;
+
+inline int rowsPerTask(Extent size) { return std::max(1, kPixelsPerTask / std::max(1, size.width)); }
+
+/// fn(first, last) over half-open runs of rows that together cover the height, on any thread, in any
+/// order. Small pictures stay on the caller. The result must not depend on where the runs are cut.
+template <class Fn> void anyOrderRuns(Extent size, Fn&& fn)
+{
+    const int grain = rowsPerTask(size);
+    if (size.height <= grain) {
+        if (size.height > 0)
+            fn(0, size.height);
+        return;
+    }
+    tbb::parallel_for(
+        tbb::blocked_range<int>(0, size.height, grain),
+        [&](const tbb::blocked_range<int>& run) { fn(run.begin(), run.end()); }, tbb::simple_partitioner());
+}
+
+/// fn(y) for every row, on any thread, in any order.
+template <class Fn> void anyOrder(Extent size, Fn&& fn)
+{
+    anyOrderRuns(size, [&](int first, int last) {
+        for (int y = first; y < last; ++y)
+            fn(y);
+    });
+}
+
+/// fn(y) for every row on the calling thread, in memory order: for kernels that read what they wrote or
+/// draw random numbers.
+template <class Fn> void inOrder(Extent size, Fn&& fn)
+{
+    for (int y = 0; y < size.height; ++y)
+        fn(y);
+}
+
+/// Folds runs of rows into one value: accumulate(first, last, value) adds rows [first, last) to a value,
+/// join(left, right) adds right to left. Both must be exact (integers), so that cuts do not show.
+template <class Value, class Accumulate, class Join>
+Value fold(Extent size, const Value& zero, Accumulate accumulate, Join join)
+{
+    const int grain = rowsPerTask(size);
+    if (size.height <= grain) {
+        Value value = zero;
+        accumulate(0, size.height, value);
+        return value;
+    }
+    struct Body {
+        const Value& zero;
+        Accumulate& accumulate;
+        Join& join;
+        Value value;
+        Body(const Value& z, Accumulate& a, Join& j) : zero(z), accumulate(a), join(j), value(z) { }
+        Body(Body& other, tbb::split) : Body(other.zero, other.accumulate, other.join) { }
+        void operator()(const tbb::blocked_range<int>& run) { accumulate(run.begin(), run.end(), value); }
+        void join_(Body& right) { join(value, right.value); }
+    };
+    struct Joined : Body {
+        using Body::Body;
+        Joined(Joined& other, tbb::split s) : Body(other, s) { }
+        void join(Joined& right) { Body::join_(right); }
+    };
+    Joined body(zero, accumulate, join);
+    tbb::parallel_reduce(tbb::blocked_range<int>(0, size.height, grain), body);
+    return body.value;
+}
+
+namespace detail {
+
+// GCC vectorises these loops over words whatever the kernel is. `ivdep` holds for equal rows, too: a pixel
+// is written after it was read and never read again.
+template <class Kernel> void mapRow(const Bgra* from, Bgra* to, int count, Kernel kernel)
+{
+#pragma GCC ivdep
+    for (int x = 0; x < count; ++x)
+        store(to + x, kernel(load(from + x)));
+}
+
+template <class Kernel> void mapRow2(const Bgra* a, const Bgra* b, Bgra* to, int count, Kernel kernel)
+{
+#pragma GCC ivdep
+    for (int x = 0; x < count; ++x)
+        store(to + x, kernel(load(a + x), load(b + x)));
+}
+
+} // namespace detail
+
+/// Columns [first, last): dst(x, y) = kernel(src(x, y)), every pixel on its own; src and dst may be the same
+/// rows. The kernel is copied into each loop, so keep what it needs in it by value.
+template <class Kernel> void map(ConstView src, View dst, int first, int last, Kernel kernel)
+{
+    anyOrderRuns(dst.extent(), [&](int top, int end) {
+        widest([=] {
+            for (int y = top; y < end; ++y)
+                detail::mapRow(src.row(y).data() + first, dst.row(y).data() + first, last - first, kernel);
+        });
+    });
+}
+
+/// Whole rows.
+template <class Kernel> void map(ConstView src, View dst, Kernel kernel)
+{
+    map(src, dst, 0, dst.width(), kernel);
+}
+
+/// dst(x, y) = kernel(first(x, y), second(x, y)); dst may be either of the others.
+template <class Kernel> void map2(ConstView first, ConstView second, View dst, Kernel kernel)
+{
+    anyOrderRuns(dst.extent(), [&](int top, int end) {
+        widest([=] {
+            for (int y = top; y < end; ++y)
+                detail::mapRow2(
+                    first.row(y).data(), second.row(y).data(), dst.row(y).data(), dst.width(), kernel);
+        });
+    });
+}
+
+/// dst(x, y) = src(fn(x, y)): the kernel gives the source position, which must lie inside src.
+template <class Kernel> void fetch(ConstView src, View dst, Kernel kernel)
+{
+    anyOrder(dst.extent(), [&](int y) {
+        Bgra* const to = dst.row(y).data();
+        for (int x = 0; x < dst.width(); ++x) {
+            const Point from = kernel(x, y);
+            to[x] = src.at(from.x, from.y);
+        }
+    });
+}
+
+/// Columns [first, last) of src to dst; the views may be the same rows.
+inline void copyColumns(ConstView src, View dst, int first, int last)
+{
+    if (src.bytes() == dst.bytes() || last <= first)
+        return;
+    anyOrder(dst.extent(), [&](int y) {
+        std::memcpy(dst.row(y).data() + first, src.row(y).data() + first, std::size_t(last - first) * 4);
+    });
+}
+
+/// Whole rows of src to dst; the views may be the same rows.
+inline void copy(ConstView src, View dst)
+{
+    if (!src.packed() || !dst.packed())
+        return copyColumns(src, dst, 0, dst.width());
+    if (src.bytes() == dst.bytes())
+        return;
+    anyOrderRuns(dst.extent(), [&](int first, int last) {
+        std::memcpy(
+            dst.row(first).data(), src.row(first).data(), std::size_t(last - first) * dst.strideBytes());
+    });
+}
+
+} // namespace pixels::rows

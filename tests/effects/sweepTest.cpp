@@ -1,0 +1,209 @@
+// One sweep over everything registered: odd sizes, parameters at their ends and beyond, guard bytes, and the
+// promise that threads and vector width never show in the bytes.
+#include "core/Clock.h"
+#include "engine/effectList.h"
+#include "host/exampleValues.h"
+#include "pixels/Random.h"
+#include "pixels/widest.h"
+#include "support/EngineFixture.h"
+#include "support/GuardedFrame.h"
+#include "support/allocationCount.h"
+
+#include <tbb/global_control.h>
+
+#include <limits>
+#include <memory>
+
+namespace {
+
+using KEXSDK::EffectInfo;
+using KEXSDK::ParamInfo;
+using KEXSDK::ParamType;
+
+class Sweep : public test::EngineWithoutGpu {
+protected:
+    void SetUp() override { core::pinTime(1'700'000'000); }
+    void TearDown() override { core::pinTime(std::nullopt); }
+};
+
+struct Frames {
+    Frames(const EffectInfo& effect, int width, int height) : output(width, height)
+    {
+        for (u32 i = 0; i < effect.inputs; ++i) {
+            inputs.push_back(std::make_unique<test::GuardedFrame>(width, height));
+            inputs.back()->fillWithNoise(100 + i);
+        }
+    }
+    std::vector<std::unique_ptr<test::GuardedFrame>> inputs;
+    test::GuardedFrame output;
+};
+
+// Some frames of a fresh node into guarded memory; the bytes of the last one.
+template <class Prepare>
+std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2)
+{
+    pixels::threadRandom().seed(1);
+    Frames frames(effect, width, height);
+    std::vector<std::vector<u8>> before;
+    host::Filter filter(effect.guid, width, height);
+    for (u32 i = 0; i < effect.inputs; ++i) {
+        before.push_back(frames.inputs[i]->bytes());
+        SetInputImage(filter.handle(), frames.inputs[i]->image(), i);
+    }
+    prepare(filter);
+    for (int frame = 0; frame < frameCount; ++frame) {
+        filter.set(kEffectCurrentTime, 1.5f + float(frame) * 0.25f);
+        EXPECT_EQ(DoFilterEx(filter.handle(), frames.output.image()), 0u);
+    }
+    EXPECT_TRUE(frames.output.guardsIntact());
+    for (u32 i = 0; i < effect.inputs; ++i)
+        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes()) << "input " << i << " was written";
+    return frames.output.bytes();
+}
+
+constexpr pixels::Extent kSizes[] = {{1, 1}, {1, 9}, {2, 3}, {7, 5}, {33, 17}, {64, 48}};
+
+std::vector<double> extremes(const ParamInfo& param)
+{
+    const bool real = param.type == ParamType::real || param.type == ParamType::realArray;
+    std::vector<double> values{param.low, param.high, param.low - 1, param.high * 3 + 1, 0};
+    if (real) {
+        for (const float value :
+            {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                -std::numeric_limits<float>::infinity(), 1e30f, -1e30f})
+            values.push_back(double(value));
+    } else {
+        values.push_back(std::numeric_limits<int>::max());
+        values.push_back(std::numeric_limits<int>::min());
+    }
+    return values;
+}
+
+void store(host::Filter& filter, const ParamInfo& param, double value)
+{
+    switch (param.type) {
+    case ParamType::integer:
+        filter.set(param.name, int(value));
+        break;
+    case ParamType::real:
+        filter.set(param.name, float(value));
+        break;
+    case ParamType::integerArray:
+        filter.set(param.name, std::vector<int>(param.elements, int(value)));
+        break;
+    case ParamType::realArray:
+        filter.set(param.name, std::vector<float>(param.elements, float(value)));
+        break;
+    case ParamType::filePath:
+        break;
+    }
+}
+
+TEST_F(Sweep, EveryEffectBearsEveryParameterAtEverySize)
+{
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu)
+            continue;
+        SCOPED_TRACE(effect.name);
+        const auto params = describeParameters(effect.guid);
+        for (const auto [width, height] : kSizes) {
+            SCOPED_TRACE(testing::Message() << width << " x " << height);
+            const auto examples = [&](host::Filter& filter) {
+                host::setExampleValues(filter, params, u32(width), u32(height));
+            };
+            render(effect, width, height, examples);
+            for (const ParamInfo* param : params) {
+                if (std::string_view(param->name) == kEffectEnable)
+                    continue;
+                for (const double value : extremes(*param)) {
+                    SCOPED_TRACE(testing::Message() << param->name << " = " << value);
+                    render(
+                        effect, width, height,
+                        [&](host::Filter& filter) {
+                            examples(filter);
+                            store(filter, *param, value);
+                        },
+                        1);
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Sweep, ThreadsAndVectorsNeverShowInTheBytes)
+{
+    constexpr int kWidth = 333;
+    constexpr int kHeight = 301; // several tasks, and no multiple of any vector
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu)
+            continue;
+        const auto params = describeParameters(effect.guid);
+        const auto run = [&](std::size_t threads, pixels::VectorLevel vectors) {
+            const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+            pixels::limitVectors(vectors);
+            auto bytes = render(
+                effect, kWidth, kHeight,
+                [&](host::Filter& filter) { host::setExampleValues(filter, params, kWidth, kHeight); }, 3);
+            pixels::limitVectors(pixels::VectorLevel::avx512);
+            return bytes;
+        };
+        const auto plain = run(1, pixels::VectorLevel::base);
+        EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx2)) << effect.name;
+        EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx512)) << effect.name;
+        EXPECT_TRUE(plain == run(4, pixels::VectorLevel::avx512)) << effect.name;
+    }
+}
+
+TEST_F(Sweep, ADisabledNodePassesItsInputThrough)
+{
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu)
+            continue;
+        test::GuardedFrame input(7, 5);
+        input.fillWithNoise(3);
+        host::Filter filter(effect.guid, 7, 5);
+        SetInputImage(filter.handle(), input.image(), 0);
+        filter.set(kEffectEnable, 0);
+        const auto output = host::bytesOf(filter.run());
+        EXPECT_TRUE(std::ranges::equal(output, input.bytes())) << effect.name;
+    }
+}
+
+TEST_F(Sweep, SteadyFramesAllocateNothing)
+{
+    if (!test::kCountsAllocations)
+        GTEST_SKIP() << "the sanitizer's own operator new does not count";
+    constexpr int kWidth = 333;
+    constexpr int kHeight = 301;
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu)
+            continue;
+        Frames frames(effect, kWidth, kHeight);
+        host::Filter filter(effect.guid, kWidth, kHeight);
+        host::setExampleValues(filter, describeParameters(effect.guid), kWidth, kHeight);
+        for (u32 i = 0; i < effect.inputs; ++i)
+            SetInputImage(filter.handle(), frames.inputs[i]->image(), i);
+        filter.set(kEffectCurrentTime, 1.5f);
+        for (int warmUp = 0; warmUp < 4; ++warmUp)
+            filter.run();
+        const std::size_t before = test::allocationCount();
+        filter.run();
+        EXPECT_EQ(test::allocationCount(), before) << effect.name;
+    }
+}
+
+TEST_F(Sweep, NamesAndGuidsAreUnique)
+{
+    std::map<std::string, std::string> seen;
+    for (const EffectInfo& effect : listEffects()) {
+        for (const std::string& key : {effect.guid, effect.name}) {
+            EXPECT_TRUE(seen.emplace(key, effect.title).second) << key << " stands twice";
+            EXPECT_EQ(findEffect(key)->guid, effect.guid);
+        }
+        EXPECT_FALSE(effect.summary.empty()) << effect.name;
+        EXPECT_EQ(effect.name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"), std::string::npos)
+            << effect.name;
+    }
+}
+
+} // namespace

@@ -1,0 +1,40 @@
+// What tests of the real graphics system share: a directory of their own, and OGRE's log.
+#pragma once
+
+#include "EffectTovOgre/TovOgreRenderThread.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+/// No test needs a display; one that happens to be there must not help either.
+class OgreTest : public testing::Test {
+protected:
+    OgreTest()
+    {
+        unsetenv("DISPLAY");
+        TovOgreRenderThread::setGraphicsSystemFactory({});
+        char name[] = "/tmp/effectengine-gpu-XXXXXX";
+        directory_ = std::string(mkdtemp(name)) + "/";
+    }
+    ~OgreTest() override { std::filesystem::remove_all(directory_); }
+
+    std::string path(const std::string& name) const { return directory_ + name; }
+    void write(const std::string& name, const std::string& bytes) const
+    {
+        std::ofstream(path(name), std::ios::binary) << bytes;
+    }
+    std::string read(const std::string& name) const
+    {
+        std::ostringstream text;
+        text << std::ifstream(path(name), std::ios::binary).rdbuf();
+        return text.str();
+    }
+    bool logged(const std::string& text) const { return read("Ogre.log").find(text) != std::string::npos; }
+
+    std::string directory_;
+};

@@ -1,0 +1,129 @@
+// Numbers, tables and row loops that every effect stands on.
+#include "pixels/ByteTables.h"
+#include "pixels/QuadraticCurve.h"
+#include "pixels/Random.h"
+#include "pixels/numbers.h"
+#include "pixels/rows.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using namespace pixels;
+
+TEST(Numbers, TruncationSaturatesAndTakesNanToZero)
+{
+    EXPECT_EQ(truncated(-1.9), -1);
+    EXPECT_EQ(truncated(2147483646.5), 2147483646);
+    EXPECT_EQ(truncated(2147483648.0), 2147483647);
+    EXPECT_EQ(truncated(1e300), 2147483647);
+    EXPECT_EQ(truncated(-1e300), -2147483647 - 1);
+    EXPECT_EQ(truncated(-2147483648.0), -2147483647 - 1);
+    EXPECT_EQ(truncated(std::nan("")), 0);
+    EXPECT_EQ(roundHalfUp(-0.5), 0);
+    EXPECT_EQ(roundHalfUp(-1.5), -1) << "not symmetric about zero";
+    EXPECT_EQ(roundHalfUp(2.5), 3);
+    EXPECT_EQ(clamped(std::nan(""), 1.0, 2.0), 1.0);
+}
+
+TEST(Numbers, TheThreeBlendsRoundDifferently)
+{
+    EXPECT_EQ(shiftBlend(0, 200, 255), 199);
+    EXPECT_EQ(divisionBlend(0, 200, 255), 200);
+    EXPECT_EQ(divisionBlend(200, 200, 128), 199);
+    EXPECT_EQ(floatBlend(200, 200, 128), 200);
+    EXPECT_EQ(shiftBlend(255, 255, 0), 254);
+}
+
+TEST(Random, RepeatsTheClassicSequence)
+{
+    RandomGenerator generator;
+    EXPECT_EQ(generator.next(), 41);
+    EXPECT_EQ(generator.next(), 18467);
+    EXPECT_EQ(generator.next(), 6334);
+    generator.seed(1);
+    EXPECT_EQ(generator.next(), 41);
+}
+
+TEST(QuadraticCurve, PassesThroughThePointsWhenItsPivotsAreOne)
+{
+    const auto curve = QuadraticCurve::through({{{0.0, 0.0}, {0.5, 0.5}, {1.0, 1.0}}});
+    EXPECT_EQ(curve.a, 0.75);
+    EXPECT_EQ(curve.b, 0.25);
+    EXPECT_EQ(curve.c, 0.0);
+    const auto falling = QuadraticCurve::through({{{0.0, 0.0}, {0.5, 0.5}, {0.0, 1.0}}});
+    EXPECT_EQ(falling.a, 0.0);
+    EXPECT_EQ(falling.b, -1.0);
+    EXPECT_EQ(falling.c, 1.0);
+}
+
+// A picture whose rows lie further apart than their pixels need.
+struct Padded {
+    Padded(int width, int height) : size{width, height}, memory(std::size_t(height) * stride(), 0)
+    {
+        std::iota(memory.begin(), memory.end(), u8(0));
+    }
+    std::ptrdiff_t stride() const { return size.width * 4 + 12; }
+    View view() { return {memory.data(), size, stride()}; }
+    Extent size;
+    std::vector<u8> memory;
+};
+
+TEST(Rows, MapHonoursStrideColumnsAndEqualRows)
+{
+    Padded picture(37, 5);
+    const std::vector<u8> before = picture.memory;
+    rows::map(picture.view(), picture.view(), 3, 36, [](Bgra p) {
+        return Bgra{u8(255 - p.b), p.g, p.a, p.r};
+    });
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const std::ptrdiff_t inRow = std::ptrdiff_t(i) % picture.stride();
+        const bool mapped = inRow >= 3 * 4 && inRow < 36 * 4;
+        const u8 expected[] = {
+            u8(255 - before[i]), before[i], before[std::min(i + 1, before.size() - 1)], before[i - (i > 0)]};
+        ASSERT_EQ(picture.memory[i], mapped ? expected[inRow % 4] : before[i]) << "byte " << i;
+    }
+}
+
+TEST(Rows, EveryRowIsVisitedOnceHoweverManyThereAre)
+{
+    for (const Extent size : {Extent{1, 1}, {4096, 40}, {1, 5000}, {64 * 1024, 3}, {8, 0}}) {
+        std::vector<int> visits(std::size_t(size.height), 0);
+        rows::anyOrder(size, [&](int y) { ++visits[std::size_t(y)]; });
+        EXPECT_EQ(std::ranges::count(visits, 1), size.height);
+        const int sum = rows::fold(
+            size, 0,
+            [](int first, int last, int& value) {
+                for (int y = first; y < last; ++y)
+                    value += y;
+            },
+            [](int& left, int right) { left += right; });
+        EXPECT_EQ(sum, size.height * (size.height - 1) / 2);
+    }
+}
+
+TEST(ByteTables, VectorAndPlainLookUpsAgreeAndKeepAlpha)
+{
+    ByteTables tables;
+    tables.b = tableOf([](int i) { return u8(i * 7 + 1); });
+    tables.g = tableOf([](int i) { return u8(255 - i); });
+    tables.r = tableOf([](int i) { return u8(i * i); });
+    for (const int width : {1, 15, 16, 17, 256}) {
+        Padded source(width, 3);
+        Padded fast(width, 3);
+        Padded plain(width, 3);
+        mapTables(source.view(), fast.view(), tables, width / 3, width);
+        limitVectors(VectorLevel::base);
+        mapTables(source.view(), plain.view(), tables, width / 3, width);
+        limitVectors(VectorLevel::avx512);
+        EXPECT_EQ(fast.memory, plain.memory) << width;
+        const Bgra p = source.view().at(width - 1, 2);
+        EXPECT_EQ(plain.view().at(width - 1, 2), (Bgra{u8(p.b * 7 + 1), u8(255 - p.g), u8(p.r * p.r), p.a}));
+    }
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+// A running engine without a GPU, so that tests of CPU work start in no time and on any machine.
+#pragma once
+
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "host/Host.h"
+
+#include <gtest/gtest.h>
+
+namespace test {
+
+/// A graphics system that never starts.
+class NoGraphics final : public GraphicsSystem {
+public:
+    bool start(const std::string&, const std::string&, const std::string&, u32) override { return false; }
+    GpuCapabilities capabilities() const override { return {}; }
+    TovEffectBase* createEffect(const char*) override { return nullptr; }
+    void loadImage(const std::string&) override { }
+    SharedImage& sharedImage() override { std::abort(); }
+    bool saveImage(const std::string&, const u8*, u32, u32, KEXSDK::RecordFormat) override { return false; }
+    void log(std::string_view) override { }
+};
+
+inline void useNoGraphics()
+{
+    TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<NoGraphics>(); });
+}
+
+class EngineWithoutGpu : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        useNoGraphics();
+        ASSERT_EQ(InitializeEngine("./", nullptr), 0u);
+    }
+    static void TearDownTestSuite()
+    {
+        UninitializeEngine();
+        TovOgreRenderThread::setGraphicsSystemFactory({});
+    }
+};
+
+} // namespace test
