@@ -50,6 +50,7 @@ TovOgreBase::TovOgreBase(const char* resourceDirectory, const char* pluginsDirec
     : resourcesFile_(textOrEmpty(resourceDirectory) + "resources.cfg"),
       pluginsFile_(textOrEmpty(pluginsDirectory) + "plugins.cfg"),
       logFile_(textOrEmpty(logDirectory) + "Ogre.log"),
+      logsToFile_(logDirectory && *logDirectory),
       renderSystemKind_(renderSystemKind)
 {
     if (singleton)
@@ -110,7 +111,8 @@ void TovOgreBase::createRoot()
 {
     // A log that the root made would repeat every line on the host's standard output.
     logManager_ = std::make_unique<Ogre::LogManager>();
-    logManager_->createLog(logFile_, true, false);
+    // Without a log directory no file: it would land in whatever directory the host runs in.
+    logManager_->createLog(logFile_, true, false, !logsToFile_);
     root_ = std::make_unique<Ogre::Root>(pluginsFile_, kConfigurationFile, logFile_);
     // Nothing here is loaded in the background, and OGRE's workers would write to its log all at once.
     if (auto* const workers = dynamic_cast<Ogre::DefaultWorkQueueBase*>(root_->getWorkQueue()))

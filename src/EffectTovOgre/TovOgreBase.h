@@ -93,6 +93,7 @@ private:
     std::string pluginsFile_;
     std::string logFile_;
     std::map<LiveEffect*, bool> liveEffects_;
+    bool logsToFile_;
     u32 renderSystemKind_;
     bool initialised_ = true;
     bool configurationRestored_ = false;

@@ -168,6 +168,7 @@ TEST_F(EnvironmentTest, TheProcessMayEndWhileTheThreadWaits)
     EXPECT_EXIT(
         {
             new TovOgreRenderThread(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str());
+            std::filesystem::remove_all(directory_); // this process makes its own, and no fixture's end
             std::exit(gpuAvailable() ? 42 : 1);
         },
         testing::ExitedWithCode(42), "");

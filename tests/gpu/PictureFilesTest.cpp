@@ -2,10 +2,12 @@
 #include "EffectTovOgre/PictureCodecs.h"
 #include "gpu/OgreTest.h"
 
+#include <jpeglib.h>
 #include <malloc.h>
 #include <png.h>
 #include <sys/stat.h>
 
+#include <cstdio>
 #include <random>
 
 namespace {
@@ -106,6 +108,49 @@ TEST_F(PictureFilesTest, JpegComesCloseAndKeepsColourEdgesAndOrientation)
         for (std::size_t i = 0; i < loaded.size(); ++i)
             ASSERT_LE(std::abs(loaded[i] - (i % 4 == 3 ? 255 : pixels[i])), 24) << name << " byte " << i;
     }
+}
+
+/// A JPEG of 8 x 8 equal pixels.
+void writeJpeg(const std::string& file, J_COLOR_SPACE space, const Bytes& pixel)
+{
+    jpeg_compress_struct jpeg;
+    jpeg_error_mgr errors;
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    std::FILE* const out = std::fopen(file.c_str(), "wb");
+    jpeg_stdio_dest(&jpeg, out);
+    jpeg.image_width = jpeg.image_height = 8;
+    jpeg.input_components = int(pixel.size());
+    jpeg.in_color_space = space;
+    jpeg_set_defaults(&jpeg);
+    jpeg_set_quality(&jpeg, 100, TRUE);
+    jpeg_start_compress(&jpeg, TRUE);
+    Bytes row;
+    for (int x = 0; x < 8; ++x)
+        row.insert(row.end(), pixel.begin(), pixel.end());
+    for (int y = 0; y < 8; ++y) {
+        JSAMPROW rows[] = {row.data()};
+        jpeg_write_scanlines(&jpeg, rows, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    std::fclose(out);
+}
+
+TEST_F(PictureFilesTest, JpegOfOneOrFourColoursIsConverted)
+{
+    writeJpeg(path("grey.jpg"), JCS_GRAYSCALE, {77});
+    EXPECT_EQ(load(path("grey.jpg")).size(), 8u * 8 * 4);
+    EXPECT_EQ(Bytes(load(path("grey.jpg"))).back(), 255);
+    EXPECT_NEAR(load(path("grey.jpg"))[0], 77, 2);
+    // Inks as programs store them: 255 is none. Red at full light, green at half, no blue; a quarter black.
+    writeJpeg(path("inks.jpg"), JCS_CMYK, {255, 128, 0, 192});
+    const Bytes inks = load(path("inks.jpg"));
+    ASSERT_EQ(inks.size(), 8u * 8 * 4);
+    EXPECT_NEAR(inks[0], 0, 2);
+    EXPECT_NEAR(inks[1], 96, 2);
+    EXPECT_NEAR(inks[2], 192, 2);
+    EXPECT_EQ(inks[3], 255);
 }
 
 TEST_F(PictureFilesTest, EveryKindOfPngBecomesBlueGreenRedAlpha)
