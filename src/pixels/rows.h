@@ -1,15 +1,16 @@
 // The row loops of every effect, named by what they promise about order.
 #pragma once
 
+#include "pixels/Handover.h"
 #include "pixels/View.h"
 #include "pixels/widest.h"
 
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
-#include <tbb/parallel_reduce.h>
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 
 namespace pixels::rows {
 
@@ -28,9 +29,18 @@ template <class Fn> void anyOrderRuns(Extent size, Fn&& fn)
             fn(0, size.height);
         return;
     }
+    Handover started;
+    Handover finished;
+    started.give();
     tbb::parallel_for(
         tbb::blocked_range<int>(0, size.height, grain),
-        [&](const tbb::blocked_range<int>& run) { fn(run.begin(), run.end()); }, tbb::simple_partitioner());
+        [&](const tbb::blocked_range<int>& run) {
+            started.take();
+            fn(run.begin(), run.end());
+            finished.give();
+        },
+        tbb::simple_partitioner());
+    finished.take();
 }
 
 /// fn(y) for every row, on any thread, in any order.
@@ -51,34 +61,19 @@ template <class Fn> void inOrder(Extent size, Fn&& fn)
 }
 
 /// Folds runs of rows into one value: accumulate(first, last, value) adds rows [first, last) to a value,
-/// join(left, right) adds right to left. Both must be exact (integers), so that cuts do not show.
+/// join(sum, part) adds part to sum. Both must be exact (integers), so that neither cuts nor order show.
 template <class Value, class Accumulate, class Join>
 Value fold(Extent size, const Value& zero, Accumulate accumulate, Join join)
 {
-    const int grain = rowsPerTask(size);
-    if (size.height <= grain) {
-        Value value = zero;
-        accumulate(0, size.height, value);
-        return value;
-    }
-    struct Body {
-        const Value& zero;
-        Accumulate& accumulate;
-        Join& join;
-        Value value;
-        Body(const Value& z, Accumulate& a, Join& j) : zero(z), accumulate(a), join(j), value(z) { }
-        Body(Body& other, tbb::split) : Body(other.zero, other.accumulate, other.join) { }
-        void operator()(const tbb::blocked_range<int>& run) { accumulate(run.begin(), run.end(), value); }
-        void join_(Body& right) { join(value, right.value); }
-    };
-    struct Joined : Body {
-        using Body::Body;
-        Joined(Joined& other, tbb::split s) : Body(other, s) { }
-        void join(Joined& right) { Body::join_(right); }
-    };
-    Joined body(zero, accumulate, join);
-    tbb::parallel_reduce(tbb::blocked_range<int>(0, size.height, grain), body);
-    return body.value;
+    Value sum = zero;
+    std::mutex joining;
+    anyOrderRuns(size, [&](int first, int last) {
+        Value part = zero;
+        accumulate(first, last, part);
+        const std::lock_guard lock(joining);
+        join(sum, part);
+    });
+    return sum;
 }
 
 namespace detail {
