@@ -8,3 +8,4 @@
 void addListCommand(CLI::App& tool);
 void addDescribeCommand(CLI::App& tool);
 void addApplyCommand(CLI::App& tool, const SessionOptions& session);
+void addTransitionCommand(CLI::App& tool, const SessionOptions& session);

