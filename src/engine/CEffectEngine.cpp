@@ -3,6 +3,8 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "effects/am/CSimpleAmEffect.h"
+#include "effects/am/amCatalog.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
@@ -17,6 +19,7 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
     initOgreEnvirenment();
     transitionMgrInit();
+    initAmEffects();
     return true;
 }
 
@@ -30,6 +33,15 @@ bool CEffectEngine::initOgreEnvirenment()
     if (!available)
         logging::warning(kTag, "Ogre envirenment init failed.");
     return available;
+}
+
+void CEffectEngine::initAmEffects()
+{
+    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog()) {
+        amIdByGuid_[row.guid] = row.id;
+        if (row.texture)
+            amTextureByGuid_[row.guid] = row.texture;
+    }
 }
 
 void CEffectEngine::unInitialize()
@@ -46,7 +58,7 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
     *out = nullptr;
     Node node;
     for (const auto source :
-        {&CEffectEngine::makeRegistered, &CEffectEngine::makeTransition}) {
+        {&CEffectEngine::makeAmEffect, &CEffectEngine::makeRegistered, &CEffectEngine::makeTransition}) {
         node = (this->*source)(guid, width, height);
         if (node)
             break;
@@ -58,6 +70,16 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
     logging::info(kTag, std::string("Create Filter: [") + guid + "]");
     node->init();
     *out = node.release();
+}
+
+CEffectEngine::Node CEffectEngine::makeAmEffect(const char* guid, u32 width, u32 height) const
+{
+    const auto id = amIdByGuid_.find(std::string_view(guid));
+    if (id == amIdByGuid_.end())
+        return nullptr;
+    const auto texture = amTextureByGuid_.find(std::string_view(guid));
+    return std::make_unique<KEXSDK::CSimpleAmEffect>(
+        id->second, width, height, texture == amTextureByGuid_.end() ? nullptr : texture->second.c_str());
 }
 
 CEffectEngine::Node CEffectEngine::makeRegistered(const char* guid, u32 width, u32 height) const

@@ -3,6 +3,7 @@
 
 #include "model/EffectRegistry.h"
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -37,13 +38,17 @@ private:
     using Node = std::unique_ptr<KEXSDK::CSimpleEffect>;
 
     bool initOgreEnvirenment();
+    void initAmEffects();
 
     // The sources of effects, in the order in which they are asked; each answers null for a GUID it does not
     // know.
+    Node makeAmEffect(const char* guid, u32 width, u32 height) const;
     Node makeRegistered(const char* guid, u32 width, u32 height) const;
     Node makeTransition(const char* guid, u32 width, u32 height) const;
 
     std::unique_ptr<TovOgreRenderThread> renderThread_;
     std::string resourceDir_;
     std::string logDir_;
+    std::map<std::string, i32, std::less<>> amIdByGuid_;
+    std::map<std::string, std::string, std::less<>> amTextureByGuid_;
 };

@@ -1,6 +1,7 @@
 // Gathers the registries behind one list.
 #include "engine/effectList.h"
 
+#include "effects/am/amCatalog.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
@@ -28,6 +29,7 @@ std::vector<EffectInfo> gather()
     std::vector<EffectInfo> effects;
     for (const auto& [guid, entry] : KEXSDK::EffectRegistry::instance().entries())
         effects.push_back(entry.info);
+    std::ranges::move(KEXSDK::amEffectInfos(), std::back_inserter(effects));
     std::ranges::move(transitionInfos(), std::back_inserter(effects));
     makeNamesUnique(effects);
     std::ranges::sort(effects, {}, [](const EffectInfo& e) { return std::tie(e.family, e.name); });
@@ -56,5 +58,10 @@ std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid
     const std::unique_ptr<KEXSDK::CSimpleEffect> node(KEXSDK::EffectRegistry::instance().create(guid, 1, 1));
     if (node)
         return node->described();
-    return {&KEXSDK::kEnable, &KEXSDK::kGlobalTime, &KEXSDK::kTotalTime};
+    std::vector<const KEXSDK::ParamInfo*> params{&KEXSDK::kEnable, &KEXSDK::kGlobalTime, &KEXSDK::kTotalTime};
+    if (const KEXSDK::AmCatalogRow* row = KEXSDK::findAmRow(guid)) {
+        for (const KEXSDK::ParamInfo& param : KEXSDK::amParameters(row->id))
+            params.push_back(&param);
+    }
+    return params;
 }

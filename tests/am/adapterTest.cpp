@@ -1,0 +1,180 @@
+// The node of the numeric effect library: its parameters, its block, its texture.
+#include "am/AmFixture.h"
+#include "core/Log.h"
+#include "effects/am/CSimpleAmEffect.h"
+#include "effects/am/amCatalog.h"
+#include "support/EngineFixture.h"
+#include "support/allocationCount.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace KEXSDK;
+using pixels::Bgra;
+
+class Node : public CSimpleAmEffect {
+public:
+    Node(i32 id, u32 width = 640, u32 height = 480, const char* texture = nullptr)
+        : CSimpleAmEffect(id, width, height, texture)
+    {
+    }
+    AmEffectParams& block() { return *params; }
+};
+
+TEST(AmNode, DeclaresFourteenParametersWithTheValuesOfTheBlock)
+{
+    Node node(61);
+    EXPECT_EQ(node.GetParamCount(), 3u + 14u);
+    for (const char* name : {"PositionX", "PositionY", "Percent", "Radius"})
+        EXPECT_EQ(node.getParamInt(name, -1), 50) << name;
+    for (const char* name : {"Red", "Gleen", "Blue"})
+        EXPECT_EQ(node.getParamInt(name, -1), 0) << name;
+    EXPECT_EQ(node.getParamInt("Direction", -1), 1);
+    EXPECT_EQ(node.getParamFloat("DecolorPosX", -1), 5000.0f);
+    EXPECT_EQ(node.getParamFloat("DecolorPosY", -1), 5000.0f);
+    EXPECT_EQ(node.getParamFloat("LeftPos", -1), 0.0f);
+    EXPECT_EQ(node.getParamFloat("RightPos", -1), 100.0f / 640);
+    EXPECT_EQ(node.getParamFloat("BottomPos", -1), 100.0f / 480);
+    EXPECT_EQ(node.block().frameRate, 25.0f);
+    EXPECT_EQ(node.getInputCount(), 1u);
+    EXPECT_EQ(Node(2050).getInputCount(), 1u);
+}
+
+TEST(AmNode, ParametersReachTheBlockBeforeEveryRun)
+{
+    Node node(11);
+    node.setParamIntValue("PositionX", 1);
+    node.setParamIntValue("PositionY", -2);
+    node.setParamFloatValue("DecolorPosX", 2550);
+    node.setParamFloatValue("DecolorPosY", 25);
+    node.setParamIntValue("Direction", 3);
+    node.setParamIntValue("Percent", 4);
+    node.setParamIntValue("Red", 0x105);
+    node.setParamIntValue("Gleen", 6);
+    node.setParamIntValue("Blue", -1);
+    node.setParamIntValue("Radius", 7);
+    node.setParamFloatValue("LeftPos", 0.25f);
+    node.setParamFloatValue("TopPos", 0.1f);
+    node.setParamFloatValue("RightPos", std::numeric_limits<float>::quiet_NaN());
+    node.setParamFloatValue("BottomPos", 1e30f);
+    node.updateParams();
+    const AmEffectParams& b = node.block();
+    EXPECT_EQ(b.posX, 1);
+    EXPECT_EQ(b.posY, -2);
+    EXPECT_EQ(b.pickX, 25.5f);
+    EXPECT_EQ(b.pickY, 0.25f);
+    EXPECT_EQ(b.direction, 3);
+    EXPECT_EQ(b.percent, 4);
+    EXPECT_EQ(b.red, 5);
+    EXPECT_EQ(b.green, 6);
+    EXPECT_EQ(b.blue, 255);
+    EXPECT_EQ(b.radius, 7);
+    EXPECT_EQ(b.left, 160);
+    EXPECT_EQ(b.top, 48);
+    EXPECT_EQ(b.right, 0);
+    EXPECT_EQ(b.bottom, std::numeric_limits<i32>::max());
+
+    node.setParamFloatValue("Percent", 90); // of another type: reads as 0
+    node.updateParams();
+    EXPECT_EQ(b.percent, 0);
+}
+
+TEST(AmNode, TheRoundVignetteTakesItsStrengthFromTheRadius)
+{
+    Node node(95);
+    node.setParamIntValue("Radius", 70);
+    node.setParamIntValue("Percent", 20);
+    node.updateParams();
+    EXPECT_EQ(node.block().percent, 70);
+    EXPECT_EQ(node.block().radius, 70);
+}
+
+TEST(AmNode, ChangedParametersMarkTheDisplacementMaps)
+{
+    const auto marked = [](i32 id) {
+        Node node(id, 8, 8);
+        CEffectImage input(8, 8, 0, 32, nullptr);
+        node.setInputImage(&input, 0);
+        node.evaluate(nullptr);
+        node.block().dirty = 0;
+        node.updateParams();
+        EXPECT_EQ(node.block().dirty, 0u);
+        node.setParamIntValue("PositionX", 10);
+        node.updateParams();
+        return node.block().dirty;
+    };
+    EXPECT_EQ(marked(1032), 12u);
+    for (const i32 id : {1033, 1034, 1035})
+        EXPECT_EQ(marked(id), 0xFFFFFFFFu);
+    EXPECT_EQ(marked(1036), 0u);
+    EXPECT_EQ(marked(11), 0u);
+}
+
+TEST(AmNode, AppliesTheEffectToACopyOfItsInput)
+{
+    CEffectImage input(33, 17, 0, 32, nullptr);
+    for (int y = 0; y < 17; ++y)
+        for (Bgra& p : input.view().row(y))
+            p = {1, 2, 3, 4};
+    Node node(14, 33, 17);
+    EXPECT_FALSE(node.evaluate(nullptr)) << "no input";
+    node.setInputImage(&input, 0);
+    ASSERT_TRUE(node.evaluate(nullptr));
+    EXPECT_EQ(node.getOutputImage()->view().at(32, 16), (Bgra{254, 253, 252, 4}));
+    EXPECT_EQ(input.view().at(32, 16), (Bgra{1, 2, 3, 4}));
+    ASSERT_TRUE(node.evaluate(&input)) << "in place";
+    EXPECT_EQ(input.view().at(0, 0), (Bgra{254, 253, 252, 4}));
+
+    Node unknown(70, 33, 17); // no effect of that id: a copy
+    unknown.setInputImage(&input, 0);
+    ASSERT_TRUE(unknown.evaluate(nullptr));
+    EXPECT_EQ(unknown.getOutputImage()->view().at(5, 5), (Bgra{254, 253, 252, 4}));
+
+    Node other(14, 32, 17);
+    other.setInputImage(&input, 0);
+    ASSERT_TRUE(other.evaluate(nullptr));
+    EXPECT_EQ(other.getOutputImage()->view().at(0, 0), (Bgra{0, 0, 0, 0})) << "an input of another size";
+}
+
+TEST(AmNode, SteadyFramesAllocateNothing)
+{
+    if (!test::kCountsAllocations)
+        GTEST_SKIP() << "the sanitizer counts for itself";
+    CEffectImage input(64, 48, 0, 32, nullptr); // one task: the scheduler's own memory is not ours
+    for (const EffectInfo& info : amEffectInfos()) {
+        Node node(findAmRow(info.guid)->id, 64, 48);
+        node.setInputImage(&input, 0);
+        node.evaluate(nullptr);
+        const std::size_t before = test::allocationCount();
+        node.evaluate(nullptr);
+        EXPECT_EQ(test::allocationCount(), before) << info.name;
+    }
+}
+
+TEST(AmNode, DescribesWhatItStores)
+{
+    for (const EffectInfo& info : amEffectInfos()) {
+        Node node(findAmRow(info.guid)->id);
+        for (const ParamInfo* param : node.described()) {
+            const float stored = param->type == ParamType::integer ? float(node.getParamInt(param->name, -1))
+                                                                   : node.getParamFloat(param->name, -1);
+            EXPECT_EQ(stored, float(param->value[0])) << info.name << ' ' << param->name;
+        }
+    }
+}
+
+class AmTextures : public test::EngineWithoutGpu { };
+
+TEST_F(AmTextures, AMissingTextureLeavesInputOneEmpty)
+{
+    Node node(2050, 8, 8, "NoSuchTexture.png");
+    EXPECT_EQ(node.getInputImage(1), nullptr);
+    CEffectImage input(8, 8, 0, 32, nullptr);
+    input.view().at(3, 3) = {9, 8, 7, 6};
+    node.setInputImage(&input, 0);
+    ASSERT_TRUE(node.evaluate(nullptr));
+    EXPECT_EQ(node.getOutputImage()->view().at(3, 3).a, 6);
+}
+
+} // namespace

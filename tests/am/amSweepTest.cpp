@@ -1,0 +1,94 @@
+// Every effect of the library at odd sizes, with every field of the block at its ends and beyond.
+#include "am/AmFixture.h"
+#include "effects/am/amFilters.h"
+#include "pixels/widest.h"
+
+#include <tbb/global_control.h>
+
+#include <limits>
+
+namespace {
+
+using namespace KEXSDK;
+using test::AmBlock;
+using test::AmPicture;
+
+std::vector<i32> implementedFilters()
+{
+    std::vector<i32> ids;
+    for (i32 id = 1; id <= 97; ++id)
+        if (am::findEffect(id))
+            ids.push_back(id);
+    return ids;
+}
+
+constexpr pixels::Extent kSizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 3}, {7, 5}, {33, 17}, {64, 48}};
+
+// Two runs of a block on a picture with padding, in place and from elsewhere: the same bytes, nothing beside.
+template <class Set> std::vector<pixels::Bgra> run(i32 id, pixels::Extent size, Set set)
+{
+    AmPicture source(size.width, size.height, 20);
+    source.fillWithNoise(u32(id));
+    const auto before = source.pixels();
+    std::vector<pixels::Bgra> results[2];
+    for (const bool inPlace : {true, false}) {
+        AmBlock block(id);
+        block->frameRate = 25;
+        pixels::threadRandom().seed(9);
+        for (int i = 0; i < 2; ++i) {
+            set(*block.get());
+            AmPicture picture = source;
+            if (!inPlace)
+                picture.fillWithNoise(77);
+            const AmImageDesc desc = picture.desc();
+            EXPECT_EQ(inPlace ? AmApplyEffect(block.get(), &desc, nullptr)
+                              : AmApplyEffectFrom(source.view(), block.get(), &desc, nullptr),
+                kAmOk);
+            EXPECT_TRUE(picture.surroundingsIntact());
+            results[inPlace] = picture.pixels();
+        }
+    }
+    EXPECT_TRUE(results[0] == results[1]) << "in place and from elsewhere differ";
+    EXPECT_TRUE(source.pixels() == before);
+    return results[0];
+}
+
+TEST(AmSweep, EveryFilterBearsEveryFieldAtEverySize)
+{
+    constexpr i32 kValues[] = {0, 1, 99, 100, 101, -1, 255, 1 << 20, std::numeric_limits<i32>::min(),
+        std::numeric_limits<i32>::max()};
+    constexpr float kReals[] = {0, 50, 100, -1, 1e30f, -1e30f, std::numeric_limits<float>::infinity(),
+        std::numeric_limits<float>::quiet_NaN()};
+    for (const i32 id : implementedFilters()) {
+        for (const auto size : kSizes) {
+            SCOPED_TRACE(testing::Message() << id << " at " << size.width << " x " << size.height);
+            for (const i32 value : kValues) {
+                run(id, size, [=](AmEffectParams& b) { b.percent = value; });
+                run(id, size, [=](AmEffectParams& b) { b.radius = value; });
+                run(id, size, [=](AmEffectParams& b) { b.posX = b.posY = value; });
+                run(id, size, [=](AmEffectParams& b) { b.direction = b.variant = value; });
+            }
+            for (const float value : kReals)
+                run(id, size, [=](AmEffectParams& b) { b.pickX = b.pickY = value, b.radius = 100; });
+        }
+    }
+}
+
+TEST(AmSweep, ThreadsAndVectorsNeverShowInTheBytes)
+{
+    for (const i32 id : implementedFilters()) {
+        const auto with = [&](std::size_t threads, pixels::VectorLevel vectors) {
+            const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+            pixels::limitVectors(vectors);
+            auto result = run(id, {333, 301}, [](AmEffectParams&) {});
+            pixels::limitVectors(pixels::VectorLevel::avx512);
+            return result;
+        };
+        const auto plain = with(1, pixels::VectorLevel::base);
+        EXPECT_TRUE(with(2, pixels::VectorLevel::base) == plain) << id;
+        EXPECT_TRUE(with(1, pixels::VectorLevel::avx2) == plain) << id;
+        EXPECT_TRUE(with(3, pixels::VectorLevel::avx512) == plain) << id;
+    }
+}
+
+} // namespace

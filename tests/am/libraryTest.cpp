@@ -1,0 +1,249 @@
+// Blocks, result codes, scratch memory and dirty bits of the numeric effect library.
+#include "am/AmFixture.h"
+#include "effects/am/amScratch.h"
+
+namespace {
+
+using namespace KEXSDK;
+using test::AmBlock;
+using test::AmPicture;
+using test::apply;
+
+TEST(AmBlockDefaults, EveryFamilyStartsFromTheCommonValues)
+{
+    for (const i32 id : {11, 1026, 2190}) {
+        AmBlock block(id);
+        EXPECT_EQ(block->size, 176u);
+        EXPECT_EQ(block->id, id);
+        EXPECT_EQ(block->percent, 50);
+        EXPECT_EQ(block->radius, 50);
+        EXPECT_EQ(block->posX, 50);
+        EXPECT_EQ(block->posY, 50);
+        EXPECT_EQ(block->width, 0);
+        EXPECT_EQ(block->left, 0);
+        EXPECT_EQ(block->top, 0);
+        EXPECT_EQ(block->right, 100);
+        EXPECT_EQ(block->bottom, 100);
+        EXPECT_EQ(block->dirty, 0xFFFFFFFFu);
+        EXPECT_EQ(block->usageMask, 0);
+        EXPECT_EQ(block->frameRate, 0.0f);
+        EXPECT_EQ(block->scratchC, nullptr);
+        const bool filter = id < 98;
+        EXPECT_EQ(block->pickX, filter ? 50.0f : 0.0f);
+        EXPECT_EQ(block->work3, filter ? 100 : 0);
+        EXPECT_EQ(block->work7, filter ? 100 : 0);
+        EXPECT_EQ(block->work5, 0);
+    }
+}
+
+TEST(AmBlockDefaults, SomeIdsStartDifferently)
+{
+    for (const i32 id : {1, 2, 3, 4, 5, 12, 1025, 1028, 1029, 1030, 1031, 1036})
+        EXPECT_EQ(AmBlock(id)->usageMask, 1) << id;
+    EXPECT_EQ(AmBlock(24)->usageMask, 7);
+    EXPECT_EQ(AmBlock(1026)->usageMask, 0);
+    EXPECT_EQ(AmBlock(1032)->usageMask, 6);
+    EXPECT_EQ(AmBlock(1035)->usageMask, 4);
+    EXPECT_EQ(AmBlock(61)->direction, 1);
+    EXPECT_EQ(AmBlock(62)->direction, 0);
+    EXPECT_EQ(AmBlock(62)->usageMask, 35);
+    EXPECT_EQ(AmBlock(63)->radius, 30);
+    EXPECT_EQ(AmBlock(1041)->top, 40);
+    EXPECT_EQ(AmBlock(1041)->bottom, 60);
+    EXPECT_EQ(AmBlock(2070)->variant, 0);
+    EXPECT_EQ(AmBlock(2067)->variant, 3);
+    EXPECT_EQ(AmBlock(2068)->variant, 2);
+    for (const i32 id : {2078, 2081, 2089, 2093, 2177, 2180, 2184})
+        EXPECT_EQ(AmBlock(id)->percent, 100) << id;
+    for (const i32 id : {2079, 2094, 2179, 2185})
+        EXPECT_EQ(AmBlock(id)->percent, 50) << id;
+    EXPECT_EQ(AmBlock(2092)->percent, 60);
+    EXPECT_EQ(AmBlock(2178)->percent, 40);
+
+    const auto colour = [](i32 id) {
+        AmBlock block(id);
+        return std::array<int, 4>{block->red, block->green, block->blue, block->alpha};
+    };
+    using Colour = std::array<int, 4>;
+    EXPECT_EQ(colour(2049), (Colour{0, 255, 255, 128}));
+    EXPECT_EQ(colour(2064), (Colour{225, 55, 36, 0}));
+    EXPECT_EQ(colour(2066), (Colour{40, 70, 235, 0}));
+    EXPECT_EQ(colour(2188), (Colour{205, 155, 36, 0}));
+}
+
+TEST(AmCodes, BlocksExistOnlyForTheThreeFamilies)
+{
+    AmEffectParams* block = nullptr;
+    for (const i32 id : {0, -1, 98, 1024, 1044, 2048, 2207})
+        EXPECT_EQ(AmCreateParams(&block, id), -2) << id;
+    EXPECT_EQ(block, nullptr);
+    EXPECT_EQ(AmCreateParams(nullptr, 1), -1);
+    EXPECT_EQ(AmReleaseParams(nullptr), -1);
+}
+
+TEST(AmCodes, BrokenBlocksAndPicturesAreRefusedUntouched)
+{
+    AmPicture picture{{1, 2, 3, 4}};
+    const AmImageDesc desc = picture.desc();
+    AmBlock block(14);
+    EXPECT_EQ(AmApplyEffect(nullptr, &desc, nullptr), -5);
+    block->size = 172;
+    EXPECT_EQ(AmApplyEffect(block.get(), &desc, nullptr), -5);
+    EXPECT_EQ(AmReleaseParams(block.get()), -5);
+    block->size = 176;
+    EXPECT_EQ(AmApplyEffect(block.get(), nullptr, nullptr), -3);
+    const auto refused = [&](auto spoil) {
+        AmImageDesc bad = desc;
+        spoil(bad);
+        return AmApplyEffect(block.get(), &bad, nullptr) == -3;
+    };
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.size = 24; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.data = nullptr; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.dataSize = 0; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.width = 0; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.height = -1; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.stride = 0; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.stride = 3; }));
+    EXPECT_TRUE(refused([](AmImageDesc& d) { d.bitsPerPixel = 24; }));
+    EXPECT_EQ(block->width, 0);
+    EXPECT_EQ(picture.at(0, 0), (pixels::Bgra{1, 2, 3, 4}));
+    EXPECT_EQ(AmApplyEffect(block.get(), &desc, nullptr), 0);
+}
+
+TEST(AmCodes, IdsWithoutAnEffectLeaveThePicture)
+{
+    AmPicture picture{{1, 2, 3, 4}, {5, 6, 7, 8}};
+    const auto before = picture.pixels();
+    for (const i32 id : {70, 1043, 2062, 2071}) {
+        AmBlock block(id);
+        AmPicture second{{9, 9, 9, 9}, {9, 9, 9, 9}};
+        const AmImageDesc desc = picture.desc();
+        const AmImageDesc secondDesc = second.desc();
+        EXPECT_EQ(AmApplyEffect(block.get(), &desc, &secondDesc), -1) << id;
+        EXPECT_EQ(picture.pixels(), before);
+    }
+    AmBlock moved(1);
+    moved->id = 500;
+    EXPECT_EQ(apply(moved, picture), -1);
+    AmBlock textured(2050);
+    EXPECT_EQ(apply(textured, picture), -3);
+    EXPECT_EQ(picture.pixels(), before);
+}
+
+TEST(AmCodes, EffectsThatNeedACopyKeepItBeforeAnythingElse)
+{
+    AmPicture picture(3, 2, 8);
+    picture.fillWithNoise(3);
+    AmBlock block(1043);
+    EXPECT_EQ(apply(block, picture), -1);
+    ASSERT_GE(block->scratchBCapacity, 3 * 2 * 4);
+    EXPECT_EQ(std::memcmp(block->scratchB, picture.view().row(0).data(), 12), 0);
+    EXPECT_EQ(std::memcmp(static_cast<u8*>(block->scratchB) + 12, picture.view().row(1).data(), 12), 0);
+}
+
+class AmMemory : public testing::Test {
+protected:
+    void TearDown() override { am::setAllocationGate(nullptr); }
+};
+
+TEST_F(AmMemory, WithoutItBlocksAreNotMadeAndEffectsLeaveThePicture)
+{
+    AmPicture picture(40, 30);
+    picture.fillWithNoise(1);
+    const auto before = picture.pixels();
+    for (const i32 id : {50, 57, 58, 60, 61, 62, 1026}) {
+        AmBlock block(id);
+        am::setAllocationGate([](std::size_t) { return false; });
+        EXPECT_EQ(apply(block, picture), -6) << id;
+        EXPECT_EQ(picture.pixels(), before) << id;
+
+        if (id < 98) {
+            AmPicture elsewhere(40, 30);
+            const AmImageDesc desc = elsewhere.desc();
+            EXPECT_EQ(AmApplyEffectFrom(picture.view(), block.get(), &desc, nullptr), -6) << id;
+            EXPECT_EQ(elsewhere.pixels(), before) << "the plain copy";
+        }
+        AmEffectParams* none = nullptr;
+        EXPECT_EQ(AmCreateParams(&none, id), -1);
+        am::setAllocationGate(nullptr);
+        if (id < 98) {
+            EXPECT_EQ(apply(block, picture), 0) << "it recovers";
+            picture.fillWithNoise(1);
+        }
+    }
+}
+
+TEST_F(AmMemory, SteadyFramesAllocateNothing)
+{
+    for (const i32 id : {50, 57, 60, 61, 62}) {
+        AmBlock block(id);
+        AmPicture picture(40, 30);
+        EXPECT_EQ(apply(block, picture), 0);
+        am::setAllocationGate([](std::size_t) { return false; });
+        EXPECT_EQ(apply(block, picture), 0) << id;
+        am::setAllocationGate(nullptr);
+    }
+}
+
+TEST_F(AmMemory, ScratchBuffersOnlyGrow)
+{
+    AmBlock block(61);
+    AmPicture wide(500, 2);
+    AmPicture narrow(100, 2);
+    EXPECT_EQ(apply(block, wide), 0);
+    EXPECT_EQ(block->scratchCCapacity, 16 * 250);
+    void* const buffer = block->scratchC;
+    EXPECT_EQ(apply(block, narrow), 0);
+    EXPECT_EQ(block->scratchC, buffer);
+    EXPECT_EQ(block->scratchCCapacity, 16 * 250);
+}
+
+TEST(AmDirtyBits, AnotherSizeIsRecordedAndMarked)
+{
+    AmBlock block(11);
+    AmPicture picture(4, 3);
+    block->dirty = 0;
+    EXPECT_EQ(apply(block, picture), 0);
+    EXPECT_EQ(block->width, 4);
+    EXPECT_EQ(block->height, 3);
+    EXPECT_EQ(block->dirty, 32u);
+    block->dirty = 0;
+    EXPECT_EQ(apply(block, picture), 0);
+    EXPECT_EQ(block->dirty, 0u);
+}
+
+TEST(AmDirtyBits, TablesAreRebuiltOnlyWhenTheirBitIsSet)
+{
+    AmBlock block(57);
+    AmPicture white(8, 1);
+    const auto quantised = [&] {
+        white.fill({255, 255, 255, 1});
+        EXPECT_EQ(apply(block, white), 0);
+        return white.at(0, 0);
+    };
+    EXPECT_EQ(quantised(), (pixels::Bgra{255, 255, 255, 1}));
+    EXPECT_EQ(block->dirty, ~1u);
+    std::memset(block->scratchC, 1, std::size_t(block->scratchCCapacity)); // every cell is blue
+    EXPECT_EQ(quantised(), (pixels::Bgra{255, 0, 0, 1}));
+    block->dirty |= 1;
+    EXPECT_EQ(quantised(), (pixels::Bgra{255, 255, 255, 1}));
+}
+
+TEST(AmDirtyBits, ABufferInheritedFromAnotherIdStaysHarmless)
+{
+    // A caller may change the id of a living block: whatever the buffer holds must not lead outside.
+    AmPicture picture(40, 30);
+    for (const i32 next : {60, 61, 62, 57, 58, 50}) {
+        AmBlock block(58);
+        EXPECT_EQ(apply(block, picture), 0);
+        std::memset(block->scratchC, 0x7E, std::size_t(block->scratchCCapacity));
+        block->dirty = 0;
+        block->id = next;
+        block->frameRate = 25;
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(apply(block, picture), 0) << next;
+        EXPECT_TRUE(picture.surroundingsIntact());
+    }
+}
+
+} // namespace
