@@ -4,6 +4,7 @@
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 #include "pixels/Random.h"
+#include "pixels/WaterSurface.h"
 #include "pixels/widest.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
@@ -45,7 +46,9 @@ bool mayChangeItsInput(const EffectInfo& effect) { return effect.name == "light-
 template <class Prepare>
 std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2)
 {
+    // Both are shared by all nodes, of the thread and of the process.
     pixels::threadRandom().seed(1);
+    pixels::restartRain();
     Frames frames(effect, width, height);
     std::vector<std::vector<u8>> before;
     host::Filter filter(effect.guid, width, height);

@@ -1,0 +1,85 @@
+// One effect and one frame: the fixture of tests that look at an effect frame by frame.
+#pragma once
+
+#include "pixels/Buffer.h"
+#include "support/EngineFixture.h"
+#include "support/GuardedFrame.h"
+
+#include <limits>
+#include <optional>
+
+namespace test {
+
+/// While it lives, effects get no memory for large buffers.
+class MemoryShortage {
+public:
+    MemoryShortage() { pixels::limitBuffers(0); }
+    ~MemoryShortage() { pixels::limitBuffers(std::numeric_limits<std::size_t>::max()); }
+};
+
+/// A pixel that says where it stands.
+inline pixels::Bgra place(int x, int y) { return {u8(x), u8(y), u8((x >> 8) << 4 | y >> 8), 255}; }
+
+class FrameEffect : public EngineWithoutGpu {
+protected:
+    /// A new node and a transparent black frame as its input.
+    host::Filter& open(const char* guid, int width, int height)
+    {
+        frame_.emplace(width, height);
+        filter_.emplace(guid, width, height);
+        SetInputImage(filter_->handle(), frame_->image(), 0);
+        return *filter_;
+    }
+    /// The same with every pixel at its place.
+    host::Filter& openPlaces(const char* guid, int width, int height)
+    {
+        open(guid, width, height);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x)
+                frame().at(x, y) = place(x, y);
+        }
+        return *filter_;
+    }
+
+    pixels::View frame() { return frame_->view(); }
+    void fill(pixels::Bgra value) { frame_->fill(value); }
+    bool guardsIntact() const { return frame_->guardsIntact(); }
+
+    /// The node's output for the frame as it is now; valid until the next call.
+    pixels::ConstView show() { return {host::bytesOf(filter_->run()).data(), frame().extent()}; }
+    /// For a frame of one value, the output at its first pixel.
+    pixels::Bgra show(pixels::Bgra value)
+    {
+        fill(value);
+        return show().at(0, 0);
+    }
+    bool showsItsInput()
+    {
+        const auto out = host::bytesOf(filter_->run());
+        return std::ranges::equal(out, frame_->bytes());
+    }
+
+    /// Some frames of noise, through the node's own image and in place: the output must be the same.
+    template <class Set> void expectSameInPlace(const char* guid, int width, int height, Set set)
+    {
+        host::Filter& apart = open(guid, width, height);
+        host::Filter inPlace(guid, width, height);
+        GuardedFrame both(width, height);
+        SetInputImage(inPlace.handle(), both.image(), 0);
+        set(apart);
+        set(inPlace);
+        for (unsigned seed = 0; seed < 4; ++seed) {
+            frame_->fillWithNoise(seed);
+            both.fillWithNoise(seed);
+            const auto out = host::bytesOf(apart.run());
+            ASSERT_EQ(DoFilterEx(inPlace.handle(), both.image()), 0u);
+            ASSERT_TRUE(std::ranges::equal(out, both.bytes())) << guid << ", frame " << seed;
+        }
+    }
+
+private:
+    std::optional<GuardedFrame> frame_;
+    std::optional<host::Filter> filter_;
+};
+
+} // namespace test
