@@ -9,10 +9,15 @@ void CTransitionEffect::run()
     CEffectImage* const to = getInputImage(1);
     if (!from || !to || !fits(*from) || !fits(*to))
         return;
+    const pixels::View output = getOutputImage()->view();
+    const pixels::ConstView first = stable_.of(from->view(), output);
+    const pixels::ConstView second = stable_.of(to->view(), output);
+    if (!first.bytes() || !second.bytes())
+        return;
     TransitionFrame frame{i32(width()), i32(height()), i32(width() * 4), 32, 0, 0};
     getParamFloatValue(kTotalTime.name, &frame.totalTime, 0);
     getParamFloatValue(kGlobalTime.name, &frame.time, 0);
-    algorithm_(getOutputImage()->pixels(), from->pixels(), to->pixels(), &frame);
+    algorithm_(output.bytes(), first.bytes(), second.bytes(), &frame);
 }
 
 } // namespace KEXSDK

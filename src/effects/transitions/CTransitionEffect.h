@@ -3,6 +3,7 @@
 
 #include "effects/transitions/TransitionFrame.h"
 #include "model/CSimpleEffect.h"
+#include "pixels/StableInput.h"
 
 namespace KEXSDK {
 
@@ -22,6 +23,7 @@ public:
 
 private:
     TransitionFunc* const algorithm_;
+    pixels::StableInput stable_; ///< an input that is the output's memory, too
 };
 
 } // namespace KEXSDK

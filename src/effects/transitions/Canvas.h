@@ -32,7 +32,7 @@ struct Line {
     {
         first = std::max(first, 0);
         last = std::min(last, width);
-        if (first < last && source != dst)
+        if (first < last)
             std::memcpy(dst + first, source + first, std::size_t(last - first) * 4);
     }
 

@@ -30,7 +30,7 @@ template <class Source> void moveRows(const Canvas& c, Source source)
 // `count` pixels of source from column `at` on, to column x of the row.
 void shift(const Line& line, const Bgra* source, int at, int x, int count)
 {
-    std::memmove(line.dst + x, source + at, std::size_t(count) * 4);
+    std::memcpy(line.dst + x, source + at, std::size_t(count) * 4);
 }
 
 // The front of the cosine whisk and slide: how far `to` has come in a row from the top.

@@ -53,7 +53,7 @@ void drawTiles(const Canvas& c, const Tiling& tiling, double sideways, double al
             const int last = std::min(tile.atX + tiling.shownWidth, line.width);
             if (row < 0 || row >= tiling.shownHeight || first >= last)
                 continue;
-            std::memmove(line.dst + first,
+            std::memcpy(line.dst + first,
                 c.from.pictureRow(tile.v + row).data() + tile.x + (first - tile.atX),
                 std::size_t(last - first) * 4);
         }

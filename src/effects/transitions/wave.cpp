@@ -124,7 +124,7 @@ void wave(const Canvas& c, const Progress& p)
 {
     const double diagonal = std::sqrt(double(c.width) * c.width + double(c.height) * c.height);
     const double waveLength = diagonal / 12;
-    const double phase = p.time() * 8 * kPi;
+    const double phase = double(p.time()) * 8 * kPi;
     const Ring ring{
         phase, phase * waveLength / (2 * kPi), 2 * kPi / waveLength, 1 - double(p.time()) / p.total()};
     if (pixels::roundHalfUp(ring.radius * ring.radius) == 0)
