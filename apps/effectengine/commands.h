@@ -8,4 +8,5 @@
 void addListCommand(CLI::App& tool);
 void addDescribeCommand(CLI::App& tool);
 void addApplyCommand(CLI::App& tool, const SessionOptions& session);
+void addLutCommand(CLI::App& tool);
 void addTransitionCommand(CLI::App& tool, const SessionOptions& session);

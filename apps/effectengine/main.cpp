@@ -31,6 +31,7 @@ int run(int argc, char** argv)
     addListCommand(tool);
     addDescribeCommand(tool);
     addApplyCommand(tool, session);
+    addLutCommand(tool);
     addTransitionCommand(tool, session);
 
     try {

@@ -3,6 +3,7 @@
 
 #include "model/ParamVariant.h"
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <vector>
@@ -70,7 +71,8 @@ protected:
 
     /// Non-zero when a parameter was added or a non-volatile value changed since the last run. Read it at
     /// the start of a run to know whether tables must be rebuilt; evaluation clears it after the run.
-    u32 paramsChanged = 0;
+    /// (Atomic, because effects that load files may be handed one while another thread evaluates them.)
+    std::atomic<u32> paramsChanged = 0;
 
 private:
     void declareOne(const Param<int>& param);

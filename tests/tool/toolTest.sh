@@ -76,6 +76,30 @@ expect 5 'must end in' "$tool" apply equalize in.bmp out.xyz
 expect 5 'no such directory' "$tool" apply equalize in.bmp nowhere/out.png
 expect 5 'is a directory' "$tool" apply equalize in.bmp folder.png
 
+# Transitions: one frame, a strip, and what is no transition.
+expect 0 '' "$tool" list --kind transition
+[ "$(wc -l <out.txt)" -eq 63 ] || fail "63 transitions"
+expect 0 '' "$tool" transition push in.bmp grey.bmp frame.bmp --at 1
+cmp -s frame.bmp grey.bmp || fail "a transition ends with the second picture"
+expect 0 '' "$tool" transition row-whisk in.bmp grey.bmp strip --frames 3
+[ "$(ls strip)" = "$(printf 'frame-%04d.png\n' 0 1 2)" ] || fail "three frames: $(ls strip)"
+expect 2 'is no transition' "$tool" transition equalize in.bmp grey.bmp frame.bmp
+expect 2 'needs 2 pictures' "$tool" apply push in.bmp frame.bmp
+expect 2 '--at' "$tool" transition push in.bmp grey.bmp frame.bmp --at 1.5
+expect 3 'no such file' "$tool" transition push in.bmp missing.bmp frame.bmp
+
+# Lookup tables.
+printf 'LUT_3D_SIZE 2\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n0 0 1\n1 0 1\n0 1 1\n1 1 1\n' >identity.cube
+expect 0 '' "$tool" lut check identity.cube
+expect 0 '' "$tool" lut info identity.cube
+grep -q 'size *2 x 2 x 2' out.txt || fail "lut info shows the size"
+expect 0 '' "$tool" apply cube-lut -p CubeLutFile=identity.cube in.bmp lut.bmp
+expect 0 '' "$tool" apply black-and-white -p kex_effect_enable=0 in.bmp copy.bmp
+cmp -s lut.bmp copy.bmp || fail "an identity table changes nothing"
+printf 'LUT_1D_SIZE 2\n0 0 0\n1 1 1\n' >line.cube
+expect 4 'line.cube:1' "$tool" lut check line.cube
+expect 3 'no such file' "$tool" lut check missing.cube
+
 # A warning names the parameter and does not stop the work.
 "$tool" apply hue-shift -p Hue=500 in.bmp warned.png 2>err.txt || fail "a value outside the range is allowed"
 grep -q 'Hue=500' err.txt || fail "warning"

@@ -1,0 +1,114 @@
+// Recolours a picture through a three-dimensional lookup table from a file.
+#include "core/Log.h"
+#include "effects/lut/LutFile.h"
+#include "effects/lut/LutTable.h"
+#include "effects/lut/lutTiles.h"
+#include "model/CPureCEffect.h"
+#include "model/EffectRegistry.h"
+#include "pixels/rows.h"
+#include "platform/CriticalSection.h"
+#include "platform/Text.h"
+
+#include <fstream>
+
+namespace KEXSDK {
+namespace {
+
+constexpr PathParam kCubeLutFile{"CubeLutFile", "lookup table, a .cube or .3dl file"};
+constexpr const char* kSetterTag = "CCubeLut::setParamVariant";
+
+class CCubeLut final : public CPureCEffect {
+public:
+    CCubeLut(u32 w, u32 h) : CPureCEffect(w, h) { declare(kCubeLutFile); }
+
+    /// A table file is read at once; the answer is whether it was. One thread may store such files while
+    /// another runs the node.
+    bool setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value) override
+    {
+        if (std::string_view(name) != kCubeLutFile.name)
+            return CPureCEffect::setParamVariant(name, value);
+        if (!value || !value->holds(ParamType::filePath) || !value->value.text
+            || !load(text::utf8(value->path())))
+            return false;
+        const MyCSingleLock lock(lock_);
+        return CPureCEffect::setParamVariant(name, value);
+    }
+
+    /// Evaluation asks here whether the node is enabled, perhaps while the first file is being stored.
+    int getParamInt(const char* name, int defaultValue) override
+    {
+        const MyCSingleLock lock(lock_);
+        return CPureCEffect::getParamInt(name, defaultValue);
+    }
+
+    void processFrame(const u8* src, u8* dst) override
+    {
+        const MyCSingleLock lock(lock_);
+        if (table_.size() > 0)
+            table_.apply(input(src), output(dst));
+        else
+            pixels::rows::copy(input(src), output(dst));
+    }
+
+private:
+    bool load(const std::string& path)
+    {
+        if (path.find('.') == std::string::npos)
+            return refuse(path, 0, "the name has no extension");
+        std::ifstream stream;
+        if (!lut::openLut(path, stream)) {
+            // The one refusal that keeps the previous table.
+            logRefusal(path, 0, "the file cannot be opened");
+            return false;
+        }
+        lut::LutFile file;
+        switch (lut::formatOf(path)) {
+        case lut::LutFormat::cube:
+            file = lut::parseCube(stream);
+            break;
+        case lut::LutFormat::threeDl:
+            file = lut::parse3dl(stream);
+            break;
+        case lut::LutFormat::none:
+            return refuse(path, 0, "the extension is neither .cube nor .3dl");
+        }
+        if (file.status != lut::LutStatus::success)
+            return refuse(
+                path, file.line, file.reason + " (status " + std::to_string(int(file.status)) + ")");
+
+        const MyCSingleLock lock(lock_);
+        table_.set(file);
+        const bool tiled = lut::tileLayoutOf(file.size) != nullptr;
+        logging::info(
+            kSetterTag, (tiled ? "Render 3D lut with GPU -> " : "Render 3D lut with c algorithm -> ") + path);
+        return true;
+    }
+
+    bool refuse(const std::string& path, int line, const std::string& reason)
+    {
+        logRefusal(path, line, reason);
+        const MyCSingleLock lock(lock_);
+        table_.clear();
+        return false;
+    }
+
+    static void logRefusal(const std::string& path, int line, const std::string& reason)
+    {
+        const std::string place = line > 0 ? path + ", line " + std::to_string(line) : path;
+        logging::info(kSetterTag, "Refused 3D lut [" + place + "]: " + reason);
+    }
+
+    CriticalSection lock_; ///< guards the table and the stored file
+    lut::LutTable table_;
+};
+
+const Registration<CCubeLut> registered{{
+    .guid = "BCEC4998-CB63-4c7d-9DCC-B76E6ACC6BB8",
+    .name = "cube-lut",
+    .title = "Cube LUT",
+    .family = "colour",
+    .summary = "Recolours the picture through a three-dimensional lookup table from a .cube or .3dl file.",
+}};
+
+} // namespace
+} // namespace KEXSDK

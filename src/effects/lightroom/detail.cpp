@@ -1,0 +1,154 @@
+// Clarity, sharpening, glow and lens distortion.
+#include "effects/lightroom/detail.h"
+
+#include "pixels/ByteTables.h"
+#include "pixels/StackBlur.h"
+#include "pixels/gather.h"
+#include "pixels/numbers.h"
+#include "pixels/rows.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace lightroom {
+
+namespace {
+
+using pixels::Bgra;
+using pixels::clamped;
+
+inline u8 byteOf(float x) { return u8(int(clamped(x, 0.0f, 255.0f))); }
+
+inline u8 awayFrom(int blurred, int original, float amount)
+{
+    return byteOf(float(original) + float(original - blurred) * amount / 200);
+}
+
+inline u8 sharpened(int centre, int up, int down, int left, int right, float amount)
+{
+    return byteOf(float(centre) + float(4 * centre - up - down - left - right) * amount / 255);
+}
+
+// Pixels 1 .. last - 1 of a row between its neighbours.
+void sharpenRow(const Bgra* above, const Bgra* at, const Bgra* below, Bgra* to, int last, float amount)
+{
+#pragma GCC ivdep
+    for (int x = 1; x < last; ++x) {
+        const Bgra p = pixels::load(at + x);
+        const Bgra u = pixels::load(above + x);
+        const Bgra d = pixels::load(below + x);
+        const Bgra l = pixels::load(at + x - 1);
+        const Bgra r = pixels::load(at + x + 1);
+        pixels::store(to + x,
+            {sharpened(p.b, u.b, d.b, l.b, r.b, amount), sharpened(p.g, u.g, d.g, l.g, r.g, amount),
+                sharpened(p.r, u.r, d.r, l.r, r.r, amount), p.a});
+    }
+}
+
+struct Lens {
+    float k;
+    float cx, cy; ///< centre
+    float nx, ny; ///< distances that count as 1
+    float scale = 1;
+    bool cubic = false; ///< grows with the third power of the distance instead of the sixth
+};
+
+// For every pixel of row y, the number of the pixel that the lens shows there.
+void traceRow(Lens lens, int y, pixels::Extent size, i32* sources)
+{
+    const float v = (float(y) - lens.cy) / lens.ny;
+    const float lastX = float(size.width - 1);
+    const float lastY = float(size.height - 1);
+#pragma GCC ivdep
+    for (int x = 0; x < size.width; ++x) {
+        const float u = (float(x) - lens.cx) / lens.nx;
+        const float r = std::sqrt(u * u + v * v);
+        const float cube = r * r * r;
+        const float moved = ((lens.cubic ? cube : cube * cube) * lens.k + r) * lens.scale;
+        const float fromX = r == 0 ? lens.cx : moved * u / r * lens.nx + lens.cx;
+        const float fromY = r == 0 ? lens.cy : moved * v / r * lens.ny + lens.cy;
+        sources[x] = int(clamped(fromY, 0.0f, lastY)) * size.width + int(clamped(fromX, 0.0f, lastX));
+    }
+}
+
+} // namespace
+
+void clarity(pixels::View picture, pixels::View blurred, float amount)
+{
+    // Outside these amounts there is no blur to move away from.
+    if (!(std::fabs(amount) > 2 && std::fabs(amount) < 254))
+        return;
+    pixels::stackBlur(picture, blurred, amount > 0 ? int(amount * 0.5f) : 2);
+    pixels::rows::map2(picture, blurred, picture, [amount](Bgra p, Bgra around) {
+        return Bgra{awayFrom(around.b, p.b, amount), awayFrom(around.g, p.g, amount),
+            awayFrom(around.r, p.r, amount), p.a};
+    });
+}
+
+void sharpen(pixels::ConstView src, pixels::View dst, float amount)
+{
+    pixels::rows::anyOrder(src.extent(), [=](int y) {
+        const Bgra* const at = src.row(y).data();
+        Bgra* const to = dst.row(y).data();
+        const int last = src.width() - 1;
+        if (y == 0 || y == src.height() - 1) {
+            std::copy_n(at, src.width(), to);
+            return;
+        }
+        to[0] = at[0];
+        to[last] = at[last];
+        pixels::widest([=, above = src.row(y - 1).data(), below = src.row(y + 1).data()] {
+            sharpenRow(above, at, below, to, last, amount);
+        });
+    });
+}
+
+void diffuse(pixels::View picture, float amount)
+{
+    const double gain =
+        std::fabs(std::cos(std::numbers::pi / 2 - double(amount) * std::numbers::pi / 1440)) + 1;
+    const pixels::ByteTable table =
+        pixels::tableOf([gain](int v) { return u8(clamped(v * gain, 0.0, 255.0)); });
+    pixels::mapTables(picture, picture, {table, table, table});
+    if (amount > 0)
+        pixels::stackBlur(picture, picture, 1);
+}
+
+bool LensMap::prepare(float amount, pixels::Extent size)
+{
+    if (sources_ && size_ == size && amount_ == amount)
+        return true;
+    if (!sources_.ensure(std::size_t(size.width) * size.height))
+        return false;
+    size_ = size;
+    amount_ = amount;
+    draw();
+    return true;
+}
+
+void LensMap::draw()
+{
+    const float k = amount_ / 100;
+    const float cx = float(size_.width / 2);
+    const float cy = float(size_.height / 2);
+    const float reach = std::sqrt(cx * cx + cy * cy);
+    Lens lens{.k = k, .cx = cx, .cy = cy, .nx = float(size_.width), .ny = float(size_.height)};
+    if (k > 0) {
+        lens.nx = lens.ny = reach;
+        lens.scale = 1 / (1 + k);
+        lens.cubic = true;
+    }
+    pixels::rows::anyOrder(size_, [=, size = size_, sources = sources_.data()](int y) {
+        pixels::widest([=] { traceRow(lens, y, size, sources + std::ptrdiff_t(y) * size.width); });
+    });
+}
+
+void LensMap::apply(pixels::ConstView src, pixels::View dst) const
+{
+    pixels::gather(src, dst, [sources = sources_.data(), width = dst.width()](int x, int y) {
+        return sources[std::ptrdiff_t(y) * width + x];
+    });
+}
+
+} // namespace lightroom

@@ -1,0 +1,12 @@
+// Fuzzer of the Cube parser.
+#include "fuzz/examine.h"
+
+#include <sstream>
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size)
+{
+    std::istringstream stream(std::string(reinterpret_cast<const char*>(data), size));
+    if (fuzz::faultOf(lut::parseCube(stream)))
+        __builtin_trap();
+    return 0;
+}
