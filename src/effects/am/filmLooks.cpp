@@ -132,6 +132,11 @@ public:
     {
         for (int x = 0; x < width; ++x) {
             const u32 factor = factors_[place];
+            if (factor == 0) { // the walk stands still from here on
+                for (; x < width; ++x)
+                    store(x, u8(0));
+                break;
+            }
             const u32 sum = (256 + shade(x)) * factor >> 8;
             store(x, u8(sum - factor));
             place = (place + sum) & 0x3FF;
