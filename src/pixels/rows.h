@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
+#include <type_traits>
 
 namespace pixels::rows {
 
@@ -18,6 +19,33 @@ namespace pixels::rows {
 inline constexpr int kPixelsPerTask = 32 * 1024;
 
 inline int rowsPerTask(Extent size) { return std::max(1, kPixelsPerTask / std::max(1, size.width)); }
+
+namespace detail {
+
+// A loop's work, on the stack of the thread that asked for it; the tasks hold its address.
+template <class Fn> struct RowWork {
+    Fn& fn;
+    Handover started{};
+    Handover finished{};
+
+    void run(int first, int last)
+    {
+        started.take();
+        fn(first, last);
+        finished.give();
+    }
+};
+
+template <class Work> struct RowTask {
+    Work* work;
+    // Not checked for races: the task library hands this object itself over in ways the sanitizer cannot see.
+    [[gnu::no_sanitize("thread")]] void operator()(const tbb::blocked_range<int>& rows) const
+    {
+        work->run(rows.begin(), rows.end());
+    }
+};
+
+} // namespace detail
 
 /// fn(first, last) over half-open runs of rows that together cover the height, on any thread, in any
 /// order. Small pictures stay on the caller. The result must not depend on where the runs are cut.
@@ -29,18 +57,11 @@ template <class Fn> void anyOrderRuns(Extent size, Fn&& fn)
             fn(0, size.height);
         return;
     }
-    Handover started;
-    Handover finished;
-    started.give();
-    tbb::parallel_for(
-        tbb::blocked_range<int>(0, size.height, grain),
-        [&](const tbb::blocked_range<int>& run) {
-            started.take();
-            fn(run.begin(), run.end());
-            finished.give();
-        },
+    detail::RowWork<std::remove_reference_t<Fn>> work{fn};
+    work.started.give();
+    tbb::parallel_for(tbb::blocked_range<int>(0, size.height, grain), detail::RowTask<decltype(work)>{&work},
         tbb::simple_partitioner());
-    finished.take();
+    work.finished.take();
 }
 
 /// fn(y) for every row, on any thread, in any order.
