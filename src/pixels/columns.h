@@ -3,26 +3,15 @@
 
 #include "pixels/Pixel.h"
 
-#include <cstring>
-
 namespace pixels {
-
-inline u32 wordAt(const Bgra* p)
-{
-    u32 word;
-    std::memcpy(&word, p, 4);
-    return word;
-}
 
 /// to[x] = kernel(x, from[x]) for first <= x < end; from and to may be the same row. Call it inside
 /// widest(): everything is copied into the loop, which GCC then vectorises as it does those of rows::map.
 template <class Kernel> void mapColumns(const Bgra* from, Bgra* to, int first, int end, Kernel kernel)
 {
 #pragma GCC ivdep
-    for (int x = first; x < end; ++x) {
-        const u32 word = toWord(kernel(x, fromWord(wordAt(from + x))));
-        std::memcpy(to + x, &word, 4);
-    }
+    for (int x = first; x < end; ++x)
+        store(to + x, kernel(x, load(from + x)));
 }
 
 } // namespace pixels

@@ -150,11 +150,7 @@ private:
 
 constexpr u32 unevenFactor(u8 noise) { return (noise >> 3) + 192u; }
 
-void storeGrey(Bgra* p, u32 alphaOf, u32 shade)
-{
-    const u32 word = (alphaOf & 0xFF000000) | shade * 0x010101;
-    std::memcpy(p, &word, 4);
-}
+void storeGrey(Bgra* to, Bgra source, u32 shade) { pixels::store(to, grey(source, u8(shade))); }
 
 i32 year1920(const Frame& f)
 {
@@ -164,7 +160,7 @@ i32 year1920(const Frame& f)
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(
             f.dst.width(), place, [=](int x) { return u32(y4(row[x])); },
-            [=](int x, u8 shade) { storeGrey(row + x, pixels::wordAt(row + x), shade); });
+            [=](int x, u8 shade) { storeGrey(row + x, pixels::load(row + x), shade); });
     });
     return kAmOk;
 }
@@ -198,7 +194,7 @@ i32 greyRetro(const Frame& f)
         for (int x = 0; x < width; ++x) {
             const u32 s = u32(from[x].b + from[x].r) >> 1;
             factor = factors[(s * u32(x) + factor) & 0x3FF];
-            storeGrey(to + x, pixels::wordAt(from + x), s * factor >> 8);
+            storeGrey(to + x, pixels::load(from + x), s * factor >> 8);
         }
     });
     return kAmOk;

@@ -28,7 +28,7 @@ i32 emboss(const Frame& f)
                 Bgra* const to = dst.row(y).data();
                 // In place, too: what a pixel reads to its right has not been written yet.
                 pixels::mapColumns(from, to, 0, flat, [ahead = from + reach, sum](int x, Bgra p) {
-                    const int slope = sum(p) - sum(pixels::fromWord(pixels::wordAt(ahead + x)));
+                    const int slope = sum(p) - sum(pixels::load(ahead + x));
                     return grey(p, clampByte(128 + (slope >> 2)));
                 });
                 for (int x = flat; x < width; ++x)
