@@ -22,6 +22,13 @@ bool admits(Severity severity) noexcept;
 /// @param message  UTF-8 text without a line end
 void write(Severity severity, const char* tag, std::string_view message) noexcept;
 
+/// Calls text() only when somebody reads such records; most are dropped and need not even be made.
+template <class Text> void debug(const char* tag, Text text)
+{
+    if (admits(Severity::debug))
+        write(Severity::debug, tag, text());
+}
+
 inline void info(const char* tag, std::string_view message) noexcept
 {
     write(Severity::information, tag, message);

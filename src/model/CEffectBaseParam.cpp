@@ -153,21 +153,31 @@ std::span<const i32> CEffectBaseParam::get(const ArrayParam<int>& param)
 
 void CEffectBaseParam::declareVolatile(const char* name) { volatileParams_.emplace(name, 1); }
 
-void CEffectBaseParam::declareOne(const Param<int>& param)
+void CEffectBaseParam::declareOne(const ParamInfo& param)
 {
     described_.push_back(&param);
-    if (param.declared)
-        setParamIntValue(param.name, param.initial());
+    if (!param.declared)
+        return;
+    const auto values = std::span(param.value).first(param.elements);
+    switch (param.type) {
+    case ParamType::integer:
+        setParamIntValue(param.name, i32(values[0]));
+        break;
+    case ParamType::real:
+        setParamFloatValue(param.name, float(values[0]));
+        break;
+    case ParamType::integerArray:
+        setParamIntArrayValue(
+            param.name, std::vector<i32>(values.begin(), values.end()).data(), int(values.size()));
+        break;
+    case ParamType::realArray:
+        setParamFloatArrayValue(
+            param.name, std::vector<float>(values.begin(), values.end()).data(), int(values.size()));
+        break;
+    case ParamType::filePath:
+        break;
+    }
 }
-
-void CEffectBaseParam::declareOne(const Param<float>& param)
-{
-    described_.push_back(&param);
-    if (param.declared)
-        setParamFloatValue(param.name, param.initial());
-}
-
-void CEffectBaseParam::declareOne(const ParamInfo& param) { described_.push_back(&param); }
 
 const ParamVariant* CEffectBaseParam::find(const char* name, ParamType type) const
 {

@@ -52,13 +52,20 @@ public:
     virtual float getParamFloat(const char* name, float defaultValue);
     virtual int getParamInt(const char* name, int defaultValue);
 
-    /// What the node reads, in the order of declaration; the objects are static.
+    /// What the node reads, in the order of declaration; the objects live at least as long as the node.
     const std::vector<const ParamInfo*>& described() const { return described_; }
 
 protected:
     /// Constructors name their parameters here: each is remembered for tools, and stored with its initial
-    /// value unless it is undeclared.
+    /// value unless it is undeclared. The objects must outlive the node; most are constants.
     template <class... Params> void declare(const Params&... params) { (declareOne(params), ...); }
+
+    /// fn(name, value) for every stored parameter, in the order of names.
+    template <class Fn> void forEachParam(Fn&& fn) const
+    {
+        for (const auto& [name, value] : parameters_)
+            fn(name, *value);
+    }
 
     /// Changes of this name do not raise paramsChanged.
     void declareVolatile(const char* name);
@@ -75,8 +82,6 @@ protected:
     std::atomic<u32> paramsChanged = 0;
 
 private:
-    void declareOne(const Param<int>& param);
-    void declareOne(const Param<float>& param);
     void declareOne(const ParamInfo& param);
     const ParamVariant* find(const char* name, ParamType type) const;
 

@@ -19,7 +19,7 @@ template <class T> struct Range {
 
 /// What tools need to know about a parameter. Ranges advise hosts; the store never clamps.
 struct ParamInfo {
-    static constexpr u32 kMaxElements = 4;
+    static constexpr u32 kMaxElements = 16; ///< a matrix of 4 x 4
 
     const char* name;
     ParamType type;

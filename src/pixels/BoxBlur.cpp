@@ -1,6 +1,7 @@
 // Sliding sums down the columns, prefix sums along the rows, and exact quotients.
 #include "pixels/BoxBlur.h"
 
+#include "pixels/byteQuotient.h"
 #include "pixels/rows.h"
 
 #include <array>
@@ -11,16 +12,6 @@ namespace {
 
 // Columns that one task sums together: its sums stay in the nearest cache.
 constexpr int kStrip = 64;
-
-// Single precision errs by less than 2^-21 of a quotient here. The quotient is made smaller by more than
-// that, so the truncated estimate is right or one too low, and one comparison decides.
-constexpr float kTraceLess = 1.0f - 1.0f / (1 << 20);
-
-u8 quotient(u32 sum, u32 divisor, float inverse)
-{
-    const u32 low = u32(int(float(sum) * inverse));
-    return u8(low + (sum - low * divisor >= divisor ? 1 : 0));
-}
 
 } // namespace
 
@@ -87,7 +78,7 @@ void BoxBlur::averageRow(Bgra* to, int y, int radius)
     const float* const inverses = inverses_.data();
 #pragma GCC ivdep
     for (int i = 0; i < bytes; ++i)
-        out[i] = quotient(sum[std::size_t(i)], widths[i] * u32(height), inverses[i] * inverseHeight);
+        out[i] = byteQuotient(sum[std::size_t(i)], widths[i] * u32(height), inverses[i] * inverseHeight);
 }
 
 void BoxBlur::apply(ConstView src, View dst, int radius)

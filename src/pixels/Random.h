@@ -14,11 +14,28 @@ public:
     /// 0 .. 32767.
     constexpr int next()
     {
-        state_ = state_ * 214013u + 2531011u;
+        state_ = state_ * kMultiplier + kIncrement;
         return int(state_ >> 16 & 0x7FFF);
     }
+    /// As `count` calls of next().
+    constexpr void skip(u32 count)
+    {
+        u32 multiplier = kMultiplier;
+        u32 increment = kIncrement;
+        for (; count != 0; count >>= 1) {
+            if (count & 1)
+                state_ = state_ * multiplier + increment;
+            increment *= multiplier + 1;
+            multiplier *= multiplier;
+        }
+    }
+    /// `count` results of next(), in its order and much faster.
+    void fill(u16* numbers, int count);
 
 private:
+    static constexpr u32 kMultiplier = 214013;
+    static constexpr u32 kIncrement = 2531011;
+
     u32 state_;
 };
 

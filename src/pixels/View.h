@@ -56,7 +56,17 @@ public:
     }
     /// Row v counted from the top of the picture.
     std::span<PixelType> pictureRow(int v) const { return row(size_.height - 1 - v); }
+    /// Rows [first, end) in memory order.
+    BasicView rows(int first, int end) const
+    {
+        return {bytes_ + first * stride_, {size_.width, end - first}, stride_};
+    }
     PixelType& at(int x, int y) const { return row(y)[std::size_t(x)]; }
+    /// The rectangle of that size from column x of row y on; it must lie inside.
+    BasicView part(int x, int y, Extent size) const
+    {
+        return {bytes_ + y * stride_ + std::ptrdiff_t(x) * 4, size, stride_};
+    }
 
 private:
     Byte* bytes_ = nullptr;

@@ -23,13 +23,16 @@ constexpr int roundHalfUp(double x) { return truncated(x + 0.5); }
 
 constexpr u8 clampByte(int v) { return u8(v < 0 ? 0 : v > 255 ? 255 : v); }
 
+/// sum / 3 for sums of three bytes, exact up to 765; a plain division takes vectors twice the time.
+constexpr u8 third(int sum) { return u8(u32(sum) * 21846u >> 16); }
+
 /// Clamped to [low, high]; NaN gives low.
 template <class Real> constexpr Real clamped(Real x, Real low, Real high)
 {
     return !(x > low) ? low : x < high ? x : high;
 }
 
-// The three blends. `a` is the weight of `to`, 0..255.
+// The four blends. `a` is the weight of `to`, 0..255.
 
 /// Stored as its low 8 bits: at a = 255 it gives to * 255 >> 8, one less than a bright `to`.
 constexpr u8 shiftBlend(int from, int to, int a) { return u8((to * a >> 8) + (from * (255 - a) >> 8)); }
@@ -42,5 +45,8 @@ constexpr u8 floatBlend(int from, int to, int a)
 {
     return u8(float(to * a) / 255.0f + float(from * (255 - a)) / 255.0f);
 }
+
+/// In parts of 256, rounded up: a = 0 gives `from`, a = 255 still lets a trace of it through.
+constexpr u8 ceilingBlend(int from, int to, int a) { return u8((to * a + from * (256 - a) + 255) >> 8); }
 
 } // namespace pixels

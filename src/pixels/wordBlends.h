@@ -43,4 +43,17 @@ constexpr Bgra divisionBlend(Bgra from, Bgra to, int a)
     return fromWord(even | odd << 8);
 }
 
+/// ceilingBlend of all four bytes; `a` is the weight of `to`, 0..255.
+constexpr Bgra ceilingBlend(Bgra from, Bgra to, int a)
+{
+    const u32 f = toWord(from);
+    const u32 t = toWord(to);
+    const u32 b = u32(256 - a);
+    const u32 even =
+        ((t & detail::kEvenBytes) * u32(a) + (f & detail::kEvenBytes) * b + detail::kEvenBytes) >> 8;
+    const u32 odd =
+        (t >> 8 & detail::kEvenBytes) * u32(a) + (f >> 8 & detail::kEvenBytes) * b + detail::kEvenBytes;
+    return fromWord((even & detail::kEvenBytes) | (odd & ~detail::kEvenBytes));
+}
+
 } // namespace pixels

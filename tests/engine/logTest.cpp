@@ -2,9 +2,7 @@
 #include "core/Log.h"
 
 #include "support/EngineFixture.h"
-
-#include <sys/wait.h>
-#include <unistd.h>
+#include "support/inChild.h"
 
 #include <filesystem>
 #include <fstream>
@@ -13,22 +11,12 @@
 namespace {
 
 namespace fs = std::filesystem;
+using test::inChild; // the log opens once per process
 
 std::string contentOf(const fs::path& file)
 {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// The log opens once per process, so each case runs in a child of its own.
-template <class Body> bool inChild(Body body)
-{
-    const pid_t child = fork();
-    if (child == 0)
-        _exit(body() ? 0 : 1);
-    int status = 1;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 class Log : public testing::Test {

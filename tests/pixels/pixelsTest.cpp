@@ -30,8 +30,17 @@ TEST(Numbers, TruncationSaturatesAndTakesNanToZero)
     EXPECT_EQ(clamped(std::nan(""), 1.0, 2.0), 1.0);
 }
 
-TEST(Numbers, TheThreeBlendsRoundDifferently)
+TEST(Numbers, AThirdIsExactForEverySumOfThreeBytes)
 {
+    for (int sum = 0; sum <= 3 * 255; ++sum)
+        ASSERT_EQ(third(sum), sum / 3);
+}
+
+TEST(Numbers, TheFourBlendsRoundDifferently)
+{
+    EXPECT_EQ(ceilingBlend(0, 200, 255), 200);
+    EXPECT_EQ(ceilingBlend(255, 0, 255), 1);
+    EXPECT_EQ(ceilingBlend(255, 255, 0), 255);
     EXPECT_EQ(shiftBlend(0, 200, 255), 199);
     EXPECT_EQ(divisionBlend(0, 200, 255), 200);
     EXPECT_EQ(divisionBlend(200, 200, 128), 199);
@@ -47,6 +56,24 @@ TEST(Random, RepeatsTheClassicSequence)
     EXPECT_EQ(generator.next(), 6334);
     generator.seed(1);
     EXPECT_EQ(generator.next(), 41);
+}
+
+TEST(Random, ManyNumbersAtOnceAreTheSameNumbers)
+{
+    for (const int count : {0, 1, 15, 16, 17, 100, 1000}) {
+        RandomGenerator oneByOne(77);
+        RandomGenerator atOnce(77);
+        RandomGenerator skipping(77);
+        std::vector<u16> numbers(std::size_t(count) + 1, 0xFFFF);
+        atOnce.fill(numbers.data(), count);
+        for (int i = 0; i < count; ++i)
+            EXPECT_EQ(numbers[std::size_t(i)], oneByOne.next()) << i << " of " << count;
+        EXPECT_EQ(numbers.back(), 0xFFFF);
+        skipping.skip(u32(count));
+        const int next = oneByOne.next();
+        EXPECT_EQ(atOnce.next(), next);
+        EXPECT_EQ(skipping.next(), next);
+    }
 }
 
 TEST(QuadraticCurve, PassesThroughThePointsWhenItsPivotsAreOne)
