@@ -155,7 +155,7 @@ TEST(AmNode, SteadyFramesAllocateNothing)
 TEST(AmNode, DescribesWhatItStores)
 {
     for (const EffectInfo& info : amEffectInfos()) {
-        Node node(findAmRow(info.guid)->id);
+        Node node(findAmRow(info.guid)->id, 8, 1080); // shares of the height are described for this one
         for (const ParamInfo* param : node.described()) {
             const float stored = param->type == ParamType::integer ? float(node.getParamInt(param->name, -1))
                                                                    : node.getParamFloat(param->name, -1);

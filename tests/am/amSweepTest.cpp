@@ -1,6 +1,8 @@
 // Every effect of the library at odd sizes, with every field of the block at its ends and beyond.
 #include "am/AmFixture.h"
+#include "effects/am/amDefaults.h"
 #include "effects/am/amFilters.h"
+#include "effects/am/brokenTelevision.h"
 #include "pixels/widest.h"
 
 #include <tbb/global_control.h>
@@ -13,12 +15,17 @@ using namespace KEXSDK;
 using test::AmBlock;
 using test::AmPicture;
 
-std::vector<i32> implementedFilters()
+// Of neighbours that share all their code, the first.
+std::vector<i32> differentEffects()
 {
     std::vector<i32> ids;
-    for (i32 id = 1; id <= 97; ++id)
-        if (am::findEffect(id))
+    const am::EffectRow* last = nullptr;
+    for (i32 id = am::kFilters.first; id <= am::kBlends.last; ++id) {
+        const am::EffectRow* const row = am::findEffect(id);
+        if (row && !(last && last->run == row->run && last->prepare == row->prepare))
             ids.push_back(id);
+        last = row;
+    }
     return ids;
 }
 
@@ -29,20 +36,24 @@ template <class Set> std::vector<pixels::Bgra> run(i32 id, pixels::Extent size, 
 {
     AmPicture source(size.width, size.height, 20);
     source.fillWithNoise(u32(id));
+    AmPicture second(size.width, size.height, 12);
+    second.fillWithNoise(5);
+    const AmImageDesc texture = second.desc();
     const auto before = source.pixels();
     std::vector<pixels::Bgra> results[2];
     for (const bool inPlace : {true, false}) {
         AmBlock block(id);
         block->frameRate = 25;
         pixels::threadRandom().seed(9);
+        am::restartTelevision();
         for (int i = 0; i < 2; ++i) {
             set(*block.get());
             AmPicture picture = source;
             if (!inPlace)
                 picture.fillWithNoise(77);
             const AmImageDesc desc = picture.desc();
-            EXPECT_EQ(inPlace ? AmApplyEffect(block.get(), &desc, nullptr)
-                              : AmApplyEffectFrom(source.view(), block.get(), &desc, nullptr),
+            EXPECT_EQ(inPlace ? AmApplyEffect(block.get(), &desc, &texture)
+                              : AmApplyEffectFrom(source.view(), block.get(), &desc, &texture),
                 kAmOk);
             EXPECT_TRUE(picture.surroundingsIntact());
             results[inPlace] = picture.pixels();
@@ -53,20 +64,25 @@ template <class Set> std::vector<pixels::Bgra> run(i32 id, pixels::Extent size, 
     return results[0];
 }
 
-TEST(AmSweep, EveryFilterBearsEveryFieldAtEverySize)
+TEST(AmSweep, EveryEffectBearsEveryFieldAtEverySize)
 {
     constexpr i32 kValues[] = {0, 1, 99, 100, 101, -1, 255, 1 << 20, std::numeric_limits<i32>::min(),
         std::numeric_limits<i32>::max()};
     constexpr float kReals[] = {0, 50, 100, -1, 1e30f, -1e30f, std::numeric_limits<float>::infinity(),
         std::numeric_limits<float>::quiet_NaN()};
-    for (const i32 id : implementedFilters()) {
+    for (const i32 id : differentEffects()) {
         for (const auto size : kSizes) {
             SCOPED_TRACE(testing::Message() << id << " at " << size.width << " x " << size.height);
             for (const i32 value : kValues) {
                 run(id, size, [=](AmEffectParams& b) { b.percent = value; });
                 run(id, size, [=](AmEffectParams& b) { b.radius = value; });
                 run(id, size, [=](AmEffectParams& b) { b.posX = b.posY = value; });
-                run(id, size, [=](AmEffectParams& b) { b.direction = b.variant = value; });
+                run(id, size, [=](AmEffectParams& b) {
+                    b.direction = b.variant = b.toggle = value;
+                    b.red = b.green = b.blue = b.alpha = u8(value);
+                });
+                run(id, size,
+                    [=](AmEffectParams& b) { b.left = b.top = value, b.right = b.bottom = ~value; });
             }
             for (const float value : kReals)
                 run(id, size, [=](AmEffectParams& b) { b.pickX = b.pickY = value, b.radius = 100; });
@@ -76,7 +92,7 @@ TEST(AmSweep, EveryFilterBearsEveryFieldAtEverySize)
 
 TEST(AmSweep, ThreadsAndVectorsNeverShowInTheBytes)
 {
-    for (const i32 id : implementedFilters()) {
+    for (const i32 id : differentEffects()) {
         const auto with = [&](std::size_t threads, pixels::VectorLevel vectors) {
             const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
             pixels::limitVectors(vectors);

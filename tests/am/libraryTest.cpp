@@ -151,7 +151,7 @@ TEST_F(AmMemory, WithoutItBlocksAreNotMadeAndEffectsLeaveThePicture)
     AmPicture picture(40, 30);
     picture.fillWithNoise(1);
     const auto before = picture.pixels();
-    for (const i32 id : {50, 57, 58, 60, 61, 62, 1026}) {
+    for (const i32 id : {50, 57, 58, 60, 61, 62, 66, 82, 83, 97, 1026}) {
         AmBlock block(id);
         am::setAllocationGate([](std::size_t) { return false; });
         EXPECT_EQ(apply(block, picture), -6) << id;
@@ -173,9 +173,50 @@ TEST_F(AmMemory, WithoutItBlocksAreNotMadeAndEffectsLeaveThePicture)
     }
 }
 
+TEST_F(AmMemory, ChangedInPlaceManyLooksKeepTheSourceTwice)
+{
+    for (const i32 id : {66, 67, 71, 73, 78, 81, 84, 88, 89, 94, 97}) {
+        AmPicture picture(5, 2, 12);
+        picture.fillWithNoise(u32(id));
+        const auto before = picture.pixels();
+        AmBlock block(id);
+        for (const int allowed : {0, 1}) {
+            static int left;
+            left = allowed;
+            am::setAllocationGate([](std::size_t) { return left-- > 0; });
+            EXPECT_EQ(apply(block, picture), -6) << id;
+            EXPECT_EQ(picture.pixels(), before) << id;
+        }
+        am::setAllocationGate(nullptr);
+        EXPECT_EQ(apply(block, picture), 0) << id;
+        EXPECT_EQ(std::memcmp(block->scratchA, before.data(), 40), 0) << id;
+        EXPECT_EQ(std::memcmp(block->scratchB, before.data(), 40), 0) << id;
+    }
+    for (const i32 id : {72, 79, 95}) {
+        AmPicture picture(5, 2);
+        AmBlock block(id);
+        EXPECT_EQ(apply(block, picture), 0) << id;
+        EXPECT_EQ(block->scratchA, nullptr) << id;
+        EXPECT_EQ(block->scratchB, nullptr) << id;
+    }
+}
+
+TEST_F(AmMemory, SoftFocusNamesItsTemporaryPicture)
+{
+    AmPicture source(8, 4);
+    source.fillWithNoise(2);
+    AmPicture picture(8, 4);
+    const AmImageDesc desc = picture.desc();
+    AmBlock block(77);
+    am::setAllocationGate([](std::size_t) { return false; });
+    EXPECT_EQ(AmApplyEffectFrom(source.view(), block.get(), &desc, nullptr), -2);
+    EXPECT_EQ(picture.pixels(), source.pixels());
+}
+
 TEST_F(AmMemory, SteadyFramesAllocateNothing)
 {
-    for (const i32 id : {50, 57, 60, 61, 62}) {
+    for (const i32 id : {50, 57, 60, 61, 62, 66, 67, 73, 77, 82, 83, 97, 1025, 1026, 1030, 1031, 1033, 1036,
+             1037, 1041, 1042}) {
         AmBlock block(id);
         AmPicture picture(40, 30);
         EXPECT_EQ(apply(block, picture), 0);
@@ -229,11 +270,40 @@ TEST(AmDirtyBits, TablesAreRebuiltOnlyWhenTheirBitIsSet)
     EXPECT_EQ(quantised(), (pixels::Bgra{255, 255, 255, 1}));
 }
 
+TEST(AmDirtyBits, MapsAreMadeForASizeAndKeptUntilABitIsSet)
+{
+    struct Row {
+        i32 id;
+        u32 kept; ///< bits that the effect leaves alone
+        u32 renews;
+    };
+    for (const Row& row : {Row{66, ~1u, 1}, {82, ~33u, 1}, {82, ~33u, 32}, {83, ~1u, 1}, {97, ~32u, 32}}) {
+        AmBlock block(row.id);
+        AmPicture source(40, 30);
+        source.fillWithNoise(4);
+        const auto made = [&](AmPicture picture) {
+            EXPECT_EQ(apply(block, picture), 0) << row.id;
+            return picture.pixels();
+        };
+        const auto fresh = made(source);
+        EXPECT_EQ(block->dirty, row.kept) << row.id;
+        std::memset(block->scratchC, 0, std::size_t(block->scratchCCapacity));
+        EXPECT_NE(made(source), fresh) << row.id << ": the map was made again";
+        block->dirty |= row.renews;
+        EXPECT_EQ(made(source), fresh) << row.id;
+        EXPECT_EQ(block->dirty, row.kept) << row.id;
+
+        AmPicture upright(30, 40);
+        upright.fillWithNoise(5);
+        EXPECT_EQ(made(upright), test::applied(row.id, upright).pixels()) << row.id;
+    }
+}
+
 TEST(AmDirtyBits, ABufferInheritedFromAnotherIdStaysHarmless)
 {
     // A caller may change the id of a living block: whatever the buffer holds must not lead outside.
     AmPicture picture(40, 30);
-    for (const i32 next : {60, 61, 62, 57, 58, 50}) {
+    for (const i32 next : {60, 61, 62, 57, 58, 50, 66, 82, 83, 97, 1030, 1031, 1032, 1036, 1037, 1041}) {
         AmBlock block(58);
         EXPECT_EQ(apply(block, picture), 0);
         std::memset(block->scratchC, 0x7E, std::size_t(block->scratchCCapacity));

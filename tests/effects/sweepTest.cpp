@@ -1,6 +1,7 @@
 // One sweep over everything registered: odd sizes, parameters at their ends and beyond, guard bytes, and the
 // promise that threads and vector width never show in the bytes.
 #include "core/Clock.h"
+#include "effects/am/brokenTelevision.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 #include "pixels/Random.h"
@@ -46,9 +47,10 @@ bool mayChangeItsInput(const EffectInfo& effect) { return effect.name == "light-
 template <class Prepare>
 std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2)
 {
-    // Both are shared by all nodes, of the thread and of the process.
+    // These are shared by all nodes, of the thread and of the process.
     pixels::threadRandom().seed(1);
     pixels::restartRain();
+    KEXSDK::am::restartTelevision();
     Frames frames(effect, width, height);
     std::vector<std::vector<u8>> before;
     host::Filter filter(effect.guid, width, height);

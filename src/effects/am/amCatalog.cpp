@@ -201,6 +201,16 @@ ParamInfo share(const char* name, const char* help, float value, double whole)
     return info;
 }
 
+// Nodes make pixels of the parameter, and the effect takes those for a percentage: what a host stores is the
+// percentage divided by the height. Tools are told the values for a picture of 1080 rows.
+ParamInfo bandBound(const char* name, const char* help, i32 percent)
+{
+    constexpr double kRows = 1080;
+    ParamInfo info = share(name, help, float(percent / kRows), 100 / kRows);
+    info.unit = "percent of the height, divided by the height in pixels; here for 1080";
+    return info;
+}
+
 std::vector<ParamInfo> parametersOf(const am::Fact& fact)
 {
     const AmEffectParams b = am::defaultsOf(fact.id);
@@ -218,6 +228,10 @@ std::vector<ParamInfo> parametersOf(const am::Fact& fact)
     if (fact.reads & am::kReadsDirection) {
         all.push_back(integer("Direction", "where the picture's additions move", b.direction, 3, ""));
         all.back().choices = fact.directions;
+    }
+    if (fact.reads & am::kReadsBand) {
+        all.push_back(bandBound("TopPos", "first row of the sharp band, from the bottom", b.top));
+        all.push_back(bandBound("BottomPos", "end of the sharp band, from the bottom", b.bottom));
     }
     if (fact.reads & am::kReadsPercent)
         all.push_back(integer("Percent", fact.percentHelp, b.percent, 100));

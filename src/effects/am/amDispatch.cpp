@@ -16,6 +16,20 @@ constexpr std::span<const EffectRow> (*kFamilies[])() = {
     paletteFilters,
     particleFilters,
     lightFilters,
+    selectiveLooks,
+    hueLooks,
+    sketchLooks,
+    softLooks,
+    vignetteLooks,
+    panelLooks,
+    distortionLooks,
+    stencilFilters,
+    jitterFilters,
+    warpFilters,
+    waterFilters,
+    fireFilters,
+    tiltFilters,
+    zoomBlurFilters,
 };
 
 std::vector<EffectRow> gather()

@@ -13,6 +13,7 @@ enum Reads : u32 {
     kReadsPercent = 1,
     kReadsRadius = 2,
     kReadsPosition = 4,
+    kReadsBand = 8,
     kReadsColour = 16,
     kReadsDirection = 32,
     kReadsPick = 64,

@@ -19,6 +19,7 @@ struct Frame {
     pixels::View dst;         ///< to be written completely
     pixels::ConstView second; ///< the texture; no bytes without one
     AmEffectParams& block;
+    i32 dataSize; ///< bytes of pixels, as the caller's descriptor has it
 
     bool inPlace() const { return src.bytes() == dst.bytes(); }
 };

@@ -36,19 +36,19 @@ pixels::ConstView copyInto(void* buffer, pixels::ConstView picture)
     return copy;
 }
 
-i64 copySize(pixels::ConstView picture, i32 dataSize)
+i64 copySize(const Frame& frame)
 {
-    return std::max<i64>(dataSize, i64(picture.width()) * picture.height() * 4);
+    return std::max<i64>(frame.dataSize, i64(frame.dst.width()) * frame.dst.height() * 4);
 }
 
-i32 apply(Frame frame, i32 dataSize)
+i32 apply(Frame frame)
 {
     const EffectRow* const row = am::findEffect(frame.block.id);
     if (!row)
         return kAmUnknown;
     if (row->source == am::Source::kept && frame.inPlace()) {
         AmEffectParams& block = frame.block;
-        const i64 bytes = copySize(frame.dst, dataSize);
+        const i64 bytes = copySize(frame);
         if (!am::ensureScratchB(block, bytes) || !am::ensureScratchA(block, bytes))
             return kAmNoMemory;
         copyInto(block.scratchA, frame.dst);
@@ -59,20 +59,20 @@ i32 apply(Frame frame, i32 dataSize)
     return row->run(frame);
 }
 
-i32 AmApplyFilter(const Frame& frame, i32 dataSize) { return apply(frame, dataSize); }
+i32 AmApplyFilter(const Frame& frame) { return apply(frame); }
 
 // Every one of these works from the copy in scratch B.
-i32 AmApplyLocal(Frame frame, i32 dataSize)
+i32 AmApplyLocal(Frame frame)
 {
     if (frame.inPlace()) {
-        if (!am::ensureScratchB(frame.block, copySize(frame.dst, dataSize)))
+        if (!am::ensureScratchB(frame.block, copySize(frame)))
             return kAmNoMemory;
         frame.src = copyInto(frame.block.scratchB, frame.dst);
     }
-    return apply(frame, dataSize);
+    return apply(frame);
 }
 
-i32 AmApplyBlend(Frame frame, const AmImageDesc* second, i32 dataSize)
+i32 AmApplyBlend(Frame frame, const AmImageDesc* second)
 {
     constexpr i32 kMergeColor = 2049;
     if (frame.block.id != kMergeColor) {
@@ -80,18 +80,18 @@ i32 AmApplyBlend(Frame frame, const AmImageDesc* second, i32 dataSize)
             return kAmBadImage;
         frame.second = viewOf(*second);
     }
-    return apply(frame, dataSize);
+    return apply(frame);
 }
 
-i32 dispatch(const Frame& frame, const AmImageDesc* second, i32 dataSize)
+i32 dispatch(const Frame& frame, const AmImageDesc* second)
 {
     const i32 id = frame.block.id;
     if (am::kFilters.contains(id))
-        return AmApplyFilter(frame, dataSize);
+        return AmApplyFilter(frame);
     if (am::kLocals.contains(id))
-        return AmApplyLocal(frame, dataSize);
+        return AmApplyLocal(frame);
     if (am::kBlends.contains(id))
-        return AmApplyBlend(frame, second, dataSize);
+        return AmApplyBlend(frame, second);
     return kAmUnknown;
 }
 
@@ -140,8 +140,9 @@ i32 AmApplyEffectFrom(
         block->height = image->height;
         block->dirty |= kAmDirtySize;
     }
-    const Frame frame{.src = source, .dst = viewOf(*image), .second = {}, .block = *block};
-    const i32 result = dispatch(frame, second, image->dataSize);
+    const Frame frame{
+        .src = source, .dst = viewOf(*image), .second = {}, .block = *block, .dataSize = image->dataSize};
+    const i32 result = dispatch(frame, second);
     if (result != kAmOk)
         pixels::rows::copy(source, frame.dst);
     return result;

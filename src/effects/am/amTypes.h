@@ -82,11 +82,12 @@ enum AmDirty : u32 {
 enum AmResult : i32 {
     kAmOk = 0,
     kAmUnknown = -1, ///< no effect of this id; null or no memory in AmCreateParams, null in AmReleaseParams
-    kAmOutOfRange = -2, ///< the id lies in no family
-    kAmBadImage = -3,   ///< bad descriptor, or a second picture needed and missing
-    kAmMissing = -4,    ///< an effect was handed nothing
-    kAmBadParams = -5,  ///< no block, or not 176 bytes
-    kAmNoMemory = -6,   ///< a scratch buffer could not be allocated
+    kAmOutOfRange = -2,  ///< the id lies in no family
+    kAmNoTemporary = -2, ///< from an effect: its temporary picture could not be allocated
+    kAmBadImage = -3,    ///< bad descriptor, or a second picture needed and missing
+    kAmMissing = -4,     ///< an effect was handed nothing
+    kAmBadParams = -5,   ///< no block, or not 176 bytes
+    kAmNoMemory = -6,    ///< a scratch buffer could not be allocated
 };
 
 } // namespace KEXSDK

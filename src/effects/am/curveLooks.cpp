@@ -1,11 +1,13 @@
 // Looks that map every channel through a table.
 #include "effects/am/amFilters.h"
 #include "effects/am/amScratch.h"
+#include "effects/am/rowPasses.h"
 #include "effects/am/storedCurves.h"
 #include "pixels/numbers.h"
 
 #include <cmath>
 #include <cstring>
+#include <numbers>
 
 namespace KEXSDK::am {
 
@@ -35,6 +37,19 @@ constexpr ByteTables kCinnamon =
     curvesThrough({0, 52, 128, 186, 187}, {0, 52, 128, 204, 236}, {114, 114, 128, 204, 253});
 constexpr ByteTables kSecondSeason =
     curvesThrough({0, 31, 56, 199, 255}, {0, 77, 134, 193, 255}, {0, 45, 94, 153, 254});
+
+constexpr ByteTables kSunFlower =
+    curvesThrough({43, 132, 210, 243, 254}, {36, 67, 137, 180, 192}, {69, 69, 92, 114, 122});
+constexpr ByteTables kRomantic =
+    curvesThrough({104, 151, 208, 236, 254}, {1, 69, 172, 227, 254}, {62, 62, 134, 192, 217});
+constexpr ByteTables kHoliday =
+    curvesThrough({57, 69, 188, 242, 254}, {37, 97, 170, 209, 222}, {97, 126, 154, 169, 173});
+constexpr ByteTables kPurpleLomo =
+    curvesThrough({35, 90, 178, 216, 235}, {20, 55, 175, 220, 235}, {104, 149, 192, 219, 232});
+constexpr ByteTables kBlueTears =
+    curvesThrough({0, 68, 155, 217, 253}, {5, 88, 171, 224, 253}, {34, 128, 195, 234, 252});
+constexpr ByteTables kPurpleLove =
+    curvesThrough({0, 39, 140, 222, 255}, {0, 0, 134, 220, 255}, {0, 81, 176, 232, 255});
 
 template <const ByteTables& kTables> i32 throughCurves(const Frame& f)
 {
@@ -116,6 +131,40 @@ i32 fourSeason(const Frame& f)
     return kAmOk;
 }
 
+// A contrasty grey, tinted yellow.
+i32 blackAndYellow(const Frame& f)
+{
+    constexpr int kContrast = 5;
+    const pixels::ByteTable curve = sineContrast(kContrast);
+    const auto raised = [&](int by) {
+        return pixels::tableOf([&](int i) { return clampByte(curve[std::size_t(i)] + by); });
+    };
+    mapThenTables(
+        f, [](pixels::Bgra p) { return pixels::grey(p, u8(y10(p))); }, {curve, raised(35), raised(41)});
+    return kAmOk;
+}
+
+// Every channel moves towards white by its own share, then through an S of contrast.
+i32 freshNew(const Frame& f)
+{
+    static const ByteTables tables = [] {
+        const auto lifted = [](int k) {
+            return pixels::tableOf([k](int c) {
+                const int i = c - (c * k >> 7) + k;
+                return clampByte(pixels::roundHalfUp(i - 12 * std::sin(2 * std::numbers::pi * i / 255)));
+            });
+        };
+        return ByteTables{.b = lifted(81), .g = lifted(25), .r = lifted(31)};
+    }();
+    pixels::mapTables(f.src, f.dst, tables);
+    return kAmOk;
+}
+
+template <const ByteTables& kTables> constexpr EffectRow look(i32 id)
+{
+    return {id, throughCurves<kTables>, nullptr, Source::kept};
+}
+
 constexpr EffectRow kRows[] = {
     {5, exposure},
     {49, throughCurves<kJapaness>},
@@ -126,6 +175,14 @@ constexpr EffectRow kRows[] = {
     {55, throughCurves<kCinnamon>},
     {64, sine},
     {65, fourSeason},
+    look<kSunFlower>(67),
+    look<kRomantic>(68),
+    look<kHoliday>(69),
+    {72, blackAndYellow},
+    look<kPurpleLomo>(74),
+    {79, freshNew},
+    look<kBlueTears>(80),
+    look<kPurpleLove>(81),
 };
 static_assert(idsAscend(kRows));
 

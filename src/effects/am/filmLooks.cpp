@@ -46,7 +46,7 @@ template <const ByteTables& kTables> i32 damagedThroughCurves(const Frame& f)
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
     rows::anyOrder(f.dst.extent(), [&](int y) {
         damagedRow(f, damage, y);
-        const pixels::View row(f.dst.bytes() + y * f.dst.strideBytes(), {f.dst.width(), 1});
+        const pixels::View row = f.dst.rows(y, y + 1);
         pixels::mapTables(row, row, kTables);
     });
     return kAmOk;

@@ -1,0 +1,49 @@
+// Loops over grey rows.
+#include "effects/am/pencil.h"
+
+#include "effects/am/amScratch.h"
+#include "pixels/columns.h"
+
+namespace KEXSDK::am {
+
+void greyOut(const pixels::Bgra* from, u8* to, int width)
+{
+    pixels::widest(
+        [=] { pixels::eachIndex(0, width, [=](int x) { to[x] = u8(y4(pixels::load(from + x))); }); });
+}
+
+void largestOfNine(GreyRows greys, u8* to, int width)
+{
+    GreyRow columns;
+    pixels::widest([=, column = columns.data()] {
+        const auto larger = [](u8 a, u8 b) { return a > b ? a : b; };
+        pixels::eachIndex(0, width,
+            [=](int x) { column[x] = larger(larger(greys.below[x], greys.row[x]), greys.above[x]); });
+        pixels::eachIndex(
+            1, width - 1, [=](int x) { to[x] = larger(larger(column[x - 1], column[x]), column[x + 1]); });
+    });
+}
+
+const u32* dodgeReciprocals(AmEffectParams& block)
+{
+    constexpr u32 kEntries = 256;
+    if (!ensureScratchC(block, kEntries * sizeof(u32), kAmDirtyTable))
+        return nullptr;
+    u32* const table = static_cast<u32*>(block.scratchC);
+    if (takeDirty(block, kAmDirtyTable))
+        for (u32 k = 0; k < kEntries; ++k)
+            table[k] = (1u << 24) / (k + 8);
+    return table;
+}
+
+void drawWithPencil(GreyRows greys, const u32* reciprocals, u8* to, int width)
+{
+    GreyRow largest;
+    largestOfNine(greys, largest.data(), width);
+    pixels::widest([=, most = largest.data()] {
+        pixels::eachIndex(1, width - 1,
+            [=](int x) { to[x] = u8(std::min(reciprocals[most[x]] * greys.row[x] >> 16, 255u)); });
+    });
+}
+
+} // namespace KEXSDK::am
