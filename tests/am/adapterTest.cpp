@@ -5,8 +5,11 @@
 #include "effects/am/amCatalog.h"
 #include "support/EngineFixture.h"
 #include "support/allocationCount.h"
+#include "support/inChild.h"
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -166,15 +169,58 @@ TEST(AmNode, DescribesWhatItStores)
 
 class AmTextures : public test::EngineWithoutGpu { };
 
-TEST_F(AmTextures, AMissingTextureLeavesInputOneEmpty)
+TEST_F(AmTextures, AMissingTextureLeavesInputOneEmptyAndIsTransparentBlack)
 {
-    Node node(2050, 8, 8, "NoSuchTexture.png");
-    EXPECT_EQ(node.getInputImage(1), nullptr);
     CEffectImage input(8, 8, 0, 32, nullptr);
     input.view().at(3, 3) = {9, 8, 7, 6};
+    const auto outcome = [&](i32 id) {
+        Node node(id, 8, 8, "NoSuchTexture.png");
+        EXPECT_EQ(node.getInputImage(1), nullptr);
+        node.setInputImage(&input, 0);
+        EXPECT_TRUE(node.evaluate(nullptr));
+        return node.getOutputImage()->view().at(3, 3);
+    };
+    EXPECT_EQ(outcome(2050), (Bgra{9, 8, 7, 6})) << "laid over by its alpha";
+    EXPECT_EQ(outcome(2052), (Bgra{0, 0, 0, 6})) << "multiplied";
+    EXPECT_EQ(outcome(2150), (Bgra{9, 8, 7, 6})) << "screened";
+}
+
+TEST_F(AmTextures, AHostMayPutAPictureOfItsOwnInTheTexturesPlace)
+{
+    CEffectImage input(8, 8, 0, 32, nullptr);
+    input.view().at(3, 3) = {9, 8, 7, 6};
+    CEffectImage light(8, 8, 0, 32, nullptr);
+    light.view().at(3, 3) = {1, 2, 250, 0};
+    CEffectImage small(4, 4, 0, 32, nullptr);
+    Node node(2097, 8, 8, "NoSuchTexture.png");
     node.setInputImage(&input, 0);
-    ASSERT_TRUE(node.evaluate(nullptr));
-    EXPECT_EQ(node.getOutputImage()->view().at(3, 3).a, 6);
+    const auto result = [&] {
+        EXPECT_TRUE(node.evaluate(nullptr));
+        return node.getOutputImage()->view().at(3, 3);
+    };
+    node.setInputImage(&light, 1);
+    EXPECT_EQ(result(), (Bgra{10, 10, 255, 6}));
+    node.setInputImage(&small, 1);
+    EXPECT_EQ(result(), (Bgra{9, 8, 7, 6})) << "of another size, it is not read";
+}
+
+TEST(AmTextureLog, AMissingTextureIsOneWarning)
+{
+    const std::filesystem::path file =
+        std::filesystem::path(EFFECTENGINE_TEST_OUTPUT_DIR) / "missingTexture.log";
+    std::filesystem::remove(file);
+    ASSERT_TRUE(test::inChild([&] { // the log opens once per process
+        test::useNoGraphics();
+        bool ok = logging::open(file.string());
+        Node(2052, 8, 8, "NoSuchTexture.png");
+        Node(2049, 8, 8);
+        return ok;
+    }));
+    std::ifstream log(file);
+    const std::string text{std::istreambuf_iterator<char>(log), {}};
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1) << text;
+    EXPECT_NE(text.find(" WARN "), std::string::npos) << text;
+    EXPECT_NE(text.find("[NoSuchTexture.png]"), std::string::npos) << text;
 }
 
 } // namespace

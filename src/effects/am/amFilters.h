@@ -13,6 +13,9 @@ std::span<const EffectRow> filmLooks();       ///< old photographs with damage a
 std::span<const EffectRow> paletteFilters();  ///< the nearest of a few colours
 std::span<const EffectRow> particleFilters(); ///< discs that move over the picture
 std::span<const EffectRow> lightFilters();    ///< relief, spot of light, one colour kept
+std::span<const EffectRow> blendModes();      ///< channels of the picture with those of a texture
+std::span<const EffectRow> textureLooks();    ///< a look and a texture at once
+std::span<const EffectRow> paperLooks();      ///< old prints, canvas, drawings on paper
 std::span<const EffectRow> selectiveLooks();  ///< some of the colours change more than others
 std::span<const EffectRow> hueLooks();        ///< new hues, and lightness apart from colour
 std::span<const EffectRow> sketchLooks();     ///< a pixel and its eight neighbours

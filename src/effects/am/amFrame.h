@@ -34,11 +34,18 @@ enum class Source {
           ///< and scratch A holds another one
 };
 
+/// What size an effect's second picture may have.
+enum class Second {
+    any,   ///< effects without one, and those that look at its size themselves
+    alike, ///< the first picture's, or the effect is refused
+};
+
 struct EffectRow {
     i32 id;
     Effect run;
     void (*prepare)(AmEffectParams&) = nullptr; ///< settings that the id forces upon its block
     Source source = Source::any;
+    Second second = Second::any;
 };
 
 /// Tables are searched by id.

@@ -15,12 +15,18 @@ namespace {
 using am::EffectRow;
 using am::Frame;
 
-bool isPicture(const AmImageDesc* image)
+// Whether the rows that a descriptor speaks of can be read.
+bool isReadable(const AmImageDesc* image)
 {
     const auto isExtent = [](i32 value) { return value > 0 && value <= am::kMaxExtent; };
-    return image && image->size == sizeof(AmImageDesc) && image->data && image->dataSize > 0
-        && isExtent(image->width) && isExtent(image->height) && image->bitsPerPixel == 32
+    return image && image->data && isExtent(image->width) && isExtent(image->height)
         && image->stride >= image->width * 4;
+}
+
+bool isPicture(const AmImageDesc* image)
+{
+    return isReadable(image) && image->size == sizeof(AmImageDesc) && image->dataSize > 0
+        && image->bitsPerPixel == 32;
 }
 
 pixels::View viewOf(const AmImageDesc& image)
@@ -46,6 +52,8 @@ i32 apply(Frame frame)
     const EffectRow* const row = am::findEffect(frame.block.id);
     if (!row)
         return kAmUnknown;
+    if (row->second == am::Second::alike && frame.second.extent() != frame.dst.extent())
+        return kAmBadImage;
     if (row->source == am::Source::kept && frame.inPlace()) {
         AmEffectParams& block = frame.block;
         const i64 bytes = copySize(frame);
@@ -76,7 +84,7 @@ i32 AmApplyBlend(Frame frame, const AmImageDesc* second)
 {
     constexpr i32 kMergeColor = 2049;
     if (frame.block.id != kMergeColor) {
-        if (!second || !second->data)
+        if (!isReadable(second))
             return kAmBadImage;
         frame.second = viewOf(*second);
     }
