@@ -1,15 +1,18 @@
 // Random values for particle templates: a fixed sequence, so that every run draws the same picture.
 #pragma once
 
-#include "core/Types.h"
+#include "pixels/Random.h"
 
 #include <OgreMath.h>
 
-/// Numbers come from one generator per thread, that of the particles' effect being the render thread's.
+/// Every provider has a sequence of its own, so that what one effect draws does not depend on another.
 class MyRandomValueProvider : public Ogre::Math::RandomValueProvider {
 public:
     /// The next value, 0 and 1 included.
     Ogre::Real getRandomUnit() override;
-    /// Starts the thread's sequence anew.
+    /// Starts the sequence anew.
     virtual void reset();
+
+private:
+    pixels::RandomGenerator generator_;
 };

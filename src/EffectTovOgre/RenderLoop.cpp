@@ -64,7 +64,7 @@ public:
 private:
     struct Entry {
         std::string className;
-        std::unique_ptr<TovEffectBase> effect;
+        std::shared_ptr<TovEffectBase> effect;
     };
 
     void serve(u32 code) noexcept
@@ -85,6 +85,10 @@ private:
         switch (code) {
         case kCreateEffect:
             slot.createdEffect = createEffect(slot.className.data());
+            break;
+        case kPrepareEffect:
+            if (find(slot.effect))
+                slot.effect->getShaderParameters();
             break;
         case kLoadImage:
             slot.loadedImage = &system_.sharedImage();
@@ -124,13 +128,13 @@ private:
         return effect && entry != effects_.end() ? &*entry : nullptr;
     }
 
-    TovEffectBase* createEffect(const char* className)
+    std::shared_ptr<TovEffectBase> createEffect(const char* className)
     {
-        std::unique_ptr<TovEffectBase> effect(system_.createEffect(className));
+        std::shared_ptr<TovEffectBase> effect(system_.createEffect(className));
         if (!effect)
             return nullptr;
         effects_.push_back({className, std::move(effect)});
-        return effects_.back().effect.get();
+        return effects_.back().effect;
     }
 
     void evaluate(const Slot& slot)
@@ -148,8 +152,11 @@ private:
 
     void deleteEffect(const TovEffectBase* effect)
     {
-        if (Entry* const entry = find(effect))
-            effects_.erase(effects_.begin() + (entry - effects_.data()));
+        Entry* const entry = find(effect);
+        if (!entry)
+            return;
+        entry->effect->destroyScene(); // whoever shares the object may let it go on another thread
+        effects_.erase(effects_.begin() + (entry - effects_.data()));
     }
 
     void deleteAllEffects()
@@ -157,8 +164,10 @@ private:
         if (effects_.empty())
             return;
         logSafely(system_, "Delete all effect!");
-        for (Entry& entry : effects_) // a vector's own order of destruction is not promised
+        for (Entry& entry : effects_) { // a vector's own order of destruction is not promised
+            entry.effect->destroyScene();
             entry.effect.reset();
+        }
         effects_.clear();
     }
 

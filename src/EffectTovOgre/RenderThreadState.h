@@ -8,6 +8,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -18,6 +19,7 @@ namespace renderThread {
 
 enum RequestCode : u32 {
     kCreateEffect = 0,
+    kPrepareEffect = 1,
     kLoadImage = 3,
     kSaveImage = 4,
     kEvaluateEffect = 5,
@@ -44,7 +46,7 @@ struct Slot {
     u32 height = 0;
     KEXSDK::RecordFormat pixelFormat = KEXSDK::RecordFormat::A8B8G8R8;
 
-    TovEffectBase* createdEffect = nullptr;
+    std::shared_ptr<TovEffectBase> createdEffect;
     SharedImage* loadedImage = nullptr;
     bool saved = false;
 };

@@ -1,31 +1,158 @@
 // What the rest of the engine sees of a GPU effect.
 #pragma once
 
+#include "EffectTovOgre/ShaderParameter.h"
 #include "core/Types.h"
 #include "model/ImageParam.h"
 
-/// An off-screen scene that draws its inputs into a render target. The render thread makes, draws and
-/// destroys effects; only set-up calls come from other threads.
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KEXSDK {
+class CEffectBaseParam;
+}
+
+/// Where the picture plane stands; neutral as constructed.
+struct PictureTransform {
+    float axis[3] = {0, 1, 0};
+    float angle = 0;                  ///< degrees, about the axis
+    float translation[3] = {0, 0, 0}; ///< x and y in output pixels, z in scene units
+    float scale[3] = {1, 1, 1};
+};
+
+/// An off-screen scene that draws its inputs, through a fragment program of its own or as they are, into a
+/// texture of the effect's size. The render thread makes, draws and ends effects (TovOgreRenderThread).
+///
+/// Set-up calls only store values. They come from the requesting thread, while no request for the same effect
+/// is under way; on an effect whose scene has ended they do nothing that could be seen.
 class TovEffectBase {
 public:
-    TovEffectBase() = default;
+    TovEffectBase();
     TovEffectBase(const TovEffectBase&) = delete;
     TovEffectBase& operator=(const TovEffectBase&) = delete;
-    /// Called on the render thread, while the graphics system is still up.
-    virtual ~TovEffectBase() = default;
+    virtual ~TovEffectBase();
+
+    /// Size of the pictures that the effect draws, in pixels; 800 x 600 at first.
+    virtual void setSize(u32 width, u32 height);
 
     /// Draws one frame and copies it into the record's pixel memory. Render thread only.
     /// @param output  variable with the output record; when it holds null, put the effect's own record there
     /// @param buffer  memory of the output's size to read the frame into, or null for the record's own
     virtual void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) = 0;
 
-    /// Copies the latest frame into the record's pixel memory, or into `buffer` when given. Render thread
-    /// only.
+    /// Copies the latest frame into the record's pixel memory, or into `buffer` when given; a record that
+    /// does not hold this effect's texture stays as it is. Render thread only.
     virtual void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) = 0;
 
+    // Inputs. Pixels are 4 bytes each, rows packed, and stay the caller's: they are read by every render
+    // until the input is set again or removed.
+
+    /// Decodes a picture file (a path, or a name within the resource locations) into an input that the effect
+    /// keeps; its top row comes first. @return false, with a line in the rendering library's log, when that
+    /// is not possible
+    virtual bool loadPicture(const char* path, i32 index);
+    /// Takes the record's texture if it has one, which spares the way through memory, else its pixels.
+    virtual void setInput(const KEXSDK::_ImageParam* record, i32 index);
+    virtual void setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 index);
+    virtual void setInputPixels(const u8* pixels, u32 width, u32 height, i32 index,
+        KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8);
+    virtual void setInputData(
+        const u8* pixels, u32 width, u32 height, u32 depth, i32 index, KEXSDK::RecordFormat format);
+    /// For an input whose pixels are about to go away.
+    void removeInput(i32 index);
+
+    /// Reverses the rows of every frame read back.
+    virtual void setFlipVertical(bool flip);
+
     /// True once the window that the effect draws into has been closed; the render thread then ends.
-    virtual bool isWindowClosed() = 0;
+    virtual bool isWindowClosed();
+
+    /// The uniforms of the effect's own programs with their current values, valid as long as the effect; null
+    /// when its scene has ended. The first call makes the programs, as a request to the render thread.
+    virtual ShaderParameters* getShaderParameters() = 0;
+    /// Sends every value to its uniform on each render from now on.
+    virtual void setShaderParameters(const ShaderParameters& parameters);
 
     /// Number that no other living effect has.
-    virtual u32 getId() = 0;
+    virtual u32 getId();
+
+    /// Takes the scene out of the graphics system: nothing is drawn any more, and the object itself may go on
+    /// any thread. Render thread only; a second call does nothing.
+    virtual void destroyScene() { }
+
+    /// Moves the scene's time on. @return the index before
+    virtual u32 setFrameIndex(u32 index);
+    /// 25 frames per second at first; anything but a positive number is ignored.
+    virtual void setFrameRate(float framesPerSecond);
+
+    // Programs. Each is made once, by the first render or getShaderParameters.
+
+    /// @param text  GLSL, or the name of a file of it; null for the default program, which shows input 0
+    virtual void setShaderSource(const char* text, bool isFragment, bool isSourceText) = 0;
+
+    // Values of uniforms by name. A value is converted to the type that the program declares; a name that it
+    // lacks is skipped. Arrays stay the caller's and are read by every render.
+    virtual void setIntParam(u32 programType, const char* name, i32 value) = 0;
+    virtual void setFloatParam(u32 programType, const char* name, float value) = 0;
+    /// @param count, multiple  elements, and values per element
+    virtual void setIntArrayParam(
+        u32 programType, const char* name, const i32* values, u32 count, u32 multiple) = 0;
+    virtual void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple) = 0;
+    virtual void setDoubleArrayParam(
+        u32 programType, const char* name, const double* values, u32 count, u32 multiple) = 0;
+
+    /// Hides everything but the picture plane.
+    virtual void setPictureOnly(bool pictureOnly) = 0;
+
+    PictureTransform transform;
+
+    /// Name of the particle template drawn in front of the picture; empty for none. Set before the first
+    /// render.
+    std::string particleTemplate;
+    /// Where particle attributes are set by name; null for an effect without particles.
+    virtual KEXSDK::CEffectBaseParam* particleParameters() { return nullptr; }
+
+    /// True when the latest render drew its frame.
+    bool drewFrame() const { return drewFrame_; }
+    /// Why programs or pictures cannot be used: file and the driver's message; empty when all is well. Known
+    /// after getShaderParameters or a render.
+    const std::string& problem() const { return problem_; }
+
+protected:
+    struct Input {
+        const u8* pixels = nullptr;
+        std::shared_ptr<Ogre::Texture> texture; ///< empty for an input in memory
+        KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8;
+        u32 width = 0;
+        u32 height = 0;
+        u32 depth = 1;
+        bool changed = true;   ///< the pixels wait to be uploaded
+        bool constant = false; ///< pixels of the effect's own that need one upload only
+    };
+
+    /// Replaces the effect's own record.
+    virtual void createOutputRecord(u32 width, u32 height);
+    /// Puts the effect's own record into an empty slot; another record there takes its picture's facts.
+    virtual void copyOutput(KEXSDK::_ImageParam** slot);
+    /// Swaps the rows top to bottom.
+    virtual void flipVertical(u8* pixels, u32 width, u32 height);
+
+    std::map<i32, Input> inputs_;
+    u32 width_ = 800;
+    u32 height_ = 600;
+    bool sizeChanged_ = true;
+    std::unique_ptr<KEXSDK::_ImageParam> output_;
+    bool windowClosed_ = false;
+    ShaderParameters shaderParameters_;
+    u32 id_ = 0;
+    std::map<i32, std::vector<u8>> loadedPictures_;
+    bool flip_ = false;
+    u32 previousFrame_ = 0;
+    u32 currentFrame_ = 0;
+    float frameDuration_ = 0.04f; ///< seconds
+    bool drewFrame_ = false;
+    std::string problem_;
 };

@@ -1,6 +1,7 @@
 // The rendering environment: everything of OGRE that exists once per process.
 #pragma once
 
+#include "EffectTovOgre/GlslLink.h"
 #include "EffectTovOgre/GraphicsSystem.h"
 #include "core/Types.h"
 
@@ -72,6 +73,9 @@ public:
         u32 planes = 0;
     };
     Counters counters;
+
+    /// Trial links of the programs that OGRE knows, by the names of both.
+    std::map<std::string, GlslLink> links;
 
     /// One line of OGRE's log, at its normal level.
     static void log(const std::string& message);

@@ -19,7 +19,7 @@ constexpr std::string_view kEffectClass = "TovOgrePaticalUniverseEffect";
 std::optional<MyCSingleLock> enterRequest()
 {
     Process& all = process();
-    if (all.threadId.load() == std::this_thread::get_id())
+    if (TovOgreRenderThread::isCurrent())
         return std::nullopt;
     MyCSingleLock lock(all.requests);
     if (!lock || !all.running)
@@ -93,7 +93,7 @@ TovOgreRenderThread& TovOgreRenderThread::getInstance()
 
     // Kept for the whole process and started again when needed: nobody could tell when its last user is gone.
     static TovOgreRenderThread* const onDemand = new TovOgreRenderThread(Deferred{});
-    if (all.threadId.load() == std::this_thread::get_id())
+    if (isCurrent())
         return *onDemand; // starting up: whoever started this thread will be the instance
     const MyCSingleLock lock(all.requests);
     if (TovOgreRenderThread* const instance = all.instance)
@@ -105,7 +105,9 @@ TovOgreRenderThread& TovOgreRenderThread::getInstance()
     return *onDemand;
 }
 
-TovEffectBase* TovOgreRenderThread::createEffect()
+TovEffectBase* TovOgreRenderThread::createEffect() { return createSharedEffect().get(); }
+
+std::shared_ptr<TovEffectBase> TovOgreRenderThread::createSharedEffect()
 {
     const auto lock = enterRequest();
     if (!lock)
@@ -116,6 +118,18 @@ TovEffectBase* TovOgreRenderThread::createEffect()
     slot.createdEffect = nullptr;
     perform(kCreateEffect);
     return std::exchange(slot.createdEffect, nullptr);
+}
+
+u32 TovOgreRenderThread::prepareEffect(TovEffectBase* effect)
+{
+    const auto lock = enterRequest();
+    if (!lock || !effect)
+        return 0;
+    Slot& slot = process().slot;
+    slot.effect = effect;
+    perform(kPrepareEffect);
+    slot.effect = nullptr;
+    return 1;
 }
 
 u32 TovOgreRenderThread::evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer)
@@ -199,10 +213,26 @@ bool TovOgreRenderThread::saveImage(const char* path, const u8* pixels, u32 widt
     return slot.saved;
 }
 
+void TovOgreRenderThread::log(std::string_view message)
+{
+    Process& all = process();
+    if (isCurrent()) {
+        if (all.system)
+            all.system->log(message);
+    } else if (const auto lock = enterRequest()) {
+        all.system->log(message);
+    }
+}
+
+bool TovOgreRenderThread::isCurrent() noexcept
+{
+    return process().threadId.load() == std::this_thread::get_id();
+}
+
 u32 TovOgreRenderThread::shutdown()
 {
     Process& all = process();
-    if (all.threadId.load() == std::this_thread::get_id())
+    if (isCurrent())
         return 0;
     const MyCSingleLock lock(all.requests);
     if (!lock || !all.instance)

@@ -5,8 +5,10 @@
 #include "core/Types.h"
 #include "platform/CriticalSection.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 /// The shared image after a load request. While a LoadedImage lives nobody else's request can overwrite the
@@ -53,20 +55,28 @@ public:
     /// its start fails, so that later callers do not wait for another failure.
     static TovOgreRenderThread& getInstance();
 
-    /// A new GPU effect, owned by the render thread, or null.
+    /// A new GPU effect, owned by the render thread, or null. Nodes use GpuEffect instead, whose object
+    /// outlives the thread.
     TovEffectBase* createEffect();
+
+    /// The same, kept by the caller as well: its scene ends with deleteEffect or the thread.
+    std::shared_ptr<TovEffectBase> createSharedEffect();
+
+    /// Makes the programs of an effect, so that its uniforms are known.
+    /// @return 1 when the request was made, else 0
+    static u32 prepareEffect(TovEffectBase* effect);
 
     /// Draws a frame of an effect made by createEffect. `slot` is the variable with the output record (it may
     /// hold null: it then receives the effect's own), `buffer` memory to read the frame into, or null.
     /// @return 1 when the request was made. After a closed window one call is passed over.
-    u32 evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer);
+    static u32 evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer);
 
     /// Copies the render target of the effect that owns the record into the record's pixels; a record without
     /// owner stays as it is. @return 1 when the request was made, else 0
     u32 readBack(KEXSDK::_ImageParam* record);
 
     /// Destroys an effect made by createEffect. @return 1 when the request was made, else 0
-    u32 deleteEffect(TovEffectBase* effect);
+    static u32 deleteEffect(TovEffectBase* effect);
 
     /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations.
     LoadedImage loadImage(const char* path);
@@ -74,6 +84,12 @@ public:
     /// Writes a picture file, its kind by the path's extension. Rows are top row first, bytes blue, green,
     /// red, alpha. @return whether the file was written
     bool saveImage(const char* path, const u8* pixels, u32 width, u32 height);
+
+    /// One line of the graphics system's log; nothing while there is none.
+    static void log(std::string_view message);
+
+    /// True on the render thread itself.
+    static bool isCurrent() noexcept;
 
     /// Deletes every effect, ends the graphics system and the thread. The next user starts anew.
     /// @return 0 when there was no instance, else 1

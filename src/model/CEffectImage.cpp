@@ -62,6 +62,12 @@ void CEffectImage::reverseRows()
         std::ranges::swap_ranges(rows.row(y), rows.pictureRow(y));
 }
 
+void CEffectImage::forgetTexture()
+{
+    record_->gpuOwner = nullptr;
+    record_->sharedBuffer.reset();
+}
+
 void CEffectImage::borrowRecord(_ImageParam* record)
 {
     if (!borrowsRecord_ && record_ != record)

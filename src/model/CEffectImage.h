@@ -40,6 +40,9 @@ public:
     pixels::Extent extent() const { return {int(width()), int(height())}; }
     pixels::View view() const { return {record_->pixels, extent()}; }
 
+    /// Makes the memory all there is of the picture; a texture with the same picture is let go.
+    void forgetTexture();
+
     _ImageParam* record() const { return record_; }
     /// Replaces the record by one that a GPU effect owns and keeps alive.
     void borrowRecord(_ImageParam* record);

@@ -11,8 +11,9 @@ public:
 
     u32 getInputCount() final { return 1; }
 
-    /// Hands input 0 to processFrame. Without an input of the node's size the output stays as it is.
-    void run() final;
+    /// Hands input 0 to processFrame. Without an input of the node's size the output stays as it is. Override
+    /// it for an effect that the GPU may draw, and call this one when it does not.
+    void run() override;
 
     /// The effect's pixel routine; the default leaves the output as it is (transparent black at first).
     /// @param src  input 0, width x height pixels of 4 bytes, rows packed, bottom row first; read only

@@ -56,6 +56,16 @@ CEffectImage* CSimpleEffect::getInputImage(i32 index) const
 
 bool CSimpleEffect::evaluate(CEffectImage* external)
 {
+    const bool done = evaluateForReader(external);
+    // Hosts may write the memory of a picture whenever no evaluation is under way.
+    for (CEffectImage* const image : {external, getOutputImage()})
+        if (image && !evaluating_)
+            image->forgetTexture();
+    return done;
+}
+
+bool CSimpleEffect::evaluateForReader(CEffectImage* external)
+{
     // Entered again through a cycle: the node that asks uses the current output.
     if (evaluating_)
         return false;
@@ -73,10 +83,13 @@ bool CSimpleEffect::evaluate(CEffectImage* external)
     if (getParamInt(kEnable.name, 0)) {
         if (external)
             output_ = external;
-        run();
+        runKeepingTextures();
     } else {
         passThrough(external ? external : output_);
     }
+    for (const auto& [index, connection] : connections_)
+        if (connection.fed && connection.fed != getOutputImage() && connection.fed != external)
+            connection.fed->forgetTexture();
     paramsChanged = 0;
     return true;
 }
@@ -84,17 +97,28 @@ bool CSimpleEffect::evaluate(CEffectImage* external)
 void CSimpleEffect::evaluateUpstream(CEffectImage* external)
 {
     for (auto& [index, connection] : connections_) {
-        connection.upstream->evaluate(external);
+        connection.upstream->evaluateForReader(external);
         connection.fed = connection.upstream->getOutputImage();
         inputs_[index] = connection.fed;
     }
 }
 
+void CSimpleEffect::runKeepingTextures()
+{
+    const auto before = output_->record()->sharedBuffer;
+    run();
+    // What the CPU wrote is in memory only, even over a picture that the GPU had drawn.
+    if (output_->record()->sharedBuffer == before)
+        output_->forgetTexture();
+}
+
 void CSimpleEffect::passThrough(CEffectImage* target) const
 {
     const CEffectImage* const source = getInputImage(0);
-    if (source && target && source != target && source->extent() == target->extent())
+    if (source && target && source != target && source->extent() == target->extent()) {
+        target->forgetTexture();
         pixels::rows::copy(source->view(), target->view());
+    }
 }
 
 bool CSimpleEffect::fits(const CEffectImage& image)

@@ -50,10 +50,17 @@ public:
     ///         written then)
     bool evaluate(CEffectImage* external);
 
+    /// The same for a node inside another node's run: what the GPU drew stays at hand as a texture for the
+    /// node that reads it next.
+    bool evaluateForReader(CEffectImage* external);
+
     u32 width() const { return width_; }
     u32 height() const { return height_; }
 
 protected:
+    /// Every input that is set or connected, by index; null where an upstream node has no output.
+    const std::map<i32, CEffectImage*>& inputs() const { return inputs_; }
+
     /// True when the image has the node's size. Otherwise false, with one warning line per node.
     bool fits(const CEffectImage& image);
 
@@ -64,6 +71,7 @@ private:
     };
 
     void evaluateUpstream(CEffectImage* external);
+    void runKeepingTextures();
     void passThrough(CEffectImage* target) const;
 
     std::map<i32, CEffectImage*> inputs_;

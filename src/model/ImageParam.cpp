@@ -14,12 +14,9 @@ constexpr std::align_val_t kPixelAlignment{64}; // a cache line, and the widest 
 
 _ImageParam::~_ImageParam()
 {
-    if (ownsPixels)
-        ::operator delete[](pixels, kPixelAlignment);
-    pixels = nullptr;
+    usePixels(nullptr);
     externalBuffer = nullptr;
     byteSize = 0;
-    ownsPixels = 0;
     released = 1;
 }
 
@@ -28,6 +25,14 @@ void _ImageParam::allocatePixels()
     pixels = static_cast<u8*>(::operator new[](byteSize, kPixelAlignment));
     std::memset(pixels, 0, byteSize);
     ownsPixels = 1;
+}
+
+void _ImageParam::usePixels(u8* memory)
+{
+    if (ownsPixels && memory != pixels)
+        ::operator delete[](pixels, kPixelAlignment);
+    ownsPixels = ownsPixels && memory == pixels;
+    pixels = memory;
 }
 
 } // namespace KEXSDK

@@ -37,6 +37,9 @@ struct _ImageParam {
 
     /// Gives the record byteSize zeroed bytes of its own. Throws std::bad_alloc.
     void allocatePixels();
+
+    /// Makes memory of someone else's, byteSize bytes, the pixels.
+    void usePixels(u8* memory);
 };
 
 } // namespace KEXSDK

@@ -8,7 +8,6 @@
 #include <OgreRoot.h>
 #include <OgreSceneManager.h>
 #include <OgreTextureManager.h>
-#include <unistd.h>
 
 namespace {
 
@@ -23,13 +22,6 @@ std::size_t openFiles()
 {
     const auto all = std::filesystem::directory_iterator("/proc/self/fd");
     return std::size_t(std::distance(begin(all), end(all)));
-}
-
-std::size_t residentKilobytes()
-{
-    std::size_t total = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> total >> resident;
-    return resident * std::size_t(sysconf(_SC_PAGESIZE)) / 1024;
 }
 
 TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)

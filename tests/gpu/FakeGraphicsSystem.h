@@ -28,6 +28,7 @@ struct Diary {
     bool startWorks = true;
     bool knowsClasses = true;
     bool windowCloses = false;
+    std::pair<i32, i32> driver{4, 5};
     std::string throwIn; ///< the operation that throws
     std::function<void()> duringRender;
 
@@ -75,6 +76,18 @@ public:
     }
     bool isWindowClosed() override { return diary_.windowCloses; }
     u32 getId() override { return id_; }
+    ShaderParameters* getShaderParameters() override
+    {
+        diary_.note("prepare " + std::to_string(id_));
+        return &shaderParameters_;
+    }
+    void setShaderSource(const char*, bool, bool) override { }
+    void setIntParam(u32, const char*, i32) override { }
+    void setFloatParam(u32, const char*, float) override { }
+    void setIntArrayParam(u32, const char*, const i32*, u32, u32) override { }
+    void setFloatArrayParam(u32, const char*, const float*, u32, u32) override { }
+    void setDoubleArrayParam(u32, const char*, const double*, u32, u32) override { }
+    void setPictureOnly(bool) override { }
 
     KEXSDK::_ImageParam record_;
 
@@ -128,6 +141,8 @@ public:
         GpuCapabilities found;
         found.maxTextureSize = 4321;
         found.textures3D = true;
+        found.driver.major = diary_.driver.first;
+        found.driver.minor = diary_.driver.second;
         return found;
     }
     TovEffectBase* createEffect(const char* className) override

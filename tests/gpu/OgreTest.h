@@ -2,8 +2,10 @@
 #pragma once
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "platform/OffscreenGl.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,12 +13,16 @@
 #include <sstream>
 #include <string>
 
-/// No test needs a display; one that happens to be there must not help either.
+/// No test needs a display; one that happens to be there must not help either. To draw on one nevertheless:
+/// EFFECTENGINE_DRAW_ON_DISPLAY=1 xvfb-run -a effectengine_tests --gtest_filter='EffectTest*:Gpu*'
 class OgreTest : public testing::Test {
 protected:
     OgreTest()
     {
-        unsetenv("DISPLAY");
+        if (std::getenv("EFFECTENGINE_DRAW_ON_DISPLAY"))
+            offscreenGl::setAllowed(false);
+        else
+            unsetenv("DISPLAY");
         TovOgreRenderThread::setGraphicsSystemFactory({});
         char name[] = "/tmp/effectengine-gpu-XXXXXX";
         directory_ = std::string(mkdtemp(name)) + "/";
@@ -33,6 +39,12 @@ protected:
         std::ostringstream text;
         text << std::ifstream(path(name), std::ios::binary).rdbuf();
         return text.str();
+    }
+    static std::size_t residentKilobytes()
+    {
+        std::size_t total = 0, resident = 0;
+        std::ifstream("/proc/self/statm") >> total >> resident;
+        return resident * std::size_t(sysconf(_SC_PAGESIZE)) / 1024;
     }
     bool logged(const std::string& text) const { return read("Ogre.log").find(text) != std::string::npos; }
 

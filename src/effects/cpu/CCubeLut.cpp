@@ -1,7 +1,11 @@
 // Recolours a picture through a three-dimensional lookup table from a file.
+#include "EffectTovOgre/GpuEffect.h"
+#include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "effects/gpu/uniforms.h"
 #include "effects/lut/LutFile.h"
 #include "effects/lut/LutTable.h"
+#include "effects/lut/lutShader.h"
 #include "effects/lut/lutTiles.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
@@ -41,6 +45,13 @@ public:
         return CPureCEffect::getParamInt(name, defaultValue);
     }
 
+    void run() override
+    {
+        const MyCSingleLock lock(lock_);
+        if (!drawOnGpu())
+            CPureCEffect::run();
+    }
+
     void processFrame(const u8* src, u8* dst) override
     {
         const MyCSingleLock lock(lock_);
@@ -51,6 +62,35 @@ public:
     }
 
 private:
+    /// With the lock held. @return false when the CPU has to do it
+    bool drawOnGpu()
+    {
+        const lut::TileLayout* const layout = lut::tileLayoutOf(table_.size());
+        const CEffectImage* const source = getInputImage(0);
+        if (!layout || !source || !gpuAvailable())
+            return false;
+        if (lookup_.pixels.empty())
+            prepareGpu(*layout);
+        if (!gpu_ || !gpu_->problem().empty())
+            return false;
+        bindInput(*gpu_.get(), *this, *source, 0);
+        setUniforms(*gpu_.get(), *this, "CCubeLut::run");
+        return gpu_.draw(*getOutputImage());
+    }
+
+    void prepareGpu(const lut::TileLayout& layout)
+    {
+        lookup_ = lut::lookupTexture(table_, layout);
+        gpu_ = {};
+        gpu_ = GpuEffect::create();
+        if (!gpu_)
+            return;
+        gpu_->setSize(width(), height());
+        gpu_->setShaderSource(lut::lookupShader(layout).c_str(), true, true);
+        gpu_->setInputPixels(lookup_.pixels.data(), lookup_.width, lookup_.height, 1);
+        setParamIntValue("mSample1", 1);
+    }
+
     bool load(const std::string& path)
     {
         if (path.find('.') == std::string::npos)
@@ -78,6 +118,8 @@ private:
 
         const MyCSingleLock lock(lock_);
         table_.set(file);
+        lookup_ = {};
+        gpu_ = {};
         const bool tiled = lut::tileLayoutOf(file.size) != nullptr;
         logging::info(
             kSetterTag, (tiled ? "Render 3D lut with GPU -> " : "Render 3D lut with c algorithm -> ") + path);
@@ -98,8 +140,10 @@ private:
         logging::info(kSetterTag, "Refused 3D lut [" + place + "]: " + reason);
     }
 
-    CriticalSection lock_; ///< guards the table and the stored file
+    CriticalSection lock_; ///< guards everything below, and the stored file
     lut::LutTable table_;
+    lut::LookupTexture lookup_; ///< empty until the GPU needs it; its effect reads it on every frame
+    GpuEffect gpu_;
 };
 
 const Registration<CCubeLut> registered{{

@@ -1,6 +1,11 @@
 // Photographic adjustment: white balance, tone and vignette, then local contrast, sharpness, lens and glow.
+#include "EffectTovOgre/GpuEffect.h"
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "core/Log.h"
+#include "effects/gpu/uniforms.h"
 #include "effects/lightroom/ColourSteps.h"
 #include "effects/lightroom/HazeRemoval.h"
+#include "effects/lightroom/colourShader.h"
 #include "effects/lightroom/detail.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
@@ -60,6 +65,8 @@ constexpr auto kVignetteRoundness =
 constexpr auto kVignetteExposure =
     Param<float>{"u_vignette_exposure", 0, {-100, 100}, "exposure inside the vignette"}.undeclared();
 
+constexpr const char* kRunTag = "CLightRoomPlusEffect::run";
+
 class CLightRoomPlusEffect final : public CPureCEffect {
 public:
     CLightRoomPlusEffect(u32 w, u32 h) : CPureCEffect(w, h)
@@ -74,12 +81,46 @@ public:
         scratch_.allocate(std::size_t(w) * h);
     }
 
+    void init() override
+    {
+        gpu_ = GpuEffect::create();
+        if (!gpu_)
+            return;
+        gpu_->setShaderSource(lightroom::kColourShader, true, true);
+        gpu_->setSize(width(), height());
+        const auto& driver = gpuCapabilities().driver;
+        TovOgreRenderThread::log("GL version is: " + std::to_string(driver.major) + "."
+            + std::to_string(driver.minor) + "." + std::to_string(driver.release) + "."
+            + std::to_string(driver.build));
+        useCpuColour_ = driver.major < 3 || (driver.major == 3 && driver.minor < 2);
+        if (driver.major <= 2)
+            TovOgreRenderThread::log("GL version is too low, Program requires OpenGL 2.0 or higherra. Please "
+                                     "upgrade the driver of your video card!");
+        else if (useCpuColour_)
+            TovOgreRenderThread::log("Using C algorithm to running!");
+    }
+
+    void run() override
+    {
+        CEffectImage* const source = getInputImage(0);
+        if (!source)
+            return;
+        // Hosts get their own picture back without haze: it is cleared in place, before everything else.
+        if (const float dehaze = get(kDehaze); dehaze != 0) {
+            haze_.apply(source->view(), dehaze);
+            source->forgetTexture();
+        }
+        if (!drawColours()) {
+            CPureCEffect::run();
+        } else if (changesDetail()) {
+            CEffectImage& target = *getOutputImage();
+            processFrame(target.pixels(), target.pixels());
+            target.forgetTexture();
+        }
+    }
+
     void processFrame(const u8* src, u8* dst) override
     {
-        // Hosts get their own picture back without haze: it is cleared in place, before everything else.
-        if (const float dehaze = get(kDehaze); dehaze != 0)
-            haze_.apply(getInputImage(0)->view(), dehaze);
-
         // The picture changes places with the scratch memory once per step that cannot work in place; it
         // starts where it will end up in dst.
         const float distort = get(kDistort);
@@ -110,6 +151,27 @@ public:
     }
 
 private:
+    /// The colour steps on the GPU. @return false when the CPU has to do them
+    bool drawColours()
+    {
+        if (useCpuColour_ || get(kColorEnable) == 0 || !gpuAvailable())
+            return false;
+        for (const auto& [index, image] : inputs())
+            if (image)
+                bindInput(*gpu_.get(), *this, *image, index);
+        setUniforms(*gpu_.get(), *this, kRunTag);
+        if (gpu_.draw(*getOutputImage()))
+            return true;
+        logging::info(kRunTag, "Run filter with GPU failed, use C.");
+        useCpuColour_ = true;
+        return false;
+    }
+
+    bool changesDetail()
+    {
+        return get(kClarity) != 0 || get(kSharpen) != 0 || get(kDistort) != 0 || get(kDiffuse) != 0;
+    }
+
     lightroom::ColourValues colourValues()
     {
         return {
@@ -131,6 +193,8 @@ private:
         };
     }
 
+    GpuEffect gpu_;
+    bool useCpuColour_ = true; ///< for good, once it is set after init
     lightroom::ColourSteps colour_;
     lightroom::HazeRemoval haze_;
     lightroom::LensMap lens_;

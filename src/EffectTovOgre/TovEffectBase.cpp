@@ -1,0 +1,167 @@
+// Inputs, output record and the other values that a GPU effect keeps between its renders.
+#include "EffectTovOgre/TovEffectBase.h"
+
+#include "EffectTovOgre/PixelFormats.h"
+#include "EffectTovOgre/TovOgreRenderThread.h"
+
+#include <OgreTexture.h>
+
+#include <algorithm>
+#include <utility>
+
+TovEffectBase::TovEffectBase() = default;
+TovEffectBase::~TovEffectBase() = default;
+
+void TovEffectBase::setSize(u32 width, u32 height)
+{
+    if (width_ == width && height_ == height)
+        return;
+    width_ = width;
+    height_ = height;
+    sizeChanged_ = true;
+}
+
+bool TovEffectBase::loadPicture(const char* path, i32 index)
+{
+    if (!path) {
+        TovOgreRenderThread::log("Image path is NULL!");
+        return false;
+    }
+    {
+        const auto picture = TovOgreRenderThread::getInstance().loadImage(path);
+        if (picture && picture->hasData()) {
+            const auto bytes = picture->bytes();
+            std::vector<u8>& kept = loadedPictures_[index];
+            kept.assign(bytes.begin(), bytes.end());
+            setInputData(kept.data(), picture->width(), picture->height(), 1, index, picture->format());
+            inputs_[index].constant = true;
+            picture->freeMemory();
+            return true;
+        }
+    }
+    problem_ += (problem_.empty() ? "" : " ") + ("The picture " + std::string(path) + " cannot be loaded.");
+    TovOgreRenderThread::log("Pictrue path is not right or it did not been add to resource group.");
+    return false;
+}
+
+void TovEffectBase::setInput(const KEXSDK::_ImageParam* record, i32 index)
+{
+    if (record && record->sharedBuffer)
+        setInputTexture(record->sharedBuffer, index);
+    else if (record && record->pixels)
+        setInputPixels(
+            record->pixels, record->width, record->height, index, KEXSDK::RecordFormat(record->format));
+    else
+        TovOgreRenderThread::log("Input parameter is NULL!");
+}
+
+void TovEffectBase::setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 index)
+{
+    if (!texture)
+        return;
+    Input input;
+    input.width = texture->getWidth();
+    input.height = texture->getHeight();
+    input.depth = texture->getDepth();
+    input.format = KEXSDK::RecordFormat(recordNumber(texture->getFormat()));
+    input.changed = false;
+    input.texture = std::move(texture);
+    inputs_[index] = std::move(input);
+}
+
+void TovEffectBase::setInputPixels(
+    const u8* pixels, u32 width, u32 height, i32 index, KEXSDK::RecordFormat format)
+{
+    setInputData(pixels, width, height, 1, index, format);
+}
+
+void TovEffectBase::setInputData(
+    const u8* pixels, u32 width, u32 height, u32 depth, i32 index, KEXSDK::RecordFormat format)
+{
+    Input input;
+    input.pixels = pixels;
+    input.format = format;
+    input.width = width;
+    input.height = height;
+    input.depth = depth;
+    inputs_[index] = std::move(input);
+}
+
+void TovEffectBase::removeInput(i32 index) { inputs_.erase(index); }
+
+void TovEffectBase::setFlipVertical(bool flip) { flip_ = flip; }
+
+bool TovEffectBase::isWindowClosed() { return windowClosed_; }
+
+void TovEffectBase::setShaderParameters(const ShaderParameters& parameters)
+{
+    if (&parameters != &shaderParameters_)
+        shaderParameters_ = parameters;
+    if (shaderParameters_.empty())
+        TovOgreRenderThread::log("Filter shader parameters is null!");
+    for (const ShaderParameter& parameter : shaderParameters_) {
+        const char* const name = parameter.name.c_str();
+        const void* const data = parameter.data.data();
+        switch (parameter.baseType) {
+        case ShaderParameter::integer:
+            setIntArrayParam(parameter.programType, name, static_cast<const i32*>(data), parameter.arraySize,
+                parameter.valuesPerElement);
+            break;
+        case ShaderParameter::real:
+            setFloatArrayParam(parameter.programType, name, static_cast<const float*>(data),
+                parameter.arraySize, parameter.valuesPerElement);
+            break;
+        default:
+            setDoubleArrayParam(parameter.programType, name, static_cast<const double*>(data),
+                parameter.arraySize, parameter.valuesPerElement);
+        }
+    }
+}
+
+u32 TovEffectBase::getId() { return id_; }
+
+u32 TovEffectBase::setFrameIndex(u32 index)
+{
+    previousFrame_ = std::exchange(currentFrame_, index);
+    return previousFrame_;
+}
+
+void TovEffectBase::setFrameRate(float framesPerSecond)
+{
+    if (framesPerSecond > 0)
+        frameDuration_ = 1 / framesPerSecond;
+}
+
+void TovEffectBase::createOutputRecord(u32 width, u32 height)
+{
+    output_ = std::make_unique<KEXSDK::_ImageParam>();
+    output_->gpuOwner = this;
+    output_->width = width;
+    output_->height = height;
+    output_->byteSize = width * height * output_->bytesPerPixel;
+}
+
+void TovEffectBase::copyOutput(KEXSDK::_ImageParam** slot)
+{
+    if (!*slot)
+        *slot = output_.get();
+    KEXSDK::_ImageParam& target = **slot;
+    if (&target == output_.get())
+        return;
+    target.gpuOwner = output_->gpuOwner;
+    target.sharedBuffer = output_->sharedBuffer;
+    target.format = output_->format;
+    target.width = output_->width;
+    target.height = output_->height;
+    target.byteSize = output_->byteSize;
+    target.bytesPerPixel = output_->bytesPerPixel;
+}
+
+void TovEffectBase::flipVertical(u8* pixels, u32 width, u32 height)
+{
+    const std::size_t row = std::size_t{width} * 4;
+    for (u32 y = 0; y < height / 2; ++y) {
+        u8* const upper = pixels + y * row;
+        std::swap_ranges(upper, upper + row, pixels + (height - 1 - y) * row);
+    }
+}

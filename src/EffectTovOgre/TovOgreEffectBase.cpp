@@ -1,0 +1,389 @@
+// Life of an effect's scene, and the drawing of its frames.
+#include "EffectTovOgre/TovOgreEffectBase.h"
+
+#include "EffectTovOgre/PixelFormats.h"
+#include "EffectTovOgre/TovOgreRenderThread.h"
+
+#include <OgreCamera.h>
+#include <OgreDepthBuffer.h>
+#include <OgreHardwarePixelBuffer.h>
+#include <OgreRenderTexture.h>
+#include <OgreRenderWindow.h>
+#include <OgreRoot.h>
+#include <OgreSceneManager.h>
+#include <OgreSceneNode.h>
+#include <OgreTextureManager.h>
+#include <OgreViewport.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace {
+
+/// Where the picture stands; the plane was built to fill a 4:3 view there.
+constexpr float kPictureDistance = 1010;
+constexpr float kBuiltAspect = 1.3333334f;
+constexpr float kUnitsPerNear = 202;
+constexpr float kNearClipDistance = 5;
+
+const Ogre::Vector3 kCameraPosition(0, 0, 100);
+
+} // namespace
+
+TovOgreEffectBase::TovOgreEffectBase() : environment_(&TovOgreBase::getInstance())
+{
+    if (!environment_->initialisationSucceeded())
+        throw std::runtime_error("There is no graphics system to draw with.");
+    try {
+        buildScene();
+    } catch (...) {
+        TovOgreEffectBase::destroyScene();
+        throw;
+    }
+}
+
+TovOgreEffectBase::~TovOgreEffectBase() { TovOgreEffectBase::destroyScene(); }
+
+void TovOgreEffectBase::buildScene()
+{
+    id_ = ++environment_->counters.effects;
+    environment_->addLiveEffect(this);
+    Ogre::RenderWindow& window = *environment_->renderWindow();
+    window.removeAllViewports();
+    window.setAutoUpdated(false); // nothing is shown in it
+    createCamera();
+    createSceneNodes();
+    plane_.emplace(*camera_, *planeNode_, environment_->capabilities().maxTextureSize);
+    planeWidth_ = plane_->width();
+    planeHeight_ = plane_->height();
+    random_.reset();
+}
+
+void TovOgreEffectBase::createCamera()
+{
+    const std::string name = "PlayerCam_" + std::to_string(id_ - 1);
+    camera_ = sceneManager().createCamera(name);
+    cameraNode_ = sceneManager().getRootSceneNode()->createChildSceneNode(name);
+    cameraNode_->attachObject(camera_);
+    moveCamera(kCameraPosition, Ogre::Vector3::ZERO);
+    camera_->setAspectRatio(float(width_) / float(height_));
+    camera_->setNearClipDistance(kNearClipDistance);
+}
+
+void TovOgreEffectBase::createSceneNodes()
+{
+    const std::string number = std::to_string(id_ - 1);
+    Ogre::SceneNode& root = *sceneManager().getRootSceneNode();
+    effectNode_ = root.createChildSceneNode("effectSceneNodeName_" + number);
+    planeNode_ = root.createChildSceneNode("effectPlaneNodeName_" + number);
+}
+
+void TovOgreEffectBase::moveCamera(const Ogre::Vector3& position, const Ogre::Vector3& target)
+{
+    if (!cameraNode_)
+        return;
+    cameraNode_->setPosition(position);
+    cameraNode_->lookAt(target, Ogre::Node::TS_WORLD);
+}
+
+void TovOgreEffectBase::destroyScene()
+{
+    if (!environment_)
+        return;
+    drewFrame_ = false;
+    removeRenderTexture();
+    plane_.reset();
+    Ogre::SceneNode& root = *sceneManager().getRootSceneNode();
+    if (planeNode_)
+        root.removeAndDestroyChild(planeNode_);
+    if (effectNode_)
+        root.removeAndDestroyChild(effectNode_);
+    planeNode_ = effectNode_ = nullptr;
+    inputs_.clear();
+    std::apply([](auto&... maps) { (maps.clear(), ...); }, values_);
+    readBackMode_ = ReadBackMode::direct;
+    resizePackBuffer();
+    destroyCamera();
+    environment_->removeLiveEffect(this);
+    if (listening_)
+        environment_->root()->removeFrameListener(this);
+    listening_ = false;
+    environment_ = nullptr;
+}
+
+void TovOgreEffectBase::destroyCamera()
+{
+    viewport_ = nullptr;
+    if (!camera_)
+        return;
+    if (renderTexture_)
+        renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
+    cameraNode_->detachAllObjects();
+    sceneManager().destroyCamera(camera_);
+    sceneManager().getRootSceneNode()->removeAndDestroyChild(cameraNode_);
+    camera_ = nullptr;
+    cameraNode_ = nullptr;
+}
+
+void TovOgreEffectBase::removeRenderTexture()
+{
+    viewport_ = nullptr;
+    if (output_)
+        output_->sharedBuffer.reset();
+    if (!renderTexture_)
+        return;
+    // The depth buffers are left alone: cleaning them up would spoil the frame that another effect draws
+    // next.
+    renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
+    renderTexture_->freeInternalResources(); // records may let the object itself go on another thread
+    Ogre::TextureManager::getSingleton().remove(renderTexture_);
+    renderTexture_.reset();
+}
+
+bool TovOgreEffectBase::frameStarted(const Ogre::FrameEvent&) { return windowStays(); }
+
+bool TovOgreEffectBase::frameRenderingQueued(const Ogre::FrameEvent&) { return windowStays(); }
+
+bool TovOgreEffectBase::windowStays()
+{
+    windowClosed_ = environment_->renderWindow()->isClosed();
+    if (windowClosed_)
+        destroyCamera();
+    return !windowClosed_;
+}
+
+void TovOgreEffectBase::createShader()
+{
+    if (shaderCreated_)
+        return;
+    shaderCreated_ = true;
+    for (const bool isFragment : {false, true}) {
+        const auto& program = isFragment ? fragmentText_ : vertexText_;
+        if (!program)
+            continue;
+        const std::string reason =
+            plane_->shader().setShaderProgram(program->text.c_str(), isFragment, program->isSourceText);
+        if (!reason.empty())
+            problem_ += (problem_.empty() ? "" : " ") + reason;
+    }
+    if (problem_.empty())
+        problem_ = plane_->shader().link();
+    if (!problem_.empty())
+        TovOgreBase::log(problem_);
+}
+
+ShaderParameters* TovOgreEffectBase::getShaderParameters()
+{
+    if (!shaderParameters_.empty() || (shaderCreated_ && !TovOgreRenderThread::isCurrent()))
+        return environment_ ? &shaderParameters_ : nullptr;
+    if (!TovOgreRenderThread::isCurrent()) {
+        TovOgreRenderThread::prepareEffect(this);
+        return shaderCreated_ && environment_ ? &shaderParameters_ : nullptr;
+    }
+    if (!plane_) {
+        TovOgreBase::log("shader had not been created!");
+        return nullptr;
+    }
+    createShader();
+    applyShaderParameters();
+    plane_->shader().getShaderParameters(shaderParameters_);
+    return &shaderParameters_;
+}
+
+void TovOgreEffectBase::resetViewports()
+{
+    if (!camera_)
+        OGRE_EXCEPT(Ogre::Exception::ERR_ITEM_NOT_FOUND, "Camera is null, You can not set render texture!",
+            "TovOgreEffectBase::resetViewports");
+    createRenderTexture();
+    resizeRenderTexture();
+    Ogre::RenderTarget& target = *renderTexture_->getBuffer()->getRenderTarget();
+    target.removeAllViewports();
+    target.setAutoUpdated(false);
+    // The picture plane is behind everything else; without particles there is nothing to test depths of.
+    target.setDepthBufferPool(
+        hasParticles() ? Ogre::DepthBuffer::POOL_DEFAULT : Ogre::DepthBuffer::POOL_NO_DEPTH);
+    viewport_ = target.addViewport(camera_);
+    viewport_->setBackgroundColour(Ogre::ColourValue(0, 0, 0, 0));
+    viewport_->setOverlaysEnabled(false);
+    viewport_->setShadowsEnabled(false);
+    viewport_->setSkiesEnabled(false);
+    viewport_->setAutoUpdated(false);
+    camera_->setAspectRatio(float(viewport_->getActualWidth()) / float(viewport_->getActualHeight()));
+}
+
+void TovOgreEffectBase::createRenderTexture()
+{
+    if (renderTexture_)
+        return;
+    renderTexture_ = Ogre::TextureManager::getSingleton().createManual("RttTex" + std::to_string(id_ - 1),
+        Ogre::RGN_DEFAULT, Ogre::TEX_TYPE_2D, width_, height_, 0, Ogre::PF_A8R8G8B8, Ogre::TU_RENDERTARGET);
+}
+
+void TovOgreEffectBase::resizeRenderTexture()
+{
+    if (renderTexture_->getWidth() == width_ && renderTexture_->getHeight() == height_)
+        return;
+    renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
+    renderTexture_->freeInternalResources();
+    renderTexture_->setWidth(width_);
+    renderTexture_->setHeight(height_);
+    renderTexture_->createInternalResources();
+}
+
+bool TovOgreEffectBase::isAlive(const Ogre::TexturePtr& texture) const
+{
+    // Its effect may have ended since; the texture then is no longer the manager's.
+    return Ogre::TextureManager::getSingleton().getByName(texture->getName(), Ogre::RGN_DEFAULT) == texture;
+}
+
+void TovOgreEffectBase::updateInputTextures()
+{
+    for (auto& [index, input] : inputs_) {
+        if (!input.texture) {
+            if (input.changed)
+                plane_->setPictruePlaneImage(
+                    input.pixels, input.width, input.height, input.depth, index, ogreFormat(input.format));
+            input.changed = !input.constant;
+            continue;
+        }
+        const Ogre::TexturePtr texture(input.texture);
+        if (!isAlive(texture))
+            TovOgreBase::log("Image data is NULL!");
+        else if (texture == renderTexture_)
+            plane_->setPictruePlaneCopy(texture, index);
+        else
+            plane_->setPictruePlaneImage(texture, index);
+    }
+}
+
+void TovOgreEffectBase::prepareFrame()
+{
+    if (!listening_)
+        environment_->root()->addFrameListener(this);
+    listening_ = true;
+    if (sizeChanged_) {
+        resetViewports();
+        createOutputRecord(width_, height_);
+        resizePackBuffer();
+        fitPending_ = true;
+    }
+    if (!sceneCreated_) {
+        createScene();
+        sceneCreated_ = true;
+        fitPending_ = true; // the camera may have moved
+    }
+    applyShaderParameters();
+    updateInputTextures();
+    sizeChanged_ = false;
+    if (fitPending_)
+        fitPlane();
+    fitPending_ = false;
+    placePicture();
+    plane_->bindPrograms();
+}
+
+void TovOgreEffectBase::fitPlane()
+{
+    const float aspect = camera_->getAspectRatio() / kBuiltAspect;
+    const float scale = kPictureDistance / camera_->getNearClipDistance() / kUnitsPerNear;
+    baseScale_ = {aspect * scale, scale, 1};
+    planeWidth_ = plane_->width() * baseScale_.x;
+    planeHeight_ = plane_->height() * baseScale_.y;
+    const Ogre::Vector3 direction = camera_->getDerivedDirection();
+    basePosition_ = camera_->getDerivedPosition() + direction * kPictureDistance / direction.length();
+    baseOrientation_ = camera_->getDerivedOrientation();
+}
+
+void TovOgreEffectBase::placePicture()
+{
+    Ogre::SceneNode& node = plane_->node();
+    node.setScale(baseScale_ * Ogre::Vector3(transform.scale));
+    node.setOrientation(baseOrientation_);
+    node.setPosition(basePosition_);
+    node.translate(transform.translation[0] / float(width_) * planeWidth_,
+        transform.translation[1] / float(height_) * planeHeight_, transform.translation[2],
+        Ogre::Node::TS_LOCAL);
+    if (transform.angle != 0)
+        node.rotate(Ogre::Vector3(transform.axis), Ogre::Degree(transform.angle), Ogre::Node::TS_LOCAL);
+}
+
+void TovOgreEffectBase::render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels)
+{
+    drewFrame_ = false;
+    if (!environment_ || !camera_)
+        return;
+    if (*output && (*output)->pixels && ((*output)->width != width_ || (*output)->height != height_))
+        return; // there is no room for the frame
+    createShader();
+    if (!problem_.empty())
+        return;
+    const bool firstFrame = !sceneCreated_;
+    prepareFrame();
+    if (firstFrame && hasParticles() && !pictureOnly_)
+        drawThroughFrames(0, currentFrame_);
+    else
+        stepFrames();
+    if (!camera_) // the window was closed meanwhile
+        return;
+    output_->sharedBuffer = renderTexture_;
+    copyOutput(output);
+    getPixels(*output, buffer, channels);
+    drewFrame_ = true;
+}
+
+void TovOgreEffectBase::stepFrames()
+{
+    const u32 now = currentFrame_;
+    const u32 before = previousFrame_;
+    if (pictureOnly_ || !hasParticles()) {
+        renderFrame();
+    } else if (now < before) {
+        restartScene();
+        createScene();
+        random_.reset();
+        drawThroughFrames(0, now);
+    } else if (now - before >= 2) {
+        drawThroughFrames(before + 1, now);
+    } else {
+        renderFrame();
+    }
+}
+
+void TovOgreEffectBase::drawThroughFrames(u32 first, u32 last)
+{
+    if (first == 0)
+        previousFrame_ = currentFrame_ = 0;
+    for (u32 i = first; i <= last && camera_; ++i) {
+        // Nobody sees the frames before the last: they only move what is in the scene.
+        if (i < last)
+            viewport_->setDimensions(0, 0, 1.0f / float(width_), 1.0f / float(height_));
+        else
+            viewport_->setDimensions(0, 0, 1, 1);
+        setFrameIndex(i);
+        renderFrame();
+    }
+}
+
+void TovOgreEffectBase::renderFrame()
+{
+    sceneManager().getRootSceneNode()->setVisible(false);
+    effectNode_->setVisible(!pictureOnly_);
+    planeNode_->setVisible(true);
+    Ogre::RenderTarget& target = *renderTexture_->getBuffer()->getRenderTarget();
+    target.setAutoUpdated(true);
+    viewport_->setAutoUpdated(true);
+
+    // Time is the scene manager's: it stands still for an effect that nothing moves in.
+    const u32 frames = hasParticles() && currentFrame_ > previousFrame_ ? currentFrame_ - previousFrame_ : 0;
+    const float seconds = frameDuration_ * float(pictureOnly_ ? frames : std::min(frames, 1u));
+    Ogre::Math::SetRandomValueProvider(&random_);
+    const bool goesOn = environment_->root()->renderOneFrame(seconds);
+    Ogre::Math::SetRandomValueProvider(nullptr);
+    if (!goesOn) {
+        destroyCamera();
+        return;
+    }
+    viewport_->setAutoUpdated(false);
+    target.setAutoUpdated(false);
+}

@@ -1,0 +1,153 @@
+// A GPU effect drawn with OGRE: camera, picture plane, render texture and the way back into memory.
+#pragma once
+
+#include "EffectTovOgre/MyRandomValueProvider.h"
+#include "EffectTovOgre/TovEffectBase.h"
+#include "EffectTovOgre/TovOgreBase.h"
+#include "EffectTovOgre/TovOgrePicturePlane.h"
+
+#include <OgreFrameListener.h>
+#include <OgreQuaternion.h>
+
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+/// How a frame comes into memory: straight, or through a buffer of OpenGL's.
+enum class ReadBackMode : u32 { direct = 1, packBuffer = 2 };
+
+/// All effects share one scene manager. Each has two nodes of its own, one for the picture plane and one for
+/// what stands in front of it, and shows nothing else while it draws.
+///
+/// A subclass that adds to the scene overrides createScene and restartScene, and destroyScene with what it
+/// added taken out before the base's goes. Constructed on the render thread.
+class TovOgreEffectBase : public TovEffectBase, public LiveEffect, public Ogre::FrameListener {
+public:
+    /// Throws when the graphics system is not up.
+    TovOgreEffectBase();
+    ~TovOgreEffectBase() override;
+
+    void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
+    void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) override;
+    ShaderParameters* getShaderParameters() override;
+    void setShaderSource(const char* text, bool isFragment, bool isSourceText) override;
+    void setPictureOnly(bool pictureOnly) override { pictureOnly_ = pictureOnly; }
+
+    void setIntParam(u32 programType, const char* name, i32 value) override;
+    void setFloatParam(u32 programType, const char* name, float value) override;
+    void setIntArrayParam(
+        u32 programType, const char* name, const i32* values, u32 count, u32 multiple) override;
+    void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple) override;
+    void setDoubleArrayParam(
+        u32 programType, const char* name, const double* values, u32 count, u32 multiple) override;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value);
+    /// The array stays the caller's and is read by every render.
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count);
+
+    /// Direct at first, which is the faster one where memory is shared.
+    virtual void setReadBackMode(ReadBackMode mode);
+
+    void destroyScene() override;
+
+protected:
+    /// Called by the first render, and after restartScene: build what stands in front of the picture.
+    virtual void createScene() { }
+    /// Takes away what createScene built; the scene then begins anew with frame 0.
+    virtual void restartScene() { }
+    /// Whether frames depend on those before them; skipped ones are then drawn as well.
+    virtual bool hasParticles() const { return !particleTemplate.empty(); }
+    /// Hands all values to the programs; called by every render.
+    virtual void applyShaderParameters();
+    /// Draws the scene as it is at the current frame index. Random numbers come from the effect's own
+    /// sequence while it runs.
+    virtual void renderFrame();
+
+    /// Valid until destroyScene.
+    Ogre::SceneManager& sceneManager() const { return *environment_->sceneManager(); }
+    Ogre::SceneNode& effectSceneNode() const { return *effectNode_; }
+    /// Without a camera (the window was closed) it does nothing.
+    void moveCamera(const Ogre::Vector3& position, const Ogre::Vector3& target);
+
+private:
+    /// Values by program type and name, in that order.
+    using _CommDataType = std::pair<u32, std::string>;
+    template <class T> using Values = std::map<_CommDataType, T>;
+    template <class T> struct Array {
+        const T* values;
+        u32 count;
+        u32 multiple;
+    };
+    using _Matrix4Point = Array<Ogre::Matrix4>;
+    using _FloatPoint = Array<float>;
+    using _DoublePoint = Array<double>;
+    using _IntPoint = Array<i32>;
+
+    struct ProgramText {
+        std::string text;
+        bool isSourceText = true;
+    };
+
+    bool frameStarted(const Ogre::FrameEvent& event) override;
+    bool frameRenderingQueued(const Ogre::FrameEvent& event) override;
+    bool windowStays();
+
+    void buildScene();
+    void createCamera();
+    void createSceneNodes();
+    void createShader();
+    void createRenderTexture();
+    void resizeRenderTexture();
+    void resetViewports();
+    void removeRenderTexture();
+    void destroyCamera();
+    void updateInputTextures();
+    bool isAlive(const Ogre::TexturePtr& texture) const;
+    void prepareFrame();
+    void fitPlane();
+    void placePicture();
+    void stepFrames();
+    void drawThroughFrames(u32 first, u32 last);
+    void readPixels(KEXSDK::_ImageParam& record);
+    void readThroughPackBuffer(u8* pixels, std::size_t size);
+    void resizePackBuffer();
+    template <class T> void store(u32 programType, const char* name, T value);
+    template <class T> void apply(const Values<T>& values);
+
+    TovOgreBase* environment_; ///< null after destroyScene
+    Ogre::SceneNode* effectNode_ = nullptr;
+    Ogre::SceneNode* planeNode_ = nullptr;
+    Ogre::SceneNode* cameraNode_ = nullptr;
+    Ogre::Camera* camera_ = nullptr;
+    Ogre::Viewport* viewport_ = nullptr;
+    Ogre::TexturePtr renderTexture_;
+    std::optional<TovOgrePicturePlane> plane_;
+    MyRandomValueProvider random_;
+
+    bool listening_ = false;
+    bool sceneCreated_ = false;
+    bool shaderCreated_ = false;
+    bool pictureOnly_ = false;
+    bool fitPending_ = false;
+    std::optional<ProgramText> vertexText_;
+    std::optional<ProgramText> fragmentText_;
+    std::tuple<Values<i32>, Values<float>, Values<Ogre::Vector4>, Values<Ogre::Vector3>,
+        Values<Ogre::Vector2>, Values<Ogre::Matrix4>, Values<_Matrix4Point>, Values<_FloatPoint>,
+        Values<_DoublePoint>, Values<_IntPoint>, Values<Ogre::ColourValue>>
+        values_;
+
+    ReadBackMode readBackMode_ = ReadBackMode::direct;
+    u32 packBuffer_ = 0;
+
+    float planeWidth_ = 0; ///< of the fitted picture, in scene units
+    float planeHeight_ = 0;
+    Ogre::Vector3 basePosition_ = Ogre::Vector3::ZERO;
+    Ogre::Vector3 baseScale_ = Ogre::Vector3::UNIT_SCALE;
+    Ogre::Quaternion baseOrientation_ = Ogre::Quaternion::IDENTITY;
+};

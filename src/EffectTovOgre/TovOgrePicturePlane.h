@@ -1,0 +1,76 @@
+// The textured rectangle through which a GPU effect shows its inputs.
+#pragma once
+
+#include "EffectTovOgre/TovOgreShader.h"
+#include "core/Types.h"
+
+#include <OgreMaterial.h>
+#include <OgreMesh.h>
+#include <OgreTexture.h>
+
+#include <map>
+#include <string>
+
+namespace Ogre {
+class Camera;
+class Entity;
+class SceneNode;
+class TextureUnitState;
+} // namespace Ogre
+
+/// A plane that fills a 4:3 view at distance 1010, one material with one pass, one texture unit per input:
+/// unit n holds the input with the n-th index. Render thread only; the plane goes before the camera and the
+/// node do.
+class TovOgrePicturePlane {
+public:
+    TovOgrePicturePlane(const Ogre::Camera& camera, Ogre::SceneNode& parent, u32 maxTextureSize);
+    TovOgrePicturePlane(const TovOgrePicturePlane&) = delete;
+    TovOgrePicturePlane& operator=(const TovOgrePicturePlane&) = delete;
+    ~TovOgrePicturePlane();
+
+    /// Uploads pixels as the texture of an input: 4 bytes each, rows packed, slices packed. A depth above 1
+    /// makes a 3D texture. Pictures too large for a texture are logged and left out. Throws an OGRE
+    /// item-identity error when a side of a new input is 0.
+    void setPictruePlaneImage(
+        const u8* pixels, u32 width, u32 height, u32 depth, i32 index, Ogre::PixelFormat format);
+
+    /// Shows a texture that someone else draws, without a copy.
+    void setPictruePlaneImage(const Ogre::TexturePtr& texture, i32 index);
+    /// The same with a copy of the texture's present content, for one that is about to be drawn into.
+    void setPictruePlaneCopy(const Ogre::TexturePtr& texture, i32 index);
+
+    /// Puts the shader's programs into the pass.
+    void bindPrograms();
+
+    /// The node that carries the rectangle, a child of the plane node.
+    Ogre::SceneNode& node() const { return *node_; }
+    float width() const { return width_; }
+    float height() const { return height_; }
+    TovOgreShader& shader() { return shader_; }
+
+private:
+    struct Picture {
+        Ogre::TexturePtr texture;
+        bool own = false; ///< made here, and taken out of OGRE with the plane
+    };
+
+    bool fits(u32 width, u32 height) const;
+    Picture& ownPicture(i32 index, u32 width, u32 height, u32 depth, Ogre::PixelFormat format);
+    void showFrom(i32 index);
+    void drop(Picture& picture);
+    Ogre::Pass* pass() const;
+
+    const std::string entityName_;
+    const std::string materialName_;
+    u32 maxTextureSize_;
+    float width_ = 0;
+    float height_ = 0;
+    Ogre::MaterialPtr material_;
+    Ogre::MeshPtr mesh_;
+    Ogre::SceneNode* parent_;
+    Ogre::SceneNode* node_ = nullptr;
+    Ogre::Entity* entity_ = nullptr;
+    std::map<i32, Picture> pictures_;
+    TovOgreShader shader_;
+    std::string boundPrograms_;
+};

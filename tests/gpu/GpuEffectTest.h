@@ -1,0 +1,61 @@
+// What tests that draw share: a render thread on the real graphics system, and pictures.
+#pragma once
+
+#include "EffectTovOgre/GpuEffect.h"
+#include "gpu/OgreTest.h"
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace test {
+
+struct Picture : KEXSDK::CEffectImage {
+    Picture(u32 width, u32 height) : CEffectImage(width, height, 0, 32, nullptr) { }
+
+    /// Any bytes, alpha included; the same for the same seed.
+    static std::unique_ptr<Picture> noise(u32 width, u32 height, unsigned seed)
+    {
+        auto picture = std::make_unique<Picture>(width, height);
+        std::mt19937 random(seed);
+        std::generate_n(picture->pixels(), picture->byteSize(), [&] { return u8(random()); });
+        return picture;
+    }
+    /// One colour, given as 0..1 of red, green, blue and alpha.
+    static std::unique_ptr<Picture> plain(u32 width, u32 height, std::array<u8, 4> bgra)
+    {
+        auto picture = std::make_unique<Picture>(width, height);
+        for (u32 i = 0; i < picture->byteSize(); ++i)
+            picture->pixels()[i] = bgra[i % 4];
+        return picture;
+    }
+
+    std::vector<u8> bytes() const { return {pixels(), pixels() + byteSize()}; }
+    std::array<u8, 4> pixel(u32 x, u32 y) const
+    {
+        std::array<u8, 4> found;
+        std::copy_n(pixels() + (y * width() + x) * 4, 4, found.begin());
+        return found;
+    }
+};
+
+class GpuEffectTest : public OgreTest {
+protected:
+    GpuEffectTest()
+        : thread_(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str())
+    {
+    }
+
+    /// An effect with a fragment program, or the default one.
+    static GpuEffect effectOf(u32 width, u32 height, const char* source = nullptr)
+    {
+        GpuEffect effect = GpuEffect::create();
+        effect->setSize(width, height);
+        effect->setShaderSource(source, true, true);
+        return effect;
+    }
+
+    TovOgreRenderThread thread_;
+};
+
+} // namespace test
