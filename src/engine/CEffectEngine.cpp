@@ -5,6 +5,7 @@
 #include "core/Log.h"
 #include "effects/am/CSimpleAmEffect.h"
 #include "effects/am/amCatalog.h"
+#include "effects/shader/CSimpleShaderEffect.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
@@ -17,9 +18,14 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
     logDir_ = logDir ? logDir : "";
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
-    initOgreEnvirenment();
+    const bool canDraw = initOgreEnvirenment();
     transitionMgrInit();
     initAmEffects();
+    if (canDraw) {
+        initShaderEffects();
+        initColorTableShaderEffects();
+        initShaderTransitions();
+    }
     return true;
 }
 
@@ -44,6 +50,24 @@ void CEffectEngine::initAmEffects()
     }
 }
 
+void CEffectEngine::initShaderEffects()
+{
+    logging::info("CEffectEngine::initShaderEffects", "Load shader effects.");
+    shader::scanDescriptors(resourceDir_ + shader::kShaderDirectory, shaderDescriptorByGuid_);
+}
+
+void CEffectEngine::initColorTableShaderEffects()
+{
+    logging::info("CEffectEngine::initColorTableShaderEffects", "Load color table lookup shader effects.");
+    shader::scanDescriptors(resourceDir_ + shader::kLookupDirectory, shaderDescriptorByGuid_);
+}
+
+void CEffectEngine::initShaderTransitions()
+{
+    logging::info("CEffectEngine::initShaderTransitions", "Load shader transitions.");
+    shader::scanDescriptors(resourceDir_ + shader::kTransitionDirectory, shaderDescriptorByGuid_);
+}
+
 void CEffectEngine::unInitialize()
 {
     constexpr const char* kTag = "CEffectEngine::unInitialize";
@@ -57,8 +81,8 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
     constexpr const char* kTag = "CEffectEngine::createEffectFromGUID";
     *out = nullptr;
     Node node;
-    for (const auto source :
-        {&CEffectEngine::makeAmEffect, &CEffectEngine::makeRegistered, &CEffectEngine::makeTransition}) {
+    for (const auto source : {&CEffectEngine::makeShaderEffect, &CEffectEngine::makeAmEffect,
+             &CEffectEngine::makeRegistered, &CEffectEngine::makeTransition}) {
         node = (this->*source)(guid, width, height);
         if (node)
             break;
@@ -70,6 +94,14 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
     logging::info(kTag, std::string("Create Filter: [") + guid + "]");
     node->init();
     *out = node.release();
+}
+
+CEffectEngine::Node CEffectEngine::makeShaderEffect(const char* guid, u32 width, u32 height) const
+{
+    const auto descriptor = shaderDescriptorByGuid_.find(std::string_view(guid));
+    if (descriptor == shaderDescriptorByGuid_.end())
+        return nullptr;
+    return std::make_unique<CPaticalUniverseEffect>(width, height, descriptor->second);
 }
 
 CEffectEngine::Node CEffectEngine::makeAmEffect(const char* guid, u32 width, u32 height) const

@@ -1,6 +1,7 @@
 // The process-wide engine: directories, start-up order, and the way from a GUID to a filter node.
 #pragma once
 
+#include "effects/shader/descriptorFiles.h"
 #include "model/EffectRegistry.h"
 
 #include <map>
@@ -39,9 +40,14 @@ private:
 
     bool initOgreEnvirenment();
     void initAmEffects();
+    // One directory of descriptor files each.
+    void initShaderEffects();
+    void initColorTableShaderEffects();
+    void initShaderTransitions();
 
     // The sources of effects, in the order in which they are asked; each answers null for a GUID it does not
     // know.
+    Node makeShaderEffect(const char* guid, u32 width, u32 height) const;
     Node makeAmEffect(const char* guid, u32 width, u32 height) const;
     Node makeRegistered(const char* guid, u32 width, u32 height) const;
     Node makeTransition(const char* guid, u32 width, u32 height) const;
@@ -49,6 +55,7 @@ private:
     std::unique_ptr<TovOgreRenderThread> renderThread_;
     std::string resourceDir_;
     std::string logDir_;
+    shader::DescriptorMap shaderDescriptorByGuid_;
     std::map<std::string, i32, std::less<>> amIdByGuid_;
     std::map<std::string, std::string, std::less<>> amTextureByGuid_;
 };

@@ -2,10 +2,12 @@
 #include "engine/effectList.h"
 
 #include "effects/am/amCatalog.h"
+#include "effects/shader/descriptorList.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
 #include <algorithm>
+#include <deque>
 #include <iterator>
 #include <tuple>
 
@@ -24,25 +26,43 @@ void makeNamesUnique(std::vector<EffectInfo>& effects)
     }
 }
 
-std::vector<EffectInfo> gather()
+struct EffectList {
+    std::vector<EffectInfo> effects;
+    shader::DescriptorList shaders;
+};
+
+EffectList gather(shader::DescriptorList shaders)
 {
     std::vector<EffectInfo> effects;
     for (const auto& [guid, entry] : KEXSDK::EffectRegistry::instance().entries())
         effects.push_back(entry.info);
     std::ranges::move(KEXSDK::amEffectInfos(), std::back_inserter(effects));
     std::ranges::move(transitionInfos(), std::back_inserter(effects));
+    // The engine asks the descriptors first.
+    std::erase_if(effects, [&](const EffectInfo& effect) { return shaders.contains(effect.guid); });
+    for (const auto& [guid, descriptor] : shaders)
+        effects.push_back(descriptor.facts);
     makeNamesUnique(effects);
     std::ranges::sort(effects, {}, [](const EffectInfo& e) { return std::tie(e.family, e.name); });
-    return effects;
+    return {std::move(effects), std::move(shaders)};
 }
 
-const std::vector<EffectInfo>& all()
+// Every list that ever was: what it answered stays valid. There is a second one only where tools name another
+// directory.
+std::deque<EffectList>& lists()
 {
-    static const std::vector<EffectInfo> effects = gather();
-    return effects;
+    static std::deque<EffectList> kept(1, gather({}));
+    return kept;
 }
+
+const std::vector<EffectInfo>& all() { return lists().back().effects; }
 
 } // namespace
+
+void listShaderEffectsOf(const std::string& resourceDirectory)
+{
+    lists().push_back(gather(shader::listDescriptors(resourceDirectory)));
+}
 
 std::vector<EffectInfo> listEffects() { return all(); }
 
@@ -55,6 +75,9 @@ const EffectInfo* findEffect(std::string_view guidOrName)
 
 std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid)
 {
+    const shader::DescriptorList& shaders = lists().back().shaders;
+    if (const auto found = shaders.find(guid); found != shaders.end())
+        return shader::describedParameters(*found->second.descriptor);
     const std::unique_ptr<KEXSDK::CSimpleEffect> node(KEXSDK::EffectRegistry::instance().create(guid, 1, 1));
     if (node)
         return node->described();

@@ -1,0 +1,217 @@
+// From a descriptor file to a drawn frame.
+#include "effects/shader/CSimpleShaderEffect.h"
+
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "core/Log.h"
+#include "effects/gpu/uniforms.h"
+#include "pixels/rows.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+using KEXSDK::ParamType;
+using KEXSDK::ParamVariant;
+
+namespace {
+
+constexpr const char* kInitTag = "CSimpleShaderEffect::init";
+constexpr const char* kRunTag = "CSimpleShaderEffect::run";
+
+/// No scene is stepped through more frames than these, whatever time a host names.
+constexpr float kLastFrame = 1'000'000;
+
+// Frames per second that a scene can be stepped with: emitters count what one step emits in 16 bits.
+constexpr float kSlowest = 1;
+constexpr float kFastest = 1000;
+
+/// Within what a scene can be built from; OGRE ends the process over a box of no numbers.
+float bounded(float number)
+{
+    constexpr float kFarthest = 1e5f;
+    return std::isnan(number) ? 0 : std::clamp(number, -kFarthest, kFarthest);
+}
+
+std::string samplerName(i32 index) { return "mSample" + std::to_string(index); }
+
+/// Texture coordinates of a pixel's neighbours, and its own, row by row.
+std::array<float, 18> neighbourOffsets(u32 width, u32 height)
+{
+    std::array<float, 18> offsets{};
+    auto next = offsets.begin();
+    for (int y = -1; y <= 1; ++y)
+        for (int x = -1; x <= 1; ++x) {
+            *next++ = float(x) / float(width);
+            *next++ = float(y) / float(height);
+        }
+    return offsets;
+}
+
+} // namespace
+
+CSimpleShaderEffect::CSimpleShaderEffect(u32 width, u32 height, std::string descriptorPath)
+    : CSimpleEffect(width, height),
+      descriptorPath_(std::move(descriptorPath))
+{
+    declare(shader::kRotate, shader::kScale, shader::kTranslate);
+    const float resolution[] = {float(width), float(height)};
+    setParamFloatArrayValue("u_resolution", resolution, 2);
+    declareVolatile("u_resolution");
+    const auto offsets = neighbourOffsets(width, height);
+    setParamFloatArrayValue("u_offset", offsets.data(), int(offsets.size()));
+    declareVolatile("u_offset");
+}
+
+void CSimpleShaderEffect::init()
+{
+    TovOgreRenderThread::getInstance();
+    const shader::DescriptorFile file = shader::readDescriptor(descriptorPath_);
+    if (!file.descriptor) {
+        logging::error(kInitTag,
+            (file.status == shader::DescriptorStatus::missing ? "Can't find shader file ["
+                                                              : "Read json error [")
+                + descriptorPath_ + "]");
+        return;
+    }
+    descriptor_ = file.descriptor;
+    inputCount_ = descriptor_->inputs;
+    gpu_ = GpuEffect::create();
+    if (gpu_) {
+        if (!descriptor_->shader.empty()) {
+            gpu_->setShaderSource(descriptor_->shader.c_str(), true, false);
+            logging::debug(kInitTag, [&] { return "Load shader file [" + descriptor_->shader + "]"; });
+        }
+        if (!descriptor_->particleTemplate.empty()) {
+            gpu_->particleTemplate = descriptor_->particleTemplate;
+            logging::debug(kInitTag,
+                [&] { return "Load ParticalUniverse template [" + descriptor_->particleTemplate + "]"; });
+        }
+        gpu_->setSize(width(), height());
+        bindTextures();
+    }
+    if (!descriptor_->particleTemplate.empty())
+        declare(shader::kFrameRate);
+    for (const KEXSDK::ParamInfo& param : descriptor_->params)
+        declare(param);
+}
+
+void CSimpleShaderEffect::bindTextures()
+{
+    for (const shader::DescriptorTexture& texture : descriptor_->textures) {
+        logging::debug(kInitTag, [&] { return "add texture file [" + texture.file + "]"; });
+        gpu_->loadPicture(texture.file.c_str(), i32(texture.index));
+        setParamIntValue(samplerName(i32(texture.index)).c_str(), i32(texture.index));
+    }
+}
+
+void CSimpleShaderEffect::run()
+{
+    TovOgreRenderThread::getInstance();
+    if (gpu_) {
+        bindInputs();
+        placePicture();
+        setTime();
+        setUniforms(*gpu_.get(), *this, kRunTag);
+        logging::write(logging::Severity::verbose, kRunTag, "DoFilter_Begin");
+        const bool drawn = gpu_.draw(*getOutputImage());
+        logging::write(logging::Severity::verbose, kRunTag, "DoFilter_End");
+        if (drawn) {
+            if (getOutputImage()->flipsOnUnlock())
+                getOutputImage()->reverseRows();
+            return;
+        }
+    }
+    if (descriptor_)
+        reportProblem();
+    copyFirstInput();
+}
+
+void CSimpleShaderEffect::bindInputs()
+{
+    std::erase_if(boundInputs_, [&](i32 index) {
+        const bool gone = !getInputImage(index);
+        if (gone)
+            gpu_->removeInput(index);
+        return gone;
+    });
+    for (const auto& [index, image] : inputs()) {
+        if (!image)
+            continue;
+        gpu_->setInput(image->record(), index);
+        if (boundInputs_.insert(index).second)
+            setParamIntValue(samplerName(index).c_str(), index);
+    }
+}
+
+void CSimpleShaderEffect::placePicture()
+{
+    PictureTransform& picture = gpu_->transform;
+    picture = {};
+    if (float degrees; getParamFloatValue(shader::kRotate.name, &degrees, 0)) {
+        picture.axis[1] = 0;
+        picture.axis[2] = 1;
+        picture.angle = bounded(degrees);
+    }
+    if (const auto scale = get(shader::kScale); scale.size() >= 2)
+        std::ranges::transform(scale.first(2), picture.scale, bounded);
+    if (const auto translation = get(shader::kTranslate); translation.size() >= 2)
+        std::ranges::transform(translation.first(2), picture.translation, bounded);
+}
+
+void CSimpleShaderEffect::setTime()
+{
+    // A scene without particles stands still, and need not be stepped through the frames between.
+    if (descriptor_->particleTemplate.empty())
+        return;
+    float rate = get(shader::kFrameRate);
+    rate = rate > 0 ? std::clamp(rate, kSlowest, kFastest) : shader::kFrameRate.fallback;
+    const float frame = std::round(getParamFloat(KEXSDK::kGlobalTime.name, 0) * rate);
+    gpu_->setFrameRate(rate);
+    gpu_->setFrameIndex(frame > 0 ? u32(std::min(frame, kLastFrame)) : 0); // not a number is no frame either
+}
+
+void CSimpleShaderEffect::copyFirstInput()
+{
+    const KEXSDK::CEffectImage* const source = getInputImage(0);
+    KEXSDK::CEffectImage& target = *getOutputImage();
+    if (!source || source == &target)
+        return;
+    const pixels::Extent from = source->extent();
+    const pixels::Extent to = target.extent();
+    if (from == to)
+        pixels::rows::copy(source->view(), target.view());
+    else
+        pixels::rows::fetch(source->view(), target.view(), [=](int x, int y) {
+            return pixels::Point{x * from.width / to.width, y * from.height / to.height};
+        });
+}
+
+void CSimpleShaderEffect::reportProblem()
+{
+    if (std::exchange(reported_, true))
+        return;
+    const std::string reason = gpu_ && !gpu_->problem().empty()
+        ? gpu_->problem()
+        : "nothing was drawn; the rendering library's log may tell more";
+    logging::error(kRunTag,
+        "Shader effect [" + descriptorPath_ + "] with shader [" + descriptor_->shader
+            + "] passes its input through: " + reason);
+}
+
+bool CPaticalUniverseEffect::setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value)
+{
+    KEXSDK::CEffectBaseParam* const particles = gpuEffect() ? gpuEffect()->particleParameters() : nullptr;
+    const std::string_view text = name;
+    if (text.starts_with('.') || text.starts_with(':'))
+        return particles && particles->setParamVariant(name, value);
+
+    const bool isTime = text == KEXSDK::kGlobalTime.name || text == KEXSDK::kTotalTime.name
+        || text == shader::kFrameRate.name;
+    if (!isTime || !particles || !value)
+        return CSimpleShaderEffect::setParamVariant(name, value);
+    const float number = value->holds(ParamType::integer) ? float(value->value.integer) : value->value.real;
+    const bool isNumber = value->holds(ParamType::integer) || value->holds(ParamType::real);
+    const bool stored = CSimpleShaderEffect::setParamVariant(name, value);
+    return isNumber ? particles->setParamFloatValue(name, number) : stored;
+}

@@ -1,0 +1,72 @@
+// A filter node around one GPU effect, as a descriptor file describes it.
+#pragma once
+
+#include "EffectTovOgre/GpuEffect.h"
+#include "effects/shader/ShaderDescriptor.h"
+#include "model/CSimpleEffect.h"
+
+#include <set>
+
+namespace shader {
+
+// What every shader effect reads once the host adds it.
+inline constexpr KEXSDK::Param<float> kRotate =
+    KEXSDK::Param<float>{"stRotate", 0.0f, {-360, 360}, "turns the picture clockwise about its middle"}
+        .in("degrees")
+        .undeclared();
+inline constexpr KEXSDK::ArrayParam<float> kScale{
+    "stScale", {1, 1}, 2, {-4, 4}, "enlarges the picture about its middle, across and down"};
+inline constexpr KEXSDK::ArrayParam<float> kTranslate{
+    "stTranslate", {0, 0}, 2, {-4096, 4096}, "moves the picture right and down", "pixels"};
+inline constexpr KEXSDK::Param<float> kFrameRate =
+    KEXSDK::Param<float>{"u_frame_rate", 25.0f, {1, 240}, "steps of particle scenes"}
+        .in("frames per second")
+        .readingAs(25.0f)
+        .undeclared();
+
+} // namespace shader
+
+/// Inputs and extra textures share one row of texture units: input i, or the texture of index i, is the
+/// sampler "mSample" + i. Uniforms take their values from the parameters of their names.
+class CSimpleShaderEffect : public KEXSDK::CSimpleEffect {
+public:
+    /// @param descriptorPath  read by init()
+    CSimpleShaderEffect(u32 width, u32 height, std::string descriptorPath);
+
+    /// Reads the descriptor and makes the GPU effect. Without either the node passes input 0 through.
+    void init() override;
+
+    u32 getInputCount() override { return inputCount_; }
+
+    /// Draws one frame. When that is not possible the output is a copy of input 0, and the reason stands in
+    /// the log once.
+    void run() override;
+
+protected:
+    /// Null until init() has made it.
+    TovEffectBase* gpuEffect() const { return gpu_.get(); }
+
+private:
+    void bindTextures();
+    void bindInputs();
+    void placePicture();
+    void setTime();
+    void copyFirstInput();
+    void reportProblem();
+
+    std::string descriptorPath_;
+    shader::DescriptorPtr descriptor_;
+    u32 inputCount_ = 1;
+    GpuEffect gpu_;
+    std::set<i32> boundInputs_;
+    bool reported_ = false;
+};
+
+/// The shader effect that the engine makes: parameters whose names begin with "." or ":" set attributes of
+/// its particles and are not stored here.
+class CPaticalUniverseEffect final : public CSimpleShaderEffect {
+public:
+    using CSimpleShaderEffect::CSimpleShaderEffect;
+
+    bool setParamVariant(const char* name, std::unique_ptr<KEXSDK::ParamVariant>& value) override;
+};

@@ -1,0 +1,83 @@
+// Catalogue facts out of descriptor files.
+#include "effects/shader/descriptorList.h"
+
+#include "effects/shader/CSimpleShaderEffect.h"
+#include "effects/shader/descriptorFiles.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+
+namespace shader {
+
+namespace {
+
+bool isGuid(std::string_view text)
+{
+    constexpr std::string_view kPattern = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    return std::ranges::equal(
+        text, kPattern, [](unsigned char c, char p) { return p == 'x' ? std::isxdigit(c) != 0 : c == '-'; });
+}
+
+/// Lower-case letters, digits and single hyphens; empty when nothing of the text is left.
+std::string commandName(std::string_view text)
+{
+    std::string name;
+    for (const unsigned char c : text) {
+        if (c < 128 && std::isalnum(c))
+            name += char(std::tolower(c));
+        else if (!name.empty() && name.back() != '-')
+            name += '-';
+    }
+    while (name.ends_with('-'))
+        name.pop_back();
+    return name;
+}
+
+std::string firstOf(std::string first, std::string second) { return first.empty() ? second : first; }
+
+KEXSDK::EffectInfo completed(
+    KEXSDK::EffectInfo facts, const std::string& guid, const std::string& path, const char* family)
+{
+    std::string file = std::filesystem::path(path).filename().string();
+    file.resize(file.find(".conf"));
+    facts.guid = guid;
+    facts.name = firstOf(firstOf(commandName(facts.name), commandName(file)), commandName(guid));
+    facts.title = firstOf(facts.title, facts.name);
+    facts.family = firstOf(commandName(facts.family), family);
+    facts.summary = firstOf(facts.summary, facts.title);
+    return facts;
+}
+
+} // namespace
+
+DescriptorList listDescriptors(const std::string& resourceDirectory)
+{
+    constexpr std::array<const char*, kDescriptorDirectories.size()> kFamilies{
+        "shader", "lookup", "transition"};
+    DescriptorMap map;
+    DescriptorList list;
+    for (std::size_t i = 0; i < kDescriptorDirectories.size(); ++i) {
+        scanDescriptors(resourceDirectory + kDescriptorDirectories[i], map);
+        for (const auto& [guid, path] : map) {
+            if (list.contains(guid) || !isGuid(guid))
+                continue;
+            if (const DescriptorPtr descriptor = readDescriptor(path).descriptor)
+                list[guid] = {completed(descriptor->facts, guid, path, kFamilies[i]), descriptor};
+        }
+    }
+    return list;
+}
+
+std::vector<const KEXSDK::ParamInfo*> describedParameters(const ShaderDescriptor& descriptor)
+{
+    std::vector<const KEXSDK::ParamInfo*> params{
+        &KEXSDK::kEnable, &KEXSDK::kGlobalTime, &KEXSDK::kTotalTime, &kRotate, &kScale, &kTranslate};
+    if (!descriptor.particleTemplate.empty())
+        params.push_back(&kFrameRate);
+    for (const KEXSDK::ParamInfo& param : descriptor.params)
+        params.push_back(&param);
+    return params;
+}
+
+} // namespace shader

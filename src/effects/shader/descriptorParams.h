@@ -1,0 +1,14 @@
+// The member "PARAMS" of a descriptor: what tools tell about an effect's parameters.
+#pragma once
+
+#include "effects/shader/ShaderDescriptor.h"
+
+#include <json/value.h>
+
+namespace shader {
+
+/// Appends the entries that name a parameter, in their order; of two with one name the first counts.
+/// Throws std::bad_alloc.
+void readParams(const Json::Value& list, ShaderDescriptor& descriptor);
+
+} // namespace shader
