@@ -2,6 +2,7 @@
 #include "EffectTovOgre/TovOgreBase.h"
 
 #include "EffectTovOgre/OgrePlugins.h"
+#include "particles/RangedEmitter.h"
 
 #include <GL/gl.h>
 #include <OgreConfigFile.h>
@@ -193,6 +194,7 @@ bool TovOgreBase::configure()
     renderWindow_->setHidden(true);
     readCapabilities(*system);
     ogrePlugins::load(*root_, "Plugin_ParticleFX");
+    particles::registerTypes();
     return true;
 }
 

@@ -1,0 +1,131 @@
+// The script parameters of the emitter type "Ranged".
+#include "particles/RangedEmitter.h"
+
+#include <OgreStringConverter.h>
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace particles {
+
+namespace {
+
+using Ogre::String;
+using Ogre::StringConverter;
+
+constexpr std::array<std::string_view, 5> kShapes{"point", "box", "ellipsoid", "ring", "cylinder"};
+
+class ShapeCommand final : public Ogre::ParamCommand {
+    String doGet(const void* target) const override
+    {
+        return String(kShapes[std::size_t(static_cast<const RangedEmitter*>(target)->shape)]);
+    }
+    void doSet(void* target, const String& text) override
+    {
+        const auto found = std::ranges::find(kShapes, text);
+        if (found != kShapes.end())
+            static_cast<RangedEmitter*>(target)->shape = RangedEmitter::Shape(found - kShapes.begin());
+    }
+};
+
+class SizeCommand final : public Ogre::ParamCommand {
+public:
+    explicit SizeCommand(std::size_t axis) : axis_(axis) { }
+
+private:
+    String doGet(const void* target) const override
+    {
+        return StringConverter::toString(static_cast<const RangedEmitter*>(target)->size[axis_]);
+    }
+    void doSet(void* target, const String& text) override
+    {
+        static_cast<RangedEmitter*>(target)->size[axis_] = StringConverter::parseReal(text);
+    }
+
+    std::size_t axis_;
+};
+
+enum class End { both, low, high };
+
+/// One number, or an end of a range. Values that were not given are empty texts, so that copies of an emitter
+/// do not get them either.
+class ValueCommand final : public Ogre::ParamCommand {
+public:
+    ValueCommand(DynamicValue RangedEmitter::*value, End end) : value_(value), end_(end) { }
+
+private:
+    String doGet(const void* target) const override
+    {
+        const DynamicValue& value = static_cast<const RangedEmitter*>(target)->*value_;
+        if (!value.given || value.random == (end_ == End::both))
+            return {};
+        return StringConverter::toString(end_ == End::high ? value.high : value.low);
+    }
+    void doSet(void* target, const String& text) override
+    {
+        float number = 0;
+        if (text.empty() || !StringConverter::parse(text, number))
+            return;
+        DynamicValue& value = static_cast<RangedEmitter*>(target)->*value_;
+        if (!value.given)
+            value.low = value.high = number; // until the other end is read
+        value.given = true;
+        value.random = end_ != End::both;
+        if (end_ != End::high)
+            value.low = number;
+        if (end_ != End::low)
+            value.high = number;
+    }
+
+    DynamicValue RangedEmitter::*value_;
+    End end_;
+};
+
+struct ValueCommands {
+    const char* name;
+    bool inBase; ///< every emitter has the one number already
+    ValueCommand both, low, high;
+
+    ValueCommands(const char* parameter, DynamicValue RangedEmitter::*value, bool ofEveryEmitter = false)
+        : name(parameter),
+          inBase(ofEveryEmitter),
+          both(value, End::both),
+          low(value, End::low),
+          high(value, End::high)
+    {
+    }
+};
+
+} // namespace
+
+void RangedEmitter::defineParameters()
+{
+    if (!createParamDictionary("RangedEmitter"))
+        return; // another one of the class did
+    addBaseParameters();
+    static ShapeCommand shapes;
+    static SizeCommand sizes[]{SizeCommand(0), SizeCommand(1), SizeCommand(2)};
+    static ValueCommands values[]{{"emission_rate", &RangedEmitter::rate, true},
+        {"angle", &RangedEmitter::angle, true}, {"mass", &RangedEmitter::mass},
+        {"all_dimensions", &RangedEmitter::allDimensions}, {"particle_width", &RangedEmitter::particleWidth},
+        {"particle_height", &RangedEmitter::particleHeight}};
+
+    Ogre::ParamDictionary& parameters = *getParamDictionary();
+    const auto add = [&](const String& name, Ogre::ParamCommand& command) {
+        parameters.addParameter(Ogre::ParameterDef(name, "", Ogre::PT_STRING), &command);
+    };
+    add("shape", shapes);
+    add("width", sizes[0]);
+    add("height", sizes[1]);
+    add("depth", sizes[2]);
+    for (ValueCommands& value : values) {
+        const String name = value.name;
+        if (!value.inBase)
+            add(name, value.both);
+        add(name + "_min", value.low);
+        add(name + "_max", value.high);
+    }
+}
+
+} // namespace particles
