@@ -1,0 +1,45 @@
+// A picture with alpha that an effect lays over every frame: chosen by the frame's shape, loaded once.
+#pragma once
+
+#include "model/CEffectImage.h"
+#include "pixels/rows.h"
+#include "pixels/wordBlends.h"
+
+namespace KEXSDK {
+
+/// The same drawing for the two shapes of a frame.
+struct OverlayFiles {
+    const char* wide;   ///< for frames of exactly 16:9
+    const char* narrow; ///< for every other frame
+};
+
+class OverlayPicture {
+public:
+    explicit OverlayPicture(OverlayFiles files) : files_(files) { }
+
+    /// The picture at this size, or null when its file cannot be loaded. Only the first call looks for it.
+    const CEffectImage* at(pixels::Extent size);
+
+private:
+    OverlayFiles files_;
+    std::unique_ptr<CEffectImage> picture_;
+    bool sought_ = false;
+};
+
+/// dst = src with alpha 255: what a frame shows when its overlay is missing.
+void copyOpaque(pixels::ConstView src, pixels::View dst);
+
+/// The overlay by its own alpha over base(src pixel), alpha 255. Without an overlay src stays as it is.
+template <class Base>
+void layOver(pixels::ConstView src, pixels::View dst, const CEffectImage* overlay, Base base)
+{
+    if (!overlay)
+        return copyOpaque(src, dst);
+    pixels::rows::map2(src, overlay->view(), dst, [base](pixels::Bgra p, pixels::Bgra over) {
+        pixels::Bgra blended = ceilingBlend(base(p), over, over.a);
+        blended.a = 255;
+        return blended;
+    });
+}
+
+} // namespace KEXSDK

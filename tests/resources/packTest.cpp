@@ -1,0 +1,224 @@
+// The pictures of the resource pack: all there, transparent where the photograph must show, and of the
+// brightness that their blend needs.
+#include "effects/am/amCatalog.h"
+#include "engine/effectList.h"
+#include "gpu/OgreTest.h"
+#include "host/Host.h"
+
+#include <cmath>
+#include <numeric>
+#include <optional>
+#include <set>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Decoded {
+    u32 width = 0;
+    u32 height = 0;
+    std::vector<u8> bytes; ///< blue, green, red, alpha; top row first
+
+    const u8* at(u32 x, u32 y) const { return bytes.data() + (std::size_t(y) * width + x) * 4; }
+
+    /// The mean of a channel over the middle ninth of the picture.
+    double middle(int channel) const
+    {
+        double sum = 0;
+        for (u32 y = height / 3; y < height * 2 / 3; ++y)
+            for (u32 x = width / 3; x < width * 2 / 3; ++x)
+                sum += at(x, y)[channel];
+        return sum / ((height * 2 / 3 - height / 3) * (width * 2 / 3 - width / 3));
+    }
+    /// How many pixels have less than this alpha, as a share of all.
+    double shareBelow(int alpha) const
+    {
+        std::size_t count = 0;
+        for (std::size_t i = 3; i < bytes.size(); i += 4)
+            count += bytes[i] < alpha;
+        return double(count) / (double(width) * height);
+    }
+    std::set<u8> levels(int channel) const
+    {
+        std::set<u8> found;
+        for (std::size_t i = std::size_t(channel); i < bytes.size(); i += 4)
+            found.insert(bytes[i]);
+        return found;
+    }
+};
+
+std::set<std::string> catalogueTextures()
+{
+    std::set<std::string> names;
+    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog())
+        if (row.texture)
+            names.insert(row.texture);
+    return names;
+}
+
+constexpr const char* kOverlays[] = {
+    "NightGlassView", "CamcorderOn", "CamcorderOff", "Sight", "WindowShades", "Woven", "Concert"};
+
+class PackFiles : public OgreTest {
+protected:
+    PackFiles() : thread_(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str())
+    {
+        EXPECT_TRUE(gpuAvailable()) << read("Ogre.log");
+    }
+
+    /// By its bare name, as effects ask for it.
+    Decoded load(const std::string& name)
+    {
+        const LoadedImage image = thread_.loadImage(name.c_str());
+        if (!image || !image->hasData())
+            return {};
+        return {image->width(), image->height(), {image->bytes().begin(), image->bytes().end()}};
+    }
+
+    TovOgreRenderThread thread_;
+};
+
+TEST_F(PackFiles, EveryTextureOfTheCatalogueIsThereWithTheAlphaThatItsBlendReads)
+{
+    for (const std::string& name : catalogueTextures()) {
+        const Decoded picture = load(name);
+        ASSERT_GE(picture.width, 1024u) << name;
+        ASSERT_GE(picture.height, 768u) << name;
+        if (name == "MergeImage.png" || name == "oldtime.png") {
+            EXPECT_LT(picture.middle(3), 140) << name << " hides the photograph";
+            EXPECT_EQ(picture.at(2, 2)[3], 255) << name << " has no border";
+            EXPECT_GT(picture.levels(3).size(), 100u) << name << " has hard edges";
+        } else {
+            EXPECT_EQ(picture.levels(3), std::set<u8>{255}) << name;
+        }
+        EXPECT_GT(picture.levels(1).size(), 40u) << name << " is hardly a picture";
+    }
+}
+
+TEST_F(PackFiles, EveryOverlayIsThereInBothShapesAndLetsThePictureThrough)
+{
+    for (const std::string name : kOverlays)
+        for (const auto& [suffix, width] : {std::pair{"16_9.png", 1920u}, {"4_3.png", 1440u}}) {
+            SCOPED_TRACE(name + suffix);
+            const Decoded picture = load(name + suffix);
+            ASSERT_EQ(picture.width, width);
+            ASSERT_EQ(picture.height, 1080u);
+            EXPECT_GT(picture.shareBelow(48), 0.25) << "the picture hardly shows";
+            EXPECT_LT(picture.middle(3), name == "WindowShades" ? 160 : 45);
+            EXPECT_GT(*picture.levels(3).rbegin(), 235) << "nothing lies over the picture";
+            EXPECT_GT(picture.levels(3).size(), 120u) << "hard edges";
+        }
+}
+
+TEST_F(PackFiles, OnlyTheRecordingLightTellsOnFromOff)
+{
+    for (const std::string suffix : {"16_9.png", "4_3.png"}) {
+        const Decoded on = load("CamcorderOn" + suffix);
+        const Decoded off = load("CamcorderOff" + suffix);
+        ASSERT_EQ(on.bytes.size(), off.bytes.size());
+        int red = 0;
+        for (u32 y = 0; y < on.height; ++y)
+            for (u32 x = 0; x < on.width; ++x) {
+                const u8* const p = on.at(x, y);
+                if (std::equal(p, p + 4, off.at(x, y)))
+                    continue;
+                red += p[3] > 200 && p[2] > 200 && p[1] < 160 && p[0] < 150;
+                ASSERT_TRUE(x < on.width / 4 && y < on.height / 4) << "outside the upper left corner";
+            }
+        EXPECT_GT(red, 500);
+    }
+}
+
+TEST_F(PackFiles, NothingElseLiesAmongThem)
+{
+    std::set<std::string> expected = catalogueTextures();
+    std::set<std::string> found;
+    for (const auto& file : fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "Textures"))
+        found.insert(file.path().filename());
+    EXPECT_EQ(found, expected);
+    EXPECT_EQ(std::distance(fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "Overlays"), {}),
+        2 * std::ssize(kOverlays));
+}
+
+/// A dark and a bright brown, side by side; every blend shall keep them apart where the viewer looks.
+class PackEffects : public testing::Test {
+protected:
+    static constexpr unsigned kWidth = 480;
+    static constexpr unsigned kHeight = 270;
+    static constexpr int kDark = 70;
+    static constexpr int kBright = 200;
+
+    PackEffects() : engine_(EFFECTENGINE_RESOURCE_DIR, nullptr), photograph_(kWidth, kHeight)
+    {
+        const auto bytes = photograph_.bytes();
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] =
+                i % 4 == 3 ? 255 : u8((i / 4 % kWidth < kWidth / 2 ? kDark : kBright) + 20 * int(i % 4) - 20);
+    }
+
+    /// Means over the middle ninth, and over everything how far the picture moved.
+    struct Shown {
+        double dark[3] = {};
+        double bright[3] = {};
+        double changed = 0;
+
+        /// In the channel that shows it best.
+        double contrast() const
+        {
+            double best = 0;
+            for (int c = 0; c < 3; ++c)
+                best = std::max(best, bright[c] - dark[c]);
+            return best;
+        }
+        double brightest() const { return *std::max_element(bright, bright + 3); }
+        double darkest() const { return *std::min_element(dark, dark + 3); }
+    };
+    Shown show(const std::string& guid)
+    {
+        host::Filter filter(guid, kWidth, kHeight);
+        filter.setInput(photograph_);
+        const auto out = host::bytesOf(filter.run());
+        const auto in = photograph_.bytes();
+        Shown shown;
+        constexpr double kCentral = (kWidth / 6) * (kHeight / 3);
+        for (unsigned y = 0; y < kHeight; ++y)
+            for (unsigned x = 0; x < kWidth; ++x)
+                for (unsigned c = 0; c < 3; ++c) {
+                    const std::size_t at = (std::size_t(y) * kWidth + x) * 4 + c;
+                    shown.changed += std::abs(int(out[at]) - int(in[at])) / (kWidth * kHeight * 3.0);
+                    if (y / (kHeight / 3) == 1 && x / (kWidth / 3) == 1)
+                        (x < kWidth / 2 ? shown.dark : shown.bright)[c] += out[at] / kCentral;
+                }
+        return shown;
+    }
+
+private:
+    host::Engine engine_;
+    host::Image photograph_;
+};
+
+TEST_F(PackEffects, NoTextureDrownsThePhotographOrLeavesItUntouched)
+{
+    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog()) {
+        if (!row.texture)
+            continue;
+        const Shown shown = show(row.guid);
+        EXPECT_GT(shown.changed, 3) << row.name << " does nothing";
+        if (std::string_view(row.name) == "Classic")
+            continue; // a drawing: areas turn to paper
+        EXPECT_GT(shown.contrast(), 50) << row.name;
+        EXPECT_GT(shown.brightest(), 110) << row.name << " is too dark";
+        EXPECT_LT(shown.darkest(), 150) << row.name << " is too bright";
+    }
+}
+
+TEST_F(PackEffects, OverlaysReachTheFrame)
+{
+    for (const KEXSDK::EffectInfo& effect : listEffects()) {
+        if (effect.family == "overlay") {
+            EXPECT_GT(show(effect.guid).changed, 1) << effect.name;
+        }
+    }
+}
+
+} // namespace
