@@ -3,12 +3,23 @@
 #include "engine/engineInstance.h"
 #include "engine/guarded.h"
 #include "model/CEffectImage.h"
+#include "model/nodeMaker.h"
 
 #include <new>
 
 namespace {
 
 CEffectEngine* theEngine = nullptr;
+
+const bool makesNodes = [] {
+    KEXSDK::setNodeMaker([](const char* guid, u32 width, u32 height) {
+        KEXSDK::CSimpleEffect* node = nullptr;
+        if (theEngine && sizeInRange(width) && sizeInRange(height))
+            theEngine->createEffectFromGUID(guid, width, height, &node);
+        return std::unique_ptr<KEXSDK::CSimpleEffect>(node);
+    });
+    return true;
+}();
 
 } // namespace
 

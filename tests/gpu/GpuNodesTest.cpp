@@ -93,6 +93,37 @@ TEST_F(GpuNodesTest, HostsMayWriteIntoAPictureThatTheGpuDrew)
     EXPECT_EQ(copyOf(second.run()), std::vector<u8>(std::size_t{kWidth} * kHeight * 4));
 }
 
+TEST_F(GpuNodesTest, TheTriangleBlurSpreadsEvenlyToAllSides)
+{
+    test::GuardedFrame source(kWidth, kHeight);
+    source.fill({40, 80, 120, 255});
+    host::Filter blur(kTriangleBlur, kWidth, kHeight);
+    blur.set("Radius", 8);
+    SetInputImage(blur.handle(), source.image(), 0);
+    EXPECT_TRUE(copyOf(blur.run()) == source.bytes()) << "an even picture stays";
+
+    source.fill({0, 0, 0, 255});
+    for (int y = 20; y < 24; ++y)
+        for (int x = 28; x < 32; ++x)
+            source.view().row(y)[x] = {255, 255, 255, 255};
+    const auto bytes = copyOf(blur.run());
+    const pixels::ConstView out(bytes.data(), {kWidth, kHeight});
+    const int middle = out.at(30, 22).g;
+    EXPECT_GT(middle, 20);
+    EXPECT_LT(middle, 120);
+    EXPECT_EQ(out.at(30, 35).g, 0) << "beyond its reach";
+    EXPECT_GT(out.at(30, 26).g, 0);
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth / 2; ++x) {
+            EXPECT_NEAR(out.at(x, y).g, out.at(kWidth - 1 - x, y).g, 1);
+            EXPECT_NEAR(out.at(x, y).g, out.at(x, kHeight - 1 - y).g, 1);
+            EXPECT_EQ(out.at(x, y).a, 255);
+        }
+
+    blur.set("Radius", 0);
+    EXPECT_TRUE(copyOf(blur.run()) == source.bytes());
+}
+
 TEST_F(GpuNodesTest, ANodeGoesOnOnTheCpuOnceTheThreadHasEnded)
 {
     test::GuardedFrame source(kWidth, kHeight);

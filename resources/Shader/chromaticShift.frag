@@ -1,0 +1,16 @@
+// Red and blue drift apart, along a direction or outward from the middle like a simple lens.
+#include "picture.glsl"
+
+uniform float u_amount; // percent of the height
+uniform float u_angle;  // degrees, counter-clockwise from the right
+uniform float u_radial; // 0 along the angle, 1 outward
+
+void main()
+{
+    float angle = radians(u_angle);
+    vec2 straight = vec2(cos(angle), sin(angle));
+    vec2 outward = 2.0 * centred(textureCoord);
+    vec2 shift = u_amount / 100.0 * mix(straight, outward, u_radial) / vec2(aspect(), 1.0);
+    vec4 centre = picture(textureCoord);
+    gl_FragColor = vec4(picture(textureCoord - shift).r, centre.g, picture(textureCoord + shift).b, centre.a);
+}
