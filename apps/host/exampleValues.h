@@ -2,12 +2,15 @@
 #pragma once
 
 #include "host/Host.h"
-#include "model/Param.h"
+#include "host/ParameterTrack.h"
 
 namespace host {
 
-/// Stores a value for each parameter that the effect reads but does not declare; positions, whose examples
-/// are made for 640 x 480, are scaled to the given size.
+/// A value that shows the effect: positions, whose examples are made for 640 x 480, are scaled to the given
+/// size; files become a lookup table that bends every channel.
+ParameterValue exampleValue(const KEXSDK::ParamInfo& param, unsigned width, unsigned height);
+
+/// Stores such a value for each parameter that the effect reads but does not declare.
 void setExampleValues(
     Filter& filter, std::span<const KEXSDK::ParamInfo* const> params, unsigned width, unsigned height);
 

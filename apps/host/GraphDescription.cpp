@@ -1,0 +1,263 @@
+// Building and checking graphs.
+#include "host/GraphDescription.h"
+
+#include "engine/effectList.h"
+#include "host/GraphError.h"
+#include "host/nearest.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <map>
+
+using KEXSDK::EffectInfo;
+using KEXSDK::ParamInfo;
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view kSource = "source";
+constexpr unsigned kMostSources = 16;
+
+[[noreturn]] void fail(const std::string& message) { throw GraphError(GraphFault::content, message); }
+
+std::string inQuotes(const std::string& text) { return '"' + text + '"'; }
+
+using NodeIndex = std::map<std::string, std::size_t, std::less<>>;
+
+NodeIndex indexById(const std::vector<GraphNode>& nodes)
+{
+    NodeIndex index;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (nodes[i].id.empty())
+            fail("a node has no id");
+        if (sourceIndex(nodes[i].id))
+            fail("a node cannot be called " + inQuotes(nodes[i].id)
+                + "; that name stands for the host's picture");
+        if (!index.emplace(nodes[i].id, i).second)
+            fail("two nodes are called " + inQuotes(nodes[i].id));
+    }
+    return index;
+}
+
+void checkConnections(const GraphNode& node, const NodeIndex& index)
+{
+    const unsigned wanted = node.effect->inputs;
+    if (node.inputs.size() > wanted)
+        fail("node " + inQuotes(node.id) + " has " + std::to_string(node.inputs.size()) + " inputs; effect "
+            + node.effect->name + " takes " + std::to_string(wanted));
+    for (unsigned i = 0; i < wanted; ++i) {
+        if (i >= node.inputs.size() || node.inputs[i].empty())
+            fail("node " + inQuotes(node.id) + ": input " + std::to_string(i + 1) + " of "
+                + std::to_string(wanted) + " is not connected");
+        if (sourceIndex(node.inputs[i]) || index.contains(node.inputs[i]))
+            continue;
+        std::vector<std::string_view> names{kSource};
+        for (const auto& entry : index)
+            names.push_back(entry.first);
+        fail("node " + inQuotes(node.id) + ": input " + std::to_string(i + 1) + " names no node "
+            + inQuotes(node.inputs[i]) + didYouMean(names, node.inputs[i]));
+    }
+}
+
+// Depth first over the inputs; a node met again on the way down closes a cycle.
+class Sorter {
+public:
+    explicit Sorter(const std::vector<GraphNode>& nodes)
+        : nodes_(nodes),
+          index_(indexById(nodes)),
+          states_(nodes.size(), State::fresh)
+    {
+    }
+
+    void visit(std::size_t node)
+    {
+        if (states_[node] == State::done)
+            return;
+        if (states_[node] == State::open)
+            fail("the connections run in a circle through node " + inQuotes(nodes_[node].id));
+        states_[node] = State::open;
+        for (const std::string& input : nodes_[node].inputs) {
+            if (!sourceIndex(input))
+                visit(index_.at(input));
+        }
+        states_[node] = State::done;
+        order_.push_back(node);
+    }
+
+    const NodeIndex& index() const { return index_; }
+    const std::vector<std::size_t>& order() const { return order_; }
+
+private:
+    enum class State { fresh, open, done };
+
+    const std::vector<GraphNode>& nodes_;
+    NodeIndex index_;
+    std::vector<State> states_;
+    std::vector<std::size_t> order_;
+};
+
+} // namespace
+
+std::optional<unsigned> sourceIndex(std::string_view input)
+{
+    if (input == kSource)
+        return 0;
+    if (!input.starts_with("source-"))
+        return std::nullopt;
+    const std::string_view digits = input.substr(kSource.size() + 1);
+    unsigned number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size() || number < 2 || number > kMostSources)
+        return std::nullopt;
+    return number - 1;
+}
+
+std::string sourceName(unsigned index)
+{
+    return index == 0 ? std::string(kSource) : std::string(kSource) + "-" + std::to_string(index + 1);
+}
+
+const EffectInfo& effectNamed(std::string_view nameOrGuid)
+{
+    if (const EffectInfo* const effect = findEffect(nameOrGuid))
+        return *effect;
+    const std::vector<EffectInfo> all = listEffects();
+    std::vector<std::string_view> names;
+    for (const EffectInfo& effect : all)
+        names.push_back(effect.name);
+    fail("no effect " + inQuotes(std::string(nameOrGuid)) + didYouMean(names, nameOrGuid)
+        + " (effectengine list shows all)");
+}
+
+const ParamInfo& parameterNamed(const EffectInfo& effect, std::string_view name)
+{
+    std::vector<std::string_view> names;
+    for (const ParamInfo* const info : describeParameters(effect.guid)) {
+        if (info->name == name)
+            return *info;
+        names.push_back(info->name);
+    }
+    fail("effect " + effect.name + " has no parameter " + inQuotes(std::string(name))
+        + didYouMean(names, name));
+}
+
+GraphNode& GraphDescription::append(std::string_view nameOrGuid, const std::string& id)
+{
+    GraphNode node;
+    node.effect = &effectNamed(nameOrGuid);
+    const auto taken = [&](const std::string& name) {
+        return sourceIndex(name) || std::ranges::find(nodes, name, &GraphNode::id) != nodes.end();
+    };
+    node.id = id.empty() ? node.effect->name : id;
+    for (int number = 2; id.empty() && taken(node.id); ++number)
+        node.id = node.effect->name + "#" + std::to_string(number);
+    for (unsigned i = 0; i < node.effect->inputs; ++i)
+        node.inputs.push_back(i == 0 && !nodes.empty() ? output : sourceName(i));
+    output = node.id;
+    nodes.push_back(std::move(node));
+    return nodes.back();
+}
+
+void GraphDescription::setParameter(std::string_view assignment)
+{
+    const std::string text(assignment);
+    const std::size_t equals = assignment.find('=');
+    if (equals == std::string_view::npos)
+        fail("a parameter is written name=value, not " + inQuotes(text));
+    const auto last = std::ranges::find(nodes, output, &GraphNode::id);
+    if (last == nodes.end())
+        fail("parameter " + inQuotes(text) + " stands before any effect");
+    GraphNode& node = *last;
+    const ParamInfo& info = parameterNamed(*node.effect, assignment.substr(0, equals));
+    try {
+        ParameterTrack track(info, parseValue(info, assignment.substr(equals + 1)));
+        std::erase_if(node.parameters, [&](const ParameterTrack& t) { return &t.info() == &info; });
+        node.parameters.push_back(std::move(track));
+    } catch (const GraphError& error) {
+        throw GraphError(error.fault(), "effect " + node.effect->name + ": " + error.what());
+    }
+}
+
+void GraphDescription::finish()
+{
+    if (nodes.empty())
+        fail("there are no effects");
+    Sorter sorter(nodes);
+    for (const GraphNode& node : nodes)
+        checkConnections(node, sorter.index());
+    if (!sorter.index().contains(output))
+        fail("the output names no node " + inQuotes(output));
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        sorter.visit(i);
+    std::vector<GraphNode> sorted;
+    for (const std::size_t i : sorter.order())
+        sorted.push_back(std::move(nodes[i]));
+    nodes = std::move(sorted);
+}
+
+unsigned GraphDescription::sources() const
+{
+    unsigned count = 1;
+    for (const GraphNode& node : nodes) {
+        for (const std::string& input : node.inputs)
+            count = std::max(count, sourceIndex(input).value_or(0) + 1);
+    }
+    return count;
+}
+
+std::vector<std::size_t> GraphDescription::used() const
+{
+    std::vector<std::size_t> found;
+    std::vector<std::string_view> wanted{output};
+    for (std::size_t i = nodes.size(); i-- > 0;) {
+        if (std::ranges::find(wanted, nodes[i].id) == wanted.end())
+            continue;
+        found.push_back(i);
+        wanted.insert(wanted.end(), nodes[i].inputs.begin(), nodes[i].inputs.end());
+    }
+    std::ranges::reverse(found);
+    return found;
+}
+
+GraphFacts GraphDescription::facts() const
+{
+    GraphFacts facts;
+    std::map<std::string_view, int> reach;
+    for (const std::size_t i : used()) {
+        const GraphNode& node = nodes[i];
+        int frames = 0;
+        for (const std::string& input : node.inputs)
+            frames = std::max(frames, reach[input]);
+        if (node.effect->history.frames == KEXSDK::History::kFromStart)
+            facts.fromStart.push_back(node.id);
+        else
+            frames += node.effect->history.frames;
+        reach[node.id] = frames;
+        facts.needsGpu |= node.effect->needsGpu;
+        if (node.effect->random)
+            facts.random.push_back(node.id);
+    }
+    facts.historyFrames = reach[output];
+    return facts;
+}
+
+std::vector<std::string> GraphDescription::warnings() const
+{
+    std::vector<std::string> lines;
+    for (const GraphNode& node : nodes) {
+        for (const ParameterTrack& track : node.parameters) {
+            for (const std::string& line : track.warnings())
+                lines.push_back("effect " + node.id + ": " + line);
+        }
+    }
+    const std::vector<std::size_t> kept = used();
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        if (std::ranges::find(kept, i) == kept.end())
+            lines.push_back("node " + inQuotes(nodes[i].id) + " leads nowhere");
+    }
+    return lines;
+}
+
+} // namespace host

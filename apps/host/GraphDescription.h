@@ -1,0 +1,92 @@
+// A graph of effects as data: what users write, before any effect exists. docs/graphs.md has the file form.
+#pragma once
+
+#include "host/ParameterTrack.h"
+#include "model/EffectRegistry.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+/// The part of the clip in which a node's own time runs: from 0 at `start` to `duration`, both in seconds.
+/// Before and after it the node's time stands still, so a transition shows its first or its last picture.
+struct NodeWindow {
+    double start = 0;
+    double duration = 0;
+};
+
+struct GraphNode {
+    std::string id;
+    const KEXSDK::EffectInfo* effect = nullptr;
+    std::vector<ParameterTrack> parameters;
+    /// What feeds each input: a node's id, "source" for the host's first picture, "source-2" for its second.
+    std::vector<std::string> inputs;
+    std::optional<NodeWindow> window;
+};
+
+/// What a host must know before it cuts a clip into parts.
+struct GraphFacts {
+    /// How many earlier frames the last node's output depends on, along the longest path.
+    int historyFrames = 0;
+    bool needsGpu = false;
+    std::vector<std::string> fromStart; ///< nodes whose frames depend on everything since the first one
+    std::vector<std::string> random;    ///< nodes that draw random numbers
+};
+
+/// Nodes, what feeds them, and their parameters. Made from a command line with append() and setParameter(),
+/// or read with loadGraph(); finish() completes and checks it. The functions throw GraphError.
+class GraphDescription {
+public:
+    std::string title;
+    std::vector<GraphNode> nodes;
+    std::string output; ///< id of the node whose image is the result; append() sets it
+
+    /// Adds an effect by name or GUID that takes the output so far, or the source, as its first input and
+    /// becomes the output; further inputs take the host's second and later pictures. An empty id is chosen.
+    GraphNode& append(std::string_view nameOrGuid, const std::string& id = {});
+
+    /// "NAME=VALUE" for the output node. A second value for a name replaces the first.
+    void setParameter(std::string_view assignment);
+
+    /// Checks ids and connections, and sorts the nodes into an order of evaluation that keeps
+    /// the given one where it can.
+    void finish();
+
+    /// How many pictures the host must supply; at least 1.
+    unsigned sources() const;
+
+    /// Of the nodes that the output depends on.
+    GraphFacts facts() const;
+
+    /// Values outside advised ranges and nodes that nothing uses, a line each.
+    std::vector<std::string> warnings() const;
+
+    /// Indices of the nodes that the output depends on, in order of evaluation; the output is the last.
+    std::vector<std::size_t> used() const;
+};
+
+/// "source" and its kin: 0 for "source", 1 for "source-2"; no value for a node's id.
+std::optional<unsigned> sourceIndex(std::string_view input);
+std::string sourceName(unsigned index);
+
+/// The effect with this name or GUID. Throws GraphError that names the nearest one.
+const KEXSDK::EffectInfo& effectNamed(std::string_view nameOrGuid);
+
+/// The parameter of an effect. Throws GraphError that names the nearest one.
+const KEXSDK::ParamInfo& parameterNamed(const KEXSDK::EffectInfo& effect, std::string_view name);
+
+/// A JSON file, finished. Paths in it count from its own directory. Throws GraphError.
+GraphDescription loadGraph(const std::filesystem::path& file);
+
+/// JSON text, finished; `name` stands for it in messages, `directory` is where its paths count from.
+GraphDescription parseGraph(
+    const std::string& text, const std::string& name, const std::filesystem::path& directory);
+
+/// The graph as JSON; paths of files become absolute.
+std::string graphText(const GraphDescription& graph);
+
+} // namespace host

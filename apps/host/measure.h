@@ -1,0 +1,36 @@
+// How long an effect takes, beside a memcpy of the same frame: the yardstick "M".
+#pragma once
+
+#include "host/Host.h"
+#include "model/EffectRegistry.h"
+
+#include <vector>
+
+namespace host {
+
+struct FrameSize {
+    unsigned width;
+    unsigned height;
+};
+
+/// Median time of a memcpy of a frame on the calling thread, measured once per size and process.
+double copySeconds(FrameSize frame);
+
+/// The median; reorders the times, of which there must be one.
+double median(std::vector<double>& times);
+
+/// An effect with example values over painted frames, warmed up: effects with a history are in their steady
+/// state and own all their memory. Throws Failure when the effect is not available.
+class EffectRun {
+public:
+    EffectRun(const KEXSDK::EffectInfo& effect, FrameSize frame);
+
+    /// Evaluates one frame. @return seconds
+    double once();
+
+private:
+    std::vector<Image> inputs_;
+    Filter filter_;
+};
+
+} // namespace host
