@@ -2,6 +2,7 @@
 #include "effectengine/Pictures.h"
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 
 #include <fcntl.h>
@@ -22,14 +23,6 @@ namespace {
 
 constexpr unsigned kLargestSide = 4096;
 constexpr std::array kWritable{".png", ".jpg", ".jpeg", ".bmp", ".tga"};
-
-std::string lowerExtension(const fs::path& file)
-{
-    std::string extension = file.extension().string();
-    std::ranges::transform(
-        extension, extension.begin(), [](unsigned char c) { return char(std::tolower(c)); });
-    return extension;
-}
 
 bool holdsPicture(const fs::path& file, PictureSize size)
 {
@@ -53,9 +46,30 @@ bool diskIsFull(const fs::path& directory, PictureSize size)
     return result == ENOSPC || result == EDQUOT;
 }
 
+} // namespace
+
+std::string lowerExtension(const fs::path& file)
+{
+    std::string extension = file.extension().string();
+    std::ranges::transform(
+        extension, extension.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    return extension;
+}
+
+bool canBeWritten(const fs::path& file)
+{
+    return std::ranges::find(kWritable, lowerExtension(file)) != kWritable.end();
+}
+
 fs::path directoryOf(const fs::path& file) { return file.parent_path().empty() ? "." : file.parent_path(); }
 
-} // namespace
+void makeDirectory(const fs::path& directory)
+{
+    std::error_code error;
+    fs::create_directories(directory, error);
+    if (!fs::is_directory(directory))
+        throwCannotWrite(directory, error ? error.value() : EEXIST);
+}
 
 PictureSize sizeOf(const fs::path& file)
 {
@@ -111,7 +125,7 @@ host::Image loadPicture(const fs::path& file, PictureSize size)
 
 void checkOutput(const fs::path& file)
 {
-    if (std::ranges::find(kWritable, lowerExtension(file)) == kWritable.end())
+    if (!canBeWritten(file))
         throw ToolError(ExitCode::cannotWrite,
             "cannot write " + file.string() + ": the name must end in .png, .jpg, .jpeg, .bmp or .tga");
     const fs::path directory = directoryOf(file);
@@ -125,23 +139,12 @@ void checkOutput(const fs::path& file)
 
 void savePicture(CEffectImage* image, const fs::path& file)
 {
-    // Hidden, unique to this process, and with the target's extension, which chooses the kind of picture.
-    const fs::path partial = file.parent_path()
-        / ("." + file.stem().string() + "." + std::to_string(getpid()) + file.extension().string());
-    std::error_code error;
+    PartialFile partial(file);
     PictureSize size{};
     GetImageWidth(image, &size.width);
     GetImageHeight(image, &size.height);
-    SaveImage(image, partial.c_str()); // answers 0 in any case: the file itself must tell
-    if (holdsPicture(partial, size))
-        fs::rename(partial, file, error);
-    else
-        error = std::make_error_code(std::errc::io_error);
-    if (error) {
-        std::error_code ignored;
-        fs::remove(partial, ignored);
-        if (diskIsFull(directoryOf(file), size))
-            throw ToolError(ExitCode::diskFull, "no room on the disk to write " + file.string());
-        throw ToolError(ExitCode::cannotWrite, "cannot write " + file.string());
-    }
+    SaveImage(image, partial.path().c_str()); // answers 0 in any case: the file itself must tell
+    if (!holdsPicture(partial.path(), size))
+        throwCannotWrite(file, diskIsFull(directoryOf(file), size) ? ENOSPC : EIO);
+    partial.keep();
 }

@@ -26,6 +26,18 @@ host::Image loadPicture(const std::filesystem::path& file, PictureSize size);
 /// is missing; to be asked before any work is done.
 void checkOutput(const std::filesystem::path& file);
 
+/// The extension with its dot, in lower case.
+std::string lowerExtension(const std::filesystem::path& file);
+
+/// Whether the extension names a kind of picture that can be written.
+bool canBeWritten(const std::filesystem::path& file);
+
+/// Where a file stands; "." for a bare name.
+std::filesystem::path directoryOf(const std::filesystem::path& file);
+
+/// Makes a directory and those above it. Throws ToolError.
+void makeDirectory(const std::filesystem::path& directory);
+
 /// Writes beside the target, checks what was written, then renames. Throws ToolError; the target is then as
 /// it was before.
 void savePicture(CEffectImage* image, const std::filesystem::path& file);

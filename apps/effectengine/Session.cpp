@@ -3,6 +3,7 @@
 
 #include "core/Clock.h"
 #include "effectengine/ToolError.h"
+#include "engine/effectList.h"
 
 #include <cstdlib>
 
@@ -29,13 +30,25 @@ fs::path resourceDirectory(const fs::path& named)
         return named;
     }
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
-    for (const char* const place : {"../share/effectengine", "../resources"}) {
+    // Two levels up for the program that holds the verbs for clips.
+    for (const char* const place :
+        {"../share/effectengine", "../resources", "../../share/effectengine", "../../resources"}) {
         const fs::path candidate = (program / place).lexically_normal();
         if (fs::exists(candidate / "resources.cfg"))
             return candidate;
     }
     throw ToolError(ExitCode::missingInput,
         "no resource directory beside " + program.string() + "; name one with --resources");
+}
+
+void listShaderEffects(const SessionOptions& options)
+{
+    try {
+        listShaderEffectsOf(resourceDirectory(options.resources).string() + "/");
+    } catch (const ToolError&) {
+        if (!options.resources.empty())
+            throw;
+    }
 }
 
 Session::Session(const SessionOptions& options)

@@ -26,3 +26,7 @@ private:
 
 /// The named directory, or the one beside the tool in an installed prefix or a build tree.
 std::filesystem::path resourceDirectory(const std::filesystem::path& named);
+
+/// Adds the shader effects of the resource directory to the list of effects. Without a directory that was
+/// named or found there are none.
+void listShaderEffects(const SessionOptions& options);

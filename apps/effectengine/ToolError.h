@@ -1,5 +1,7 @@
-// How the tool ends.
+// How the tool ends, and what it says then.
 #pragma once
+
+#include "host/GraphError.h"
 
 #include <stdexcept>
 #include <string>
@@ -26,3 +28,40 @@ public:
 private:
     ExitCode code_;
 };
+
+/// Ends the tool with nothing more to say.
+class AlreadyReported : public ToolError {
+public:
+    explicit AlreadyReported(ExitCode code) : ToolError(code, "") { }
+};
+
+/// Runs the work; a failure becomes one line on stderr, with `place` in front of what does not name its place
+/// itself. Exceptions that are no std::exception pass.
+template <class Work> ExitCode reportingFailure(Work work, const std::string& place = {});
+
+/// "effectengine: MESSAGE" as a line of its own, also beside a progress bar.
+void complain(const std::string& message);
+/// The same with "warning: ".
+void warn(const std::string& message);
+
+ExitCode codeOf(host::GraphFault fault);
+
+template <class Work> ExitCode reportingFailure(Work work, const std::string& place)
+{
+    const std::string front = place.empty() ? place : place + ": ";
+    try {
+        work();
+        return ExitCode::success;
+    } catch (const AlreadyReported& error) {
+        return error.code();
+    } catch (const ToolError& error) {
+        complain(error.what());
+        return error.code();
+    } catch (const host::GraphError& error) {
+        complain(front + error.what());
+        return codeOf(error.fault());
+    } catch (const std::exception& error) {
+        complain(front + error.what());
+        return ExitCode::internal;
+    }
+}

@@ -1,84 +1,113 @@
-// apply: a picture through one effect or a chain.
-#include "effectengine/EffectStep.h"
+// apply: pictures through one effect, a chain or a graph.
+#include "effectengine/GraphOptions.h"
+#include "effectengine/Interruption.h"
 #include "effectengine/Pictures.h"
+#include "effectengine/Progress.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/Workers.h"
 #include "effectengine/commands.h"
+#include "effectengine/pictureList.h"
+#include "host/EffectGraph.h"
+#include "pixels/Random.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <memory>
+#include <thread>
+
+namespace fs = std::filesystem;
 
 namespace {
 
 struct Options {
-    std::vector<std::string> words; ///< [EFFECT] IN OUT
-    std::vector<std::string> effects;
-    std::vector<std::string> parameters;
+    std::vector<std::string> words; ///< [EFFECT] IN... OUT
+    std::vector<fs::path> with;     ///< further pictures, for effects that take several
     std::string size;
-    float time = 0;
-    CLI::Option* effectOption = nullptr;
-    CLI::Option* parameterOption = nullptr;
+    double time = 0;
+    double total = host::FrameTime{}.total;
+    int processes = 0; ///< 0: one for each processor
+    PictureListOptions list;
+    ProgressKind progress = ProgressKind::automatic;
 };
 
-// Parameters belong to the effect named last before them, so the order on the command line counts.
-std::vector<EffectStep> chainOf(const Options& options, const CLI::App& command)
+void checkPictureCount(const host::GraphDescription& description, const Options& options)
 {
-    std::vector<EffectStep> chain;
-    if (options.effects.empty())
-        chain.push_back(stepFor(options.words.front()));
-    auto effect = options.effects.begin();
-    auto parameter = options.parameters.begin();
-    for (const CLI::Option* option : command.parse_order()) {
-        if (option == options.effectOption)
-            chain.push_back(stepFor(*effect++));
-        if (option != options.parameterOption)
-            continue;
-        if (chain.empty())
-            throw ToolError(ExitCode::usage, "-p " + *parameter + " stands before any effect");
-        addParameter(chain.back(), *parameter++);
-    }
-    for (const EffectStep& step : chain) {
-        if (step.effect.inputs != 1)
-            throw ToolError(ExitCode::usage,
-                "effect " + step.effect.name + " needs " + std::to_string(step.effect.inputs)
-                    + " pictures; apply has one");
-    }
-    return chain;
+    if (description.sources() == options.with.size() + 1)
+        return;
+    throw ToolError(ExitCode::usage,
+        "effect " + description.output + " needs " + std::to_string(description.sources())
+            + " pictures; apply has " + std::to_string(options.with.size() + 1)
+            + (options.with.empty() ? " (--with names a second one)" : ""));
 }
 
-void apply(const Options& options, const CLI::App& command, const SessionOptions& sessionOptions)
+class PictureRun {
+public:
+    PictureRun(
+        const Options& options, const host::GraphDescription& description, const SessionOptions& session)
+        : options_(options),
+          description_(description),
+          session_(session)
+    {
+    }
+
+    void process(const PictureJob& job) const
+    {
+        const PictureSize source = sizeOf(job.in);
+        const PictureSize size = options_.size.empty() ? fitted(source) : parseSize(options_.size);
+        checkOutput(job.out);
+        if (options_.size.empty() && size.width != source.width)
+            warn(job.in.string() + " is scaled from " + text(source) + " to " + text(size));
+        std::vector<host::Image> pictures;
+        pictures.push_back(loadPicture(job.in, size));
+        for (const fs::path& file : options_.with)
+            pictures.push_back(loadPicture(file, size));
+        // A picture's result does not depend on the pictures before it.
+        pixels::threadRandom() = pixels::RandomGenerator();
+        host::EffectGraph graph(description_, size.width, size.height);
+        for (unsigned i = 0; i < pictures.size(); ++i)
+            graph.setSource(pictures[i], i);
+        savePicture(graph.run({.seconds = options_.time, .total = options_.total}), job.out);
+    }
+
+private:
+    static std::string text(PictureSize size)
+    {
+        return std::to_string(size.width) + " x " + std::to_string(size.height);
+    }
+
+    const Options& options_;
+    const host::GraphDescription& description_;
+    Session session_;
+};
+
+void apply(const Options& options, const GraphOptions& graphOptions, const SessionOptions& sessionOptions)
 {
-    const std::size_t wanted = options.effects.empty() ? 3 : 2;
-    if (options.words.size() != wanted)
-        throw ToolError(ExitCode::usage, "apply takes EFFECT IN OUT, or -e EFFECT ... IN OUT");
-    const std::vector<EffectStep> chain = chainOf(options, command);
-    const std::filesystem::path in = options.words[wanted - 2];
-    const std::filesystem::path out = options.words[wanted - 1];
-
-    const PictureSize source = sizeOf(in);
-    const PictureSize size = options.size.empty() ? fitted(source) : parseSize(options.size);
-    checkOutput(out);
-    if (options.size.empty() && size.width != source.width)
-        std::fprintf(stderr, "effectengine: warning: %s is scaled from %u x %u to %u x %u\n", in.c_str(),
-            source.width, source.height, size.width, size.height);
-
-    const Session session(sessionOptions);
-    const host::Image picture = loadPicture(in, size);
-    std::vector<host::Filter> filters;
-    for (const EffectStep& step : chain) {
-        host::Filter filter = makeFilter(step, size.width, size.height);
-        if (options.time != 0)
-            filter.set(kEffectCurrentTime, options.time);
-        if (filters.empty())
-            filter.setInput(picture);
-        else
-            filter.connectFrom(filters.back());
-        filters.push_back(std::move(filter));
+    const std::size_t effects = graphOptions.given() ? 0 : 1;
+    if (options.words.size() < effects + 2)
+        throw ToolError(ExitCode::usage, "apply takes EFFECT IN... OUT, or -e EFFECT ... IN... OUT");
+    const host::GraphDescription description =
+        graphOptions.description(effects == 1 ? options.words.front() : "");
+    checkPictureCount(description, options);
+    for (const fs::path& file : options.with)
+        sizeOf(file);
+    const auto jobs = listPictures({options.words.begin() + std::ptrdiff_t(effects), options.words.end() - 1},
+        options.words.back(), options.list);
+    if (jobs.size() == 1) {
+        PictureRun(options, description, sessionOptions).process(jobs[0]);
+        return;
     }
-    try {
-        savePicture(filters.back().run(), out);
-    } catch (const host::Failure& failure) {
-        throw ToolError(ExitCode::effectFailed, in.string() + ": " + failure.what());
-    }
+    const int processors = std::max(1, int(std::thread::hardware_concurrency()));
+    const int processes = std::min(options.processes > 0 ? options.processes : processors, int(jobs.size()));
+    const Workers workers(jobs.size(), [&](std::size_t i) { return jobs[i].in.string(); });
+    Progress progress(options.progress, "pictures", int(jobs.size()));
+    const ExitCode code = workers.run(
+        processes,
+        [&]() -> Workers::Piece {
+            const auto run = std::make_shared<PictureRun>(options, description, sessionOptions);
+            return [run, &jobs](std::size_t i) { run->process(jobs[i]); };
+        },
+        progress);
+    if (code != ExitCode::success)
+        throw AlreadyReported(code);
 }
 
 } // namespace
@@ -86,15 +115,37 @@ void apply(const Options& options, const CLI::App& command, const SessionOptions
 void addApplyCommand(CLI::App& tool, const SessionOptions& session)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* const command = tool.add_subcommand("apply", "Applies an effect, or a chain, to a picture.");
-    command->add_option("WORDS", options->words, "[EFFECT] IN OUT; EFFECT is a name or a GUID")->required();
-    options->effectOption =
-        command->add_option("-e,--effect", options->effects, "effect of a chain; repeat in order")
-            ->allow_extra_args(false);
-    options->parameterOption =
-        command->add_option("-p,--param", options->parameters, "name=value for the effect before it")
-            ->allow_extra_args(false);
-    command->add_option("--size", options->size, "WIDTHxHEIGHT to scale to (default: the picture's own)");
-    command->add_option("--time", options->time, "time within the effect, for animated ones");
-    command->callback([options, command, &session] { apply(*options, *command, session); });
+    CLI::App* const command =
+        tool.add_subcommand("apply", "Applies an effect, a chain or a graph to pictures or folders of them.");
+    command
+        ->add_option("WORDS", options->words,
+            "[EFFECT] IN... OUT; several pictures, or a folder, go into the directory OUT")
+        ->required()
+        ->type_name("");
+    const GraphOptions graph(*command);
+    command
+        ->add_option("--with", options->with, "second picture of an effect that takes two; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("FILE");
+    command->add_option("--size", options->size, "size to scale to (default: the picture's own)")
+        ->type_name("WIDTHxHEIGHT");
+    command->add_option("--time", options->time, "time within the effect, for animated ones")
+        ->type_name("SECONDS");
+    command->add_option("--total", options->total, "duration of the effect (default 5)")
+        ->type_name("SECONDS");
+    command->add_option("-j,--jobs", options->processes, "processes for many pictures (default: processors)")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("N");
+    command->add_flag("-r,--recursive", options->list.recursive, "go into the folders of a folder");
+    command->add_option("--format", options->list.format, "kind of the pictures in the directory OUT")
+        ->check(CLI::IsMember({"png", "jpg", "bmp", "tga"}))
+        ->type_name("KIND");
+    addProgressOption(*command, options->progress);
+    command->footer("Examples:\n"
+                    "  effectengine apply glow in.jpg out.png\n"
+                    "  effectengine apply -e hue-shift -p Hue=20 -e am-70s photos/ results/\n"
+                    "  effectengine apply push from.png --with to.png half.png --time 2.5\n"
+                    "  effectengine apply --graph look.json -j 4 --progress json photos/ results/");
+    command->callback(
+        [options, graph, &session] { interruptibly([&] { apply(*options, graph, session); }); });
 }

@@ -10,3 +10,8 @@ void addDescribeCommand(CLI::App& tool);
 void addApplyCommand(CLI::App& tool, const SessionOptions& session);
 void addLutCommand(CLI::App& tool);
 void addTransitionCommand(CLI::App& tool, const SessionOptions& session);
+void addManCommand(CLI::App& tool);
+void addCompletionCommand(CLI::App& tool);
+void addBenchCommand(CLI::App& tool, const SessionOptions& session);
+void addSheetCommand(CLI::App& tool, const SessionOptions& session);
+void addDoctorCommand(CLI::App& tool, const SessionOptions& session);

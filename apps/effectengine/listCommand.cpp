@@ -1,66 +1,121 @@
 // list and describe: what there is to apply.
-#include "effectengine/EffectStep.h"
+#include "effectengine/EffectChoice.h"
 #include "effectengine/commands.h"
+#include "engine/effectList.h"
+#include "host/GraphDescription.h"
+#include "host/catalogue.h"
+#include "host/jsonText.h"
 
 #include <cstdio>
 #include <memory>
 
+using KEXSDK::EffectInfo;
+
 namespace {
 
-const char* typeName(KEXSDK::ParamType type)
+struct ListOptions {
+    EffectChoice choice;
+    bool json = false;
+    bool names = false;
+    bool families = false;
+};
+
+void list(const ListOptions& options)
 {
-    switch (type) {
-    case KEXSDK::ParamType::integer:
-        return "integer";
-    case KEXSDK::ParamType::real:
-        return "float";
-    case KEXSDK::ParamType::integerArray:
-        return "integers";
-    case KEXSDK::ParamType::realArray:
-        return "floats";
-    case KEXSDK::ParamType::filePath:
-        return "file";
+    const std::vector<EffectInfo> effects = chosen(options.choice);
+    if (options.json) {
+        std::fputs(host::jsonText(host::catalogue(effects)).c_str(), stdout);
+        return;
     }
-    return "";
+    if (options.families) {
+        for (const std::string& family : familiesOf(effects))
+            std::puts(family.c_str());
+        return;
+    }
+    for (const EffectInfo& effect : effects) {
+        if (options.names)
+            std::puts(effect.name.c_str());
+        else
+            std::printf(
+                "%-28s %-14s %s\n", effect.name.c_str(), effect.family.c_str(), effect.summary.c_str());
+    }
 }
 
 std::string valueText(const KEXSDK::ParamInfo& param)
 {
     if (!param.declared)
         return "not set";
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", param.value[0]);
-    return text;
-}
-
-void list(const std::string& kind, const std::string& search)
-{
-    for (const KEXSDK::EffectInfo& effect : listEffects()) {
-        if (!kind.empty() && effect.family != kind)
-            continue;
-        if ((effect.name + effect.title + effect.summary).find(search) == std::string::npos)
-            continue;
-        std::printf("%-28s %-14s %s\n", effect.name.c_str(), effect.family.c_str(), effect.summary.c_str());
+    std::string values;
+    for (u32 i = 0; i < param.elements; ++i) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%s%g", i ? "," : "", param.value[i]);
+        values += text;
     }
+    return values;
 }
 
-void describe(const std::string& nameOrGuid)
+std::string dependsOn(const EffectInfo& effect)
 {
-    const KEXSDK::EffectInfo effect = stepFor(nameOrGuid).effect;
-    std::printf("%s (%s)\n%s\n\nGUID    %s\nfamily  %s\ninputs  %u\n\n", effect.name.c_str(),
-        effect.title.c_str(), effect.summary.c_str(), effect.guid.c_str(), effect.family.c_str(),
-        effect.inputs);
-    std::printf("%-20s %-9s %-8s %-12s %s\n", "parameter", "type", "default", "range", "meaning");
+    if (effect.history.frames == KEXSDK::History::kFromStart)
+        return "every frame since the first";
+    if (effect.history.frames > 0)
+        return "this frame and up to " + std::to_string(effect.history.frames) + " before it";
+    return "this frame alone";
+}
+
+const char* alphaText(KEXSDK::Alpha alpha)
+{
+    switch (alpha) {
+    case KEXSDK::Alpha::kept:
+        return "kept";
+    case KEXSDK::Alpha::opaque:
+        return "becomes opaque";
+    case KEXSDK::Alpha::computed:
+        return "computed";
+    }
+    return "";
+}
+
+void printFacts(const EffectInfo& effect)
+{
+    std::printf("%s (%s)\n%s\n\n", effect.name.c_str(), effect.title.c_str(), effect.summary.c_str());
+    std::printf("GUID      %s\nfamily    %s\ninputs    %u\nneeds     %s\ndepends   on %s\nrandom    "
+                "%s\nalpha     %s\n\n",
+        effect.guid.c_str(), effect.family.c_str(), effect.inputs, effect.needsGpu ? "the GPU" : "no GPU",
+        dependsOn(effect).c_str(), effect.random ? "yes (--seed repeats a result)" : "no",
+        alphaText(effect.alpha));
+}
+
+struct DescribeOptions {
+    std::string effect;
+    bool json = false;
+    bool names = false;
+};
+
+void describe(const DescribeOptions& options)
+{
+    const EffectInfo& effect = host::effectNamed(options.effect);
+    if (options.names) {
+        for (const KEXSDK::ParamInfo* const param : describeParameters(effect.guid))
+            std::puts(param->name);
+        return;
+    }
+    if (options.json) {
+        std::fputs(host::jsonText(host::catalogueEntry(effect)).c_str(), stdout);
+        return;
+    }
+    printFacts(effect);
+    std::printf("%-20s %-9s %-8s %-12s %s\n", "parameter", "type", "default", "advised", "meaning");
     for (const KEXSDK::ParamInfo* param : describeParameters(effect.guid)) {
         char range[48] = "";
-        if (param->type != KEXSDK::ParamType::filePath)
+        if (param->low < param->high)
             std::snprintf(range, sizeof range, "%g..%g", param->low, param->high);
         std::string meaning = param->help;
         if (*param->unit)
             meaning += std::string(" (") + param->unit + ")";
         if (*param->choices)
             meaning += std::string(": ") + param->choices;
-        std::printf("%-20s %-9s %-8s %-12s %s\n", param->name, typeName(param->type),
+        std::printf("%-20s %-9s %-8s %-12s %s\n", param->name, host::typeName(param->type),
             valueText(*param).c_str(), range, meaning.c_str());
     }
 }
@@ -69,21 +124,27 @@ void describe(const std::string& nameOrGuid)
 
 void addListCommand(CLI::App& tool)
 {
-    struct Options {
-        std::string kind;
-        std::string search;
-    };
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ListOptions>();
     CLI::App* const command = tool.add_subcommand("list", "Lists the effects.");
-    command->add_option("--kind", options->kind, "only effects of this family");
-    command->add_option("--search", options->search, "only effects whose name or summary holds this text");
-    command->callback([options] { list(options->kind, options->search); });
+    addChoiceOptions(*command, options->choice);
+    command->add_flag("--json", options->json, "the catalogue: every fact and parameter as JSON");
+    command->add_flag("--names", options->names, "names alone, one a line");
+    command->add_flag("--families", options->families, "the families alone, one a line");
+    command->footer("Examples:\n"
+                    "  effectengine list --kind transition\n"
+                    "  effectengine list --search blur\n"
+                    "  effectengine list --json > effects.json");
+    command->callback([options] { list(*options); });
 }
 
 void addDescribeCommand(CLI::App& tool)
 {
-    const auto effect = std::make_shared<std::string>();
+    const auto options = std::make_shared<DescribeOptions>();
     CLI::App* const command = tool.add_subcommand("describe", "Shows an effect and its parameters.");
-    command->add_option("EFFECT", *effect, "name or GUID")->required();
-    command->callback([effect] { describe(*effect); });
+    command->add_option("EFFECT", options->effect, "name or GUID")->required();
+    command->add_flag("--json", options->json, "as JSON, as in the catalogue");
+    command->add_flag("--names", options->names, "the parameters' names alone, one a line");
+    command->footer("Examples:\n"
+                    "  effectengine describe hue-shift");
+    command->callback([options] { describe(*options); });
 }

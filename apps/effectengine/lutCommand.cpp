@@ -1,6 +1,8 @@
-// lut check and lut info: lookup-table files, as the engine reads them.
+// lut check, info and fix: lookup-table files, as the engine reads them.
+#include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
+#include "effectengine/lutRepair.h"
 #include "effects/lut/LutFile.h"
 #include "effects/lut/lutTiles.h"
 
@@ -9,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
 
 namespace {
 
@@ -34,10 +37,9 @@ lut::LutFile readLut(const std::string& path)
 void warnOfIncompleteLines(const std::string& path, const lut::LutFile& file)
 {
     if (file.incompleteLines > 0)
-        std::fprintf(stderr,
-            "effectengine: warning: %s:%d: %d table line(s) hold fewer than three numbers; the missing ones "
-            "count as 0\n",
-            path.c_str(), file.firstIncompleteLine, file.incompleteLines);
+        warn(path + ":" + std::to_string(file.firstIncompleteLine) + ": "
+            + std::to_string(file.incompleteLines)
+            + " table line(s) hold fewer than three numbers; the missing ones count as 0");
 }
 
 void check(const std::string& path)
@@ -82,11 +84,36 @@ void info(const std::string& path)
         std::printf("texture   no layout for this size; the CPU applies it\n");
 }
 
+void fix(const std::string& in, const std::filesystem::path& out, const LutRepairOptions& options)
+{
+    if (!std::filesystem::exists(in))
+        throw ToolError(ExitCode::missingInput, "no such file: " + in);
+    if (lut::formatOf(in) == lut::LutFormat::none)
+        throw ToolError(ExitCode::unreadable, in + ": the name ends neither in .cube nor in .3dl");
+    if (lut::formatOf(out.string()) != lut::LutFormat::cube)
+        throw ToolError(
+            ExitCode::cannotWrite, "cannot write " + out.string() + ": the name must end in .cube");
+    const LutRepair repair = repairLut(in, options);
+    std::istringstream result(repair.text);
+    if (const lut::LutFile file = lut::parseCube(result); file.status != lut::LutStatus::success)
+        throw ToolError(ExitCode::unreadable, in + ": cannot be put right: " + file.reason);
+    writeTextFile(out, repair.text);
+    for (const std::string& change : repair.changes)
+        std::printf("%s: %s\n", in.c_str(), change.c_str());
+    if (!repair.changes.empty())
+        return;
+    std::ifstream stream;
+    const bool usable = lut::openLut(in, stream) && lut::parseCube(stream).status == lut::LutStatus::success;
+    std::printf(
+        "%s: %s\n", in.c_str(), usable ? "nothing to put right" : "only the lines had to be put right");
+}
+
 } // namespace
 
 void addLutCommand(CLI::App& tool)
 {
-    CLI::App* const command = tool.add_subcommand("lut", "Examines lookup-table files (.cube, .3dl).");
+    CLI::App* const command =
+        tool.add_subcommand("lut", "Examines and repairs lookup-table files (.cube, .3dl).");
     command->require_subcommand(1);
     const auto path = std::make_shared<std::string>();
     const auto add = [&](const char* name, const char* help, void (*run)(const std::string&)) {
@@ -96,4 +123,23 @@ void addLutCommand(CLI::App& tool)
     };
     add("check", "Says whether the engine can use the file, or why not (exit code 4).", check);
     add("info", "Shows what the file holds.", info);
+
+    struct FixOptions {
+        std::string in;
+        std::filesystem::path out;
+        LutRepairOptions repair;
+    };
+    const auto options = std::make_shared<FixOptions>();
+    CLI::App* const verb = command->add_subcommand("fix",
+        "Writes a table that the engine reads: other spellings, a wrong or missing size, one-dimensional and "
+        "too large tables are put right. Nothing is invented: a table with missing lines stays unreadable.");
+    verb->add_option("IN", options->in, "lookup table, .cube or .3dl")->required();
+    verb->add_option("OUT", options->out, "the repaired table, .cube")->required();
+    verb->add_flag(
+        "--blue-first", options->repair.blueFirst, "blue varies fastest in the file, as in most 3DL files");
+    verb->callback([options] { fix(options->in, options->out, options->repair); });
+    command->footer("Examples:\n"
+                    "  effectengine lut check film.cube\n"
+                    "  effectengine lut fix broken.cube film.cube\n"
+                    "  effectengine lut fix --blue-first film.3dl film.cube");
 }

@@ -2,45 +2,55 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
 
-#include <cstdio>
-
 namespace {
 
-constexpr const char* kExitCodes =
-    "Exit codes: 0 done; 1 internal fault; 2 bad command line, unknown effect or parameter;\n"
-    "3 missing input; 4 unreadable input; 5 cannot write the output; 6 an effect failed;\n"
-    "7 disk full; 8 the graphics system did not start.";
+constexpr const char* kFooter = "Examples:\n"
+                                "  effectengine list --search blur\n"
+                                "  effectengine apply hue-shift -p Hue=20 in.jpg out.png\n"
+                                "  effectengine apply --help\n"
+                                "\n"
+                                "Exit codes:\n"
+                                "  0  done\n"
+                                "  1  internal fault\n"
+                                "  2  bad command line, unknown effect or parameter, bad value\n"
+                                "  3  missing input\n"
+                                "  4  unreadable input\n"
+                                "  5  cannot write the output\n"
+                                "  6  an effect failed\n"
+                                "  7  disk full\n"
+                                "  8  the graphics system did not start";
 
-int report(ExitCode code, const char* message)
-{
-    std::fprintf(stderr, "effectengine: %s\n", message);
-    return int(code);
-}
-
-int run(int argc, char** argv)
+void run(int argc, char** argv)
 {
     CLI::App tool("Applies image and video effects to pictures.", "effectengine");
     tool.require_subcommand(1);
     tool.set_version_flag("--version", EFFECTENGINE_VERSION);
-    tool.footer(kExitCodes);
 
     SessionOptions session;
-    tool.add_option("--resources", session.resources, "resource directory (default: beside the tool)");
-    tool.add_option("--log-dir", session.logs, "keep the engine's logs in this directory");
-    tool.add_option("--seed", session.seed, "seed of random looks, for the same result every time");
+    tool.add_option("--resources", session.resources, "resource directory (default: beside the tool)")
+        ->type_name("DIR");
+    tool.add_option("--log-dir", session.logs, "keep the engine's logs in this directory")->type_name("DIR");
+    tool.add_option("--seed", session.seed, "seed of random looks, for the same result every time")
+        ->type_name("N");
+    tool.parse_complete_callback([&session] { listShaderEffects(session); }); // before any command's work
     addListCommand(tool);
     addDescribeCommand(tool);
     addApplyCommand(tool, session);
     addLutCommand(tool);
     addTransitionCommand(tool, session);
+    addSheetCommand(tool, session);
+    addBenchCommand(tool, session);
+    addDoctorCommand(tool, session);
+    addManCommand(tool);
+    addCompletionCommand(tool);
+    tool.footer(kFooter); // last: verbs would inherit it
 
     try {
         tool.parse(argc, argv);
-        return int(ExitCode::success);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == int(CLI::ExitCodes::Success))
-            return tool.exit(error); // --help, --version
-        return report(ExitCode::usage, (std::string(error.what()) + " (see effectengine --help)").c_str());
+        if (error.get_exit_code() != int(CLI::ExitCodes::Success))
+            throw ToolError(ExitCode::usage, std::string(error.what()) + " (see effectengine --help)");
+        tool.exit(error); // --help, --version
     }
 }
 
@@ -48,11 +58,5 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    try {
-        return run(argc, argv);
-    } catch (const ToolError& error) {
-        return report(error.code(), error.what());
-    } catch (const std::exception& error) {
-        return report(ExitCode::internal, error.what());
-    }
+    return int(reportingFailure([&] { run(argc, argv); }));
 }

@@ -1,0 +1,28 @@
+// -e, -p, --graph, --preset and --save-preset of the verbs that run effects.
+#pragma once
+
+#include "host/GraphDescription.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+/// Adds the options to a verb and makes the graph that they describe.
+class GraphOptions {
+public:
+    explicit GraphOptions(CLI::App& command);
+
+    /// Whether -e, --graph or --preset was given; if not, the verb may take an effect's name as a word.
+    bool given() const;
+
+    /// The finished graph. Parameters belong to the effect named last before them, and without -e to
+    /// `effect` or to the preset's last one. Warnings go to stderr; --save-preset is obeyed. Throws
+    /// ToolError and host::GraphError.
+    host::GraphDescription description(const std::string& effect = {}) const;
+
+private:
+    struct Values;
+
+    CLI::App& command_;
+    std::shared_ptr<Values> values_;
+};

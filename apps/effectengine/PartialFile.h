@@ -1,0 +1,32 @@
+// A file that appears under its name only when it is complete.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// Names a hidden file beside the target, with the target's extension, and removes it unless kept.
+class PartialFile {
+public:
+    explicit PartialFile(std::filesystem::path target);
+    PartialFile(const PartialFile&) = delete;
+    PartialFile& operator=(const PartialFile&) = delete;
+    ~PartialFile();
+
+    /// Where to write.
+    const std::filesystem::path& path() const { return path_; }
+    const std::filesystem::path& target() const { return target_; }
+
+    /// The written file takes the target's name, replacing what was there. Throws ToolError.
+    void keep();
+
+private:
+    std::filesystem::path target_;
+    std::filesystem::path path_;
+    bool kept_ = false;
+};
+
+/// Writes a text as a whole. Throws ToolError; the target is then as it was before.
+void writeTextFile(const std::filesystem::path& file, const std::string& text);
+
+/// Throws ToolError: diskFull when the error number says so, else cannotWrite.
+[[noreturn]] void throwCannotWrite(const std::filesystem::path& file, int errorNumber);

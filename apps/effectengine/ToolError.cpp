@@ -1,0 +1,32 @@
+// Lines on stderr.
+#include "effectengine/ToolError.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+
+// One write, so that the lines of several processes do not mix.
+void complain(const std::string& message)
+{
+    const char* const clearLine = isatty(STDERR_FILENO) ? "\r\x1b[K" : "";
+    const std::string line = clearLine + ("effectengine: " + message) + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fflush(stderr);
+}
+
+void warn(const std::string& message) { complain("warning: " + message); }
+
+ExitCode codeOf(host::GraphFault fault)
+{
+    switch (fault) {
+    case host::GraphFault::content:
+        return ExitCode::usage;
+    case host::GraphFault::missingFile:
+        return ExitCode::missingInput;
+    case host::GraphFault::unreadable:
+        return ExitCode::unreadable;
+    case host::GraphFault::effectFailed:
+        return ExitCode::effectFailed;
+    }
+    return ExitCode::internal;
+}

@@ -1,0 +1,38 @@
+// Independent pieces of work in several processes.
+#pragma once
+
+#include "effectengine/Progress.h"
+#include "effectengine/ToolError.h"
+
+#include <functional>
+#include <string>
+
+/// Pieces of work that do not know each other. A failed piece is reported on stderr in one line and the
+/// others go on, unless the disk is full.
+class Workers {
+public:
+    /// Does the piece with this number.
+    using Piece = std::function<void(std::size_t)>;
+    /// Called once in every process before its first piece, and destroyed after its last one.
+    using MakePiece = std::function<Piece()>;
+    /// What to call a piece in messages.
+    using Name = std::function<std::string(std::size_t)>;
+
+    Workers(std::size_t count, Name nameOf) : count_(count), nameOf_(std::move(nameOf)) { }
+
+    /// Forks, so the process may have one thread only. With one process the pieces run in this one. A signal
+    /// ends the work after the pieces in hand (Interruption.h).
+    /// @return success, or the exit code of the failed piece with the lowest number
+    ExitCode run(int processes, const MakePiece& makePiece, Progress& progress) const;
+
+private:
+    class Board;
+
+    void work(Board& board, const MakePiece& makePiece, const std::function<void()>& afterEach) const;
+    ExitCode workInChildren(
+        int processes, Board& board, const MakePiece& makePiece, Progress& progress) const;
+    [[noreturn]] void beChild(Board& board, const MakePiece& makePiece, int reports) const;
+
+    std::size_t count_;
+    Name nameOf_;
+};

@@ -1,0 +1,12 @@
+// Man pages and completions, made from the tool's verbs as data.
+#pragma once
+
+#include "effectengine/commandText.h"
+
+/// The page of the whole tool (verb null), or of one verb, in roff.
+std::string manPage(const VerbText& tool, const VerbText* verb, const std::string& version);
+
+// Scripts that shells read. Effects, families and parameters are asked of the tool when they are completed.
+std::string bashCompletion(const VerbText& tool);
+std::string zshCompletion(const VerbText& tool);
+std::string fishCompletion(const VerbText& tool);

@@ -1,0 +1,183 @@
+// doctor: is everything there that the engine can use, and what to do where it is not.
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "effectengine/Session.h"
+#include "effectengine/ToolError.h"
+#include "effectengine/commands.h"
+#include "engine/effectList.h"
+#include "host/exampleValues.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Collects the worst that was found, and prints as it goes.
+class Examination {
+public:
+    void good(const std::string& what, const std::string& found) const { line("ok", what, found); }
+    void note(const std::string& what, const std::string& found) const { line("note", what, found); }
+    void bad(ExitCode code, const std::string& what, const std::string& found, const std::string& remedy)
+    {
+        line("BAD", what, found);
+        std::printf("      %-11s -> %s\n", "", remedy.c_str());
+        if (worst_ == ExitCode::success)
+            worst_ = code;
+    }
+    ExitCode worst() const { return worst_; }
+
+private:
+    static void line(const char* state, const std::string& what, const std::string& found)
+    {
+        std::printf("%-5s %-11s %s\n", state, what.c_str(), found.c_str());
+        std::fflush(stdout);
+    }
+    ExitCode worst_ = ExitCode::success;
+};
+
+fs::path examineResources(Examination& examination, const SessionOptions& options)
+{
+    fs::path directory;
+    try {
+        directory = resourceDirectory(options.resources);
+    } catch (const ToolError& error) {
+        examination.bad(error.code(), "resources", error.what(),
+            "install the resources beside the tool (share/effectengine), or name them with --resources");
+        return {};
+    }
+    examination.good("resources", directory.string());
+    for (const char* const name : {"resources.cfg", "plugins.cfg"}) {
+        if (!fs::exists(directory / name))
+            examination.bad(ExitCode::missingInput, "resources", std::string(name) + " is missing",
+                "install the resources anew");
+    }
+    return directory;
+}
+
+std::string logText(const fs::path& directory, const char* name)
+{
+    std::ifstream stream(directory / name);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+// What the graphics system noted about its renderer, such as "GL_RENDERER = llvmpipe".
+std::string noted(const std::string& log, const std::string& key)
+{
+    const std::size_t at = log.find(key);
+    if (at == std::string::npos)
+        return {};
+    const std::size_t begin = log.find_first_not_of(" =", at + key.size());
+    return log.substr(begin, log.find('\n', begin) - begin);
+}
+
+void examineGraphics(Examination& examination, const fs::path& logs)
+{
+    if (!gpuAvailable()) {
+        examination.bad(ExitCode::noGraphics, "graphics",
+            "OpenGL did not start; pictures cannot be read either",
+            "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
+            "keeps "
+            "the log that says why");
+        return;
+    }
+    std::string log;
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(logs, ignored))
+        log += logText(logs, entry.path().filename().c_str());
+    const std::string renderer = noted(log, "GL_RENDERER");
+    const GpuCapabilities gpu = gpuCapabilities();
+    examination.good("graphics", renderer.empty() ? "OpenGL" : renderer);
+    examination.good("driver",
+        noted(log, "GL_VERSION") + " (textures up to " + std::to_string(gpu.maxTextureSize)
+            + (gpu.textures3D ? ", 3D textures)" : ", no 3D textures)"));
+    if (renderer.find("llvmpipe") != std::string::npos || renderer.find("softpipe") != std::string::npos)
+        examination.note("graphics", "drawn by the processor; a GPU with its driver would be faster");
+}
+
+// Every effect is made once and evaluates a small frame.
+void examineEffects(Examination& examination)
+{
+    constexpr unsigned kSide = 16;
+    std::size_t working = 0;
+    std::string broken;
+    const auto effects = listEffects();
+    for (const KEXSDK::EffectInfo& effect : effects) {
+        try {
+            const host::Image picture(kSide, kSide);
+            host::Filter filter(effect.guid, kSide, kSide);
+            for (unsigned i = 0; i < effect.inputs; ++i)
+                filter.setInput(picture, i);
+            filter.run();
+            ++working;
+        } catch (const host::Failure&) {
+            broken += (broken.empty() ? "" : ", ") + effect.name;
+        }
+    }
+    const std::string count = std::to_string(working) + " of " + std::to_string(effects.size()) + " work";
+    if (broken.empty())
+        examination.good("effects", count);
+    else
+        examination.bad(ExitCode::effectFailed, "effects", count + "; not: " + broken,
+            "effects that need the GPU come back with it");
+}
+
+void examinePictures(Examination& examination, const fs::path& directory)
+{
+    const host::Image image(4, 4);
+    std::string kinds;
+    for (const char* const kind : {"png", "jpg", "bmp", "tga"}) {
+        const std::string file = (directory / (std::string("picture.") + kind)).string();
+        SaveImage(image.handle(), file.c_str());
+        if (host::Image::load(file, 4, 4))
+            kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
+        else
+            examination.bad(ExitCode::cannotWrite, "pictures",
+                std::string(kind) + " cannot be written and read",
+                "see the graphics system above, and the room in " + directory.string());
+    }
+    examination.good("pictures", kinds);
+}
+
+void doctor(const SessionOptions& options)
+{
+    Examination examination;
+    examination.good("library", std::string("EffectEngine ") + EFFECTENGINE_VERSION);
+    if (const fs::path resources = examineResources(examination, options); !resources.empty()) {
+        std::string name = (fs::temp_directory_path() / "effectengine-doctor-XXXXXX").string();
+        if (!mkdtemp(name.data()))
+            throw ToolError(
+                ExitCode::cannotWrite, "cannot make a directory in " + fs::temp_directory_path().string());
+        const auto remove = [](const fs::path* directory) {
+            std::error_code ignored;
+            fs::remove_all(*directory, ignored);
+        };
+        const fs::path work = name;
+        const std::unique_ptr<const fs::path, decltype(remove)> removed(&work, remove);
+        SessionOptions own = options;
+        if (own.logs.empty())
+            own.logs = work / "logs";
+        const Session session(own);
+        examineGraphics(examination, own.logs);
+        examineEffects(examination);
+        if (gpuAvailable())
+            examinePictures(examination, work);
+    }
+    if (examination.worst() != ExitCode::success)
+        throw AlreadyReported(examination.worst());
+}
+
+} // namespace
+
+void addDoctorCommand(CLI::App& tool, const SessionOptions& session)
+{
+    CLI::App* const command = tool.add_subcommand("doctor",
+        "Examines the installation: library, resources, graphics; says what is missing and how to mend "
+        "it.");
+    command->callback([&session] { doctor(session); });
+}

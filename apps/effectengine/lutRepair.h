@@ -1,0 +1,19 @@
+// Reads lookup tables more leniently than the engine, and writes what the engine reads.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct LutRepair {
+    std::string text;                 ///< a Cube file
+    std::vector<std::string> changes; ///< "line 3: the title had no quotes", in order; empty: only layout
+};
+
+struct LutRepairOptions {
+    bool blueFirst = false; ///< blue varies fastest in the file, as in most 3DL files
+};
+
+/// What can be derived from the file is put right; nothing is invented. Throws ToolError with the line that
+/// stands in the way: missing entries, entries that are no three numbers.
+LutRepair repairLut(const std::filesystem::path& file, const LutRepairOptions& options);

@@ -1,0 +1,195 @@
+// The catalogue file against the engine: every effect is opened, asked and run.
+#include "host/catalogue.h"
+
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "engine/effectList.h"
+#include "host/jsonText.h"
+#include "support/GuardedFrame.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace {
+
+constexpr int kWidth = 64;
+constexpr int kHeight = 48;
+
+Json::Value readCatalogue()
+{
+    std::ifstream stream(EFFECTENGINE_CATALOGUE);
+    Json::Value json;
+    stream >> json;
+    return json;
+}
+
+class Catalogue : public testing::Test {
+protected:
+    static void SetUpTestSuite()
+    {
+        TovOgreRenderThread::setGraphicsSystemFactory({});
+        listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
+        ASSERT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR, nullptr), 0u);
+        ASSERT_TRUE(gpuAvailable());
+    }
+    static void TearDownTestSuite()
+    {
+        UninitializeEngine();
+        listShaderEffectsOf("");
+    }
+
+    template <class Check> void eachEffect(Check check)
+    {
+        const Json::Value json = readCatalogue();
+        ASSERT_GT(json["effects"].size(), 250u);
+        for (const Json::Value& effect : json["effects"]) {
+            SCOPED_TRACE(effect["name"].asString());
+            check(effect);
+        }
+    }
+
+    // One frame of noise for each seed, in order; the last output.
+    std::vector<unsigned char> show(const Json::Value& effect, std::initializer_list<unsigned> seeds)
+    {
+        host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
+        return show(filter, seeds);
+    }
+    std::vector<unsigned char> show(host::Filter& filter, std::initializer_list<unsigned> seeds)
+    {
+        for (unsigned i = 0; i < 2; ++i)
+            SetInputImage(filter.handle(), frames_[i].image(), i);
+        filter.set(kEffectTotalTime, 2.0f);
+        filter.set(kEffectCurrentTime, 1.0f);
+        std::span<unsigned char> output;
+        for (const unsigned seed : seeds) {
+            frames_[0].fillWithNoise(seed);
+            frames_[1].fillWithNoise(seed + 100);
+            output = host::bytesOf(filter.run());
+        }
+        return {output.begin(), output.end()};
+    }
+
+    std::array<test::GuardedFrame, 2> frames_{
+        test::GuardedFrame(kWidth, kHeight), test::GuardedFrame(kWidth, kHeight)};
+};
+
+std::map<std::string, std::string> storedParameters(const host::Filter& filter)
+{
+    static const std::map<unsigned, const char*> kTypes{{KEXSDK::VIParamInt, "integer"},
+        {KEXSDK::VIParamFloat, "float"}, {KEXSDK::VIParamIntArray, "integers"},
+        {KEXSDK::VIParamFloatArray, "floats"}, {KEXSDK::VIParamFilePath, "file"}};
+    std::map<std::string, std::string> stored;
+    unsigned count = 0;
+    KEXSDK::GetParamCount(filter.handle(), &count);
+    for (unsigned i = 0; i < count; ++i) {
+        char name[256];
+        KEXSDK::enumParamName(filter.handle(), i, name);
+        auto type = KEXSDK::VIParamUnknown;
+        KEXSDK::getParamType(filter.handle(), name, &type);
+        stored[name] = kTypes.at(type);
+    }
+    return stored;
+}
+
+Json::Value storedValue(const host::Filter& filter, const std::string& name, const std::string& type)
+{
+    constexpr int kRoom = 16;
+    int count = kRoom;
+    std::array<int, kRoom> whole{};
+    std::array<float, kRoom> real{};
+    if (type == "integer")
+        KEXSDK::getParamIntValue(filter.handle(), name.c_str(), whole.data());
+    else if (type == "integers")
+        KEXSDK::getParamIntArrayValue(filter.handle(), name.c_str(), whole.data(), &count);
+    else if (type == "float")
+        KEXSDK::getParamFloatValue(filter.handle(), name.c_str(), real.data());
+    else if (type == "floats")
+        KEXSDK::getParamFloatArrayValue(filter.handle(), name.c_str(), real.data(), &count);
+    const auto one = [&](std::size_t i) {
+        return type.starts_with("int") ? Json::Value(whole[i]) : Json::Value(host::shortest(real[i]));
+    };
+    if (!type.ends_with('s'))
+        return one(0);
+    Json::Value list(Json::arrayValue);
+    for (int i = 0; i < count; ++i)
+        list.append(one(std::size_t(i)));
+    return list;
+}
+
+TEST_F(Catalogue, IsWhatTheRegistriesOfThisBuildHold)
+{
+    std::ifstream stream(EFFECTENGINE_CATALOGUE);
+    std::ostringstream text;
+    text << stream.rdbuf();
+    EXPECT_EQ(text.str(), host::jsonText(host::catalogue(listEffects())));
+    std::set<std::string> names;
+    const Json::Value catalogue = readCatalogue();
+    for (const Json::Value& effect : catalogue["effects"]) {
+        EXPECT_TRUE(names.insert(effect["name"].asString()).second) << effect["name"];
+        EXPECT_TRUE(names.insert(effect["guid"].asString()).second) << effect["guid"];
+    }
+}
+
+TEST_F(Catalogue, NamesTheInputsAndParametersThatNodesHave)
+{
+    eachEffect([](const Json::Value& effect) {
+        const host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
+        EXPECT_EQ(GetFilterInputCount(filter.handle()), effect["inputs"].asUInt());
+        const auto stored = storedParameters(filter);
+        std::set<std::string> listed;
+        for (const Json::Value& parameter : effect["parameters"]) {
+            const std::string name = parameter["name"].asString();
+            SCOPED_TRACE(name);
+            EXPECT_TRUE(listed.insert(name).second) << "twice";
+            if (name.starts_with(':'))
+                continue; // an attribute of particles: the scene stores it
+            // A node may store a value that depends on the size of its pictures; that is no default.
+            const Json::Value& expected = parameter["default"];
+            EXPECT_TRUE(stored.contains(name) || expected.isNull());
+            if (stored.contains(name)) {
+                EXPECT_EQ(stored.at(name), parameter["type"].asString());
+            }
+            if (!expected.isNull()) {
+                EXPECT_EQ(
+                    host::jsonText(storedValue(filter, name, stored.at(name))), host::jsonText(expected));
+            }
+        }
+    });
+}
+
+// Nodes of the numeric library store its whole block, whatever the effect reads.
+TEST_F(Catalogue, LeavesOutOnlyWhatEffectsDoNotRead)
+{
+    eachEffect([&](const Json::Value& effect) {
+        if (effect["random"].asBool()
+            || effect["needsGpu"].asBool()) // the latter store facts about the frame
+            return;
+        host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
+        auto unlisted = storedParameters(filter);
+        for (const Json::Value& parameter : effect["parameters"])
+            unlisted.erase(parameter["name"].asString());
+        for (const auto& [name, type] : unlisted)
+            EXPECT_TRUE(type == "integer" ? filter.set(name, 77) : filter.set(name, 77.0f)) << name;
+        EXPECT_EQ(show(filter, {1}), show(effect, {1}));
+    });
+}
+
+TEST_F(Catalogue, TellsTheTruthAboutHistoryAndAlpha)
+{
+    eachEffect([&](const Json::Value& effect) {
+        if (effect["random"].asBool())
+            return;
+        const auto alone = show(effect, {3});
+        const auto given = frames_[0].bytes();
+        if (effect["history"] == "none") {
+            EXPECT_EQ(show(effect, {1, 2, 3}), alone);
+        }
+        for (std::size_t i = 3; i < alone.size() && effect["alpha"] != "computed"; i += 4)
+            ASSERT_EQ(alone[i], effect["alpha"] == "opaque" ? 255 : given[i]) << "pixel " << i / 4;
+    });
+}
+
+} // namespace
