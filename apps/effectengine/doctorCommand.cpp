@@ -2,11 +2,13 @@
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "effectengine/Session.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <fstream>
 #include <memory>
@@ -144,6 +146,29 @@ void examinePictures(Examination& examination, const fs::path& directory)
     examination.good("pictures", kinds);
 }
 
+// The libraries for clips are in a program of their own, which the verb `codecs` stands for.
+void examineClips(Examination& examination)
+{
+    const std::string self = fs::read_symlink("/proc/self/exe").string();
+    std::string command = "'";
+    for (const char c : self)
+        command += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    FILE* const pipe = popen((command + "' codecs 2>&1").c_str(), "re");
+    std::string text;
+    std::array<char, 512> part;
+    while (pipe && fgets(part.data(), int(part.size()), pipe))
+        text += part.data();
+    if (pipe && pclose(pipe) == 0) {
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+            examination.good("clips", line);
+    } else {
+        examination.bad(ExitCode::internal, "clips", text.substr(0, text.find('\n')),
+            "install the tool's package anew: its program for clips, and libavcodec and libavformat, belong "
+            "to it");
+    }
+}
+
 void doctor(const SessionOptions& options)
 {
     Examination examination;
@@ -168,6 +193,7 @@ void doctor(const SessionOptions& options)
         if (gpuAvailable())
             examinePictures(examination, work);
     }
+    examineClips(examination);
     if (examination.worst() != ExitCode::success)
         throw AlreadyReported(examination.worst());
 }
@@ -177,7 +203,9 @@ void doctor(const SessionOptions& options)
 void addDoctorCommand(CLI::App& tool, const SessionOptions& session)
 {
     CLI::App* const command = tool.add_subcommand("doctor",
-        "Examines the installation: library, resources, graphics; says what is missing and how to mend "
-        "it.");
+        "Examines the installation: library, resources, graphics, codecs; says what is missing and how to "
+        "mend it.");
     command->callback([&session] { doctor(session); });
+    tool.add_subcommand("codecs", "Lists the codecs that clips can be read from and written to.")
+        ->callback(runCodecs);
 }

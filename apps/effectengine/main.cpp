@@ -1,5 +1,6 @@
 // effectengine: the engine's effects on the command line.
 #include "effectengine/ToolError.h"
+#include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
 
 namespace {
@@ -43,6 +44,8 @@ void run(int argc, char** argv)
     addDoctorCommand(tool, session);
     addManCommand(tool);
     addCompletionCommand(tool);
+    addVideoCommand(tool, session);
+    addRenderCommand(tool, session);
     tool.footer(kFooter); // last: verbs would inherit it
 
     try {

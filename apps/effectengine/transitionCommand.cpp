@@ -1,6 +1,7 @@
-// transition: one frame, or a strip of frames, between two pictures.
+// transition: one frame, or a strip of frames, between two pictures; or one clip running into another.
 #include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
 #include "host/EffectGraph.h"
 
@@ -19,10 +20,14 @@ struct Options {
     fs::path from;
     fs::path to;
     fs::path out;
-    double at = 0.5;
+    std::optional<double> at; ///< progress of a picture, seconds of a clip
+    std::optional<double> duration;
     int frames = 0; ///< 0: one frame at `at`
     std::string size;
+    EncodingOptions encoding;
 };
+
+constexpr double kMiddle = 0.5;
 
 fs::path frameFile(const fs::path& directory, int index)
 {
@@ -31,8 +36,35 @@ fs::path frameFile(const fs::path& directory, int index)
     return directory / name;
 }
 
+// Numbered pictures are written as clips are.
+bool isOnePicture(const fs::path& out)
+{
+    return canBeWritten(out) && out.string().find('%') == std::string::npos;
+}
+
+void joinClips(const Options& options, const SessionOptions& session)
+{
+    ClipTransitionOptions clips;
+    clips.effect = options.name;
+    clips.from = options.from;
+    clips.to = options.to;
+    clips.out = options.out;
+    clips.at = options.at;
+    clips.duration = options.duration.value_or(clips.duration);
+    clips.size = options.size;
+    clips.encoding = options.encoding;
+    runClipTransition(clips, session);
+}
+
 void transition(const Options& options, const SessionOptions& sessionOptions)
 {
+    if (options.frames == 0 && !isOnePicture(options.out))
+        return joinClips(options, sessionOptions);
+    const double at = options.at.value_or(kMiddle);
+    if (at > 1)
+        throw ToolError(ExitCode::usage, "--at takes a picture's progress, 0 to 1");
+    if (options.duration)
+        throw ToolError(ExitCode::usage, "--duration is for clips; a picture's moment is --at");
     host::GraphDescription description;
     description.append(options.name);
     description.finish();
@@ -55,7 +87,7 @@ void transition(const Options& options, const SessionOptions& sessionOptions)
         return graph.run({.seconds = progress * kDuration, .total = kDuration});
     };
     if (options.frames == 0) {
-        savePicture(frameAt(options.at), options.out);
+        savePicture(frameAt(at), options.out);
         return;
     }
     // The first frame shows FROM and the last one TO.
@@ -73,14 +105,23 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
     const auto options = std::make_shared<Options>();
     CLI::App* const command = tool.add_subcommand("transition", "Shows one picture turning into another.");
     command->add_option("NAME", options->name, "name or GUID of the transition")->required();
-    command->add_option("FROM", options->from, "picture shown first")->required();
-    command->add_option("TO", options->to, "picture shown last; scaled to the first one's size")->required();
-    command->add_option("OUT", options->out, "picture, or with --frames a directory")->required();
-    const auto at = command->add_option("--at", options->at, "progress of the one frame, 0 to 1")
-                        ->check(CLI::Range(0.0, 1.0));
+    command->add_option("FROM", options->from, "picture or clip shown first")->required();
+    command->add_option("TO", options->to, "picture or clip shown last; scaled to the first one's size")
+        ->required();
+    command->add_option("OUT", options->out, "picture; or a clip; or with --frames a directory")->required();
+    const auto at =
+        command
+            ->add_option("--at", options->at,
+                "picture: progress of the one frame, 0 to 1 (default: 0.5); clip: seconds of FROM "
+                "after which TO begins (default: so that the transition ends with FROM)")
+            ->check(CLI::NonNegativeNumber);
+    command
+        ->add_option("--duration", options->duration, "clip: seconds that the transition takes (default: 1)")
+        ->check(CLI::PositiveNumber);
     command->add_option("--frames", options->frames, "write this many pictures, from 0 to 1")
         ->check(CLI::Range(1, 100000))
         ->excludes(at);
     command->add_option("--size", options->size, "WIDTHxHEIGHT to scale to (default: the first one's own)");
+    addEncodingOptions(*command, options->encoding);
     command->callback([options, &session] { transition(*options, session); });
 }

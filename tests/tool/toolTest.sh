@@ -147,7 +147,7 @@ expect 2 'did you mean' "$tool" sheet in.bmp sheet.png -e am-negativ
 
 # The installation is sound, and what is missing is told apart.
 expect 0 '' "$tool" doctor
-for what in library resources graphics driver effects pictures; do
+for what in library resources graphics driver effects pictures clips; do
     grep -q "^ok *$what" out.txt || fail "doctor does not examine $what: $(cat out.txt)"
 done
 mkdir empty

@@ -1,0 +1,66 @@
+// What the verbs for clips were told, and who carries it out. The libraries for clips take longer to load
+// than most verbs to run, so a program of their own holds them; this one hands over to it.
+#pragma once
+
+#include "effectengine/GraphOptions.h"
+#include "effectengine/Progress.h"
+#include "effectengine/Session.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// How a clip is written.
+struct EncodingOptions {
+    std::string codec;
+    std::optional<int> quality;
+    std::vector<std::string> encoderOptions; ///< name=value
+    ProgressKind progress = ProgressKind::automatic;
+};
+
+struct VideoOptions {
+    std::filesystem::path in;
+    std::filesystem::path out;
+    std::string frames;
+    std::string size;
+    std::string pictureRate;
+    std::filesystem::path timing; ///< clip whose times and sound numbered pictures take
+    EncodingOptions encoding;
+};
+
+struct ClipTransitionOptions {
+    std::string effect;
+    std::filesystem::path from;
+    std::filesystem::path to;
+    std::filesystem::path out;
+    std::optional<double> at; ///< seconds; empty: so that it ends with the first clip
+    double duration = 1;
+    std::string size;
+    EncodingOptions encoding;
+};
+
+struct RenderOptions {
+    std::filesystem::path graph;
+    std::filesystem::path in;
+    std::filesystem::path out;
+    std::string frames;
+    std::string chunk;
+    std::string size;
+    std::string pictureRate;
+    bool resume = false;
+    ProgressKind progress = ProgressKind::automatic;
+};
+
+// Throw ToolError and host::GraphError.
+void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session);
+void runClipTransition(const ClipTransitionOptions& options, const SessionOptions& session);
+void runRender(const RenderOptions& options, const SessionOptions& session);
+/// Prints the libraries' versions and the codecs that clips can be read from and written to.
+void runCodecs();
+
+/// Adds --codec, --quality, --encoder-option and --progress to a verb.
+void addEncodingOptions(CLI::App& command, EncodingOptions& options);
+
+void addVideoCommand(CLI::App& tool, const SessionOptions& session);
+void addRenderCommand(CLI::App& tool, const SessionOptions& session);

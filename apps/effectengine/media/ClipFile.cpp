@@ -1,0 +1,162 @@
+// Encoding and multiplexing.
+#include "effectengine/media/ClipFile.h"
+
+#include "effectengine/Interruption.h"
+#include "effectengine/ToolError.h"
+#include "effectengine/media/encoders.h"
+
+#include <limits>
+
+namespace media {
+
+namespace {
+
+bool isQuickTimeKind(const AVOutputFormat& container)
+{
+    return container.codec_tag
+        && (std::string_view(container.name) == "mp4" || std::string_view(container.name) == "mov"
+            || std::string_view(container.name) == "ipod");
+}
+
+} // namespace
+
+ClipFile::ClipFile(
+    const std::filesystem::path& out, const FrameShape& shape, const EncoderChoice& choice, SideTracks tracks)
+    : file_(out),
+      unit_(shape.timeBase),
+      packet_(makePacket())
+{
+    const AVOutputFormat& container = containerFor(out);
+    AVFormatContext* opened = nullptr;
+    require(avformat_alloc_output_context2(&opened, &container, nullptr, file_.path().c_str()), "container");
+    output_.reset(opened);
+
+    const AVCodec& codec = choice.codec.empty()
+        ? encoderFor(av_guess_codec(&container, nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO), out)
+        : encoderNamed(choice.codec);
+    if (avformat_query_codec(&container, codec.id, FF_COMPLIANCE_NORMAL) == 0)
+        throw ToolError(ExitCode::usage,
+            out.string() + " cannot hold " + avcodec_get_name(codec.id) + "; choose another name or --codec");
+    encoder_ = openEncoder(codec, shape, choice, container.flags & AVFMT_GLOBALHEADER);
+    if (encoder_->pix_fmt == AV_PIX_FMT_PAL8)
+        palette_.emplace(shape);
+
+    stream_ = avformat_new_stream(opened, nullptr);
+    if (!stream_)
+        throw std::bad_alloc();
+    require(avcodec_parameters_from_context(stream_->codecpar, encoder_.get()), "stream");
+    stream_->time_base = encoder_->time_base;
+    stream_->avg_frame_rate = shape.frameRate;
+    stream_->sample_aspect_ratio = shape.sampleAspect;
+    for (auto& track : tracks)
+        addTrack(std::move(track));
+
+    check(avio_open(&opened->pb, ("file:" + file_.path().string()).c_str(), AVIO_FLAG_WRITE));
+    Dictionary options;
+    if (isQuickTimeKind(container))
+        options.set("movflags", "+faststart"); // plays while it loads
+    const int result = avformat_write_header(opened, options.address());
+    if (result == AVERROR(EINVAL))
+        throw ToolError(
+            ExitCode::usage, out.string() + " cannot hold these streams; choose another name or --codec");
+    check(result);
+}
+
+void ClipFile::addTrack(std::unique_ptr<SideTrack> source)
+{
+    AVStream* const stream = avformat_new_stream(output_.get(), nullptr);
+    if (!stream)
+        throw std::bad_alloc();
+    require(avcodec_parameters_copy(stream->codecpar, &source->parameters()), "stream");
+    stream->codecpar->codec_tag = 0; // containers have marks of their own
+    stream->time_base = source->timeBase();
+    av_dict_copy(&stream->metadata, source->metadata(), 0);
+    tracks_.push_back({std::move(source), stream});
+}
+
+AVPixelFormat ClipFile::format() const { return palette_ ? AV_PIX_FMT_BGRA : encoder_->pix_fmt; }
+
+Colour ClipFile::colour() const
+{
+    return {encoder_->color_range, encoder_->colorspace, encoder_->color_primaries, encoder_->color_trc,
+        encoder_->chroma_sample_location};
+}
+
+void ClipFile::write(AVFrame& frame, long long, std::int64_t duration)
+{
+    if (palette_)
+        palette_->apply(frame);
+    frame.pts = av_rescale_q(frame.pts, unit_, encoder_->time_base);
+    if (lastTime_ != AV_NOPTS_VALUE && frame.pts <= lastTime_)
+        frame.pts = lastTime_ + 1; // a coarser unit than the clip's
+    lastTime_ = frame.pts;
+    if (duration > 0)
+        durations_[frame.pts] = av_rescale_q(duration, unit_, encoder_->time_base);
+    frame.pict_type = AV_PICTURE_TYPE_NONE;
+    encode(&frame);
+}
+
+void ClipFile::encode(AVFrame* frame)
+{
+    require(avcodec_send_frame(encoder_.get(), frame), "encoder");
+    while (true) {
+        const int result = avcodec_receive_packet(encoder_.get(), packet_.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
+            return;
+        require(result, "encoder");
+        if (const auto duration = durations_.find(packet_->pts); duration != durations_.end()) {
+            packet_->duration = duration->second;
+            durations_.erase(duration);
+        }
+        writeTracksUpTo(packet_->dts, encoder_->time_base);
+        packet_->stream_index = stream_->index;
+        av_packet_rescale_ts(packet_.get(), encoder_->time_base, stream_->time_base);
+        writePacket(*packet_);
+    }
+}
+
+void ClipFile::writeTracksUpTo(std::int64_t time, AVRational unit)
+{
+    for (Track& track : tracks_) {
+        while (!track.ended) {
+            stopIfAsked();
+            AVPacket& packet = *track.waiting;
+            if (!packet.data && !track.source->next(packet)) {
+                track.ended = true;
+                break;
+            }
+            if (packet.dts != AV_NOPTS_VALUE
+                && av_compare_ts(packet.dts, track.source->timeBase(), time, unit) > 0)
+                break;
+            packet.stream_index = track.stream->index;
+            packet.pos = -1;
+            av_packet_rescale_ts(&packet, track.source->timeBase(), track.stream->time_base);
+            writePacket(packet);
+        }
+    }
+}
+
+void ClipFile::writePacket(AVPacket& packet) { check(av_interleaved_write_frame(output_.get(), &packet)); }
+
+void ClipFile::check(int result)
+{
+    // A write that a buffer took fails later, and only the stream remembers.
+    if (result >= 0 && output_->pb && output_->pb->error < 0)
+        result = output_->pb->error;
+    if (result < 0)
+        throwCannotWrite(file_.target(), AVUNERROR(result));
+}
+
+void ClipFile::finish()
+{
+    encode(nullptr);
+    writeTracksUpTo(std::numeric_limits<std::int64_t>::max(), {1, 1});
+    check(av_write_trailer(output_.get()));
+    check(0);
+    const int closed = avio_closep(&output_->pb);
+    if (closed < 0)
+        throwCannotWrite(file_.target(), AVUNERROR(closed));
+    file_.keep();
+}
+
+} // namespace media

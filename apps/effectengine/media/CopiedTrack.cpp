@@ -1,0 +1,56 @@
+// Packets of one stream within a span.
+#include "effectengine/media/CopiedTrack.h"
+
+#include "effectengine/media/ClipReader.h"
+
+#include <cmath>
+
+namespace media {
+
+namespace {
+
+std::int64_t ticks(double seconds, AVRational unit)
+{
+    return std::isfinite(seconds) ? std::llround(seconds / av_q2d(unit)) : INT64_MAX;
+}
+
+} // namespace
+
+CopiedTrack::CopiedTrack(const std::filesystem::path& clip, int stream, Span span)
+    : input_(openClip(clip)),
+      stream_(stream)
+{
+    for (unsigned i = 0; i < input_->nb_streams; ++i)
+        input_->streams[i]->discard = int(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    const AVRational unit = timeBase();
+    const std::int64_t start =
+        input_->start_time == AV_NOPTS_VALUE ? 0 : av_rescale_q(input_->start_time, AV_TIME_BASE_Q, unit);
+    from_ = start + ticks(span.from, unit);
+    to_ = std::isfinite(span.to) ? start + ticks(span.to, unit) : INT64_MAX;
+    cut_ = span.from > 0;
+    if (cut_)
+        av_seek_frame(input_.get(), stream, from_, AVSEEK_FLAG_BACKWARD); // else it reads from the start
+}
+
+bool CopiedTrack::next(AVPacket& packet)
+{
+    while (true) {
+        av_packet_unref(&packet);
+        if (av_read_frame(input_.get(), &packet) < 0)
+            return false;
+        if (packet.stream_index != stream_)
+            continue;
+        const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+        // The beginning of a whole stream stays, also what a decoder needs before time 0.
+        if (time == AV_NOPTS_VALUE || (cut_ && time + packet.duration <= from_))
+            continue;
+        if (time >= to_)
+            return false;
+        for (std::int64_t* const t : {&packet.pts, &packet.dts})
+            if (*t != AV_NOPTS_VALUE)
+                *t -= from_;
+        return true;
+    }
+}
+
+} // namespace media

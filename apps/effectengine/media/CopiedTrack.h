@@ -1,0 +1,26 @@
+// A stream's packets, copied.
+#pragma once
+
+#include "effectengine/media/SoundTrack.h"
+
+namespace media {
+
+/// Reads the file on its own, so it never waits for the pictures, nor they for it.
+class CopiedTrack final : public SideTrack {
+public:
+    CopiedTrack(const std::filesystem::path& clip, int stream, Span span);
+
+    const AVCodecParameters& parameters() const override { return *input_->streams[stream_]->codecpar; }
+    AVRational timeBase() const override { return input_->streams[stream_]->time_base; }
+    const AVDictionary* metadata() const override { return input_->streams[stream_]->metadata; }
+    bool next(AVPacket& packet) override;
+
+private:
+    Input input_;
+    int stream_;
+    std::int64_t from_;
+    std::int64_t to_;
+    bool cut_ = false;
+};
+
+} // namespace media

@@ -1,0 +1,79 @@
+// Which frames stand at a time.
+#include "effectengine/media/JoinedFeed.h"
+
+#include "effectengine/Interruption.h"
+
+#include <algorithm>
+
+namespace media {
+
+std::int64_t JoinedFeed::Side::timeAhead(AVRational unit) const
+{
+    return av_rescale_q(ahead->pts - reader.info().start, reader.info().timeBase, unit);
+}
+
+void JoinedFeed::Side::advance()
+{
+    stopIfAsked();
+    std::swap(shown, ahead);
+    hasAhead = reader.next(*ahead);
+}
+
+JoinedFeed::JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent size, AVRational unit,
+    std::int64_t at, std::int64_t duration)
+    : first_{first, ToPicture(first.info(), size.width, size.height)},
+      second_{second, ToPicture(second.info(), size.width, size.height)},
+      unit_(unit),
+      at_(at),
+      end_(at + duration),
+      step_(std::max<std::int64_t>(1, av_rescale_q(1, av_inv_q(first.info().frameRate), unit)))
+{
+    first_.hasAhead = first.next(*first_.ahead);
+    second_.advance();
+    second_.advance(); // shows its first frame until the next one's time has come
+}
+
+bool JoinedFeed::next(JoinedIn& in)
+{
+    if (firstIsOver_)
+        return nextOfSecond(in);
+    if (first_.hasAhead) {
+        time_ = std::max(time_ + 1, first_.timeAhead(unit_));
+        first_.advance();
+        in.duration = av_rescale_q(first_.shown->pkt_duration, first_.reader.info().timeBase, unit_);
+    } else {
+        time_ += step_;
+        in.duration = step_;
+    }
+    if (time_ >= end_) {
+        firstIsOver_ = true;
+        return nextOfSecond(in);
+    }
+    in.time = time_;
+    first_.picture(*in.first);
+    in.part = JoinedIn::Part::first;
+    if (time_ >= at_) {
+        in.part = JoinedIn::Part::both;
+        while (second_.hasAhead && second_.timeAhead(unit_) <= time_ - at_)
+            second_.advance();
+        second_.picture(*in.second);
+    }
+    return true;
+}
+
+bool JoinedFeed::nextOfSecond(JoinedIn& in)
+{
+    while (second_.hasAhead) {
+        in.time = at_ + second_.timeAhead(unit_);
+        second_.advance();
+        if (in.time < end_)
+            continue;
+        in.duration = av_rescale_q(second_.shown->pkt_duration, second_.reader.info().timeBase, unit_);
+        in.part = JoinedIn::Part::second;
+        second_.picture(*in.second);
+        return true;
+    }
+    return false;
+}
+
+} // namespace media

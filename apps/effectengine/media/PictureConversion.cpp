@@ -1,0 +1,127 @@
+// The straight way for plain YUV, the scaling library for everything else.
+#include "effectengine/media/PictureConversion.h"
+
+#include "effectengine/media/yuvPixels.h"
+#include "pixels/rows.h"
+
+namespace media {
+
+namespace {
+
+// Exact on every processor, chroma interpolated.
+constexpr int kScaling =
+    SWS_BICUBIC | SWS_ACCURATE_RND | SWS_BITEXACT | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT;
+constexpr int kUnity = 1 << 16;
+
+// A frame of packed BGRA, top row first, as rows of the engine.
+pixels::View viewOf(const AVFrame& frame)
+{
+    return {frame.data[0] + std::ptrdiff_t(frame.linesize[0]) * (frame.height - 1),
+        {frame.width, frame.height}, -std::ptrdiff_t(frame.linesize[0])};
+}
+
+void allocate(Frame& frame, AVPixelFormat format, pixels::Extent size)
+{
+    if (!frame)
+        frame = makeFrame();
+    if (frame->width == size.width && frame->height == size.height && frame->format == format)
+        return;
+    av_frame_unref(frame.get());
+    frame->format = format;
+    frame->width = size.width;
+    frame->height = size.height;
+    require(av_frame_get_buffer(frame.get(), 0), "frame");
+}
+
+void turn(pixels::ConstView from, const Orientation& orientation, pixels::View to)
+{
+    const int right = to.width() - 1;
+    const int top = to.height() - 1;
+    pixels::rows::fetch(from, to, [=](int x, int y) -> pixels::Point {
+        int column = orientation.mirrorsColumns ? right - x : x;
+        int line = orientation.mirrorsRows ? y : top - y; // from the top
+        if (orientation.swapsSides)
+            std::swap(column, line);
+        return {column, from.height() - 1 - line};
+    });
+}
+
+} // namespace
+
+void FrameScaler::scale(const AVFrame& from, const Colour& fromColour, AVFrame& to, const Colour& toColour)
+{
+    const Shape shape{from.width, from.height, from.format};
+    if (!context_ || !(shape == shape_)) {
+        context_.reset(sws_getContext(from.width, from.height, AVPixelFormat(from.format), to.width,
+            to.height, AVPixelFormat(to.format), kScaling, nullptr, nullptr, nullptr));
+        if (!context_)
+            throw std::runtime_error(
+                std::string("no conversion from ") + av_get_pix_fmt_name(AVPixelFormat(from.format)));
+        sws_setColorspaceDetails(context_.get(), sws_getCoefficients(fromColour.space),
+            fromColour.range == AVCOL_RANGE_JPEG, sws_getCoefficients(toColour.space),
+            toColour.range == AVCOL_RANGE_JPEG, 0, kUnity, kUnity);
+        shape_ = shape;
+    }
+    require(sws_scale(context_.get(), from.data, from.linesize, 0, from.height, to.data, to.linesize),
+        "conversion");
+}
+
+ToPicture::ToPicture(const ClipInfo& clip, int width, int height)
+    : clip_(clip),
+      size_{width, height},
+      stored_(size_)
+{
+    if (clip_.orientation.swapsSides)
+        std::swap(stored_.width, stored_.height);
+    if (!clip_.orientation.upright())
+        turned_.resize(std::size_t(width) * std::size_t(height) * 4);
+}
+
+void ToPicture::convert(const AVFrame& frame, pixels::View picture)
+{
+    if (clip_.orientation.upright())
+        return convertStored(frame, picture);
+    const pixels::View stored(turned_.data(), stored_);
+    convertStored(frame, stored);
+    turn(stored, clip_.orientation, picture);
+}
+
+void ToPicture::convertStored(const AVFrame& frame, pixels::View picture)
+{
+    const auto format = AVPixelFormat(frame.format);
+    const Colour colour = completed(clip_.colour, format, frame.width, frame.height);
+    if ((isPlainYuv(format) || isDeepYuv(format)) && hasYuvMatrix(colour.space)
+        && frame.width == picture.width() && frame.height == picture.height())
+        yuvToBgra(frame, colour, picture);
+    else
+        scale(frame, colour, picture);
+}
+
+void ToPicture::scale(const AVFrame& frame, const Colour& colour, pixels::View picture)
+{
+    allocate(scaled_, AV_PIX_FMT_BGRA, picture.extent());
+    scaler_.scale(frame, colour, *scaled_, {.range = AVCOL_RANGE_JPEG});
+    pixels::rows::copy(viewOf(*scaled_), picture);
+}
+
+void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)
+{
+    av_frame_unref(&frame);
+    frame.format = format_;
+    frame.width = picture.width();
+    frame.height = picture.height();
+    require(av_frame_get_buffer(&frame, 0), "frame");
+    const Colour colour = completed(colour_, format_, picture.width(), picture.height());
+    frame.color_range = colour.range;
+    frame.colorspace = colour.space;
+    if (isPlainYuv(format_) && hasYuvMatrix(colour.space))
+        return bgraToYuv(picture, colour, frame);
+    if (format_ == AV_PIX_FMT_BGRA)
+        return pixels::rows::copy(picture, viewOf(frame));
+    // The library may read a little beyond the last row, which an image of the engine does not allow.
+    allocate(copied_, AV_PIX_FMT_BGRA, picture.extent());
+    pixels::rows::copy(picture, viewOf(*copied_));
+    scaler_.scale(*copied_, {.range = AVCOL_RANGE_JPEG}, frame, colour);
+}
+
+} // namespace media

@@ -1,0 +1,98 @@
+// Picture codecs, and files written in one go.
+#include "effectengine/media/PictureEncoder.h"
+
+#include "effectengine/PartialFile.h"
+#include "effectengine/ToolError.h"
+#include "effectengine/media/encoders.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+namespace {
+
+const AVCodec& codecFor(const fs::path& name, const EncoderChoice& choice)
+{
+    if (!choice.codec.empty())
+        return encoderNamed(choice.codec);
+    const AVOutputFormat* const pictures = av_guess_format("image2", nullptr, nullptr);
+    const AVCodecID id = pictures
+        ? av_guess_codec(pictures, nullptr, name.c_str(), nullptr, AVMEDIA_TYPE_VIDEO)
+        : AV_CODEC_ID_NONE;
+    return encoderFor(id, name);
+}
+
+} // namespace
+
+PictureEncoder::PictureEncoder(
+    const fs::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take)
+    : encoder_(openEncoder(codecFor(name, choice), shape, choice, false)),
+      take_(std::move(take)),
+      packet_(makePacket())
+{
+}
+
+void PictureEncoder::write(const AVFrame& frame, long long number)
+{
+    numbers_.push_back(number);
+    require(avcodec_send_frame(encoder_.get(), &frame), "encoder");
+    receive();
+}
+
+void PictureEncoder::finish()
+{
+    require(avcodec_send_frame(encoder_.get(), nullptr), "encoder");
+    receive();
+}
+
+void PictureEncoder::receive()
+{
+    while (true) {
+        const int result = avcodec_receive_packet(encoder_.get(), packet_.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
+            return;
+        require(result, "encoder");
+        const long long number = numbers_.front();
+        numbers_.pop_front();
+        take_(number, {packet_->data, std::size_t(packet_->size)});
+        av_packet_unref(packet_.get());
+    }
+}
+
+fs::path numbered(const fs::path& pattern, long long number)
+{
+    char name[PATH_MAX];
+    if (av_get_frame_filename(name, sizeof name, pattern.c_str(), int(number)) < 0)
+        throw ToolError(ExitCode::usage,
+            pattern.string() + " needs one place for the number of the picture, such as %06d");
+    return name;
+}
+
+void writeWhole(const fs::path& file, std::span<const unsigned char> bytes)
+{
+    PartialFile partial(file);
+    const int descriptor = open(partial.path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        throwCannotWrite(file, errno);
+    int error = 0;
+    while (!bytes.empty() && !error) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written >= 0)
+            bytes = bytes.subspan(std::size_t(written));
+        else if (errno != EINTR)
+            error = errno;
+    }
+    if (close(descriptor) != 0 && !error)
+        error = errno;
+    if (error)
+        throwCannotWrite(file, error);
+    partial.keep();
+}
+
+} // namespace media

@@ -1,0 +1,53 @@
+// Pictures gather in a hidden directory, then move.
+#include "effectengine/media/PictureSequence.h"
+
+#include "effectengine/PartialFile.h"
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+PictureSequence::PictureSequence(
+    const fs::path& pattern, const FrameShape& shape, const EncoderChoice& choice)
+    : pattern_(pattern),
+      workplace_(pattern.parent_path() / (".effectengine." + std::to_string(getpid()))),
+      encoder_(pattern, shape, choice, [this](long long number, std::span<const unsigned char> bytes) {
+          const fs::path name = numbered(pattern_, number).filename();
+          writeWhole(workplace_ / name, bytes);
+          names_.push_back(name);
+      })
+{
+    std::error_code error;
+    fs::create_directory(workplace_, error);
+    if (error)
+        throwCannotWrite(pattern_, error.value());
+}
+
+PictureSequence::~PictureSequence()
+{
+    std::error_code ignored;
+    fs::remove_all(workplace_, ignored);
+}
+
+Colour PictureSequence::colour() const
+{
+    return {.range = encoder_.encoder().color_range, .space = encoder_.encoder().colorspace};
+}
+
+void PictureSequence::write(AVFrame& frame, long long number, std::int64_t) { encoder_.write(frame, number); }
+
+void PictureSequence::finish()
+{
+    encoder_.finish();
+    for (const fs::path& name : names_) {
+        std::error_code error;
+        const fs::path target = pattern_.parent_path() / name;
+        fs::rename(workplace_ / name, target, error);
+        if (error)
+            throwCannotWrite(target, error.value());
+    }
+}
+
+} // namespace media

@@ -1,0 +1,27 @@
+// Numbered pictures that appear together once all are complete.
+#pragma once
+
+#include "effectengine/media/PictureEncoder.h"
+
+namespace media {
+
+class PictureSequence final : public ClipSink {
+public:
+    /// Throws ToolError.
+    PictureSequence(
+        const std::filesystem::path& pattern, const FrameShape& shape, const EncoderChoice& choice);
+    ~PictureSequence() override;
+
+    AVPixelFormat format() const override { return encoder_.encoder().pix_fmt; }
+    Colour colour() const override;
+    void write(AVFrame& frame, long long number, std::int64_t duration) override;
+    void finish() override;
+
+private:
+    std::filesystem::path pattern_;
+    std::filesystem::path workplace_; ///< hidden directory beside the pictures
+    std::vector<std::filesystem::path> names_;
+    PictureEncoder encoder_;
+};
+
+} // namespace media

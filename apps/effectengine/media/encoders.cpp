@@ -1,0 +1,192 @@
+// Sensible settings by codec; the user's own come last.
+#include "effectengine/media/encoders.h"
+
+#include "effectengine/ToolError.h"
+#include "effectengine/media/yuvPixels.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <span>
+
+namespace media {
+
+namespace {
+
+/// What an encoder is told unless the user says otherwise.
+struct Settings {
+    std::string_view encoder;
+    std::string_view quality; ///< name of the option that --quality sets
+    std::vector<std::pair<const char*, const char*>> options;
+};
+
+const Settings* settingsOf(std::string_view encoder)
+{
+    static const std::array kSettings{
+        Settings{"libx264", "crf", {{"crf", "20"}}},
+        Settings{"libx265", "crf", {{"crf", "22"}, {"x265-params", "log-level=none"}}},
+        Settings{"libvpx-vp9", "crf",
+            {{"crf", "31"}, {"b", "0"}, {"row-mt", "1"}, {"deadline", "good"}, {"cpu-used", "3"}}},
+        Settings{"libvpx", "crf", {{"crf", "10"}, {"b", "4M"}, {"deadline", "good"}, {"cpu-used", "2"}}},
+        Settings{"libaom-av1", "crf", {{"crf", "30"}, {"b", "0"}, {"row-mt", "1"}, {"cpu-used", "6"}}},
+        Settings{"libsvtav1", "crf", {{"crf", "35"}}},
+        Settings{"ffv1", "", {{"level", "3"}, {"slices", "4"}}},
+    };
+    const auto found = std::ranges::find(kSettings, encoder, &Settings::encoder);
+    return found == kSettings.end() ? nullptr : &*found;
+}
+
+constexpr int kUsualScale = 3; // of encoders without a rate factor: quantiser 2 to 31
+
+std::span<const AVPixelFormat> formatsOf(const AVCodec& codec)
+{
+    const AVPixelFormat* end = codec.pix_fmts;
+    while (end && *end != AV_PIX_FMT_NONE)
+        ++end;
+    return {codec.pix_fmts, end};
+}
+
+// 8-bit YUV with the source's chroma resolution.
+AVPixelFormat wantedFormat(const AVCodec& codec, const FrameShape& shape)
+{
+    const AVPixFmtDescriptor* const source = av_pix_fmt_desc_get(shape.sourceFormat);
+    int columns = 1;
+    int rows = 1;
+    if (source && !(source->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL))
+        && source->nb_components >= 3) {
+        columns = source->log2_chroma_w;
+        rows = source->log2_chroma_h;
+    }
+    const bool evenOnly = codec.id == AV_CODEC_ID_H264 || codec.id == AV_CODEC_ID_HEVC;
+    if (evenOnly && ((shape.width % 2 && columns) || (shape.height % 2 && rows))) {
+        std::fprintf(stderr,
+            "effectengine: warning: odd size %d x %d: written as 4:4:4, which some players cannot show\n",
+            shape.width, shape.height);
+        columns = rows = 0;
+    }
+    return !columns ? AV_PIX_FMT_YUV444P : rows ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV422P;
+}
+
+AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape)
+{
+    constexpr std::array kPictures{AV_CODEC_ID_PNG, AV_CODEC_ID_TIFF, AV_CODEC_ID_TARGA, AV_CODEC_ID_BMP};
+    const auto offered = formatsOf(codec);
+    const auto offers = [&](AVPixelFormat format) {
+        return offered.empty() || std::ranges::find(offered, format) != offered.end();
+    };
+    if (codec.id == AV_CODEC_ID_GIF)
+        return AV_PIX_FMT_PAL8;
+    if (std::ranges::find(kPictures, codec.id) != kPictures.end())
+        return offers(AV_PIX_FMT_RGBA) ? AV_PIX_FMT_RGBA : AV_PIX_FMT_BGRA;
+    const AVPixelFormat wanted = wantedFormat(codec, shape);
+    if (offers(wanted))
+        return wanted;
+    return avcodec_find_best_pix_fmt_of_list(codec.pix_fmts, wanted, 0, nullptr);
+}
+
+void setOption(AVCodecContext& encoder, const std::string& name, const std::string& value)
+{
+    const int result = av_opt_set(&encoder, name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
+    if (result == AVERROR_OPTION_NOT_FOUND)
+        throw ToolError(ExitCode::usage,
+            "encoder " + std::string(encoder.codec->name) + " has no option \"" + name + "\"");
+    if (result < 0)
+        throw ToolError(ExitCode::usage,
+            "encoder " + std::string(encoder.codec->name) + " does not take " + name + "=" + value);
+}
+
+void setScale(AVCodecContext& encoder, int scale)
+{
+    encoder.flags |= AV_CODEC_FLAG_QSCALE;
+    encoder.global_quality = FF_QP2LAMBDA * scale;
+}
+
+void applyChoice(AVCodecContext& encoder, const EncoderChoice& choice)
+{
+    const Settings* const settings = settingsOf(encoder.codec->name);
+    if (settings)
+        for (const auto& [name, value] : settings->options)
+            setOption(encoder, name, value);
+    if (settings && !settings->quality.empty() && choice.quality)
+        setOption(encoder, std::string(settings->quality), std::to_string(*choice.quality));
+    else if (!settings)
+        setScale(encoder, choice.quality.value_or(kUsualScale));
+    for (const auto& [name, value] : choice.options)
+        setOption(encoder, name, value);
+}
+
+// Old codecs count frames at one of a few rates instead of carrying times.
+void chooseTimeBase(AVCodecContext& encoder, const FrameShape& shape)
+{
+    encoder.framerate = shape.frameRate;
+    encoder.time_base = shape.timeBase;
+    if (encoder.codec->supported_framerates)
+        encoder.framerate = encoder.codec->supported_framerates[av_find_nearest_q_idx(
+            shape.frameRate, encoder.codec->supported_framerates)];
+    if (encoder.codec->supported_framerates || encoder.codec_id == AV_CODEC_ID_MPEG4
+        || encoder.codec_id == AV_CODEC_ID_THEORA)
+        encoder.time_base = av_inv_q(encoder.framerate);
+}
+
+} // namespace
+
+const AVCodec& encoderNamed(const std::string& name)
+{
+    const AVCodec* codec = avcodec_find_encoder_by_name(name.c_str());
+    if (!codec)
+        if (const AVCodecDescriptor* const descriptor = avcodec_descriptor_get_by_name(name.c_str()))
+            codec = avcodec_find_encoder(descriptor->id);
+    if (!codec || codec->type != AVMEDIA_TYPE_VIDEO)
+        throw ToolError(ExitCode::usage, "no encoder \"" + name + "\" (effectengine doctor lists them)");
+    return *codec;
+}
+
+const AVCodec& encoderFor(AVCodecID id, const std::filesystem::path& out)
+{
+    const AVCodec* const codec = avcodec_find_encoder(id);
+    if (!codec)
+        throw ToolError(ExitCode::cannotWrite,
+            "cannot write " + out.string() + ": no encoder for " + avcodec_get_name(id));
+    return *codec;
+}
+
+Codec openEncoder(
+    const AVCodec& codec, const FrameShape& shape, const EncoderChoice& choice, bool globalHeader)
+{
+    Codec encoder(avcodec_alloc_context3(&codec));
+    if (!encoder)
+        throw std::bad_alloc();
+    encoder->width = shape.width;
+    encoder->height = shape.height;
+    encoder->sample_aspect_ratio = shape.sampleAspect;
+    encoder->pix_fmt = chooseFormat(codec, shape);
+    encoder->thread_count = 0;
+    chooseTimeBase(*encoder, shape);
+    const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(encoder->pix_fmt);
+    if (!(format->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL))) {
+        const AVPixFmtDescriptor* const source = av_pix_fmt_desc_get(shape.sourceFormat);
+        const bool fromYuv = source && !(source->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL));
+        Colour colour = fromYuv ? shape.colour : Colour{};
+        // Pictures carry no matrix; the one that is used must be told.
+        if (!fromYuv)
+            colour = completed(colour, encoder->pix_fmt, shape.width, shape.height);
+        if (codec.id == AV_CODEC_ID_MJPEG)
+            colour.range = AVCOL_RANGE_JPEG;
+        encoder->color_range = colour.range;
+        encoder->colorspace = colour.space;
+        encoder->color_primaries = colour.primaries;
+        encoder->color_trc = colour.transfer;
+        encoder->chroma_sample_location = colour.location;
+    }
+    if (globalHeader)
+        encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    applyChoice(*encoder, choice);
+    const int result = avcodec_open2(encoder.get(), &codec, nullptr);
+    if (result < 0)
+        throw ToolError(ExitCode::usage,
+            "encoder " + std::string(codec.name) + " refuses " + std::to_string(shape.width) + " x "
+                + std::to_string(shape.height) + " with these settings: " + errorText(result));
+    return encoder;
+}
+
+} // namespace media

@@ -1,0 +1,20 @@
+// The choice of an encoder and of its settings.
+#pragma once
+
+#include "effectengine/media/ClipSink.h"
+
+namespace media {
+
+/// An opened encoder for frames of the shape, with its time base and pixel format chosen.
+/// @param globalHeader  the container keeps the codec's data apart
+/// Throws ToolError: unknown codec, option or value.
+Codec openEncoder(
+    const AVCodec& codec, const FrameShape& shape, const EncoderChoice& choice, bool globalHeader);
+
+/// The encoder with this name, or for the codec with this name. Throws ToolError.
+const AVCodec& encoderNamed(const std::string& name);
+
+/// The usual encoder for the codec. Throws ToolError when this machine has none.
+const AVCodec& encoderFor(AVCodecID id, const std::filesystem::path& out);
+
+} // namespace media

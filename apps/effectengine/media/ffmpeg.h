@@ -1,0 +1,89 @@
+// FFmpeg's libraries with owners and C++ errors.
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavfilter/avfilter.h>
+#include <libavfilter/buffersink.h>
+#include <libavfilter/buffersrc.h>
+#include <libavformat/avformat.h>
+#include <libavutil/display.h>
+#include <libavutil/hash.h>
+#include <libavutil/imgutils.h>
+#include <libavutil/opt.h>
+#include <libavutil/pixdesc.h>
+#include <libswscale/swscale.h>
+}
+
+#include <memory>
+#include <string>
+
+namespace media {
+
+namespace detail {
+
+/// Frees through the library's functions that take the address of the handle.
+template <auto free> struct FreeByAddress {
+    template <class Handle> void operator()(Handle* handle) const { free(&handle); }
+};
+
+struct CloseOutput {
+    void operator()(AVFormatContext* context) const
+    {
+        avio_closep(&context->pb);
+        avformat_free_context(context);
+    }
+};
+
+struct FreeScaler {
+    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+};
+
+} // namespace detail
+
+using Input = std::unique_ptr<AVFormatContext, detail::FreeByAddress<avformat_close_input>>;
+using Output = std::unique_ptr<AVFormatContext, detail::CloseOutput>;
+using Codec = std::unique_ptr<AVCodecContext, detail::FreeByAddress<avcodec_free_context>>;
+using Frame = std::unique_ptr<AVFrame, detail::FreeByAddress<av_frame_free>>;
+using Packet = std::unique_ptr<AVPacket, detail::FreeByAddress<av_packet_free>>;
+using Filters = std::unique_ptr<AVFilterGraph, detail::FreeByAddress<avfilter_graph_free>>;
+using Scaler = std::unique_ptr<SwsContext, detail::FreeScaler>;
+
+/// Options for an opening function, freed with what it did not use.
+class Dictionary {
+public:
+    Dictionary() = default;
+    Dictionary(const Dictionary&) = delete;
+    Dictionary& operator=(const Dictionary&) = delete;
+    ~Dictionary() { av_dict_free(&entries_); }
+
+    void set(const std::string& key, const std::string& value)
+    {
+        av_dict_set(&entries_, key.c_str(), value.c_str(), 0);
+    }
+    AVDictionary** address() { return &entries_; }
+    /// The first option that nobody used, or empty.
+    std::string leftOver() const
+    {
+        const AVDictionaryEntry* const entry = av_dict_get(entries_, "", nullptr, AV_DICT_IGNORE_SUFFIX);
+        return entry ? entry->key : "";
+    }
+
+private:
+    AVDictionary* entries_ = nullptr;
+};
+
+/// Empty ones; throw std::bad_alloc.
+Frame makeFrame();
+Packet makePacket();
+
+/// The library's words for a negative result.
+std::string errorText(int result);
+
+/// Throws std::runtime_error for a negative result that no input and no disk can cause; hands on others.
+int require(int result, const char* what);
+
+/// Ends the process's chatter: the library's own lines on stderr; the tool says what matters.
+void silence();
+
+} // namespace media

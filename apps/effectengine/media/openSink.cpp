@@ -1,0 +1,59 @@
+// From an output's name to the thing that writes it.
+#include "effectengine/ToolError.h"
+#include "effectengine/media/ClipFile.h"
+#include "effectengine/media/PictureSequence.h"
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+FrameShape shapeOf(const ClipInfo& clip, int width, int height)
+{
+    FrameShape shape{
+        width, height, clip.timeBase, clip.frameRate, clip.sampleAspect, clip.format, clip.colour};
+    if (clip.sampleAspect.num && (width != clip.width || height != clip.height)) {
+        // The picture keeps its shape on the screen.
+        const AVRational scale{clip.width * height, clip.height * width};
+        shape.sampleAspect = av_mul_q(clip.sampleAspect, scale);
+    }
+    return shape;
+}
+
+bool isPictureSequence(const fs::path& out) { return av_filename_number_test(out.c_str()); }
+
+const AVOutputFormat& containerFor(const fs::path& out)
+{
+    const AVOutputFormat* const container = av_guess_format(nullptr, out.c_str(), nullptr);
+    if (!container || (container->flags & AVFMT_NOFILE && !isPictureSequence(out))
+        || container->video_codec == AV_CODEC_ID_NONE)
+        throw ToolError(ExitCode::cannotWrite,
+            "cannot write " + out.string()
+                + ": the name must end as a clip's does (.mp4, .mkv, .mov, .webm, .gif...) or number "
+                  "pictures "
+                  "(%04d.png)");
+    return *container;
+}
+
+void checkClipOutput(const fs::path& out)
+{
+    containerFor(out);
+    const fs::path directory = out.parent_path().empty() ? "." : out.parent_path();
+    if (!fs::is_directory(directory))
+        throw ToolError(ExitCode::cannotWrite, "no such directory: " + directory.string());
+    if (fs::is_directory(out))
+        throw ToolError(ExitCode::cannotWrite, "is a directory: " + out.string());
+    if (access(directory.c_str(), W_OK) != 0)
+        throw ToolError(ExitCode::cannotWrite, "no permission to write in " + directory.string());
+}
+
+std::unique_ptr<ClipSink> openSink(
+    const fs::path& out, const FrameShape& shape, const EncoderChoice& choice, SideTracks tracks)
+{
+    if (isPictureSequence(out))
+        return std::make_unique<PictureSequence>(out, shape, choice);
+    return std::make_unique<ClipFile>(out, shape, choice, std::move(tracks));
+}
+
+} // namespace media

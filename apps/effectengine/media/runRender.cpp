@@ -1,0 +1,224 @@
+// render: a graph over a part of a clip, to numbered pictures, the same in one run or in many.
+#include "effectengine/Interruption.h"
+#include "effectengine/PartialFile.h"
+#include "effectengine/ToolError.h"
+#include "effectengine/media/FrameFeed.h"
+#include "effectengine/media/Manifest.h"
+#include "effectengine/media/PictureEncoder.h"
+#include "effectengine/media/overlap.h"
+#include "host/parts.h"
+
+#include <json/reader.h>
+
+#include <algorithm>
+#include <array>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+namespace {
+
+/// The seed of machines that were told none: they must agree.
+constexpr long long kUsualSeed = 0;
+
+fs::path patternOf(const fs::path& out)
+{
+    if (isPictureSequence(out)) {
+        constexpr std::array kLossless{".png", ".tif", ".tiff"};
+        if (std::ranges::find(kLossless, out.extension().string()) == kLossless.end())
+            throw ToolError(ExitCode::cannotWrite,
+                "cannot write " + out.string() + ": frames are kept without loss, as .png or .tif");
+        return out;
+    }
+    if (out.has_extension() && !fs::is_directory(out))
+        throw ToolError(ExitCode::cannotWrite,
+            "cannot write " + out.string() + ": name numbered pictures (%06d.png) or a directory");
+    return out / "%06d.png";
+}
+
+void makeDirectory(const fs::path& directory)
+{
+    std::error_code error;
+    if (!directory.empty())
+        fs::create_directories(directory, error); // another part of the farm may be faster
+    if (error)
+        throwCannotWrite(directory, error.value());
+}
+
+// Chunks and ranges have manifests of their own beside the pictures.
+fs::path manifestFile(const RenderOptions& options, const fs::path& directory, const FrameRange& range)
+{
+    std::string part;
+    if (!options.chunk.empty()) {
+        part = "-" + options.chunk;
+        part.replace(part.find('/'), 1, "-of-");
+    } else if (!options.frames.empty()) {
+        part = "-frames-" + std::to_string(range.first) + "-" + std::to_string(range.last);
+    }
+    return directory / ("manifest" + part + ".json");
+}
+
+FrameRange rangeOf(const RenderOptions& options, long long count)
+{
+    FrameRange range = options.chunk.empty() ? parseFrames(options.frames) : parseChunk(options.chunk, count);
+    if (range.first >= count)
+        throw ToolError(ExitCode::usage,
+            "--frames " + options.frames + ": " + options.in.string() + " has " + std::to_string(count)
+                + " frames");
+    range.last = std::min(range.last, count - 1);
+    return range;
+}
+
+void checkParts(const RenderOptions& options, const host::GraphDescription& graph, const FrameRange& range,
+    long long count)
+{
+    const std::vector<std::string> reasons = host::startBound(graph);
+    if (reasons.empty() || (range.first == 0 && range.last == count - 1))
+        return;
+    throw ToolError(ExitCode::usage,
+        options.graph.string() + ": " + reasons.front()
+            + ", so the clip cannot be rendered in parts; leave out --chunk and --frames");
+}
+
+Json::Value settingsOf(const RenderOptions& options, const host::GraphDescription& graph, pixels::Extent size,
+    const FrameRange& range, long long count, long long seed)
+{
+    Json::Value settings;
+    settings["engine"] = EFFECTENGINE_VERSION;
+    std::string errors;
+    const std::string text = host::graphText(graph);
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    reader->parse(text.data(), text.data() + text.size(), &settings["graph"], &errors);
+    settings["clip"]["name"] = options.in.filename().string();
+    settings["clip"]["frames"] = Json::Int64(count);
+    std::error_code ignored;
+    if (fs::is_regular_file(options.in))
+        settings["clip"]["bytes"] = Json::UInt64(fs::file_size(options.in, ignored));
+    settings["width"] = size.width;
+    settings["height"] = size.height;
+    settings["first"] = Json::Int64(range.first);
+    settings["last"] = Json::Int64(range.last);
+    settings["seed"] = Json::Int64(seed);
+    return settings;
+}
+
+bool stillThere(const fs::path& file, const std::string& sha256)
+{
+    if (!fs::exists(file))
+        return false;
+    try {
+        ClipReader reader(file);
+        const Frame frame = makeFrame();
+        return reader.next(*frame) && frame->format == AV_PIX_FMT_RGBA && pixelHash(*frame) == sha256;
+    } catch (const ToolError&) {
+        return false; // cut short
+    }
+}
+
+// Frames that must be rendered; those that an earlier run left are looked at, not believed.
+std::set<long long> missingFrames(Manifest& manifest, const fs::path& directory, const FrameRange& range)
+{
+    std::set<long long> missing;
+    for (long long frame = range.first; frame <= range.last; ++frame) {
+        stopIfAsked();
+        const auto kept = manifest.frames().find(frame);
+        if (kept != manifest.frames().end() && stillThere(directory / kept->second.file, kept->second.sha256))
+            continue;
+        manifest.drop(frame);
+        missing.insert(frame);
+    }
+    return missing;
+}
+
+void render(
+    const RenderOptions& options, const host::GraphDescription& description, SessionOptions sessionOptions)
+{
+    if (!sessionOptions.seed)
+        sessionOptions.seed = kUsualSeed;
+    const fs::path pattern = patternOf(options.out);
+    const fs::path directory = pattern.parent_path();
+    ClipReader reader(options.in, options.pictureRate);
+    const ClipInfo& clip = reader.info();
+    const auto count = (long long)(readFrameTable(options.in, options.pictureRate).times.size());
+    const FrameRange range = rangeOf(options, count);
+    checkParts(options, description, range, count);
+    checkNotItself(options.in, pattern);
+    const pixels::Extent size = workingSize(clip, options.size);
+    warnOfDepth(clip);
+
+    makeDirectory(directory);
+    Manifest manifest(manifestFile(options, directory, range),
+        settingsOf(options, description, size, range, count, *sessionOptions.seed));
+    if (options.resume)
+        manifest.load();
+    std::set<long long> missing = missingFrames(manifest, directory, range);
+    manifest.begin();
+
+    const Session session(sessionOptions);
+    host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
+    std::vector<FrameIn> ins(kFramesUnderWay);
+    std::vector<FrameOut> outs(kFramesUnderWay);
+    for (FrameIn& in : ins)
+        in.picture.emplace(unsigned(size.width), unsigned(size.height));
+
+    Progress progress(options.progress, "frames", (long long)(missing.size()));
+    const auto wanted = (long long)(missing.size());
+    long long done = 0;
+    std::map<long long, RenderedFrame> underWay;
+    PictureEncoder encoder(pattern, shapeOf(clip, size.width, size.height), {},
+        [&](long long number, std::span<const unsigned char> file) {
+            writeWhole(numbered(pattern, number), file);
+            manifest.add(underWay.at(number));
+            underWay.erase(number);
+            progress.report(++done);
+        });
+    FromPicture toFrame(AV_PIX_FMT_RGBA, {});
+    FrameFeed feed(reader, size, range, host::preRollOf(description));
+    feed.showOnly(std::move(missing));
+
+    overlap<FrameIn, FrameOut>(ins, outs,
+        {.produce = [&](FrameIn& in) { return feed.next(in); },
+            .process =
+                [&](FrameIn& in, FrameOut& out) {
+                    stopIfAsked();
+                    graph.setSource(*in.picture);
+                    CEffectImage* const result = graph.run(timeOf(in.place, clip));
+                    if (in.shown)
+                        toFrame.convert(viewOf(result), *out.frame);
+                    out.place = in.place;
+                    return in.shown;
+                },
+            .consume =
+                [&](FrameOut& out) {
+                    const long long number = out.place.number;
+                    underWay[number] = {number, timeOf(out.place, clip).seconds,
+                        numbered(pattern, number).filename().string(), pixelHash(*out.frame)};
+                    encoder.write(*out.frame, number);
+                }});
+    encoder.finish();
+    warnOfDamage(reader);
+    stopIfAsked();
+    if (done < wanted)
+        throw ToolError(ExitCode::unreadable,
+            options.in.string() + ": " + std::to_string(wanted - done) + " frames cannot be decoded");
+    manifest.finish();
+    progress.finish();
+}
+
+} // namespace
+
+} // namespace media
+
+void runRender(const RenderOptions& options, const SessionOptions& session)
+{
+    media::silence();
+    const host::GraphDescription description = host::loadGraph(options.graph);
+    for (const std::string& line : description.warnings())
+        std::fprintf(stderr, "effectengine: warning: %s: %s\n", options.graph.c_str(), line.c_str());
+    if (description.sources() > 1)
+        throw ToolError(ExitCode::usage,
+            options.graph.string() + " needs " + std::to_string(description.sources())
+                + " clips; render has one");
+    interruptibly([&] { media::render(options, description, session); });
+}

@@ -1,0 +1,186 @@
+// video: a clip through a graph of effects into another clip.
+#include "effectengine/Interruption.h"
+#include "effectengine/ToolError.h"
+#include "effectengine/media/FrameFeed.h"
+#include "effectengine/media/overlap.h"
+#include "effectengine/media/yuvPixels.h"
+#include "host/parts.h"
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+namespace {
+
+/// Where frames stand in the output: as in the clip, or as in the clip that pictures were made from.
+class Timing {
+public:
+    Timing(const VideoOptions& options, const ClipInfo& clip, const FrameRange& range)
+        : source_(options.timing.empty() ? options.in : options.timing),
+          unit_(clip.timeBase),
+          rate_(clip.frameRate),
+          origin_(clip.start)
+    {
+        if (!options.timing.empty())
+            takeTimes(options, clip);
+        else if (!range.whole())
+            cut(options, clip, range);
+    }
+
+    const fs::path& source() const { return source_; }
+    AVRational unit() const { return unit_; }
+    AVRational rate() const { return rate_; }
+    Span span() const { return span_; }
+
+    std::int64_t timeOf(const FramePlace& place) const
+    {
+        if (times_.empty())
+            return place.time - origin_;
+        if (place.number >= (long long)(times_.size()))
+            throw ToolError(ExitCode::usage,
+                source_.string() + " has only " + std::to_string(times_.size())
+                    + " frames, the pictures more");
+        return times_[std::size_t(place.number)] - origin_;
+    }
+
+private:
+    void takeTimes(const VideoOptions& options, const ClipInfo&)
+    {
+        const ClipReader clip(options.timing);
+        times_ = readFrameTable(options.timing).times;
+        unit_ = clip.info().timeBase;
+        rate_ = clip.info().frameRate;
+        origin_ = clip.info().start;
+    }
+
+    void cut(const VideoOptions& options, const ClipInfo& clip, const FrameRange& range)
+    {
+        const FrameTable table = readFrameTable(options.in, options.pictureRate);
+        const auto count = (long long)(table.times.size());
+        if (range.first >= count)
+            throw ToolError(ExitCode::usage,
+                "--frames " + options.frames + ": " + options.in.string() + " has " + std::to_string(count)
+                    + " frames");
+        const auto seconds = [&](std::int64_t time) { return double(time - clip.start) * av_q2d(unit_); };
+        origin_ = table.times[std::size_t(range.first)];
+        span_.from = seconds(origin_);
+        if (range.last < count - 1)
+            span_.to = seconds(table.times[std::size_t(range.last) + 1]);
+        else
+            span_.to = seconds(table.times.back() + table.lastDuration);
+    }
+
+    fs::path source_;
+    AVRational unit_;
+    AVRational rate_;
+    std::int64_t origin_;
+    Span span_;
+    std::vector<std::int64_t> times_;
+};
+
+long long expectedFrames(const ClipInfo& clip, const FrameRange& range)
+{
+    if (clip.frames <= 0)
+        return 0;
+    return std::max(0LL, std::min(clip.frames - 1, range.last) - range.first + 1);
+}
+
+SideTracks tracksFor(const VideoOptions& options, const Timing& timing)
+{
+    if (isPictureSequence(options.out) || isPictureSequence(timing.source()))
+        return {};
+    return tracksOf(timing.source(), containerFor(options.out), timing.span(), options.out);
+}
+
+/// Without effects a frame that already has the encoder's form goes straight on.
+bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent size, const ClipSink& sink)
+{
+    return clip.orientation.upright() && frame.format == sink.format() && frame.width == size.width
+        && frame.height == size.height && isPlainYuv(AVPixelFormat(frame.format));
+}
+
+void convertClip(const VideoOptions& options, const std::optional<host::GraphDescription>& description,
+    const SessionOptions& sessionOptions)
+{
+    if (description && description->sources() > 1)
+        throw ToolError(ExitCode::usage,
+            "the graph needs " + std::to_string(description->sources())
+                + " clips; video has one (effectengine transition joins two)");
+    const FrameRange range = parseFrames(options.frames);
+    const EncoderChoice choice = choiceOf(options.encoding);
+    ClipReader reader(options.in, options.pictureRate);
+    const ClipInfo& clip = reader.info();
+    checkClipOutput(options.out);
+    checkNotItself(options.in, options.out);
+    const pixels::Extent size = workingSize(clip, options.size);
+    const Timing timing(options, clip, range);
+
+    const Session session(sessionOptions);
+    std::optional<host::EffectGraph> graph;
+    if (description)
+        graph.emplace(*description, unsigned(size.width), unsigned(size.height));
+
+    FrameShape shape = shapeOf(clip, size.width, size.height);
+    shape.timeBase = timing.unit();
+    shape.frameRate = timing.rate();
+    const auto sink = openSink(options.out, shape, choice, tracksFor(options, timing));
+    warnOfDepth(clip);
+
+    std::vector<FrameIn> ins(kFramesUnderWay);
+    std::vector<FrameOut> outs(kFramesUnderWay);
+    for (FrameIn& in : ins)
+        in.picture.emplace(unsigned(size.width), unsigned(size.height));
+    FrameFeed feed(reader, size, range, description ? host::preRollOf(*description) : 0);
+    FromPicture toFrame(sink->format(), sink->colour());
+    Progress progress(options.encoding.progress, "frames", expectedFrames(clip, range));
+    long long done = 0;
+
+    overlap<FrameIn, FrameOut>(ins, outs,
+        {.produce = [&](FrameIn& in) { return feed.next(in); },
+            .process =
+                [&](FrameIn& in, FrameOut& out) {
+                    stopIfAsked();
+                    CEffectImage* result = in.picture->handle();
+                    if (in.place.number == range.first)
+                        warnOfAlpha(clip, viewOf(*in.picture), sink->format());
+                    if (graph) {
+                        graph->setSource(*in.picture);
+                        result = graph->run(timeOf(in.place, clip));
+                    }
+                    if (!in.shown)
+                        return false;
+                    if (!graph && goesStraight(*in.frame, clip, size, *sink)) {
+                        av_frame_unref(out.frame.get());
+                        av_frame_move_ref(out.frame.get(), in.frame.get());
+                    } else {
+                        toFrame.convert(viewOf(result), *out.frame);
+                    }
+                    out.place = in.place;
+                    return true;
+                },
+            .consume =
+                [&](FrameOut& out) {
+                    out.frame->pts = timing.timeOf(out.place);
+                    sink->write(*out.frame, out.place.number, out.place.duration);
+                    progress.report(++done);
+                }});
+    warnOfDamage(reader);
+    stopIfAsked();
+    sink->finish();
+    progress.finish();
+}
+
+} // namespace
+
+} // namespace media
+
+void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session)
+{
+    media::silence();
+    std::optional<host::GraphDescription> description;
+    if (graph.given())
+        description = graph.description();
+    interruptibly([&] { media::convertClip(options, description, session); });
+}

@@ -1,0 +1,30 @@
+// 8-bit planar YUV to the engine's pixels and back: the same bytes on every processor.
+#pragma once
+
+#include "effectengine/media/ClipReader.h"
+#include "pixels/View.h"
+
+namespace media {
+
+/// Whether the format is 4:2:0, 4:2:2 or 4:4:4 with 8 bits in planes, and no alpha.
+bool isPlainYuv(AVPixelFormat format);
+
+/// The same with 9 to 16 bits.
+bool isDeepYuv(AVPixelFormat format);
+
+/// Whether the numbers stand for colours through a matrix of red, green and blue.
+bool hasYuvMatrix(AVColorSpace space);
+
+/// Fills in what a file left open, as players do: the matrix by the picture's size, studio range but for the
+/// formats that mean the full one.
+Colour completed(Colour colour, AVPixelFormat format, int width, int height);
+
+/// Each chroma sample colours all pixels that share it, and each pixel becomes opaque. The frame is plain or
+/// deep, of which the upper 8 bits count, rounded; the view has its size.
+void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture);
+
+/// Each chroma sample is the mean of the pixels that share it, so a picture that came from such samples gives
+/// them back. The frame is writable and has the view's size.
+void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame);
+
+} // namespace media
