@@ -15,3 +15,4 @@ void addCompletionCommand(CLI::App& tool);
 void addBenchCommand(CLI::App& tool, const SessionOptions& session);
 void addSheetCommand(CLI::App& tool, const SessionOptions& session);
 void addDoctorCommand(CLI::App& tool, const SessionOptions& session);
+void addGalleryCommand(CLI::App& tool, const SessionOptions& session);

@@ -42,6 +42,7 @@ void run(int argc, char** argv)
     addSheetCommand(tool, session);
     addBenchCommand(tool, session);
     addDoctorCommand(tool, session);
+    addGalleryCommand(tool, session);
     addManCommand(tool);
     addCompletionCommand(tool);
     addVideoCommand(tool, session);

@@ -13,7 +13,6 @@ namespace pictures {
 
 namespace {
 
-constexpr int kQuality = 92;
 constexpr std::streamoff kMaxFileBytes = std::streamoff{1} << 30;
 constexpr int kMaxScans = 200; // a progressive file of a few bytes can ask for hours of work
 
@@ -100,7 +99,8 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size)
 }
 
 /// @param memory  receives the file, to be freed by the caller even after a failure
-bool writeJpeg(unsigned char** memory, unsigned long* size, const u8* pixels, u32 width, u32 height)
+bool writeJpeg(
+    unsigned char** memory, unsigned long* size, const u8* pixels, u32 width, u32 height, JpegQuality quality)
 {
     jpeg_compress_struct jpeg;
     Errors errors;
@@ -116,10 +116,8 @@ bool writeJpeg(unsigned char** memory, unsigned long* size, const u8* pixels, u3
     jpeg.input_components = 4;
     jpeg.in_color_space = JCS_EXT_BGRX;
     jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, kQuality, TRUE);
-    // Full colour resolution: saved frames hold drawn edges and come back as inputs, where halved colour
-    // shows.
-    for (int i = 0; i < jpeg.num_components; ++i)
+    jpeg_set_quality(&jpeg, quality.percent, TRUE);
+    for (int i = 0; quality.fullColour && i < jpeg.num_components; ++i)
         jpeg.comp_info[i].h_samp_factor = jpeg.comp_info[i].v_samp_factor = 1;
     jpeg_start_compress(&jpeg, TRUE);
     while (jpeg.next_scanline < height) {
@@ -149,11 +147,11 @@ Decoded decodeJpeg(std::istream& file)
     return result;
 }
 
-std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height)
+std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height, JpegQuality quality)
 {
     unsigned char* memory = nullptr;
     unsigned long size = 0;
-    const bool written = writeJpeg(&memory, &size, pixels, width, height);
+    const bool written = writeJpeg(&memory, &size, pixels, width, height, quality);
     const std::unique_ptr<unsigned char, decltype(&std::free)> own(memory, &std::free);
     return written ? std::vector<u8>(memory, memory + size) : std::vector<u8>{};
 }

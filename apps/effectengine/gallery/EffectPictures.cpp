@@ -1,0 +1,191 @@
+// Runs of fresh nodes over the scene.
+#include "effectengine/gallery/EffectPictures.h"
+
+#include "effectengine/Interruption.h"
+#include "engine/effectList.h"
+#include "host/EffectGraph.h"
+#include "host/exampleValues.h"
+#include "pixels/Random.h"
+#include "pixels/WaterSurface.h"
+
+#include <algorithm>
+#include <array>
+
+using KEXSDK::EffectInfo;
+using KEXSDK::ParamInfo;
+
+namespace {
+
+// Some transitions run at a speed of their own and need the seconds that are a node's own default.
+constexpr float kTransitionSeconds = 5;
+constexpr unsigned kWarmUp = 24; ///< frames after which an effect with a history has got going
+// Earlier than the middle, where many transitions show one flat colour.
+constexpr unsigned kTransitionPoster = 10;
+// Where a sweep shows effects with a history: far enough, and affordable for every step.
+constexpr unsigned kSweepFrames = 12;
+// A moment at the start, and others that no common period links.
+constexpr std::array<unsigned, 4> kProbes{0, 17, 40, 53};
+
+bool remembers(const EffectInfo& effect) { return effect.history.frames != 0; }
+bool isTransition(const EffectInfo& effect) { return effect.inputs > 1; }
+
+} // namespace
+
+std::string stillFile(const EffectInfo& effect) { return effect.name + ".jpg"; }
+std::string thumbnailFile(const EffectInfo& effect) { return effect.name + ".small.jpg"; }
+std::string loopFile(const EffectInfo& effect) { return effect.name + ".loop.jpg"; }
+std::string sweepFile(const EffectInfo& effect, std::size_t parameter)
+{
+    return effect.name + ".sweep-" + std::to_string(parameter) + ".jpg";
+}
+
+// A fresh node that goes from frame to frame.
+class EffectPictures::Run {
+public:
+    Run(const EffectInfo& effect, const GalleryLayout& layout, Scene& scene)
+        : effect_(effect),
+          size_(layout.work()),
+          scene_(scene),
+          filter_(effect.guid, int(size_.width), int(size_.height)),
+          target_(size_.width, size_.height)
+    {
+        // Some transitions draw colours only, and leave the alpha of what they draw on.
+        const auto bytes = target_.bytes();
+        for (std::size_t i = 3; i < bytes.size(); i += 4)
+            bytes[i] = 255;
+        // An effect's pictures do not depend on the effects before it.
+        pixels::threadRandom() = pixels::RandomGenerator();
+        pixels::restartRain();
+        host::setExampleValues(filter_, describeParameters(effect.guid), size_.width, size_.height);
+        for (unsigned i = 0; i < effect.inputs; ++i)
+            filter_.setInput(scene.input(i), i);
+    }
+
+    host::Filter& filter() { return filter_; }
+
+    /// @return the output's pixels, until the next frame
+    pixels::ConstView frame(unsigned number, bool drifting)
+    {
+        stopIfAsked();
+        scene_.show(drifting ? std::optional(number) : std::nullopt);
+        const bool transition = isTransition(effect_);
+        const float total = transition ? kTransitionSeconds : float(kDuration);
+        const float step = transition ? kTransitionSeconds / (kLoopFrames - 1) : 1.0f / kLoopRate;
+        filter_.set(kEffectFrameRate, 1 / step);
+        filter_.set(kEffectTotalTime, total);
+        filter_.set(kEffectCurrentTime, float(number) * step);
+        if (DoFilterEx(filter_.handle(), target_.handle()) != EFFECTENGINE_OK)
+            throw host::Failure("could not be run");
+        return {target_.bytes().data(), {int(size_.width), int(size_.height)}};
+    }
+
+private:
+    const EffectInfo& effect_;
+    PictureSize size_;
+    Scene& scene_;
+    host::Filter filter_;
+    host::Image target_;
+};
+
+EffectPictures::EffectPictures(
+    const GalleryLayout& layout, Scene& scene, std::filesystem::path directory, bool sweeps)
+    : layout_(layout),
+      scene_(scene),
+      directory_(std::move(directory)),
+      sweeps_(sweeps)
+{
+}
+
+void EffectPictures::saveInputs()
+{
+    scene_.show(std::nullopt);
+    for (const unsigned index : {0u, 1u}) {
+        Strip picture(layout_.work(), 1, 1);
+        picture.add(
+            {scene_.input(index).bytes().data(), {int(layout_.work().width), int(layout_.work().height)}});
+        picture.save(directory_ / (index == 0 ? kOriginalFile : kSecondFile));
+    }
+}
+
+void EffectPictures::make(const EffectInfo& effect)
+{
+    Course course = courseOf(effect);
+    Recording recording = record(effect, course);
+    // An effect that only mixes a picture with earlier ones has nothing to show on one that stands still.
+    if (remembers(effect) && !isTransition(effect) && !recording.loop.changes()) {
+        course.drifting = true;
+        recording = record(effect, course);
+    }
+    recording.still.save(directory_ / stillFile(effect));
+    recording.thumbnail.save(directory_ / thumbnailFile(effect));
+    if (recording.loop.changes())
+        recording.loop.save(directory_ / loopFile(effect));
+    if (sweeps_)
+        makeSweeps(effect, course);
+}
+
+EffectPictures::Course EffectPictures::courseOf(const EffectInfo& effect)
+{
+    if (isTransition(effect))
+        return {0, kLoopFrames, kTransitionPoster};
+    if (remembers(effect))
+        return {kWarmUp, kLoopFrames, kWarmUp + kLoopFrames - 1};
+    constexpr unsigned middle = kMoment * kLoopRate;
+    return moves(effect) ? Course{middle - kLoopFrames / 2, kLoopFrames, middle} : Course{middle, 1, middle};
+}
+
+// Nobody declares whether an effect looks at the time, so look at its frames.
+bool EffectPictures::moves(const EffectInfo& effect)
+{
+    Run run(effect, layout_, scene_);
+    Strip probes(layout_.cell, layout_.scale, kProbes.size());
+    for (const unsigned number : kProbes)
+        probes.add(run.frame(number, false));
+    return probes.changes();
+}
+
+EffectPictures::Recording EffectPictures::record(const EffectInfo& effect, const Course& course)
+{
+    Recording recording{Strip(layout_.work(), 1, 1), Strip(layout_.cell, layout_.scale, 1),
+        Strip(layout_.cell, layout_.scale, course.count)};
+    Run run(effect, layout_, scene_);
+    // Frames that nothing depends on are left out.
+    for (unsigned i = remembers(effect) ? 0 : course.first; i < course.first + course.count; ++i) {
+        const auto picture = run.frame(i, course.drifting);
+        if (i >= course.first)
+            recording.loop.add(picture);
+        if (i == course.poster) {
+            recording.still.add(picture);
+            recording.thumbnail.add(picture);
+        }
+    }
+    return recording;
+}
+
+void EffectPictures::makeSweeps(const EffectInfo& effect, Course course)
+{
+    if (remembers(effect) && !isTransition(effect)) {
+        course.poster = kSweepFrames;
+        course.stride = 2;
+    }
+    const auto params = describeParameters(effect.guid);
+    for (std::size_t i = 0; i < params.size(); ++i)
+        makeSweep(effect, course, *params[i], (directory_ / sweepFile(effect, i)).string());
+}
+
+void EffectPictures::makeSweep(
+    const EffectInfo& effect, const Course& course, const ParamInfo& param, const std::string& file)
+{
+    const auto steps = sweepOf(param, layout_.work());
+    Strip strip(layout_.cell, layout_.scale, unsigned(steps.size()));
+    for (const SweepStep& step : steps) {
+        Run run(effect, layout_, scene_);
+        if (!host::store(run.filter(), param, step.value))
+            return;
+        for (unsigned i = 0; remembers(effect) && i < course.poster; ++i)
+            run.frame(i * course.stride, course.drifting);
+        strip.add(run.frame(course.poster * course.stride, course.drifting));
+    }
+    if (strip.changes())
+        strip.save(file);
+}

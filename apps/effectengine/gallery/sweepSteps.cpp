@@ -1,0 +1,99 @@
+// Even steps.
+#include "effectengine/gallery/sweepSteps.h"
+
+#include "engine/effectList.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <map>
+
+using KEXSDK::ParamInfo;
+using KEXSDK::ParamType;
+
+namespace {
+
+constexpr int kSteps = 7;
+
+// One effect in so many: families share parameters of their own, but none is as large.
+constexpr std::size_t kCommonShare = 5;
+
+std::set<std::string> findCommonParameters()
+{
+    const auto effects = listEffects();
+    std::map<std::pair<std::string, std::string>, std::size_t> effectsWith;
+    for (const KEXSDK::EffectInfo& effect : effects) {
+        for (const ParamInfo* const param : describeParameters(effect.guid))
+            ++effectsWith[{param->name, param->help}];
+    }
+    std::set<std::string> names;
+    for (const auto& [param, count] : effectsWith) {
+        if (count * kCommonShare >= effects.size())
+            names.insert(param.first);
+    }
+    return names;
+}
+
+bool whole(const ParamInfo& param)
+{
+    return param.type == ParamType::integer || param.type == ParamType::integerArray;
+}
+
+SweepStep stepOf(std::vector<double> numbers, const std::string& label = {})
+{
+    const std::string text = commandText(numbers);
+    return {std::move(numbers), text, label.empty() ? text : label};
+}
+
+// Three digits tell enough; 33.333332 would hide them.
+double rounded(double value, double span)
+{
+    const double unit = std::pow(10.0, std::floor(std::log10(span)) - 2);
+    return std::round(value / unit) * unit;
+}
+
+} // namespace
+
+const std::set<std::string>& commonParameters()
+{
+    static const std::set<std::string> names = findCommonParameters();
+    return names;
+}
+
+std::string commandText(const std::vector<double>& numbers)
+{
+    std::string text;
+    for (const double number : numbers) {
+        char digits[32];
+        const auto end = std::to_chars(digits, digits + sizeof digits, float(number)).ptr;
+        text += (text.empty() ? "" : ",") + std::string(digits, end);
+    }
+    return text;
+}
+
+std::vector<SweepStep> sweepOf(const ParamInfo& param, PictureSize size)
+{
+    std::vector<SweepStep> steps;
+    if (commonParameters().contains(param.name) || param.type == ParamType::filePath
+        || param.low >= param.high)
+        return steps;
+    for (const auto& [value, label] : host::choicesOf(param))
+        steps.push_back(stepOf({double(value)}, label));
+    if (!steps.empty())
+        return steps;
+    const bool position = std::string_view(param.unit) == "pixels" && param.elements == 2;
+    const std::array<double, 2> ends{double(size.width), double(size.height)};
+    const double span = position ? std::max(ends[0], ends[1]) : param.high - param.low;
+    const int count = whole(param) ? int(std::min<double>(kSteps, span + 1)) : kSteps;
+    for (int i = 0; i < count; ++i) {
+        const double share = double(i) / (count - 1);
+        std::vector<double> numbers;
+        for (u32 element = 0; element < param.elements; ++element) {
+            const double value = position ? ends[element] * share : param.low + span * share;
+            numbers.push_back(whole(param) ? std::round(value) : rounded(value, span));
+        }
+        steps.push_back(stepOf(std::move(numbers)));
+    }
+    return steps;
+}
