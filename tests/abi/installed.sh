@@ -3,15 +3,18 @@
 set -euo pipefail
 build=$1
 source=$(cd "$(dirname "$0")" && pwd)
+examples=$source/../../docs/examples
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 cmake -S "$source/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-    -DHOST_SOURCE="$source/hostInC.c" >/dev/null
+    -DHOST_SOURCES="$source/hostInC.c;$examples/picture.c;$examples/frames.cpp" >/dev/null
 cmake --build "$work/consumer" >/dev/null
-"$work/consumer/consumer" "$prefix/share/effectengine/" "$work"
+"$work/consumer/hostInC" "$prefix/share/effectengine/" "$work"
+"$source/../documents/examplesTest.sh" "$prefix/bin/effectengine" "$prefix/share/effectengine/" \
+    "$work/consumer/picture" "$work/consumer/frames"
 
 export PKG_CONFIG_PATH
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name effectengine.pc)")
@@ -21,3 +24,15 @@ cc -std=c11 -pedantic -Wall -Werror "$source/hostInC.c" "${flags[@]}" -o "$work/
 LD_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libEffectEngine.so)") "$work/plain" "$prefix/share/effectengine/" "$work"
 
 "$prefix/bin/effectengine" list >/dev/null
+
+# The installed tool finds the pack by itself: a texture and an overlay show on a grey picture (a 2 x 1 BMP).
+cd "$work"
+printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x78\x78\x78\x78\x78\x78\0\0' >grey.bmp
+"$prefix/bin/effectengine" apply black-and-white --size 64x36 grey.bmp plain.bmp
+for effect in am-vignette1 sight; do
+    "$prefix/bin/effectengine" apply "$effect" --size 64x36 grey.bmp shown.bmp
+    if cmp -s plain.bmp shown.bmp; then
+        echo "the installed $effect does nothing" >&2
+        exit 1
+    fi
+done

@@ -1,0 +1,56 @@
+# Debian packages, one for each component: scripts/package makes them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME effectengine)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "EffectEngine maintainers <maintainers@effectengine.example>")
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development tools resources documents)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+
+# effectengine_package(<component> <name> <section> DESCRIPTION text [DEPENDS text] [ANY])
+# Without ANY the package is the same for all architectures.
+function(effectengine_package component name section)
+    cmake_parse_arguments(package "ANY" "DESCRIPTION;DEPENDS" "" ${ARGN})
+    string(TOUPPER ${component} key)
+    set(prefix CPACK_DEBIAN_${key})
+    set(${prefix}_PACKAGE_NAME ${name} PARENT_SCOPE)
+    set(${prefix}_PACKAGE_SECTION ${section} PARENT_SCOPE)
+    set(${prefix}_PACKAGE_DEPENDS "${package_DEPENDS}" PARENT_SCOPE)
+    set(${prefix}_PACKAGE_SHLIBDEPS ${package_ANY} PARENT_SCOPE)
+    if(NOT package_ANY)
+        set(${prefix}_PACKAGE_ARCHITECTURE all PARENT_SCOPE)
+    endif()
+    set(${prefix}_DESCRIPTION "${package_DESCRIPTION}" PARENT_SCOPE)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name}
+        RENAME copyright COMPONENT ${component})
+endfunction()
+
+# EGL is opened by name while the engine runs, so nothing but these lines knows of it.
+effectengine_package(runtime libeffectengine${PROJECT_VERSION_MAJOR} libs ANY
+    DEPENDS "effectengine-data ${same_version}, libegl1"
+    DESCRIPTION "Image and video effect engine, shared library
+Effects are nodes found by GUID, wired into graphs, set by named parameters and
+run once per frame. Results are exact to the byte.")
+effectengine_package(development libeffectengine-dev libdevel ANY
+    DEPENDS "libeffectengine${PROJECT_VERSION_MAJOR} ${same_version}"
+    DESCRIPTION "Image and video effect engine, development files
+The header for C and C++, the CMake package and the pkg-config file.")
+effectengine_package(tools effectengine graphics ANY
+    DEPENDS "effectengine-data ${same_version}, libegl1"
+    DESCRIPTION "Image and video effects on the command line
+Puts effects, chains and graphs on pictures, folders and clips, and makes contact
+sheets and galleries.")
+effectengine_package(resources effectengine-data graphics
+    DESCRIPTION "Image and video effect engine, resources
+Configuration, descriptors and pictures that the engine is started with.")
+effectengine_package(documents effectengine-doc doc
+    DESCRIPTION "Image and video effect engine, documents
+Guides, examples, and a page for every effect.")
+
+include(CPack)

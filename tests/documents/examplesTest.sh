@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# The examples do what the tool does, to the byte, and end cleanly on bad input:
+# examplesTest.sh TOOL RESOURCES PICTURE_EXAMPLE FRAMES_EXAMPLE
+set -uo pipefail
+tool=$1
+resources=$2
+picture=$3
+frames=$4
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+failures=0
+
+fail() {
+    echo "FAILED: $*" >&2
+    failures=$((failures + 1))
+}
+
+# 32-bit BMP files hold the same bytes as frames: bottom row first, blue to alpha, after 122 bytes.
+printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0a\x14\x1e\xc8\x64\x32\0\0' >two.bmp
+"$tool" apply hue-shift --size 64x48 two.bmp in.bmp || fail "the tool"
+
+"$picture" "$resources" in.bmp 64 48 out.bmp || fail "the picture example"
+"$tool" apply hue-shift -p Hue=20 in.bmp expected.bmp
+cmp out.bmp expected.bmp || fail "the picture example and the tool differ"
+"$picture" "$resources" missing.bmp 64 48 none.bmp 2>err.txt && fail "a missing picture is no success"
+grep -q 'cannot read missing.bmp' err.txt || fail "said: $(cat err.txt)"
+"$picture" "$resources" in.bmp 64 48 nowhere/out.bmp 2>err.txt && fail "a missing directory is no success"
+"$picture" "$resources" in.bmp 0 48 out.bmp 2>err.txt && fail "no size is no success"
+
+# Two frames a second: the third one is at 1 s.
+tail -c +123 in.bmp >frame.raw
+cat frame.raw frame.raw frame.raw | "$frames" "$resources" 64 48 2 >out.raw || fail "the frames example"
+[ "$(stat -c %s out.raw)" -eq $((3 * 64 * 48 * 4)) ] || fail "three frames in, not three frames out"
+"$tool" apply -e glow -p Blur=10 -e hue-shift -p Hue=20 in.bmp --time 1 expected.bmp
+cmp <(tail -c $((64 * 48 * 4)) out.raw) <(tail -c +123 expected.bmp) || fail "the frames example and the tool differ"
+"$frames" "$resources" 0 48 2 <frame.raw >out.raw 2>err.txt && fail "no size is no success"
+grep -q 'CreateImage failed with 1' err.txt || fail "said: $(cat err.txt)"
+"$frames" "$resources" 64 48 2 <frame.raw >/dev/full 2>err.txt && fail "a full disk is no success"
+
+exit "$((failures > 0))"
