@@ -80,6 +80,7 @@ TovOgreBase::~TovOgreBase()
             effect->destroyScene();
         liveEffects_.erase(effect);
     }
+    pictureCodecs_.reset();
     root_.reset();
     logManager_.reset();
     singleton = nullptr;
@@ -118,10 +119,9 @@ void TovOgreBase::createRoot()
     // Nothing here is loaded in the background, and OGRE's workers would write to its log all at once.
     if (auto* const workers = dynamic_cast<Ogre::DefaultWorkQueueBase*>(root_->getWorkQueue()))
         workers->setWorkerThreadCount(0);
-    // The render system and the picture codec belong into the list of plug-ins, but there one that fails
-    // would end the process.
+    // The render system belongs into the list of plug-ins, but there one that fails would end the process.
     ogrePlugins::loadRenderSystem(*root_);
-    ogrePlugins::load(*root_, "Codec_STBI");
+    pictureCodecs_.emplace();
 }
 
 void TovOgreBase::restoreConfiguration()

@@ -3,10 +3,12 @@
 
 #include "EffectTovOgre/GlslLink.h"
 #include "EffectTovOgre/GraphicsSystem.h"
+#include "EffectTovOgre/OgrePictureCodecs.h"
 #include "core/Types.h"
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Ogre {
@@ -91,6 +93,7 @@ private:
 
     std::unique_ptr<Ogre::LogManager> logManager_;
     std::unique_ptr<Ogre::Root> root_;
+    std::optional<OgrePictureCodecs> pictureCodecs_;
     Ogre::SceneManager* sceneManager_ = nullptr;
     Ogre::RenderWindow* renderWindow_ = nullptr;
     std::string resourcesFile_;

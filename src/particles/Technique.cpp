@@ -5,6 +5,7 @@
 #include "particles/words.h"
 
 #include <OgreParticleSystem.h>
+#include <OgreRenderQueue.h>
 #include <OgreSceneManager.h>
 #include <OgreSceneNode.h>
 
@@ -70,6 +71,9 @@ Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const
       node_(parent.createChildSceneNode(name))
 {
     system_->setParticleQuota(std::min(system_->getParticleQuota(), std::size_t(kLargestQuota)));
+    // After the picture, also with a material that covers what it is drawn over: OGRE draws those first of a
+    // group.
+    system_->setRenderQueueGroup(Ogre::RENDER_QUEUE_6);
     // OGRE moves every system on with each frame that anything draws; here time passes in advance() alone.
     system_->setSpeedFactor(0);
     for (unsigned short i = 0; i < system_->getNumEmitters(); ++i)

@@ -1,4 +1,5 @@
 // Particle scenes: whatever way a host takes to a frame, it sees the same picture; attributes by name.
+#include "EffectTovOgre/PictureCodecs.h"
 #include "particles/attributePath.h"
 #include "shader/ShaderEngine.h"
 
@@ -296,6 +297,52 @@ TEST_F(Particles, AttributesHoldWhenTheSceneBeginsAnew)
     EXPECT_GT(lit(replayed), lit(usual));
     EXPECT_FALSE(after == at(filter, 20)) << "the rate holds from the first frame on now";
     EXPECT_TRUE(replayed == at(filter, 12));
+}
+
+TEST_F(Particles, SpritesAreReadFromPictureFiles)
+{
+    const std::vector<u8> red = [] {
+        std::vector<u8> pixels;
+        for (int i = 0; i < 16 * 16; ++i)
+            pixels.insert(pixels.end(), {0, 0, 255, 255});
+        return pixels;
+    }();
+    const auto sprite = [&](int number, const std::string& file) {
+        const std::string name = "sprite" + std::to_string(number);
+        files.write("Particles/" + name + ".material",
+            "material " + name
+                + "\n{\ntechnique\n{\npass\n{\nlighting off\ndepth_write off\nscene_blend "
+                  "alpha_blend\ntexture_unit\n{\ntexture "
+                + file + "\n}\n}\n}\n}\n");
+        files.write("Particles/" + name + ".particle",
+            "particle_system " + name + "\n{\nmaterial " + name
+                + "\nparticle_width 20\nparticle_height 20\nemitter Ranged\n{\nemission_rate "
+                  "25\nvelocity 0\n"
+                  "time_to_live 100\n}\n}\n");
+        describe(number, R"("PU": ")" + name + R"(")");
+    };
+    const char* const names[] = {"red.png", "red.jpg", "red.bmp", "red.tga"};
+    for (int i = 0; i < 4; ++i) {
+        const auto bytes = pictures::encode(*pictures::kindOf(names[i]), red.data(), 16, 16);
+        files.write(std::string("Particles/") + names[i], std::string(bytes.begin(), bytes.end()));
+        sprite(10 + i, names[i]);
+    }
+    files.write("Particles/short.png", files.read("Particles/red.png").substr(0, 40));
+    sprite(20, "short.png");
+    sprite(21, "absent.png");
+    engine.reset();
+    start(true);
+    for (int i = 0; i < 4; ++i) {
+        auto filter = scene(10 + i);
+        const auto picture = at(filter, 20);
+        const u8* const pixel = &picture[(kHeight / 2 * kWidth + kWidth / 2) * 4];
+        EXPECT_TRUE(pixel[2] > 250 && pixel[1] < 5 && pixel[0] < 5) << names[i];
+    }
+    for (const int broken : {20, 21}) {
+        auto filter = scene(broken);
+        EXPECT_GT(lit(at(filter, 20)), 100) << "drawn without its picture";
+    }
+    EXPECT_NE(files.read("Ogre.log").find("cannot be read as a picture: short.png"), std::string::npos);
 }
 
 TEST_F(Particles, AFloodIsDammed)
