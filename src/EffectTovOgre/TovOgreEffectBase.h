@@ -72,7 +72,9 @@ protected:
     /// Valid until destroyScene.
     Ogre::SceneManager& sceneManager() const { return *environment_->sceneManager(); }
     Ogre::SceneNode& effectSceneNode() const { return *effectNode_; }
-    /// Without a camera (the window was closed) it does nothing.
+    /// Null once the window was closed.
+    Ogre::Camera* camera() const { return camera_; }
+    /// Without a camera it does nothing.
     void moveCamera(const Ogre::Vector3& position, const Ogre::Vector3& target);
 
 private:

@@ -114,9 +114,9 @@ void TovOgrePaticalUniverseEffect::renderFrame()
 {
     if (!scene_)
         return TovOgreEffectBase::renderFrame();
-    if (currentFrame_ != previousFrame_) {
+    if (currentFrame_ != previousFrame_ && camera()) {
         const RandomNumbers drawn(sequence_);
-        scene_->advance(frameDuration_);
+        scene_->advance(frameDuration_, *camera());
     }
     if (currentFrame_ != wantedFrame_)
         return;

@@ -36,10 +36,10 @@ ParticleScene::ParticleScene(Ogre::SceneManager& manager, Ogre::SceneNode& paren
 
 ParticleScene::~ParticleScene() = default;
 
-void ParticleScene::advance(float seconds)
+void ParticleScene::advance(float seconds, Ogre::Camera& camera)
 {
     for (Technique& technique : techniques_)
-        technique.advance(seconds);
+        technique.advance(seconds, camera);
 }
 
 void ParticleScene::show()

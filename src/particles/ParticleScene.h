@@ -23,7 +23,7 @@ public:
     ParticleScene& operator=(const ParticleScene&) = delete;
     ~ParticleScene();
 
-    void advance(float seconds);
+    void advance(float seconds, Ogre::Camera& camera);
 
     /// Between the two the scene is part of what is drawn.
     void show();

@@ -68,14 +68,14 @@ Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const
     const std::string& templateName)
     : manager_(manager),
       system_(manager.createParticleSystem(name, templateName)),
-      node_(parent.createChildSceneNode(name))
+      node_(parent.createChildSceneNode(name)),
+      iterationInterval_(system_->getIterationInterval())
 {
     system_->setParticleQuota(std::min(system_->getParticleQuota(), std::size_t(kLargestQuota)));
     // After the picture, also with a material that covers what it is drawn over: OGRE draws those first of a
     // group.
     system_->setRenderQueueGroup(Ogre::RENDER_QUEUE_6);
-    // OGRE moves every system on with each frame that anything draws; here time passes in advance() alone.
-    system_->setSpeedFactor(0);
+    standStill();
     for (unsigned short i = 0; i < system_->getNumEmitters(); ++i)
         emitters_.emplace_back(*system_->getEmitter(i));
 }
@@ -87,13 +87,27 @@ Technique::~Technique()
     node_->getParentSceneNode()->removeAndDestroyChild(node_);
 }
 
-void Technique::advance(float seconds)
+// OGRE updates every system with each frame that anything draws. Without any time to pass that would still
+// run the affectors, and some change particles whatever the time; so it is always too early for the next
+// iteration.
+void Technique::standStill()
+{
+    constexpr float kNever = 1e30f;
+    system_->setSpeedFactor(0);
+    system_->setIterationInterval(kNever);
+}
+
+void Technique::advance(float seconds, Ogre::Camera& camera)
 {
     const bool wasShown = shown_;
     show(); // a system that stands nowhere does not move
     system_->setSpeedFactor(1);
+    system_->setIterationInterval(iterationInterval_);
     system_->_update(seconds);
-    system_->setSpeedFactor(0);
+    system_->_update(0); // particles are born after the affectors ran: these give them their first colours
+    standStill();
+    // Sorts the particles, which affectors then meet in that order, whether or not this frame is drawn.
+    system_->_notifyCurrentCamera(&camera);
     if (!wasShown)
         hide();
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 namespace Ogre {
+class Camera;
 class ParticleSystem;
 class SceneManager;
 class SceneNode;
@@ -27,7 +28,8 @@ public:
     Technique& operator=(const Technique&) = delete;
     ~Technique();
 
-    void advance(float seconds);
+    /// @param camera  what the particles are sorted for, in templates that say so
+    void advance(float seconds, Ogre::Camera& camera);
     void show();
     void hide();
     void set(const AttributePath& path, std::span<const u32> words);
@@ -38,11 +40,14 @@ public:
     MaxVelocityAffector& speedLimit();
 
 private:
+    void standStill();
+
     Ogre::SceneManager& manager_;
     Ogre::ParticleSystem* system_;
     Ogre::SceneNode* node_;
     std::vector<EmitterAttributes> emitters_;
     MaxVelocityAffector* speedLimit_ = nullptr;
+    float iterationInterval_;
     bool shown_ = false;
 };
 

@@ -181,6 +181,36 @@ TEST_F(ShaderPack, TransitionsBeginAndEndWithTheirInputs)
     }
 }
 
+// The way there leads over every frame, or straight to it; the latter comes first, for nothing was drawn
+// then.
+TEST_F(ShaderPack, EveryWayToAFrameOfAParticleSceneShowsTheSamePicture)
+{
+    constexpr int kFirst = 24;
+    constexpr int kFrames = 30;
+    constexpr float kFrameRate = 25;
+    int scenes = 0;
+    for (const EffectInfo& effect : effects()) {
+        if (effect.family != "particles")
+            continue;
+        SCOPED_TRACE(effect.name);
+        ++scenes;
+        std::vector<Bytes> jumped;
+        host::Filter direct = make(effect, kFirst / kFrameRate);
+        for (int i = kFirst; i < kFrames; ++i) {
+            direct.set("u_global_time", float(i) / kFrameRate);
+            jumped.push_back(run(direct));
+        }
+        host::Filter walking = make(effect, 0);
+        for (int i = 0; i < kFrames; ++i) {
+            walking.set("u_global_time", float(i) / kFrameRate);
+            const Bytes frame = run(walking);
+            if (i >= kFirst)
+                EXPECT_TRUE(frame == jumped[std::size_t(i - kFirst)]) << "frame " << i;
+        }
+    }
+    EXPECT_GE(scenes, 10);
+}
+
 TEST_F(ShaderPack, NeutralValuesLeaveThePicture)
 {
     struct Neutral {

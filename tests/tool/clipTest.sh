@@ -90,7 +90,7 @@ expect 0 '' "$tool" video out.gif again.mp4 -e equalize
 same "$(of v nb_read_frames again.mp4)" 50 "from gif"
 
 # A part of a clip is that part of the whole, also with effects that remember, and its sound fits.
-for effect in equalize delay-grab water-ripple am-noise; do
+for effect in equalize delay-grab water-ripple am-noise particles-snow; do
     expect 0 '' "$tool" --seed 3 video plain.mp4 whole.mkv --codec ffv1 -e $effect
     expect 0 '' "$tool" --seed 3 video plain.mp4 part.mkv --codec ffv1 -e $effect --frames 30-39
     same "$(pixels part.mkv)" "$(pixels whole.mkv | sed -n 31,40p)" "frames 30 to 39 through $effect"
@@ -121,7 +121,13 @@ cat >history.json <<'END'
     "parameters": {"Hue": {"keyframes": [{"percent": 0, "value": 50}, {"percent": 100, "value": 90}]}}},
     {"effect": "delay-grab", "parameters": {"Mode": 2, "BlockSize": 8}}]}
 END
-for graph in fade history; do
+# What the GPU draws: shaders that move with time, particles that are simulated up to each frame, a look, and an
+# effect of the processor between them.
+cat >drawn.json <<'END'
+{"effectengine": 1, "nodes": [{"effect": "glitch"}, {"effect": "particles-sparks"}, {"effect": "hue-shift"},
+    {"effect": "heat-haze"}]}
+END
+for graph in fade history drawn; do
     expect 0 '' "$tool" render $graph.json plain.mp4 $graph-whole
     same "$(ls $graph-whole | grep -c png)" 50 "rendered pictures"
     for part in 1 2 3; do expect 0 '' "$tool" render $graph.json plain.mp4 $graph-parts/%06d.png --chunk $part/3; done
@@ -131,7 +137,9 @@ for graph in fade history; do
     expect 0 '' "$tool" render $graph.json plain.mp4 $graph-some --frames 17-21
     same "$(hashes $graph-some/manifest-frames-17-21.json)" "$(echo "$whole" | sed -n 18,22p)" "$graph, some frames"
 done
-[ "$(hashes history-whole/manifest.json | sort -u | wc -l)" -gt 40 ] || fail "the frames are all the same"
+for graph in history drawn; do
+    [ "$(hashes $graph-whole/manifest.json | sort -u | wc -l)" -gt 40 ] || fail "the frames of $graph are all the same"
+done
 cat >everything.json <<'END'
 {"effectengine": 1, "nodes": [{"id": "water", "effect": "water-ripple"}]}
 END
