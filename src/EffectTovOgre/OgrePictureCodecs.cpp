@@ -8,7 +8,10 @@
 #include <OgreException.h>
 #include <OgreImage.h>
 #include <OgreImageCodec.h>
+#include <OgreTextureManager.h>
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
 #include <sstream>
 
@@ -32,11 +35,24 @@ public:
             OGRE_EXCEPT(Ogre::Exception::ERR_INVALIDPARAMS,
                 "cannot be read as a picture: " + input->getName(), "PictureCodec::decode");
         auto& image = *Ogre::any_cast<Ogre::Image*>(output);
-        image.create(ogreFormat(KEXSDK::RecordFormat::A8R8G8B8), picture.width, picture.height);
-        std::memcpy(image.getData(), picture.pixels.get(), image.getSize());
+        const u32 mipmaps = mipmapsOf(picture.width, picture.height);
+        image.create(
+            ogreFormat(KEXSDK::RecordFormat::A8R8G8B8), picture.width, picture.height, 1, 1, mipmaps);
+        std::memcpy(image.getData(), picture.pixels.get(), std::size_t{picture.width} * picture.height * 4);
+        for (u32 level = 1; level <= mipmaps; ++level)
+            Ogre::Image::scale(
+                image.getPixelBox(0, level - 1), image.getPixelBox(0, level), Ogre::Image::FILTER_BILINEAR);
     }
 
 private:
+    /// As many as OGRE would have the driver make, which takes a software driver milliseconds for each
+    /// texture.
+    static u32 mipmapsOf(u32 width, u32 height)
+    {
+        const u32 all = u32(std::bit_width(std::max(width, height))) - 1;
+        return std::min<u32>(all, u32(Ogre::TextureManager::getSingleton().getDefaultNumMipmaps()));
+    }
+
     const char* suffix_;
 };
 
