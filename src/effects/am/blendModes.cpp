@@ -38,6 +38,15 @@ constexpr Bgra layOver(Bgra p, Bgra texture)
     return mixed;
 }
 
+// n / 100 for n up to 100 * 255; a plain division takes vectors several times the time.
+constexpr int hundredth(u32 n) { return int(n * 5243 >> 19); }
+static_assert([] {
+    for (u32 n = 0; n <= 100 * 255; ++n)
+        if (hundredth(n) != int(n / 100))
+            return false;
+    return true;
+}());
+
 // Pulls the texture towards white, by 100 less the percentage.
 struct Fade {
     u8 percent;
@@ -51,7 +60,7 @@ template <auto kBlend> i32 withFaded(const Frame& f, const Fade* fade)
     const u32 percent = std::min<u32>(fade->percent, 100);
     const u32 white = (100 - percent) * 255;
     pixels::rows::map2(f.src, f.second, f.dst, [=](Bgra p, Bgra texture) {
-        const auto faded = [&](u32 b) { return int((white + b * percent) / 100); };
+        const auto faded = [&](u32 b) { return hundredth(white + b * percent); };
         return Bgra{u8(kBlend(p.b, faded(texture.b))), u8(kBlend(p.g, faded(texture.g))),
             u8(kBlend(p.r, faded(texture.r))), p.a};
     });
