@@ -1,10 +1,7 @@
 // Loops over 3x3 neighbourhoods: colour bytes on their own, or one grey byte for each pixel.
 #pragma once
 
-#include "effects/am/amFrame.h"
-#include "pixels/columns.h"
-
-#include <array>
+#include "effects/am/pencil.h"
 
 namespace KEXSDK::am {
 
@@ -35,7 +32,6 @@ void mapNeighbours(
             here[i + step], above[i - step], above[i], above[i + step]}));
 }
 
-inline const u8* bytesOf(const pixels::Bgra* row) { return reinterpret_cast<const u8*>(row); }
 inline u8* bytesOf(pixels::Bgra* row) { return reinterpret_cast<u8*>(row); }
 
 inline void drawBorder(const pixels::Bgra* from, pixels::Bgra* to, int first, int end, bool black)
@@ -46,69 +42,68 @@ inline void drawBorder(const pixels::Bgra* from, pixels::Bgra* to, int first, in
 
 } // namespace detail
 
+/// Draws the border, and calls drawRow(y) for every other row, whose first and last pixel it draws
+/// afterwards.
+template <class DrawRow> void eachInnerRow(const Frame& f, Border border, DrawRow drawRow)
+{
+    pixels::rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
+        const int width = f.dst.width();
+        for (int y = top; y < end; ++y) {
+            const pixels::Bgra* const from = f.src.row(y).data();
+            pixels::Bgra* const to = f.dst.row(y).data();
+            const bool endRow = y == 0 || y == f.dst.height() - 1;
+            const bool black = border == Border::black || (border == Border::blackSides && !endRow);
+            if (endRow || width < 3) {
+                detail::drawBorder(from, to, 0, width, black);
+                continue;
+            }
+            drawRow(y);
+            detail::drawBorder(from, to, 0, 1, black);
+            detail::drawBorder(from, to, width - 1, width, black);
+        }
+    });
+}
+
 /// Every colour byte = kernel(Neighbours of its own channel), a value of 0..255.
 template <class Kernel> void eachByteFromNeighbours(const Frame& f, Border border, Kernel kernel)
 {
-    pixels::rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        pixels::widest([=, src = f.src, dst = f.dst] {
-            const int width = dst.width();
-            for (int y = top; y < end; ++y) {
-                const pixels::Bgra* const from = src.row(y).data();
-                pixels::Bgra* const to = dst.row(y).data();
-                const bool endRow = y == 0 || y == dst.height() - 1;
-                const bool black = border == Border::black || (border == Border::blackSides && !endRow);
-                if (endRow || width < 3) {
-                    detail::drawBorder(from, to, 0, width, black);
-                    continue;
-                }
-                detail::mapNeighbours<4>(detail::bytesOf(src.row(y - 1).data()), detail::bytesOf(from),
-                    detail::bytesOf(src.row(y + 1).data()), detail::bytesOf(to), 4, 4 * (width - 1), kernel);
-                pixels::copyAlpha(from, to, width);
-                detail::drawBorder(from, to, 0, 1, black);
-                detail::drawBorder(from, to, width - 1, width, black);
-            }
+    eachInnerRow(f, border, [&](int y) {
+        pixels::widest([=, rows = rowsAround(f.src, y), from = f.src.row(y).data(), to = f.dst.row(y).data(),
+                           width = f.dst.width()] {
+            detail::mapNeighbours<4>(
+                rows.below, rows.row, rows.above, detail::bytesOf(to), 4, 4 * (width - 1), kernel);
+            pixels::copyAlpha(from, to, width);
+        });
+    });
+}
+
+/// Every colour byte = kernel(byte, largest of the nine around it) for three at once: kernel(centre, largest)
+/// takes the pixel and the pixel of what is largest in each of its channels, and answers with its alpha.
+template <class Kernel> void eachPixelByLargest(const Frame& f, Border border, Kernel kernel)
+{
+    eachInnerRow(f, border, [&](int y) {
+        const int width = f.dst.width();
+        ByteRow largest;
+        largestOfNine<4>(rowsAround(f.src, y), largest.data(), 4 * width);
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(),
+                           most = reinterpret_cast<const pixels::Bgra*>(largest.data())] {
+            pixels::mapColumns(from, to, 1, width - 1,
+                [=](int x, pixels::Bgra p) { return kernel(p, pixels::load(most + x)); });
         });
     });
 }
 
 /// Every pixel off the border becomes the grey kernel(Neighbours in the picture of y4), a value of 0..255.
-/// The border is kept. Grey rows are made as they are needed, so no grey picture is ever stored.
+/// The border is kept.
 template <class Kernel> void eachGreyFromNeighbours(const Frame& f, Kernel kernel)
 {
-    pixels::rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        pixels::widest([=, src = f.src, dst = f.dst] {
-            const int width = dst.width();
-            std::array<std::array<u8, kMaxExtent>, 3> greys;
-            std::array<u8, kMaxExtent> drawn;
-            const auto greyRow = [&](int y) { return greys[std::size_t(y) % 3].data(); };
-            const auto makeGrey = [&](int y) {
-                const pixels::Bgra* const from = src.row(y).data();
-                u8* const to = greyRow(y);
-#pragma GCC ivdep
-                for (int x = 0; x < width; ++x)
-                    to[x] = u8(y4(pixels::load(from + x)));
-            };
-            const int first = std::max(top, 1);
-            const int last = std::min(end, dst.height() - 1) - 1;
-            if (first <= last && width >= 3) {
-                makeGrey(first - 1);
-                makeGrey(first);
-            }
-            for (int y = top; y < end; ++y) {
-                const pixels::Bgra* const from = src.row(y).data();
-                pixels::Bgra* const to = dst.row(y).data();
-                if (y < first || y > last || width < 3) {
-                    detail::drawBorder(from, to, 0, width, false);
-                    continue;
-                }
-                makeGrey(y + 1);
-                detail::mapNeighbours<1>(
-                    greyRow(y - 1), greyRow(y), greyRow(y + 1), drawn.data(), 1, width - 1, kernel);
-                pixels::mapColumns(from, to, 1, width - 1,
-                    [value = drawn.data()](int x, pixels::Bgra p) { return pixels::grey(p, value[x]); });
-                to[0] = from[0];
-                to[width - 1] = from[width - 1];
-            }
+    eachGreyRowInside(f, [&](int y, GreyRows greys) {
+        GreyRow values;
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), width = f.dst.width(),
+                           drawn = values.data()] {
+            detail::mapNeighbours<1>(greys.below, greys.row, greys.above, drawn, 1, width - 1, kernel);
+            pixels::mapColumns(
+                from, to, 1, width - 1, [=](int x, pixels::Bgra p) { return pixels::grey(p, drawn[x]); });
         });
     });
 }

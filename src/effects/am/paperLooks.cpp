@@ -1,8 +1,8 @@
 // The picture on paper: faded on canvas, drawn with a pencil, as an old print.
 #include "effects/am/amFilters.h"
 #include "effects/am/blendKernels.h"
-#include "effects/am/greyMaxima.h"
 #include "effects/am/oldPhoto.h"
+#include "effects/am/pencil.h"
 
 #include <cmath>
 
@@ -141,20 +141,18 @@ i32 classic(const Frame& f)
     for (int y = 1; y < h - 1; ++y)
         for (const int x : {0, w - 1})
             f.dst.at(x, y) = pixels::grey(f.src.at(x, y), 255);
-    greyMaxima(
-        f.src, [src = f.src, second = f.second, dst = f.dst](int y, const u8* grey, const u8* brightest) {
-            const Bgra* const from = src.row(y).data();
-            const Bgra* const texture = second.row(y).data();
-            Bgra* const to = dst.row(y).data();
-            const int last = dst.width() - 1;
-#pragma GCC ivdep
-            for (int x = 1; x < last; ++x) {
-                const int line = (onGrain(grey[x], load(texture + x).b) & 255) * 256;
-                const int most = brightest[x];
-                const int value = most > 0 ? quotientByte(line, most > 0 ? most : 1) : 255;
-                store(to + x, pixels::grey(load(from + x), u8(value)));
-            }
+    eachInnerGreyRow(f, [&](int y, GreyRows greys) {
+        GreyRow brightest;
+        largestOfNine<1>(greys, brightest.data(), w);
+        pixels::widest([=, from = f.src.row(y).data(), texture = f.second.row(y).data(),
+                           to = f.dst.row(y).data(), largest = brightest.data()] {
+            pixels::mapColumns(from, to, 1, w - 1, [=](int x, Bgra p) {
+                const int line = (onGrain(greys.row[x], load(texture + x).b) & 255) * 256;
+                const int most = largest[x];
+                return pixels::grey(p, u8(most > 0 ? quotientByte(line, most > 0 ? most : 1) : 255));
+            });
         });
+    });
     return kAmOk;
 }
 
@@ -180,19 +178,15 @@ constexpr Bgra photoUnderTexture(Bgra p, Bgra texture) { return underTexture(p, 
 i32 sketchUnderTexture(const Frame& f)
 {
     blendRows<photoUnderTexture>(f.src, f.second, f.dst);
-    greyMaxima(
-        f.src, [src = f.src, second = f.second, dst = f.dst](int y, const u8* grey, const u8* brightest) {
-            const Bgra* const from = src.row(y).data();
-            const Bgra* const texture = second.row(y).data();
-            Bgra* const to = dst.row(y).data();
-            const int last = dst.width() - 1;
-#pragma GCC ivdep
-            for (int x = 1; x < last; ++x) {
-                const Bgra p = load(from + x);
-                const u8 line = u8(std::min((kReciprocals[brightest[x]] * grey[x]) >> 16, 255u));
-                store(to + x, underTexture(p, pixels::grey(p, line), load(texture + x)));
-            }
+    eachInnerGreyRow(f, [&](int y, GreyRows greys) {
+        GreyRow sketch;
+        drawWithPencil(greys, kReciprocals.data(), sketch.data(), f.dst.width());
+        pixels::widest([=, from = f.src.row(y).data(), texture = f.second.row(y).data(),
+                           to = f.dst.row(y).data(), drawn = sketch.data(), width = f.dst.width()] {
+            pixels::mapColumns(from, to, 1, width - 1,
+                [=](int x, Bgra p) { return underTexture(p, pixels::grey(p, drawn[x]), load(texture + x)); });
         });
+    });
     return kAmOk;
 }
 

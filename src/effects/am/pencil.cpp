@@ -12,18 +12,6 @@ void greyOut(const pixels::Bgra* from, u8* to, int width)
         [=] { pixels::eachIndex(0, width, [=](int x) { to[x] = u8(y4(pixels::load(from + x))); }); });
 }
 
-void largestOfNine(GreyRows greys, u8* to, int width)
-{
-    GreyRow columns;
-    pixels::widest([=, column = columns.data()] {
-        const auto larger = [](u8 a, u8 b) { return a > b ? a : b; };
-        pixels::eachIndex(0, width,
-            [=](int x) { column[x] = larger(larger(greys.below[x], greys.row[x]), greys.above[x]); });
-        pixels::eachIndex(
-            1, width - 1, [=](int x) { to[x] = larger(larger(column[x - 1], column[x]), column[x + 1]); });
-    });
-}
-
 const u32* dodgeReciprocals(AmEffectParams& block)
 {
     constexpr u32 kEntries = 256;
@@ -39,7 +27,7 @@ const u32* dodgeReciprocals(AmEffectParams& block)
 void drawWithPencil(GreyRows greys, const u32* reciprocals, u8* to, int width)
 {
     GreyRow largest;
-    largestOfNine(greys, largest.data(), width);
+    largestOfNine<1>(greys, largest.data(), width);
     pixels::widest([=, most = largest.data()] {
         pixels::eachIndex(1, width - 1,
             [=](int x) { to[x] = u8(std::min(reciprocals[most[x]] * greys.row[x] >> 16, 255u)); });

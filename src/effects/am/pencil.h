@@ -1,27 +1,15 @@
 // What looks share that draw with a pencil: grey rows, and lightness relative to the neighbourhood.
 #pragma once
 
-#include "effects/am/amFrame.h"
-
-#include <array>
+#include "effects/am/rowStencils.h"
 
 namespace KEXSDK::am {
 
-/// Y4 of a row and of the rows below and above it.
-struct GreyRows {
-    const u8* below;
-    const u8* row;
-    const u8* above;
-};
-
-/// A row of one byte a pixel.
-using GreyRow = std::array<u8, kMaxExtent>;
+/// Y4 of three rows.
+using GreyRows = RowsAround;
 
 /// from[x] as Y4, for 0 <= x < width.
 void greyOut(const pixels::Bgra* from, u8* to, int width);
-
-/// to[x] = the largest of the nine greys around x, for 1 <= x < width - 1.
-void largestOfNine(GreyRows greys, u8* to, int width);
 
 /// 256 reciprocals 2^24 / (k + 8) in scratch C, made when dirty bit 0 is set; null without memory.
 /// The entry of 0 never counts: it only meets greys of 0.
@@ -50,27 +38,24 @@ template <class Row> void eachGreyRow(pixels::ConstView src, int top, int end, R
     }
 }
 
-/// Copies the one-pixel border of rows [top, end), and answers whether there are rows inside of it: those
-/// are then [top, end).
-inline bool copyBorder(const Frame& f, int& top, int& end)
+/// The same for every row of a frame but the first and the last, on any thread; no row at all of a picture
+/// without a pixel off its border.
+template <class Row> void eachInnerGreyRow(const Frame& f, Row row)
 {
-    const int width = f.dst.width();
     const int height = f.dst.height();
-    if (width < 3 || height < 3) {
-        copyRows(f, top, end);
-        return false;
-    }
-    for (int y = top; y < end; ++y) {
-        if (y == 0 || y == height - 1) {
-            copyRows(f, y, y + 1);
-        } else {
-            f.dst.at(0, y) = f.src.at(0, y);
-            f.dst.at(width - 1, y) = f.src.at(width - 1, y);
-        }
-    }
-    top = std::max(top, 1);
-    end = std::min(end, height - 1);
-    return top < end;
+    if (f.dst.width() < 3 || height < 3)
+        return;
+    pixels::rows::anyOrderRuns(f.dst.extent(),
+        [&](int top, int end) { eachGreyRow(f.src, std::max(top, 1), std::min(end, height - 1), row); });
+}
+
+/// The same, and the frame's border of one pixel is copied.
+template <class Row> void eachGreyRowInside(const Frame& f, Row row)
+{
+    pixels::rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
+        if (copyBorder(f, top, end))
+            eachGreyRow(f.src, top, end, row);
+    });
 }
 
 } // namespace KEXSDK::am

@@ -110,19 +110,15 @@ i32 shadow(const Frame& f)
     if (!reciprocals)
         return kAmNoMemory;
     const int width = f.dst.width();
-    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        if (!copyBorder(f, top, end))
-            return;
-        eachGreyRow(f.src, top, end, [&](int y, GreyRows greys) {
-            GreyRow sketch;
-            drawWithPencil(greys, reciprocals, sketch.data(), width);
-            pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), drawn = sketch.data()] {
-                pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
-                    const int v = drawn[x];
-                    const int g = greys.row[x];
-                    const int light = 255 - ((255 - v) * (255 - g) >> 7);
-                    return pixels::grey(p, u8(v >= 129 ? light : v * g >> 7));
-                });
+    eachGreyRowInside(f, [&](int y, GreyRows greys) {
+        GreyRow sketch;
+        drawWithPencil(greys, reciprocals, sketch.data(), width);
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), drawn = sketch.data()] {
+            pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
+                const int v = drawn[x];
+                const int g = greys.row[x];
+                const int light = 255 - ((255 - v) * (255 - g) >> 7);
+                return pixels::grey(p, u8(v >= 129 ? light : v * g >> 7));
             });
         });
     });
@@ -152,18 +148,14 @@ void outline(GreyRows greys, u8* to, int width)
 i32 wash(const Frame& f)
 {
     const int width = f.dst.width();
-    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        if (!copyBorder(f, top, end))
-            return;
-        eachGreyRow(f.src, top, end, [&](int y, GreyRows greys) {
-            GreyRow lightness;
-            outline(greys, lightness.data(), width);
-            pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), k = lightness.data()] {
-                pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) -> Bgra {
-                    const auto washed = [light = k[x]](
-                                            int c) { return u8((std::min(2 * c, 255) * light + 255) >> 8); };
-                    return {washed(p.b), washed(p.g), washed(p.r), p.a};
-                });
+    eachGreyRowInside(f, [&](int y, GreyRows greys) {
+        GreyRow lightness;
+        outline(greys, lightness.data(), width);
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), k = lightness.data()] {
+            pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) -> Bgra {
+                const auto washed = [light = k[x]](
+                                        int c) { return u8((std::min(2 * c, 255) * light + 255) >> 8); };
+                return {washed(p.b), washed(p.g), washed(p.r), p.a};
             });
         });
     });
@@ -176,25 +168,6 @@ constexpr ByteTable kComic = [] {
     return pixels::tableOf([=](int i) { return second[first[std::size_t(i)]]; });
 }();
 
-// Ten times the pixel less the nine around it, alpha kept, for 1 <= x < width - 1.
-void sharpenRow(const Bgra* below, const Bgra* row, const Bgra* above, Bgra* to, int width)
-{
-    std::array<u16, kMaxExtent * 4> columns;
-    const auto bytes = [](const Bgra* pixels) { return reinterpret_cast<const u8*>(pixels); };
-    pixels::widest([=, sum = columns.data(), below = bytes(below), middle = bytes(row), above = bytes(above),
-                       out = reinterpret_cast<u8*>(to)] {
-        pixels::eachIndex(0, 4 * width, [=](int i) { sum[i] = u16(below[i] + middle[i] + above[i]); });
-        pixels::eachIndex(4, 4 * (width - 1), [=](int i) { // in 16 bits, which vectors hold more of
-            const i16 sharp = i16(10 * middle[i] - sum[i - 4] - sum[i] - sum[i + 4]);
-            out[i] = u8(std::min<i16>(std::max<i16>(sharp, 0), 255));
-        });
-        pixels::eachIndex(1, width - 1, [=](int x) { // bytes of alpha were sharpened, too
-            const Bgra p = pixels::load(to + x);
-            pixels::store(to + x, {p.b, p.g, p.r, pixels::load(row + x).a});
-        });
-    });
-}
-
 i32 comic(const Frame& f)
 {
     const int width = f.dst.width();
@@ -202,8 +175,7 @@ i32 comic(const Frame& f)
         if (!copyBorder(f, top, end))
             return;
         for (int y = top; y < end; ++y) {
-            sharpenRow(f.src.row(y - 1).data(), f.src.row(y).data(), f.src.row(y + 1).data(),
-                f.dst.row(y).data(), width);
+            sharpenRow(rowsAround(f.src, y), f.dst.row(y).data(), width);
             const pixels::View row = f.dst.rows(y, y + 1);
             pixels::mapTables(row, row, {kComic, kComic, kComic}, 1, width - 1);
         }

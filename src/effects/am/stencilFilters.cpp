@@ -2,26 +2,18 @@
 // it.
 #include "effects/am/amFilters.h"
 #include "effects/am/neighbours.h"
-#include "pixels/numbers.h"
-
-#include <cmath>
+#include "effects/am/pencil.h"
+#include "effects/am/rowPasses.h"
+#include "pixels/byteQuotient.h"
 
 namespace KEXSDK::am {
 
 namespace {
 
-using pixels::clampByte;
+using pixels::Bgra;
 
 constexpr int corners(const Neighbours& n) { return n.belowLeft + n.belowRight + n.aboveLeft + n.aboveRight; }
 constexpr int sides(const Neighbours& n) { return n.below + n.left + n.right + n.above; }
-
-constexpr int largest(const Neighbours& n)
-{
-    const int below = std::max(std::max(n.belowLeft, n.below), n.belowRight);
-    const int here = std::max(std::max(n.left, n.centre), n.right);
-    const int above = std::max(std::max(n.aboveLeft, n.above), n.aboveRight);
-    return std::max(std::max(below, here), above);
-}
 
 // Sobel's two gradients; each counts up to 255.
 constexpr int edge(const Neighbours& n)
@@ -35,8 +27,8 @@ constexpr int edge(const Neighbours& n)
 
 i32 sharp(const Frame& f)
 {
-    eachByteFromNeighbours(
-        f, Border::kept, [](Neighbours n) { return clampByte(9 * n.centre - sides(n) - corners(n)); });
+    eachInnerRow(f, Border::kept,
+        [&](int y) { sharpenRow(rowsAround(f.src, y), f.dst.row(y).data(), f.dst.width()); });
     return kAmOk;
 }
 
@@ -61,40 +53,94 @@ i32 neon(const Frame& f)
     return kAmOk;
 }
 
-// 2^24 / d for 0 < d < 512. The nearest single-precision quotient never rounds up to an integer: what is
-// missing to the next one is at least 1 / d of it, more than half of the last place.
-inline u32 reciprocal(int d) { return u32(int(16777216.0f / float(d))); }
+// 2^24 / k; nothing is divided by 0.
+constexpr auto kReciprocals = [] {
+    std::array<u32, 256> values{};
+    for (u32 k = 1; k < values.size(); ++k)
+        values[k] = (1u << 24) / k;
+    return values;
+}();
 
 // A colour dodge against the brightest neighbour.
 i32 pencil(const Frame& f)
 {
-    eachGreyFromNeighbours(f, [](Neighbours n) {
-        const int most = largest(n);
-        const u32 dodged = reciprocal(std::max(most, 1)) * u32(n.centre) >> 16;
-        return most == 0 ? 255 : int(std::min(dodged, 255u));
+    const int width = f.dst.width();
+    eachGreyRowInside(f, [&](int y, GreyRows greys) {
+        GreyRow largest;
+        largestOfNine<1>(greys, largest.data(), width);
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), most = largest.data(),
+                           reciprocals = kReciprocals.data()] {
+            pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
+                const u32 dodged = std::min(reciprocals[most[x]] * greys.row[x] >> 16, 255u);
+                return pixels::grey(p, most[x] == 0 ? u8(255) : u8(dodged));
+            });
+        });
     });
     return kAmOk;
 }
 
-// The same for each channel, a little darker; a byte among zeros is zero, and so is its product.
+// The same for each channel, a little darker: (2^24 / d) * c >> 16 for d = largest + 8, both quotients
+// rounded downwards. That is 256 c / d, rounded downwards, but a whole 256 c / d with a remainder in 2^24 / d
+// comes out one lower. So the numerator is taken a little less there, and a little more where there is no
+// remainder; both are far more than single precision errs.
 i32 colourPencil(const Frame& f)
 {
-    eachByteFromNeighbours(
-        f, Border::black, [](Neighbours n) { return int(reciprocal(largest(n) + 8) * u32(n.centre) >> 16); });
+    eachPixelByLargest(f, Border::black, [](Bgra p, Bgra largest) -> Bgra {
+        const auto inverse =
+            pixels::inversesOf(float(largest.b + 8), float(largest.g + 8), float(largest.r + 8));
+        const auto dodged = [](int c, int most, float inverse) {
+            const int d = most + 8;
+            const float trace = (d & (d - 1)) == 0 ? 0.25f : -0.5f;
+            return u8(int((float(256 * c) + trace) * inverse));
+        };
+        return {dodged(p.b, largest.b, inverse.first), dodged(p.g, largest.g, inverse.second),
+            dodged(p.r, largest.r, inverse.third), p.a};
+    });
     return kAmOk;
 }
 
+// 2 + 2 j of each byte c, j being its root: trunc(sqrt(c + 1)).
+constexpr pixels::ByteTable kTwiceRootAndOne = pixels::tableOf([](int c) {
+    int root = 1;
+    while ((root + 1) * (root + 1) <= c + 1)
+        ++root;
+    return u8(2 + 2 * root);
+});
+
 // Bytes move towards white, the less the darker they are and the more their brightest neighbour exceeds
-// them. Both roundings downwards are exact in single precision: no quotient or root comes that close to the
-// integer above it.
+// them: (3584 (j + 1) / (excess + 2 + 2 j)) / 10 of 256, rounded downwards.
 i32 colourSketch(const Frame& f)
 {
-    eachByteFromNeighbours(f, Border::blackSides, [](Neighbours n) {
-        const int c = n.centre;
-        const int excess = largest(n) - c;
-        const int root = int(std::sqrt(float(c + 1)));
-        const int weight = int(float(3584 * (root + 1)) / float(10 * (excess + 2 + 2 * root)));
-        return c + ((255 - c) * weight >> 8);
+    eachInnerRow(f, Border::blackSides, [&](int y) {
+        const int width = f.dst.width();
+        ByteRow largest;
+        SpareRow spare;
+        const pixels::View roots = spare.view(width);
+        largestOfNine<4>(rowsAround(f.src, y), largest.data(), 4 * width);
+        pixels::mapTables(
+            f.src.rows(y, y + 1), roots, {kTwiceRootAndOne, kTwiceRootAndOne, kTwiceRootAndOne});
+        pixels::widest(
+            [=, from = f.src.row(y).data(), to = f.dst.row(y).data(),
+                most = reinterpret_cast<const Bgra*>(largest.data()), roots = roots.row(0).data()] {
+                pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
+                    // No byte borrows from the next: none is larger than the largest.
+                    const Bgra excess =
+                        pixels::fromWord(pixels::toWord(pixels::load(most + x)) - pixels::toWord(p));
+                    const Bgra root = pixels::load(roots + x);
+                    const auto inverse = pixels::inversesOf(
+                        float(excess.b + root.b), float(excess.g + root.g), float(excess.r + root.r));
+                    const auto lightened = [](u32 c, int root, float inverse) {
+                        // 1792 (j + 1) / 5, and a little more: than single precision errs, but less than it
+                        // would take to the next integer.
+                        const u32 weight = u32(int((float(root) * 179.2f + 0.05f) * inverse));
+                        return c + ((255 - c) * weight >> 8);
+                    };
+                    // As one word, without a step through bytes: vectors keep their 32-bit lanes.
+                    return pixels::fromWord(lightened(p.b, root.b, inverse.first)
+                        | lightened(p.g, root.g, inverse.second) << 8
+                        | lightened(p.r, root.r, inverse.third) << 16 | u32(p.a) << 24);
+                });
+            });
     });
     return kAmOk;
 }
