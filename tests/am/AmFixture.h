@@ -101,6 +101,16 @@ private:
     std::vector<u8> memory_;
 };
 
+/// Pixels that name their place: column, row, and an alpha of their own.
+inline AmPicture numbered(int width, int height)
+{
+    AmPicture picture(width, height, 12);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            picture.view().at(x, y) = {u8(x), u8(y), u8(x ^ y), u8(x + 3 * y)};
+    return picture;
+}
+
 inline i32 apply(AmBlock& block, AmPicture& picture)
 {
     const KEXSDK::AmImageDesc desc = picture.desc();

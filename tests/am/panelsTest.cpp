@@ -7,17 +7,8 @@ namespace {
 using test::AmPicture;
 using test::applied;
 using test::Bgra;
+using test::numbered;
 using Row = std::vector<Bgra>;
-
-// Pixels that name their place: column, row, and an alpha of their own.
-AmPicture numbered(int width, int height)
-{
-    AmPicture picture(width, height, 12);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            picture.view().at(x, y) = {u8(x), u8(y), u8(x ^ y), u8(x + 3 * y)};
-    return picture;
-}
 
 u64 digest(AmPicture picture)
 {

@@ -11,18 +11,9 @@ namespace {
 using test::AmPicture;
 using test::applied;
 using test::Bgra;
+using test::numbered;
 using test::percent;
 using Row = std::vector<Bgra>;
-
-// Pixels that name their place: column, row, and an alpha of their own.
-AmPicture numbered(int width, int height)
-{
-    AmPicture picture(width, height, 12);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            picture.view().at(x, y) = {u8(x), u8(y), u8(x ^ y), u8(x + 3 * y)};
-    return picture;
-}
 
 AmPicture grey(int width, int height, u8 value)
 {

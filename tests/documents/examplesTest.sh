@@ -1,20 +1,10 @@
 #!/usr/bin/env bash
 # The examples do what the tool does, to the byte, and end cleanly on bad input:
 # examplesTest.sh TOOL RESOURCES PICTURE_EXAMPLE FRAMES_EXAMPLE
-set -uo pipefail
-tool=$1
 resources=$2
 picture=$3
 frames=$4
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-failures=0
-
-fail() {
-    echo "FAILED: $*" >&2
-    failures=$((failures + 1))
-}
+source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 # 32-bit BMP files hold the same bytes as frames: bottom row first, blue to alpha, after 122 bytes.
 printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0a\x14\x1e\xc8\x64\x32\0\0' >two.bmp
