@@ -37,6 +37,7 @@ struct ClipTransitionOptions {
     std::optional<double> at; ///< seconds; empty: so that it ends with the first clip
     double duration = 1;
     std::string size;
+    bool stretch = false; ///< the second clip fills the picture, whatever its own shape
     EncodingOptions encoding;
 };
 

@@ -24,6 +24,7 @@ struct Options {
     std::optional<double> duration;
     int frames = 0; ///< 0: one frame at `at`
     std::string size;
+    bool stretch = false;
     EncodingOptions encoding;
 };
 
@@ -52,6 +53,7 @@ void joinClips(const Options& options, const SessionOptions& session)
     clips.at = options.at;
     clips.duration = options.duration.value_or(clips.duration);
     clips.size = options.size;
+    clips.stretch = options.stretch;
     clips.encoding = options.encoding;
     runClipTransition(clips, session);
 }
@@ -65,6 +67,8 @@ void transition(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--at takes a picture's progress, 0 to 1");
     if (options.duration)
         throw ToolError(ExitCode::usage, "--duration is for clips; a picture's moment is --at");
+    if (options.stretch)
+        throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
     host::GraphDescription description;
     description.append(options.name);
     description.finish();
@@ -106,7 +110,10 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
     CLI::App* const command = tool.add_subcommand("transition", "Shows one picture turning into another.");
     command->add_option("NAME", options->name, "name or GUID of the transition")->required();
     command->add_option("FROM", options->from, "picture or clip shown first")->required();
-    command->add_option("TO", options->to, "picture or clip shown last; scaled to the first one's size")
+    command
+        ->add_option("TO", options->to,
+            "picture or clip shown last; a picture is scaled to the first one's size, a clip keeps its shape "
+            "within it")
         ->required();
     command->add_option("OUT", options->out, "picture; or a clip; or with --frames a directory")->required();
     const auto at =
@@ -122,6 +129,8 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
         ->check(CLI::Range(1, 100000))
         ->excludes(at);
     command->add_option("--size", options->size, "WIDTHxHEIGHT to scale to (default: the first one's own)");
+    command->add_flag("--stretch", options->stretch,
+        "clip: TO fills the picture of FROM, without black bars but out of shape");
     addEncodingOptions(*command, options->encoding);
     command->callback([options, &session] { transition(*options, session); });
 }

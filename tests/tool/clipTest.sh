@@ -110,8 +110,17 @@ make -i joined.mp4 -frames:v 25 -c:v ffv1 -an before.mkv
 make -i plain.mp4 -frames:v 25 -c:v ffv1 -an before-source.mkv
 alike before.mkv before-source.mkv 35
 make -sseof -0.05 -i joined.mp4 -update 1 joined-last.png
+make -sseof -0.05 -i second.mp4 -update 1 -vf scale=160:80,pad=160:120:0:20 second-last.png
+alike joined-last.png second-last.png 25
+expect 0 '' "$tool" transition push plain.mp4 second.mp4 stretched.mp4 --at 1 --duration 0.5 --stretch
+make -sseof -0.05 -i stretched.mp4 -update 1 joined-last.png
 make -sseof -0.05 -i second.mp4 -update 1 -vf scale=160:120 second-last.png
 alike joined-last.png second-last.png 25
+make -i second.mp4 -frames:v 6 -c copy -metadata:s:v rotate=90 tall.mp4
+expect 0 '' "$tool" transition push plain.mp4 tall.mp4 beside.mkv --codec ffv1 --at 1 --duration 0.1
+make -sseof -0.05 -i beside.mkv -update 1 beside.png
+make -sseof -0.05 -i tall.mp4 -update 1 -vf scale=60:120,pad=160:120:50:0 tall.png
+alike beside.png tall.png 25
 expect 2 'is no transition' "$tool" transition equalize plain.mp4 second.mp4 joined.mp4
 expect 2 'ends at' "$tool" transition push plain.mp4 second.mp4 joined.mp4 --at 9
 

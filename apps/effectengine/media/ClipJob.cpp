@@ -5,6 +5,7 @@
 #include "effectengine/ToolError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace fs = std::filesystem;
@@ -33,6 +34,20 @@ pixels::Extent workingSize(const ClipInfo& clip, const std::string& named)
                     + std::to_string(size.width) + " x " + std::to_string(size.height));
     }
     return {int(size.width), int(size.height)};
+}
+
+pixels::Extent shapedLike(const ClipInfo& clip, pixels::Extent size, AVRational pixelAspect)
+{
+    const auto ratio = [](AVRational aspect) {
+        return aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 1.0;
+    };
+    const double shape = double(clip.width) / clip.height * ratio(clip.sampleAspect) / ratio(pixelAspect);
+    const auto rounded = [](double side, int most) {
+        return int(std::clamp(std::round(side), 1.0, double(most)));
+    };
+    if (size.height * shape < size.width)
+        return {rounded(size.height * shape, size.width), size.height};
+    return {size.width, rounded(size.width / shape, size.height)};
 }
 
 EncoderChoice choiceOf(const EncodingOptions& options)

@@ -12,6 +12,11 @@ namespace media {
 /// the engine. Throws ToolError.
 pixels::Extent workingSize(const ClipInfo& clip, const std::string& named);
 
+/// The largest part of pictures of a size in which a clip keeps the shape that it is shown in; at least a
+/// pixel.
+/// @param pixelAspect  of those pictures; 0/1 for square pixels
+pixels::Extent shapedLike(const ClipInfo& clip, pixels::Extent size, AVRational pixelAspect);
+
 EncoderChoice choiceOf(const EncodingOptions& options);
 
 /// Throws ToolError when the output would replace one of the inputs.

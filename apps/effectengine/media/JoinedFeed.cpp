@@ -19,10 +19,18 @@ void JoinedFeed::Side::advance()
     hasAhead = reader.next(*ahead);
 }
 
-JoinedFeed::JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent size, AVRational unit,
-    std::int64_t at, std::int64_t duration)
-    : first_{first, ToPicture(first.info(), size.width, size.height)},
-      second_{second, ToPicture(second.info(), size.width, size.height)},
+void JoinedFeed::Side::picture(const host::Image& image)
+{
+    const pixels::View whole = viewOf(image);
+    const int left = (whole.width() - size.width) / 2;
+    const int bottom = (whole.height() - size.height) / 2;
+    convert.convert(*shown, whole.part(left, bottom, size));
+}
+
+JoinedFeed::JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent size, pixels::Extent secondSize,
+    AVRational unit, std::int64_t at, std::int64_t duration)
+    : first_{first, size},
+      second_{second, secondSize},
       unit_(unit),
       at_(at),
       end_(at + duration),

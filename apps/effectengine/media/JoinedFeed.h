@@ -19,11 +19,13 @@ struct JoinedIn {
 /// times, after it the second clip's at theirs. A clip that has ended shows its last frame on.
 class JoinedFeed {
 public:
+    /// @param size        of the pictures
+    /// @param secondSize  not larger: what the second clip takes of their middle
     /// @param unit      of all times
     /// @param at        when the second clip begins
     /// @param duration  of the transition
-    JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent size, AVRational unit, std::int64_t at,
-        std::int64_t duration);
+    JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent size, pixels::Extent secondSize,
+        AVRational unit, std::int64_t at, std::int64_t duration);
 
     /// False after the last frame. Throws what the readers throw, and when a stop is asked.
     bool next(JoinedIn& in);
@@ -32,7 +34,8 @@ private:
     /// One clip with a frame ahead.
     struct Side {
         ClipReader& reader;
-        ToPicture convert;
+        pixels::Extent size; ///< in the middle of the pictures
+        ToPicture convert{reader.info(), size.width, size.height};
         Frame shown = makeFrame();
         Frame ahead = makeFrame();
         bool hasAhead = false;
@@ -40,7 +43,8 @@ private:
         std::int64_t timeAhead(AVRational unit) const;
         /// The frame ahead becomes the one that is shown.
         void advance();
-        void picture(const host::Image& image) { convert.convert(*shown, viewOf(image)); }
+        /// Writes the middle of the image, of this side's size.
+        void picture(const host::Image& image);
     };
 
     bool nextOfSecond(JoinedIn& in);

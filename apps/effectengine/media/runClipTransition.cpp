@@ -3,6 +3,7 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/media/JoinedFeed.h"
 #include "effectengine/media/overlap.h"
+#include "pixels/rows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -61,6 +62,8 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
     FrameShape shape = shapeOf(first.info(), size.width, size.height);
     shape.timeBase = unit;
+    const pixels::Extent secondSize =
+        options.stretch ? size : shapedLike(second.info(), size, shape.sampleAspect);
     SideTracks tracks;
     if (!isPictureSequence(options.out))
         tracks = crossfadedTracks(
@@ -74,8 +77,11 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     for (JoinedIn& in : ins) {
         in.first.emplace(unsigned(size.width), unsigned(size.height));
         in.second.emplace(unsigned(size.width), unsigned(size.height));
+        pixels::rows::map(viewOf(*in.second), viewOf(*in.second), [](pixels::Bgra) -> pixels::Bgra {
+            return {0, 0, 0, 255}; // what the second clip leaves free
+        });
     }
-    JoinedFeed feed(first, second, size, unit, begin, duration);
+    JoinedFeed feed(first, second, size, secondSize, unit, begin, duration);
     FromPicture toFrame(sink->format(), sink->colour());
     const double afterwards = std::max(0.0, second.info().duration - options.duration) * second.info().rate();
     Progress progress(options.encoding.progress, "frames",
