@@ -58,6 +58,11 @@ make -i plain.mp4 -frames:v 5 -an -vf scale=out_range=pc:out_color_matrix=bt709 
     -color_primaries bt709 -color_trc bt709 marked.mp4
 expect 0 '' "$tool" video marked.mp4 marks.mp4 -e equalize
 same "$(of v color_range,color_space,color_transfer,color_primaries marks.mp4)" pc,bt709,bt709,bt709 "colour marks"
+make -i plain.mp4 -frames:v 5 -an -vf scale=out_color_matrix=bt2020,format=yuv420p10le -c:v libx265 -x265-params log-level=none \
+    -color_range tv -colorspace bt2020nc -color_primaries bt2020 -color_trc smpte2084 wide.mp4
+expect 0 'high dynamic range is kept as it is coded' "$tool" video wide.mp4 wide-out.mp4 "${copy[@]}"
+same "$(of v color_range,color_space,color_transfer,color_primaries wide-out.mp4)" tv,bt2020nc,smpte2084,bt2020 "wide colours"
+alike wide.mp4 wide-out.mp4 40
 
 # Sizes that are odd, pictures that stand on their side or upside down, times that are uneven.
 make -f lavfi -i testsrc=s=161x121:r=10:d=0.5 -pix_fmt yuv420p -c:v libvpx-vp9 odd.webm

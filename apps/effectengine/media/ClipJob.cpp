@@ -87,8 +87,13 @@ pixels::ConstView viewOf(CEffectImage* image)
 void warnOfDepth(const ClipInfo& clip)
 {
     const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(clip.format);
+    const AVColorTransferCharacteristic transfer = clip.colour.transfer;
+    const bool highRange = transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67;
     if (format && format->comp[0].depth > 8 && !(format->flags & AV_PIX_FMT_FLAG_PAL))
-        warn(clip, std::to_string(format->comp[0].depth) + " bits a channel become 8");
+        warn(clip,
+            std::to_string(format->comp[0].depth) + " bits a channel become 8"
+                + (highRange ? "; its high dynamic range is kept as it is coded, and effects see the codes"
+                             : ""));
 }
 
 void warnOfAlpha(const ClipInfo& clip, pixels::ConstView picture, AVPixelFormat output)
