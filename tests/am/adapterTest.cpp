@@ -167,6 +167,15 @@ TEST(AmNode, DescribesWhatItStores)
     }
 }
 
+TEST(AmNode, ABandIsTheBlocksAtAnyHeight)
+{
+    for (const u32 height : {48u, 480u, 2160u}) {
+        Node node(1041, 8, height);
+        EXPECT_EQ(node.getParamFloat("TopPos", 0), 40.0f / float(height));
+        EXPECT_EQ(node.getParamFloat("BottomPos", 0), 60.0f / float(height));
+    }
+}
+
 class AmTextures : public test::EngineWithoutGpu { };
 
 TEST_F(AmTextures, AMissingTextureLeavesInputOneEmptyAndIsTransparentBlack)

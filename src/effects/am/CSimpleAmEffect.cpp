@@ -64,6 +64,9 @@ void CSimpleAmEffect::setup(i32 id, const char* texturePath)
 
 void CSimpleAmEffect::declareParams()
 {
+    // Described first: the values that follow are the block's, for this node's size.
+    for (const ParamInfo& info : amParameters(params->id))
+        declare(info);
     setParamIntValue("PositionX", params->posX);
     setParamIntValue("PositionY", params->posY);
     setParamFloatValue("DecolorPosX", params->pickX * 100);
@@ -78,8 +81,6 @@ void CSimpleAmEffect::declareParams()
     setParamFloatValue("TopPos", asShare(params->top, height()));
     setParamFloatValue("RightPos", asShare(params->right, width()));
     setParamFloatValue("BottomPos", asShare(params->bottom, height()));
-    for (const ParamInfo& info : amParameters(params->id))
-        declare(info);
 }
 
 void CSimpleAmEffect::updateParams()

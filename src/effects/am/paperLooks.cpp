@@ -177,6 +177,7 @@ constexpr Bgra photoUnderTexture(Bgra p, Bgra texture) { return underTexture(p, 
 // A pencil sketch of the picture, but for its frame of one pixel, under the texture.
 i32 sketchUnderTexture(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     blendRows<photoUnderTexture>(f.src, f.second, f.dst);
     eachInnerGreyRow(f, [&](int y, GreyRows greys) {
         GreyRow sketch;
