@@ -169,10 +169,15 @@ TEST(AmNode, DescribesWhatItStores)
 
 TEST(AmNode, ABandIsTheBlocksAtAnyHeight)
 {
-    for (const u32 height : {48u, 480u, 2160u}) {
+    for (u32 height = 1; height <= 4096; height += height < 1000 ? 1 : 101) {
         Node node(1041, 8, height);
-        EXPECT_EQ(node.getParamFloat("TopPos", 0), 40.0f / float(height));
-        EXPECT_EQ(node.getParamFloat("BottomPos", 0), 60.0f / float(height));
+        EXPECT_FLOAT_EQ(node.getParamFloat("TopPos", 0), 40.0f / float(height));
+        EXPECT_FLOAT_EQ(node.getParamFloat("BottomPos", 0), 60.0f / float(height));
+        CEffectImage input(8, height, 0, 32, nullptr);
+        node.setInputImage(&input, 0);
+        node.evaluate(nullptr);
+        EXPECT_EQ(node.block().top, 40) << height;
+        EXPECT_EQ(node.block().bottom, 60) << height;
     }
 }
 

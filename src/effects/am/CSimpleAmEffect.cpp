@@ -6,6 +6,7 @@
 #include "effects/am/amLibrary.h"
 #include "pixels/numbers.h"
 
+#include <cmath>
 #include <new>
 
 namespace KEXSDK {
@@ -16,9 +17,14 @@ constexpr float kFramesPerSecond = 25.0f;
 constexpr i32 kVignetteRadius = 95;
 
 // Region bounds are whole pixels in the block and shares of the picture in the parameters.
-float asShare(i32 bound, u32 extent) { return float(bound) / float(extent); }
-
 i32 asPixels(float share, u32 extent) { return pixels::truncated(float(extent) * share); }
+
+// One that comes back as the bound: the nearest may lie just below it.
+float asShare(i32 bound, u32 extent)
+{
+    const float share = float(bound) / float(extent);
+    return asPixels(share, extent) < bound ? std::nextafter(share, 2 * share) : share;
+}
 
 // Displacement maps depend on the parameters; what else is kept follows the parameters by itself.
 u32 rebuiltOnChange(i32 id)

@@ -1,6 +1,7 @@
 // Sharpening, blurring, edges and pencil drawings: a pixel's new colour follows from the 3x3 pixels around
 // it.
 #include "effects/am/amFilters.h"
+#include "effects/am/amScratch.h"
 #include "effects/am/neighbours.h"
 #include "effects/am/pencil.h"
 #include "effects/am/rowPasses.h"
@@ -39,8 +40,10 @@ i32 blur(const Frame& f)
     return kAmOk;
 }
 
+// Tables that the library keeps for what follows are calculated here; callers see their mark cleared.
 i32 sketch(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     eachGreyFromNeighbours(
         f, [ground = percentOf(f.block)](Neighbours n) { return 255 - ((edge(n) + ground) >> 1); });
     return kAmOk;
@@ -48,6 +51,7 @@ i32 sketch(const Frame& f)
 
 i32 neon(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     eachByteFromNeighbours(
         f, Border::black, [least = percentOf(f.block)](Neighbours n) { return std::max(edge(n), least); });
     return kAmOk;
@@ -64,6 +68,7 @@ constexpr auto kReciprocals = [] {
 // A colour dodge against the brightest neighbour.
 i32 pencil(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     const int width = f.dst.width();
     eachGreyRowInside(f, [&](int y, GreyRows greys) {
         GreyRow largest;
@@ -85,6 +90,7 @@ i32 pencil(const Frame& f)
 // remainder; both are far more than single precision errs.
 i32 colourPencil(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     eachPixelByLargest(f, Border::black, [](Bgra p, Bgra largest) -> Bgra {
         const auto inverse =
             pixels::inversesOf(float(largest.b + 8), float(largest.g + 8), float(largest.r + 8));
@@ -111,6 +117,7 @@ constexpr pixels::ByteTable kTwiceRootAndOne = pixels::tableOf([](int c) {
 // them: (3584 (j + 1) / (excess + 2 + 2 j)) / 10 of 256, rounded downwards.
 i32 colourSketch(const Frame& f)
 {
+    takeDirty(f.block, kAmDirtyTable);
     eachInnerRow(f, Border::blackSides, [&](int y) {
         const int width = f.dst.width();
         ByteRow largest;
