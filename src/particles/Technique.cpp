@@ -137,8 +137,11 @@ void Technique::set(const AttributePath& path, Words words)
 {
     if (words.empty())
         return;
-    if (path.emitter >= 0 && std::size_t(path.emitter) < emitters_.size())
-        return emitters_[std::size_t(path.emitter)].set(path.attribute, words);
+    if (path.emitter != kNothing) {
+        if (std::size_t(path.emitter) < emitters_.size())
+            emitters_[std::size_t(path.emitter)].set(path.attribute, words);
+        return;
+    }
     const auto attribute = std::ranges::find(kAttributes, path.attribute, &Attribute::name);
     if (attribute != kAttributes.end())
         attribute->set(*this, words);

@@ -31,7 +31,9 @@ AttributePath parseAttributePath(std::string_view name)
         int* const index = selected(path, name[1]);
         if (!index || !isDigit(name[2]) || !isDigit(name[3]))
             return {};
-        *index = (name[2] - '0') * 10 + (name[3] - '0');
+        // Emitters and affectors are those of a technique.
+        if (name[1] == 'T' || path.technique != kNothing)
+            *index = (name[2] - '0') * 10 + (name[3] - '0');
     }
     if (!name.starts_with('.'))
         return {};

@@ -17,6 +17,8 @@ TEST(AttributePath, SelectsByLettersWithTwoDigits)
     EXPECT_EQ(parseAttributePath(":T01.VPQuota"), (AttributePath{1, -1, -1, "VPQuota"}));
     EXPECT_EQ(parseAttributePath(":T00:E12.EmissionRate"), (AttributePath{0, 12, -1, "EmissionRate"}));
     EXPECT_EQ(parseAttributePath(":T09:A03.x"), (AttributePath{9, -1, 3, "x"}));
+    EXPECT_EQ(parseAttributePath(":E01:T00.Width"), (AttributePath{0, -1, -1, "Width"}));
+    EXPECT_EQ(parseAttributePath(":E01.Width"), (AttributePath{-1, -1, -1, "Width"}));
     for (const char* malformed :
         {":T1.Width", ":X00.Width", ":T00", ":T00:E0x.Width", ":", "Width", ":T00Width"})
         EXPECT_EQ(parseAttributePath(malformed), AttributePath{}) << malformed;
@@ -254,7 +256,7 @@ TEST_F(Particles, AttributesReachTechniquesAndEmitters)
     EXPECT_EQ(std::ranges::count(red, 255), size + kWidth * kHeight); // one byte a particle pixel, and alpha
     // Selections that are not there, values that do not fit, and what has no counterpart.
     for (const auto& same : {shows(Real{":T01.Width", 8}), shows(Real{":T00:E01.EmissionRate", 0}),
-             shows(Real{":T00:A00.Width", 8}), shows(Real{".Width", 8}),
+             shows(Real{":T00:E01.Width", 8}), shows(Real{":T00:A00.Width", 8}), shows(Real{".Width", 8}),
              shows(Reals{":T00.position", {500, 0}}), shows(Reals{":T00:E00.EmissionRate", {0, 0}}),
              shows(Reals{":T00:E00.Colour", {1, 0, 0}}),
              shows(Real{":T00.Width", std::numeric_limits<float>::quiet_NaN()}),
