@@ -156,9 +156,7 @@ private:
     {
         if (useCpuColour_ || get(kColorEnable) == 0 || !gpuAvailable())
             return false;
-        for (const auto& [index, image] : inputs())
-            if (image)
-                bindInput(*gpu_.get(), *this, *image, index);
+        boundInputs_.bind(*gpu_.get(), *this, inputs());
         setUniforms(*gpu_.get(), *this, kRunTag);
         if (gpu_.draw(*getOutputImage()))
             return true;
@@ -194,6 +192,7 @@ private:
     }
 
     GpuEffect gpu_;
+    BoundInputs boundInputs_;
     bool useCpuColour_ = true; ///< for good, once it is set after init
     lightroom::ColourSteps colour_;
     lightroom::HazeRemoval haze_;

@@ -72,5 +72,29 @@ void bindInput(
     TovEffectBase& effect, CEffectBaseParam& parameters, const KEXSDK::CEffectImage& image, i32 index)
 {
     effect.setInput(image.record(), index);
-    parameters.setParamIntValue(("mSample" + std::to_string(index)).c_str(), index);
+    nameSampler(parameters, index);
+}
+
+void nameSampler(CEffectBaseParam& parameters, i32 index)
+{
+    const std::string name = "mSample" + std::to_string(index);
+    if (parameters.getParamInt(name.c_str(), -1) != index)
+        parameters.setParamIntValue(name.c_str(), index);
+}
+
+void BoundInputs::bind(
+    TovEffectBase& effect, CEffectBaseParam& parameters, const std::map<i32, KEXSDK::CEffectImage*>& images)
+{
+    std::erase_if(bound_, [&](i32 index) {
+        const auto image = images.find(index);
+        const bool gone = image == images.end() || !image->second;
+        if (gone)
+            effect.removeInput(index);
+        return gone;
+    });
+    for (const auto& [index, image] : images)
+        if (image) {
+            bindInput(effect, parameters, *image, index);
+            bound_.insert(index);
+        }
 }

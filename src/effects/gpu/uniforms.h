@@ -4,6 +4,9 @@
 #include "model/CEffectBaseParam.h"
 #include "model/CEffectImage.h"
 
+#include <map>
+#include <set>
+
 class TovEffectBase;
 
 /// Gives every uniform the value of the parameter of its name; a "u_name" without one takes that of "Name".
@@ -11,6 +14,21 @@ class TovEffectBase;
 /// @param tag  of the debug records about it
 void setUniforms(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters, const char* tag);
 
-/// Makes an image the effect's input and names the sampler that shows it, "mSample" and the index.
+/// Stores which texture unit a sampler shows: "mSample" and the index is the parameter, the index its value.
+void nameSampler(KEXSDK::CEffectBaseParam& parameters, i32 index);
+
+/// Makes an image the effect's input and names the sampler that shows it.
 void bindInput(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters, const KEXSDK::CEffectImage& image,
     i32 index);
+
+/// The images of a node that are inputs of its effect.
+class BoundInputs {
+public:
+    /// Binds every image there is. An input that was bound before and is gone is taken away: the effect would
+    /// read its pixels again, and they may be gone as well.
+    void bind(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters,
+        const std::map<i32, KEXSDK::CEffectImage*>& images);
+
+private:
+    std::set<i32> bound_;
+};

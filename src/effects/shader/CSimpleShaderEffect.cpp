@@ -33,8 +33,6 @@ float bounded(float number)
     return std::isnan(number) ? 0 : std::clamp(number, -kFarthest, kFarthest);
 }
 
-std::string samplerName(i32 index) { return "mSample" + std::to_string(index); }
-
 /// Texture coordinates of a pixel's neighbours, and its own, row by row.
 std::array<float, 18> neighbourOffsets(u32 width, u32 height)
 {
@@ -101,7 +99,7 @@ void CSimpleShaderEffect::bindTextures()
     for (const shader::DescriptorTexture& texture : descriptor_->textures) {
         logging::debug(kInitTag, [&] { return "add texture file [" + texture.file + "]"; });
         gpu_->loadPicture(texture.file.c_str(), i32(texture.index));
-        setParamIntValue(samplerName(i32(texture.index)).c_str(), i32(texture.index));
+        nameSampler(*this, i32(texture.index));
     }
 }
 
@@ -109,7 +107,7 @@ void CSimpleShaderEffect::run()
 {
     TovOgreRenderThread::getInstance();
     if (gpu_) {
-        bindInputs();
+        boundInputs_.bind(*gpu_.get(), *this, inputs());
         placePicture();
         setTime();
         setUniforms(*gpu_.get(), *this, kRunTag);
@@ -117,31 +115,16 @@ void CSimpleShaderEffect::run()
         const bool drawn = gpu_.draw(*getOutputImage());
         logging::write(logging::Severity::verbose, kRunTag, "DoFilter_End");
         if (drawn) {
-            if (getOutputImage()->flipsOnUnlock())
+            if (getOutputImage()->flipsOnUnlock()) {
                 getOutputImage()->reverseRows();
+                getOutputImage()->forgetTexture(); // its rows stand as before
+            }
             return;
         }
     }
     if (descriptor_)
         reportProblem();
     copyFirstInput();
-}
-
-void CSimpleShaderEffect::bindInputs()
-{
-    std::erase_if(boundInputs_, [&](i32 index) {
-        const bool gone = !getInputImage(index);
-        if (gone)
-            gpu_->removeInput(index);
-        return gone;
-    });
-    for (const auto& [index, image] : inputs()) {
-        if (!image)
-            continue;
-        gpu_->setInput(image->record(), index);
-        if (boundInputs_.insert(index).second)
-            setParamIntValue(samplerName(index).c_str(), index);
-    }
 }
 
 void CSimpleShaderEffect::placePicture()

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "EffectTovOgre/GpuEffect.h"
+#include "effects/gpu/uniforms.h"
 #include "effects/shader/ShaderDescriptor.h"
 #include "model/CSimpleEffect.h"
-
-#include <set>
 
 namespace shader {
 
@@ -48,7 +47,6 @@ protected:
 
 private:
     void bindTextures();
-    void bindInputs();
     void placePicture();
     void setTime();
     void copyFirstInput();
@@ -58,7 +56,7 @@ private:
     shader::DescriptorPtr descriptor_;
     u32 inputCount_ = 1;
     GpuEffect gpu_;
-    std::set<i32> boundInputs_;
+    BoundInputs boundInputs_;
     bool reported_ = false;
 };
 
