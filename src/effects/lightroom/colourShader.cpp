@@ -69,7 +69,7 @@ vec3 tint(vec3 c)
 {
     float k = u_tint * 100.0 / 225.0 / 255.0;
     float grey = 0.3 * c.r + 0.59 * c.g + 0.11 * c.b;
-    return limited(c + vec3(k, -k, k) * grey);
+    return c + vec3(k, -k, k) * grey;
 }
 
 vec3 brightness(vec3 c)
