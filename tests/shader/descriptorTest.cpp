@@ -145,6 +145,20 @@ TEST(Descriptor, AMemberOfTheWrongTypeCountsAsAbsent)
         EXPECT_EQ(shader::parseDescriptor(std::string("{\"INPUTS\":") + inputs + "}")->inputs, 1u) << inputs;
 }
 
+TEST(Descriptor, TextsWithControlCharactersCountAsAbsent)
+{
+    const auto descriptor = shader::parseDescriptor(
+        R"({"SHADER": "x.frag\n2026 ERROR", "PU": "a\u0000b", "TITLE": "\u001b[31mred", "SUMMARY": "grün",
+            "PARAMS": [{"name": "a", "type": "float", "default": 1, "help": "two\nlines", "unit": "mm"}]})");
+    ASSERT_TRUE(descriptor);
+    EXPECT_EQ(descriptor->shader, "");
+    EXPECT_EQ(descriptor->particleTemplate, "");
+    EXPECT_EQ(descriptor->facts.title, "");
+    EXPECT_EQ(descriptor->facts.summary, "grün");
+    EXPECT_STREQ(descriptor->params.at(0).help, "");
+    EXPECT_STREQ(descriptor->params.at(0).unit, "mm");
+}
+
 TEST_F(DescriptorScan, ListedEffectsCompleteWhatTheirFilesLeaveOut)
 {
     files.write("Shader/Soft_Glow 2.conf", withGuid(1));

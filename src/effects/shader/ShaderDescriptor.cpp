@@ -10,11 +10,7 @@ namespace shader {
 
 namespace {
 
-std::string textOf(const Json::Value& object, const char* key)
-{
-    const Json::Value& value = object[key];
-    return value.isString() ? value.asString() : std::string();
-}
+std::string textOf(const Json::Value& object, const char* key) { return plainText(object[key]); }
 
 /// The whole number under a key, or `absent` when there is none within 0..last.
 u32 numberOf(const Json::Value& object, const char* key, u32 last, u32 absent)

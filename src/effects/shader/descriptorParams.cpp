@@ -21,7 +21,7 @@ constexpr Json::ArrayIndex kMostParams = 256;
 
 // Stored by every shader effect itself, with values that its frame gives.
 constexpr std::array kOwnNames{"kex_effect_enable", "u_global_time", "u_total_time", "u_resolution",
-    "u_offset", "stRotate", "stScale", "stTranslate"};
+    "u_offset", "stRotate", "stScale", "stTranslate", "u_frame_rate"};
 
 constexpr std::array<std::pair<std::string_view, ParamType>, 4> kTypes{{
     {"float", ParamType::real},
@@ -108,9 +108,10 @@ std::string choicesText(const Json::Value& names)
     if (!names.isArray())
         return text;
     for (Json::ArrayIndex i = 0; i < names.size(); ++i) {
-        if (!names[i].isString())
+        const std::string name = plainText(names[i]);
+        if (name.empty())
             return {};
-        text += (i ? ", " : "") + std::to_string(i) + " " + names[i].asString();
+        text += (i ? ", " : "") + std::to_string(i) + " " + name;
     }
     return text;
 }
@@ -141,12 +142,19 @@ public:
 
 private:
     const char* keep(std::string text) { return descriptor_.texts.emplace_back(std::move(text)).c_str(); }
-    const char* keep(const Json::Value& text) { return text.isString() ? keep(text.asString()) : ""; }
+    const char* keep(const Json::Value& text) { return keep(plainText(text)); }
 
     ShaderDescriptor& descriptor_;
 };
 
 } // namespace
+
+std::string plainText(const Json::Value& value)
+{
+    const auto isControl = [](unsigned char c) { return c < ' ' || c == 127; };
+    const std::string text = value.isString() ? value.asString() : std::string();
+    return std::ranges::any_of(text, isControl) ? std::string() : text;
+}
 
 void readParams(const Json::Value& list, ShaderDescriptor& descriptor)
 {
