@@ -114,7 +114,8 @@ PictureSize fitted(PictureSize size)
 
 host::Image loadPicture(const fs::path& file, PictureSize size)
 {
-    host::Image image = host::Image::load(file.string(), size.width, size.height);
+    // The engine takes a bare name for one of the pack's pictures first.
+    host::Image image = host::Image::load(fs::absolute(file).string(), size.width, size.height);
     if (!image && !gpuAvailable())
         throw ToolError(ExitCode::noGraphics,
             "the graphics system did not start, so pictures cannot be loaded (no EGL and no display?)");

@@ -53,16 +53,17 @@ private:
 /// The file at that path, or the resource of that name; null when neither can be read.
 std::unique_ptr<std::istream> openPicture(const std::string& path)
 {
+    // An effect's picture is the pack's, whatever lies in the directory that the host runs in.
+    auto& groups = Ogre::ResourceGroupManager::getSingleton();
+    if (groups.resourceExists(Ogre::RGN_DEFAULT, path))
+        return std::make_unique<std::istringstream>(
+            groups.openResource(path, Ogre::RGN_DEFAULT)->getAsString());
     // Only regular files: opening a pipe, or reading a device, could take for ever.
     std::error_code error;
-    if (std::filesystem::is_regular_file(path, error)) {
-        auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
-        return *file ? std::move(file) : nullptr;
-    }
-    auto& groups = Ogre::ResourceGroupManager::getSingleton();
-    if (!groups.resourceExists(Ogre::RGN_DEFAULT, path))
+    if (!std::filesystem::is_regular_file(path, error))
         return nullptr;
-    return std::make_unique<std::istringstream>(groups.openResource(path, Ogre::RGN_DEFAULT)->getAsString());
+    auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
+    return *file ? std::move(file) : nullptr;
 }
 
 class OgreGraphicsSystem : public GraphicsSystem {

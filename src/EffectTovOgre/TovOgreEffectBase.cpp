@@ -3,6 +3,7 @@
 
 #include "EffectTovOgre/PixelFormats.h"
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "core/DynClass.h"
 
 #include <OgreCamera.h>
 #include <OgreDepthBuffer.h>
@@ -19,6 +20,8 @@
 #include <stdexcept>
 
 namespace {
+
+DYN_CLASS::CFactory<TovOgreEffectBase> factory;
 
 /// Where the picture stands; the plane was built to fill a 4:3 view there.
 constexpr float kPictureDistance = 1010;
@@ -174,11 +177,11 @@ void TovOgreEffectBase::createShader()
 
 ShaderParameters* TovOgreEffectBase::getShaderParameters()
 {
-    if (!shaderParameters_.empty() || (shaderCreated_ && !TovOgreRenderThread::isCurrent()))
+    if (!shaderParameters_.empty() || (parametersListed_ && !TovOgreRenderThread::isCurrent()))
         return environment_ ? &shaderParameters_ : nullptr;
     if (!TovOgreRenderThread::isCurrent()) {
         TovOgreRenderThread::prepareEffect(this);
-        return shaderCreated_ && environment_ ? &shaderParameters_ : nullptr;
+        return parametersListed_ && environment_ ? &shaderParameters_ : nullptr;
     }
     if (!plane_) {
         TovOgreBase::log("shader had not been created!");
@@ -187,6 +190,7 @@ ShaderParameters* TovOgreEffectBase::getShaderParameters()
     createShader();
     applyShaderParameters();
     plane_->shader().getShaderParameters(shaderParameters_);
+    parametersListed_ = true;
     return &shaderParameters_;
 }
 

@@ -135,6 +135,7 @@ private:
     bool listening_ = false;
     bool sceneCreated_ = false;
     bool shaderCreated_ = false;
+    bool parametersListed_ = false;
     bool pictureOnly_ = false;
     bool fitPending_ = false;
     std::optional<ProgramText> vertexText_;

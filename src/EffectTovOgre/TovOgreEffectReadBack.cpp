@@ -46,6 +46,10 @@ void TovOgreEffectBase::getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 c
         TovOgreBase::log("Error : Parameter is NULL!");
         return;
     }
+    if (!renderTexture_) {
+        TovOgreBase::log("Error: Render Texture is NULL!, Could not get pixels.");
+        return;
+    }
     // The record may be older than the texture's present size, or than this effect.
     if (!record->sharedBuffer || record->sharedBuffer != renderTexture_
         || record->width != renderTexture_->getWidth() || record->height != renderTexture_->getHeight())
@@ -84,17 +88,24 @@ void TovOgreEffectBase::readPixels(KEXSDK::_ImageParam& record)
 void TovOgreEffectBase::readThroughPackBuffer(u8* pixels, std::size_t size)
 {
     glBindBuffer(GL_PIXEL_PACK_BUFFER, packBuffer_);
-    glReadPixels(0, 0, GLsizei(width_), GLsizei(height_), GL_BGRA, GL_UNSIGNED_BYTE, nullptr);
-    const void* const mapped =
-        glGetError() == GL_NO_ERROR ? glMapBuffer(GL_PIXEL_PACK_BUFFER, GL_READ_ONLY) : nullptr;
-    if (mapped) {
-        std::memcpy(pixels, mapped, size);
-        glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
-        glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-        return;
+    glReadPixels(0, 0, GLsizei(renderTexture_->getWidth()), GLsizei(renderTexture_->getHeight()), GL_BGRA,
+        GL_UNSIGNED_BYTE, nullptr);
+    const void* mapped = nullptr;
+    GLenum problem = glGetError();
+    if (problem == GL_NO_ERROR) {
+        mapped = glMapBuffer(GL_PIXEL_PACK_BUFFER, GL_READ_ONLY);
+        problem = glGetError();
+        if (!mapped || problem != GL_NO_ERROR)
+            TovOgreBase::log("glMapBufferRangeEXT failed: " + std::to_string(problem));
     }
-    TovOgreBase::log("glMapBufferRangeEXT failed: " + std::to_string(glGetError()));
+    const bool arrived = mapped && problem == GL_NO_ERROR;
+    if (arrived)
+        std::memcpy(pixels, mapped, size);
+    if (mapped)
+        glUnmapBuffer(GL_PIXEL_PACK_BUFFER);
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
+    if (arrived)
+        return;
     const auto& buffer = renderTexture_->getBuffer();
     buffer->blitToMemory(
         Ogre::PixelBox(buffer->getWidth(), buffer->getHeight(), 1, Ogre::PF_A8R8G8B8, pixels));

@@ -36,6 +36,7 @@ TEST(DynClass, ComparesTheWholeNameExactly)
 TEST(DynClass, FactoriesJoinAtTheHeadAndLeaveInAnyOrder)
 {
     const unsigned before = DYN_CLASS::CFactoryManager::count();
+    EXPECT_EQ(before, 2u) << "the plain GPU effect and the one with particles";
     std::optional<DYN_CLASS::CFactory<DynTestEffect>> first(std::in_place), second(std::in_place);
     std::optional<DYN_CLASS::CFactory<Nested>> third(std::in_place);
     EXPECT_EQ(DYN_CLASS::CFactoryManager::count(), before + 3);
