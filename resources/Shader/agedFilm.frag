@@ -1,12 +1,13 @@
 // A worn print: unsteady frame, flicker, scratches, dust and faded dyes.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 #include "noise.glsl"
 
-uniform float u_global_time; // seconds
-uniform float u_wear;        // scratches and dust, 0..1
-uniform float u_fade;        // how far the dyes have gone, 0..1
-uniform float u_jitter;      // unsteadiness, 0..1
+uniform float u_global_time;  // seconds
+uniform float u_wear = 0.6;   // scratches and dust, 0..1
+uniform float u_fade = 0.7;   // how far the dyes have gone, 0..1
+uniform float u_jitter = 0.6; // unsteadiness, 0..1
 
 void main()
 {

@@ -1,10 +1,11 @@
 // Bright places glow into their surroundings.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
-uniform float u_threshold; // brightness that begins to glow, 0..1
-uniform float u_intensity; // 0..2
-uniform float u_radius;    // percent of the height
+uniform float u_threshold = 0.7; // brightness that begins to glow, 0..1
+uniform float u_intensity = 0.7; // 0..2
+uniform float u_radius = 6.0;    // percent of the height
 
 void main()
 {

@@ -1,12 +1,13 @@
 // The first picture's screen colour becomes clear and shows the second picture.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
 uniform sampler2D mSample1;
-uniform vec3 u_screen;      // colour of the screen
-uniform float u_tolerance;  // 0..1
-uniform float u_softness;   // 0..1
-uniform float u_spill;      // how much of the screen's tint is taken off the edges, 0..1
+uniform vec3 u_screen = vec3(0.1, 0.7, 0.2); // colour of the screen
+uniform float u_tolerance = 0.35;            // 0..1
+uniform float u_softness = 0.2;              // 0..1
+uniform float u_spill = 0.8;                 // how much of the screen's tint is taken off the edges, 0..1
 
 /// The two colour differences, without brightness: a shadow on the screen is still the screen.
 vec2 chroma(vec3 c)

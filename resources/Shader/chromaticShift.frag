@@ -1,9 +1,10 @@
 // Red and blue drift apart, along a direction or outward from the middle like a simple lens.
+#version 120
 #include "picture.glsl"
 
-uniform float u_amount; // percent of the height
-uniform float u_angle;  // degrees, counter-clockwise from the right
-uniform float u_radial; // 0 along the angle, 1 outward
+uniform float u_amount = 0.8; // percent of the height
+uniform float u_angle = 0.0;  // degrees, counter-clockwise from the right
+uniform float u_radial = 0.8; // 0 along the angle, 1 outward
 
 void main()
 {

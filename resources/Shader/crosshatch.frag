@@ -1,10 +1,11 @@
 // Pen and ink: strokes in four directions, denser where the picture is darker.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 #include "noise.glsl"
 
-uniform float u_spacing; // distance of the strokes in pixels
-uniform float u_colour;  // how much of the picture's colour the ink has, 0..1
+uniform float u_spacing = 6.0; // distance of the strokes in pixels
+uniform float u_colour = 0.2;  // how much of the picture's colour the ink has, 0..1
 
 /// Ink of one set of parallel strokes; the hand is not quite steady.
 float strokes(float angle, float darkness)

@@ -1,10 +1,11 @@
 // Irregular facets, each of one colour and tilted a little to the light.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
-uniform float u_size;      // facet size in pixels
-uniform float u_edge;      // brightness of the edges, 0..1
-uniform float u_roughness; // how irregular the facets are, 0..1
+uniform float u_size = 32.0;     // facet size in pixels
+uniform float u_edge = 0.35;     // brightness of the edges, 0..1
+uniform float u_roughness = 0.9; // how irregular the facets are, 0..1
 
 void main()
 {

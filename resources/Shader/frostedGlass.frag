@@ -1,9 +1,10 @@
 // Seen through rough glass.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
-uniform float u_roughness; // percent of the height
-uniform float u_grain;     // size of the grain in pixels
+uniform float u_roughness = 3.0; // percent of the height
+uniform float u_grain = 2.0;     // size of the grain in pixels
 
 void main()
 {

@@ -1,10 +1,11 @@
 // Damaged data: blocks jump sideways, colours part, for moments at a time.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
-uniform float u_global_time; // seconds
-uniform float u_amount;      // 0..1
-uniform float u_speed;       // changes a second
+uniform float u_global_time;  // seconds
+uniform float u_amount = 0.6; // 0..1
+uniform float u_speed = 8.0;  // changes a second
 
 void main()
 {

@@ -1,9 +1,10 @@
 // Four-colour print: screens of dots at the printer's angles.
+#version 120
 #include "picture.glsl"
 
-uniform float u_size;  // distance of the dots in pixels
-uniform float u_angle; // degrees added to every screen
-uniform float u_black; // share of black ink, 0..1
+uniform float u_size = 8.0;   // distance of the dots in pixels
+uniform float u_angle = 0.0;  // degrees added to every screen
+uniform float u_black = 0.55; // share of black ink, 0..1
 
 /// From pixels around the middle to the grid of a screen, and back with the transpose.
 mat2 turned(float angle)

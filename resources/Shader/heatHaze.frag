@@ -1,11 +1,12 @@
 // Hot air rises in front of the picture.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
-uniform float u_global_time; // seconds
-uniform float u_strength;    // percent of the height
-uniform float u_scale;       // waves in a picture height
-uniform float u_horizon;     // height up to which the air is hot, 0..1
+uniform float u_global_time;    // seconds
+uniform float u_strength = 1.0; // percent of the height
+uniform float u_scale = 9.0;    // waves in a picture height
+uniform float u_horizon = 1.2;  // height up to which the air is hot, 0..1
 
 void main()
 {

@@ -1,8 +1,9 @@
 // Hexagons of one colour with fine seams.
+#version 120
 #include "picture.glsl"
 
-uniform float u_size; // width of a cell in pixels
-uniform float u_seam; // darkness of the seams, 0..1
+uniform float u_size = 24.0; // width of a cell in pixels
+uniform float u_seam = 0.35; // darkness of the seams, 0..1
 
 void main()
 {

@@ -1,8 +1,9 @@
 // Barrel and pincushion of a lens.
+#version 120
 #include "picture.glsl"
 
-uniform float u_distortion; // percent: above 0 barrel, below 0 pincushion
-uniform float u_zoom;       // 1 keeps the middle's size
+uniform float u_distortion = 25.0; // percent: above 0 barrel, below 0 pincushion
+uniform float u_zoom = 1.2;        // 1 keeps the middle's size
 
 void main()
 {

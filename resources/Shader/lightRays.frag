@@ -1,13 +1,14 @@
 // Light streams from a point through the bright places of the picture.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 #include "noise.glsl"
 
-uniform vec2 u_source;     // 0..1, y upward; may lie outside
-uniform float u_threshold; // brightness that shines, 0..1
-uniform float u_length;    // 0..1 of the way to the source
-uniform float u_intensity; // 0..3
-uniform vec3 u_tint;       // colour of the light
+uniform vec2 u_source = vec2(0.5, 1.1);      // 0..1, y upward; may lie outside
+uniform float u_threshold = 0.55;            // brightness that shines, 0..1
+uniform float u_length = 0.7;                // 0..1 of the way to the source
+uniform float u_intensity = 1.2;             // 0..3
+uniform vec3 u_tint = vec3(1.0, 0.93, 0.78); // colour of the light
 
 void main()
 {

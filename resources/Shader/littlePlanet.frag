@@ -1,9 +1,10 @@
 // The picture is rolled up: its foot becomes a planet, its top the sky around it.
+#version 120
 #include "picture.glsl"
 
-uniform float u_zoom;     // 0.3..3
-uniform float u_rotation; // degrees
-uniform float u_ground;   // size of the planet, 0..1
+uniform float u_zoom = 1.0;     // 0.3..3
+uniform float u_rotation = 0.0; // degrees
+uniform float u_ground = 0.5;   // size of the planet, 0..1
 
 void main()
 {

@@ -1,12 +1,13 @@
 // Tilted lens: a sharp band, everything above and below out of focus, colours like painted models.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
-uniform float u_focus;      // height of the sharp band's middle, 0..1
-uniform float u_band;       // height of the sharp band, 0..1
-uniform float u_blur;       // percent of the height
-uniform float u_angle;      // degrees that the band is turned
-uniform float u_saturation; // 0..2
+uniform float u_focus = 0.42;      // height of the sharp band's middle, 0..1
+uniform float u_band = 0.18;       // height of the sharp band, 0..1
+uniform float u_blur = 1.6;        // percent of the height
+uniform float u_angle = 0.0;       // degrees that the band is turned
+uniform float u_saturation = 1.35; // 0..2
 
 void main()
 {

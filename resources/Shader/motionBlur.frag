@@ -1,8 +1,9 @@
 // Blur along a straight line, as of a camera that moved.
+#version 120
 #include "picture.glsl"
 
-uniform float u_angle;  // degrees, counter-clockwise from the right
-uniform float u_length; // percent of the height
+uniform float u_angle = 0.0;  // degrees, counter-clockwise from the right
+uniform float u_length = 6.0; // percent of the height
 
 void main()
 {

@@ -1,10 +1,11 @@
 // Outlines glow in the colours of the picture, on a darkened ground.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
-uniform float u_width;      // line width in pixels
-uniform float u_brightness; // 0..4
-uniform float u_ground;     // how much of the picture stays, 0..1
+uniform float u_width = 1.5;      // line width in pixels
+uniform float u_brightness = 1.8; // 0..4
+uniform float u_ground = 0.18;    // how much of the picture stays, 0..1
 
 vec3 at(float x, float y)
 {

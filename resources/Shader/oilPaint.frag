@@ -1,7 +1,8 @@
 // Brush strokes: every pixel takes the colour of the calmest quarter around it.
+#version 120
 #include "picture.glsl"
 
-uniform float u_radius; // brush size in pixels, 1..8
+uniform float u_radius = 4.0; // brush size in pixels, 1..8
 
 void main()
 {

@@ -1,7 +1,8 @@
 // Squares of one colour, the average of nine places within.
+#version 120
 #include "picture.glsl"
 
-uniform float u_size; // side of a square in pixels
+uniform float u_size = 16.0; // side of a square in pixels
 
 void main()
 {

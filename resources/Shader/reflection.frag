@@ -1,11 +1,12 @@
 // Still water below a line mirrors what stands above it.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
 uniform float u_global_time; // seconds
-uniform float u_level;       // height of the water, 0..1
-uniform float u_waves;       // 0..1
-uniform float u_depth;       // how dark and blue the water is, 0..1
+uniform float u_level = 0.4; // height of the water, 0..1
+uniform float u_waves = 0.5; // 0..1
+uniform float u_depth = 0.6; // how dark and blue the water is, 0..1
 
 void main()
 {

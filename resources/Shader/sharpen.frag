@@ -1,10 +1,11 @@
 // Unsharp mask: what differs from the blurred picture is added once more.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
-uniform float u_amount;    // 0..3
-uniform float u_radius;    // pixels
-uniform float u_threshold; // brightness difference that is left alone, 0..0.2
+uniform float u_amount = 1.0;     // 0..3
+uniform float u_radius = 1.2;     // pixels
+uniform float u_threshold = 0.01; // brightness difference that is left alone, 0..0.2
 
 void main()
 {

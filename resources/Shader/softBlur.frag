@@ -1,7 +1,8 @@
 // Soft round blur: Gaussian weights on a sunflower spiral.
+#version 120
 #include "picture.glsl"
 
-uniform float u_radius; // percent of the height
+uniform float u_radius = 2.0; // percent of the height
 
 void main()
 {

@@ -1,10 +1,11 @@
 // Drawn animation: flat steps of brightness and dark outlines.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 
-uniform float u_levels;     // steps of brightness, 2..12
-uniform float u_outline;    // strength of the outlines, 0..2
-uniform float u_saturation; // 0..2
+uniform float u_levels = 5.0;     // steps of brightness, 2..12
+uniform float u_outline = 1.0;    // strength of the outlines, 0..2
+uniform float u_saturation = 1.3; // 0..2
 
 float brightness(float x, float y)
 {

@@ -1,8 +1,9 @@
 // Blur along one direction: weights fall linearly from the middle to both ends of `delta`. Two of them, across
 // and down, make a soft round blur.
+#version 120
 #include "picture.glsl"
 
-uniform vec2 delta; // reach to one side, in texture coordinates
+uniform vec2 delta = vec2(0.05, 0.0); // reach to one side, in texture coordinates
 
 void main()
 {

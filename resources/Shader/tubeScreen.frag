@@ -1,10 +1,11 @@
 // A picture tube: bent glass, lines, coloured stripes and a soft glow.
+#version 120
 #include "picture.glsl"
 
-uniform float u_curvature; // 0..1
-uniform float u_lines;     // 0..1
-uniform float u_mask;      // strength of the stripes, 0..1
-uniform float u_size;      // height of a line in pixels
+uniform float u_curvature = 0.6; // 0..1
+uniform float u_lines = 0.6;     // 0..1
+uniform float u_mask = 0.5;      // strength of the stripes, 0..1
+uniform float u_size = 4.0;      // height of a line in pixels
 
 void main()
 {

@@ -1,12 +1,13 @@
 // A home video tape: smeared colour, unsteady lines, a noisy band that wanders upward.
+#version 120
 #include "picture.glsl"
 #include "colour.glsl"
 #include "noise.glsl"
 
-uniform float u_global_time; // seconds
-uniform float u_noise;       // 0..1
-uniform float u_smear;       // width of the colour smear, percent of the width
-uniform float u_tracking;    // strength of the wandering band, 0..1
+uniform float u_global_time;    // seconds
+uniform float u_noise = 0.6;    // 0..1
+uniform float u_smear = 1.2;    // width of the colour smear, percent of the width
+uniform float u_tracking = 0.7; // strength of the wandering band, 0..1
 
 void main()
 {

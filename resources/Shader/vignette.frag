@@ -1,11 +1,12 @@
 // The corners darken, or take a colour.
+#version 120
 #include "picture.glsl"
 
-uniform float u_amount;   // 0..1
-uniform float u_radius;   // where it begins, 0..1 of the half diagonal
-uniform float u_softness; // 0..1
-uniform float u_roundness; // 0 follows the picture's shape, 1 a circle
-uniform vec3 u_tint;      // colour of the corners
+uniform float u_amount = 0.7;              // 0..1
+uniform float u_radius = 0.45;             // where it begins, 0..1 of the half diagonal
+uniform float u_softness = 0.55;           // 0..1
+uniform float u_roundness = 0.0;           // 0 follows the picture's shape, 1 a circle
+uniform vec3 u_tint = vec3(0.0, 0.0, 0.0); // colour of the corners
 
 void main()
 {

@@ -1,9 +1,10 @@
 // Blur away from a point, as of a lens that zoomed while the shutter was open.
+#version 120
 #include "picture.glsl"
 #include "noise.glsl"
 
-uniform vec2 u_centre;   // 0..1, y upward
-uniform float u_strength; // percent of the way to the centre
+uniform vec2 u_centre = vec2(0.5, 0.5); // 0..1, y upward
+uniform float u_strength = 20.0;        // percent of the way to the centre
 
 void main()
 {

@@ -1,7 +1,8 @@
 // Two sides of a turning cube.
+#version 120
 #include "transition.glsl"
 
-uniform float u_distance; // how far the cube moves back, 0..1
+uniform float u_distance = 0.4; // how far the cube moves back, 0..1
 
 /// Position on a side that is turned by `angle` about its upright middle axis, or outside 0..1.
 vec2 onSide(vec2 uv, float angle, float back)

@@ -1,9 +1,10 @@
 // Blocks of the second picture break in while the colours part.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_blocks; // blocks in a picture height
-uniform float u_shift;  // 0..1
+uniform float u_blocks = 12.0; // blocks in a picture height
+uniform float u_shift = 0.6;   // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

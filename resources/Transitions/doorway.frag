@@ -1,7 +1,8 @@
 // The first picture opens like two doors, the second comes forward.
+#version 120
 #include "transition.glsl"
 
-uniform float u_depth; // how far away the second picture starts, 0..1
+uniform float u_depth = 0.6; // how far away the second picture starts, 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,9 +1,10 @@
 // Light leaks in, burns the first picture out and leaves the second.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform vec3 u_light; // colour of the leak
-uniform float u_heat; // 0..1
+uniform vec3 u_light = vec3(1.0, 0.38, 0.08); // colour of the leak
+uniform float u_heat = 0.7;                   // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,9 +1,10 @@
 // Hexagons of the second picture open in a wave from a corner.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_count;  // cells in a picture height
-uniform float u_random; // 0 a straight wave, 1 anywhere
+uniform float u_count = 9.0;   // cells in a picture height
+uniform float u_random = 0.15; // 0 a straight wave, 1 anywhere
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,10 +1,11 @@
 // Ink spreads over the first picture and clears into the second.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_scale; // blots in a picture height
-uniform vec3 u_ink;    // colour of the wet edge
-uniform float u_edge;  // width of the edge, 0..1
+uniform float u_scale = 2.6;                 // blots in a picture height
+uniform vec3 u_ink = vec3(0.05, 0.06, 0.16); // colour of the wet edge
+uniform float u_edge = 0.5;                  // width of the edge, 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,8 +1,9 @@
 // A camera's iris closes over the first picture and opens on the second.
+#version 120
 #include "transition.glsl"
 
-uniform float u_blades;   // 3..12
-uniform float u_rotation; // degrees of the blades' way
+uniform float u_blades = 7.0;    // 3..12
+uniform float u_rotation = 60.0; // degrees of the blades' way
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,8 +1,9 @@
 // Mirrors close over the first picture and open on the second.
+#version 120
 #include "transition.glsl"
 
-uniform float u_sides; // mirrors
-uniform float u_turn;  // degrees
+uniform float u_sides = 6.0;  // mirrors
+uniform float u_turn = 120.0; // degrees
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,8 +1,9 @@
 // Upright louvers turn round one after the other, the second picture on their backs.
+#version 120
 #include "transition.glsl"
 
-uniform float u_count;   // number of louvers
-uniform float u_stagger; // 0 all at once, 1 one after the other
+uniform float u_count = 10.0;  // number of louvers
+uniform float u_stagger = 0.6; // 0 all at once, 1 one after the other
 
 vec4 transition(vec2 uv, float progress)
 {

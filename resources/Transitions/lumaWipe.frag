@@ -1,8 +1,9 @@
 // The second picture appears in its brightest places first.
+#version 120
 #include "transition.glsl"
 #include "colour.glsl"
 
-uniform float u_softness; // 0..1
+uniform float u_softness = 0.3; // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,7 +1,8 @@
 // Squares grow until the pictures can be exchanged, and shrink again.
+#version 120
 #include "transition.glsl"
 
-uniform float u_size; // side of the largest squares, percent of the height
+uniform float u_size = 14.0; // side of the largest squares, percent of the height
 
 vec4 transition(vec2 uv, float progress)
 {

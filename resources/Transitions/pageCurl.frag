@@ -1,8 +1,9 @@
 // The first picture is a page that is turned over from its right side.
+#version 120
 #include "transition.glsl"
 
-uniform float u_radius; // of the roll, in picture heights
-uniform vec3 u_paper;   // colour that the page's back is tinted with
+uniform float u_radius = 0.12;                 // of the roll, in picture heights
+uniform vec3 u_paper = vec3(0.93, 0.92, 0.88); // colour that the page's back is tinted with
 
 vec4 transition(vec2 uv, float progress)
 {

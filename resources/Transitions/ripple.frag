@@ -1,8 +1,9 @@
 // A drop falls into the picture, and its rings carry the second one.
+#version 120
 #include "transition.glsl"
 
-uniform float u_waves;    // rings in a picture height
-uniform float u_strength; // 0..1
+uniform float u_waves = 9.0;    // rings in a picture height
+uniform float u_strength = 0.8; // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

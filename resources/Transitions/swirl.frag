@@ -1,8 +1,9 @@
 // Both pictures wind up into a spiral and unwind as the second.
+#version 120
 #include "transition.glsl"
 
-uniform float u_turns;  // turns of the middle
-uniform float u_radius; // picture heights
+uniform float u_turns = 1.5;  // turns of the middle
+uniform float u_radius = 0.9; // picture heights
 
 vec4 transition(vec2 uv, float progress)
 {

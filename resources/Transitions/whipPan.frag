@@ -1,9 +1,10 @@
 // The camera is torn round from one picture to the other.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_angle; // degrees, counter-clockwise from the right
-uniform float u_blur;  // 0..1
+uniform float u_angle = 0.0; // degrees, counter-clockwise from the right
+uniform float u_blur = 0.8;  // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

@@ -1,9 +1,10 @@
 // A wind blows the first picture away in streaks.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_streaks; // streaks in a picture height
-uniform float u_length;  // 0..1
+uniform float u_streaks = 60.0; // streaks in a picture height
+uniform float u_length = 0.6;   // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

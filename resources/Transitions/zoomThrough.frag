@@ -1,8 +1,9 @@
 // The camera rushes into the first picture and arrives in the second.
+#version 120
 #include "transition.glsl"
 #include "noise.glsl"
 
-uniform float u_strength; // 0..1
+uniform float u_strength = 0.7; // 0..1
 
 vec4 transition(vec2 uv, float progress)
 {

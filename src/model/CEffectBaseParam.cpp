@@ -155,7 +155,7 @@ void CEffectBaseParam::declareVolatile(const char* name) { volatileParams_.empla
 
 void CEffectBaseParam::declareOne(const ParamInfo& param)
 {
-    described_.push_back(&param);
+    describe(param);
     if (!param.declared)
         return;
     const auto values = std::span(param.value).first(param.elements);

@@ -60,6 +60,9 @@ protected:
     /// value unless it is undeclared. The objects must outlive the node; most are constants.
     template <class... Params> void declare(const Params&... params) { (declareOne(params), ...); }
 
+    /// Remembered for tools alone: nothing is stored.
+    void describe(const ParamInfo& param) { described_.push_back(&param); }
+
     /// fn(name, value) for every stored parameter, in the order of names.
     template <class Fn> void forEachParam(Fn&& fn) const
     {

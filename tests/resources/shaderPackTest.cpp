@@ -86,6 +86,13 @@ protected:
     std::optional<host::Image> first, second;
 };
 
+/// Of all effects, or without a value of the effect's own.
+bool isStandard(const ParamInfo& param)
+{
+    const std::string_view name = param.name;
+    return !param.declared || name.starts_with("u_") || name == "kex_effect_enable";
+}
+
 /// Stores one element's value; the others keep what the descriptor gives.
 void store(host::Filter& filter, const ParamInfo& param, u32 element, double value)
 {
@@ -138,11 +145,9 @@ TEST_F(ShaderPack, EveryEffectDrawsSomethingAndComplainsOfNothing)
 TEST_F(ShaderPack, EveryDescribedParameterMovesPixels)
 {
     for (const EffectInfo& effect : effects()) {
-        // Standard parameters come first and are the same for all.
         const auto params = describeParameters(effect.guid);
         for (const ParamInfo* const param : params) {
-            if (!param->declared || std::string_view(param->name).starts_with("u_")
-                || std::string_view(param->name) == "kex_effect_enable")
+            if (isStandard(*param))
                 continue;
             SCOPED_TRACE(effect.name + " " + param->name);
             EXPECT_LT(param->low, param->high);
@@ -178,6 +183,22 @@ TEST_F(ShaderPack, TransitionsBeginAndEndWithTheirInputs)
         const Bytes between = run(filter);
         EXPECT_NE(between, bytesOf(*first));
         EXPECT_NE(between, bytesOf(*second));
+    }
+}
+
+TEST_F(ShaderPack, DescribedDefaultsAreWhatEffectsDoByThemselves)
+{
+    for (const EffectInfo& effect : effects()) {
+        SCOPED_TRACE(effect.name);
+        host::Filter untouched = make(effect);
+        const Bytes expected = run(untouched);
+        for (const ParamInfo* const param : describeParameters(effect.guid)) {
+            if (isStandard(*param))
+                continue;
+            host::Filter filter = make(effect);
+            store(filter, *param, 0, param->value[0]);
+            EXPECT_TRUE(run(filter) == expected) << param->name;
+        }
     }
 }
 

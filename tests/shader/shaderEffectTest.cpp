@@ -140,9 +140,22 @@ TEST_F(ShaderEffect, EveryNodeKnowsItsSizeItsNeighboursAndTheTime)
     EXPECT_EQ(middle(filter), rounded(0.25, 0, 0.2, 1)); // 10 / 20 - 4 / 8
 }
 
-TEST_F(ShaderEffect, ParamsAreStoredWithTheirDefaultsAndListed)
+TEST_F(ShaderEffect, SamplersShowTheirInputsWhateverAHostStores)
 {
-    program(0, "uniform float Level; uniform vec3 tint; uniform float Unset = 0.5;",
+    program(0, "uniform sampler2D mSample0;", "gl_FragColor = texture2D(mSample0, textureCoord);");
+    start();
+    auto filter = this->filter(0);
+    const auto input = plain(8, 8, {10, 20, 30, 40});
+    filter.setInput(input);
+    const auto expected = bytes(filter.run());
+    EXPECT_EQ(expected, bytes(input));
+    filter.set("mSample0", 5);
+    EXPECT_EQ(bytes(filter.run()), expected);
+}
+
+TEST_F(ShaderEffect, ParamsAreListedAndChangeNothing)
+{
+    program(0, "uniform float Level = 1.0; uniform vec3 tint; uniform float Unset = 0.5;",
         "gl_FragColor = vec4(tint * Level, Unset);",
         R"("NAME": "tinted", "PARAMS": [
             {"name": "Level", "type": "float", "default": 0.5, "range": [0, 1], "help": "brightness"},
@@ -152,11 +165,17 @@ TEST_F(ShaderEffect, ParamsAreStoredWithTheirDefaultsAndListed)
     auto filter = this->filter(0);
     const auto input = plain(8, 8, kGrey);
     filter.setInput(input);
-    EXPECT_EQ(middle(filter), rounded(0.125, 0.25, 0.5, 0.5));
-    EXPECT_FALSE(filter.set("tint", 3)) << "another type is refused after the first frame";
-    EXPECT_TRUE(filter.set("Level", 1.0f));
+    unsigned before = 0;
+    unsigned after = 0;
+    EXPECT_EQ(GetParamCount(filter.handle(), &before), 0u);
+    EXPECT_EQ(middle(filter), rounded(0, 0, 0, 0.5));
+    EXPECT_EQ(GetParamCount(filter.handle(), &after), 0u);
+    EXPECT_EQ(after, before + 1) << "the sampler";
+    EXPECT_TRUE(filter.set("tint", std::vector{1.0f, 0.5f, 0.25f}));
+    EXPECT_EQ(middle(filter), rounded(0.25, 0.5, 1, 0.5)) << "the program's own level";
+    EXPECT_TRUE(filter.set("Level", 0.5f));
     EXPECT_TRUE(filter.set("Unset", 1.0f));
-    EXPECT_EQ(middle(filter), rounded(0.25, 0.5, 1, 1));
+    EXPECT_EQ(middle(filter), rounded(0.125, 0.25, 0.5, 1));
 
     listShaderEffectsOf(files.path());
     ASSERT_TRUE(findEffect("tinted"));

@@ -1,8 +1,9 @@
 // The picture's colours are looked up in a table of 64 x 64 x 64 colours: 8 x 8 squares, one for each step of
 // blue, with red to the right and green downward in each.
+#version 120
 uniform sampler2D mSample0;
 uniform sampler2D mSample1;
-uniform float u_strength; // 0..1
+uniform float u_strength = 1.0; // 0..1
 varying vec2 textureCoord;
 
 /// The table's colour at (red, green) of one square; between texels the texture unit blends.

@@ -91,7 +91,7 @@ void CSimpleShaderEffect::init()
     if (!descriptor_->particleTemplate.empty())
         declare(shader::kFrameRate);
     for (const KEXSDK::ParamInfo& param : descriptor_->params)
-        declare(param);
+        describe(param);
 }
 
 void CSimpleShaderEffect::bindTextures()
