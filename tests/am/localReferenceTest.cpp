@@ -270,10 +270,14 @@ TEST(AmLocalReference, TiltShiftIsTheWeightedMean)
 {
     struct Case {
         int w, h, levels, top, bottom;
+        int percent = 70;
     };
     for (const Case c : {Case{1, 1, 5, 40, 60}, {1, 30, 5, 40, 60}, {3, 50, 5, 40, 60}, {130, 90, 6, 40, 60},
-             {401, 60, 7, 20, 35}, {64, 64, 5, 80, 20}, {64, 65, 5, -30, 130}, {8192, 4, 14, 90, 95}}) {
-        const auto set = [=](AmEffectParams& b) { b.percent = 70, b.top = c.top, b.bottom = c.bottom; };
+             {401, 60, 7, 20, 35}, {64, 64, 5, 80, 20}, {64, 65, 5, -30, 130}, {8192, 4, 14, 90, 95},
+             {130, 90, 6, 40, 60, 400}, {130, 90, 6, 40, 60, -30}}) {
+        const auto set = [=](AmEffectParams& b) {
+            b.percent = c.percent, b.top = c.top, b.bottom = c.bottom;
+        };
         eachFrame(1041, 2, c.w, c.h, set, [=](auto& block, AmPicture& source, AmPicture& expected, auto&) {
             expected = tiltShiftPlainly(block, source, c.levels);
         });
@@ -302,7 +306,8 @@ TEST(AmLocalReference, ExplosionIsTheMeanOfAllSamples)
         int w, h, radius, posX, posY;
     };
     for (const Case c : {Case{1, 1, 50, 50, 50}, {1, 17, 0, 50, 50}, {7, 5, 100, 0, 100}, {9, 3, 50, 20, 80},
-             {64, 48, 100, 50, 50}, {321, 40, 100, 100, 0}, {1000, 24, 50, 30, 50}, {1920, 8, 100, 50, 50}}) {
+             {64, 48, 100, 50, 50}, {321, 40, 100, 100, 0}, {1000, 24, 50, 30, 50}, {1920, 8, 100, 50, 50},
+             {64, 48, 500, 50, 50}, {330, 20, 500, 10, 90}, {1920, 6, 500, 50, 50}, {700, 12, 237, 90, 0}}) {
         const auto set = [=](AmEffectParams& b) { b.radius = c.radius, b.posX = c.posX, b.posY = c.posY; };
         eachFrame(1042, 1, c.w, c.h, set, [=](auto&, AmPicture& source, AmPicture& expected, auto&) {
             const int n = std::max((c.radius * c.w) >> 10, 5);

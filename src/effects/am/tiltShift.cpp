@@ -21,6 +21,10 @@ int levelsOf(int width) { return int(std::sqrt(double(width)) * 0.1 + 5.0); }
 
 constexpr int kMostLevels = 14; // levelsOf(kMaxExtent)
 
+// Beyond these a kernel's width would be none, or no longer change.
+constexpr int kLeastPercent = -49;
+constexpr int kMostPercent = 10000;
+
 // The square kernels of all levels, one after another; level k reaches k pixels in each direction.
 class Pyramid {
 public:
@@ -228,7 +232,7 @@ i32 tiltShift(const Frame& f)
         return kAmNoMemory;
     Pyramid pyramid(static_cast<u16*>(f.block.scratchC));
     if (takeDirty(f.block, kRebuild))
-        pyramid.build(levels, percentOf(f.block));
+        pyramid.build(levels, std::clamp(f.block.percent, kLeastPercent, kMostPercent));
     std::array<FoldedKernel, kMostLevels + 1> kernels;
     for (int k = 1; k <= levels; ++k)
         kernels[std::size_t(k)] = FoldedKernel(pyramid, k);

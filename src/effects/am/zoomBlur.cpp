@@ -22,16 +22,17 @@ struct Size {
     u32 times;
 };
 
-// A step between samples is less than 1 / 256 in pictures more than 320 pixels long, and the samples span
-// less than 64 / 256 there; smaller pictures have fewer samples.
-constexpr std::size_t kMostSizes = 64;
+// In pictures of some size a step between samples is less than 1 / 256, and the samples span half the radius
+// in those; smaller pictures have fewer samples. Sums of two channels to a number hold 257 of them.
+constexpr int kMostRadius = 500;
+constexpr std::size_t kMostSizes = 257;
 
 class Sizes {
 public:
     Sizes(int radius, pixels::Extent picture)
     {
         const int longer = std::max(picture.width, picture.height);
-        samples_ = std::max(std::clamp(radius, 0, 100) * picture.width >> 10, 5);
+        samples_ = std::max(std::clamp(radius, 0, kMostRadius) * picture.width >> 10, 5);
         const int step = (samples_ << 16) / (longer * (samples_ - 1));
         int position = 0x10000 + (samples_ - 1) * step;
         for (int i = 0; i < 2 * samples_ - 1; ++i, position += step) {
@@ -185,7 +186,7 @@ private:
     Point centre_;
     std::size_t count_;
     std::array<SampledSize, kMostSizes> sizes_;
-    // Two channels to a number, for the sizes that count equally often: at most 64 times 255.
+    // Two channels to a number, for the sizes that count equally often: at most 257 times 255.
     alignas(64) Piece blueAndRed_;
     alignas(64) Piece green_;
     alignas(64) Piece b_;
