@@ -4,6 +4,7 @@
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
 #include "effects/gpu/uniforms.h"
+#include "pixels/numbers.h"
 #include "pixels/rows.h"
 
 #include <algorithm>
@@ -20,10 +21,10 @@ constexpr const char* kInitTag = "CSimpleShaderEffect::init";
 constexpr const char* kRunTag = "CSimpleShaderEffect::run";
 
 /// No scene is stepped through more frames than these, whatever time a host names.
-constexpr float kLastFrame = 1'000'000;
+constexpr int kLastFrame = 1'000'000;
 
 // Frames per second that a scene can be stepped with: emitters count what one step emits in 16 bits.
-constexpr float kSlowest = 1;
+constexpr float kSlowest = 0.1f;
 constexpr float kFastest = 1000;
 
 /// Within what a scene can be built from; OGRE ends the process over a box of no numbers.
@@ -149,9 +150,9 @@ void CSimpleShaderEffect::setTime()
         return;
     float rate = get(shader::kFrameRate);
     rate = rate > 0 ? std::clamp(rate, kSlowest, kFastest) : shader::kFrameRate.fallback;
-    const float frame = std::round(getParamFloat(KEXSDK::kGlobalTime.name, 0) * rate);
+    const double time = getParamFloat(KEXSDK::kGlobalTime.name, 0);
     gpu_->setFrameRate(rate);
-    gpu_->setFrameIndex(frame > 0 ? u32(std::min(frame, kLastFrame)) : 0); // not a number is no frame either
+    gpu_->setFrameIndex(u32(std::clamp(pixels::roundHalfUp(time * rate), 0, kLastFrame)));
 }
 
 void CSimpleShaderEffect::copyFirstInput()
