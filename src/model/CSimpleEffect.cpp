@@ -97,7 +97,9 @@ bool CSimpleEffect::evaluateForReader(CEffectImage* external)
 void CSimpleEffect::evaluateUpstream(CEffectImage* external)
 {
     for (auto& [index, connection] : connections_) {
-        connection.upstream->evaluateForReader(external);
+        // A node of another size cannot draw into the host's picture, and draws into its own.
+        const bool alike = connection.upstream->width() == width_ && connection.upstream->height() == height_;
+        connection.upstream->evaluateForReader(alike ? external : nullptr);
         connection.fed = connection.upstream->getOutputImage();
         inputs_[index] = connection.fed;
     }

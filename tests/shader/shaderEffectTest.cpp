@@ -153,6 +153,20 @@ TEST_F(ShaderEffect, SamplersShowTheirInputsWhateverAHostStores)
     EXPECT_EQ(bytes(filter.run()), expected);
 }
 
+TEST_F(ShaderEffect, AChainOfTwoSizesDrawsIntoTheHostsPicture)
+{
+    program(0, "uniform sampler2D mSample0;", "gl_FragColor = texture2D(mSample0, textureCoord).bgra;");
+    start();
+    auto small = filter(0, 8, 8);
+    auto large = filter(0, 16, 24);
+    const auto input = plain(8, 8, {10, 20, 30, 40});
+    small.setInput(input);
+    large.connectFrom(small);
+    const host::Image target(16, 24);
+    ASSERT_EQ(DoFilterEx(large.handle(), target.handle()), 0u);
+    EXPECT_EQ(bytes(target), bytes(plain(16, 24, {10, 20, 30, 40})));
+}
+
 TEST_F(ShaderEffect, ParamsAreListedAndChangeNothing)
 {
     program(0, "uniform float Level = 1.0; uniform vec3 tint; uniform float Unset = 0.5;",
