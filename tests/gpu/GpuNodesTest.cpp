@@ -5,6 +5,10 @@
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
 
+#include <sys/mman.h>
+
+#include <optional>
+
 namespace {
 
 constexpr const char* kLightRoom = "CB87BAF6-5462-4877-BE55-C2A95D8FAF2A";
@@ -79,6 +83,32 @@ TEST_F(GpuNodesTest, ChainsWithAndWithoutTheCpuBetweenGiveTheBytesOfSingleSteps)
     EXPECT_TRUE(target.guardsIntact());
     host::Filter c = exposure(10), d = exposure(-20);
     EXPECT_TRUE(target.bytes() == stepByStep({&c, &d}, source));
+}
+
+// Memory that is gone for good: reading it again would end the test.
+TEST_F(GpuNodesTest, AnInputThatIsGoneIsReadNoMore)
+{
+    test::GuardedFrame source(kWidth, kHeight);
+    source.fillWithNoise(5);
+    constexpr std::size_t kBytes = std::size_t{kWidth} * kHeight * 4;
+    void* const memory = mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(memory, MAP_FAILED);
+    CEffectImage* picture = nullptr;
+    const ImageCreateInfo info{u32{kWidth}, u32{kHeight}, {}, memory};
+    ASSERT_EQ(CreateImage(&info, &picture), 0u);
+    std::optional<host::Filter> other(std::in_place, kFishEye, kWidth, kHeight);
+    SetInputImage(other->handle(), source.image(), 0);
+    EXPECT_EQ(DoFilterEx(other->handle(), picture), 0u);
+
+    host::Filter filter = exposure(10);
+    SetInputImage(filter.handle(), source.image(), 0);
+    filter.connectFrom(*other, 1);
+    const auto before = copyOf(filter.run());
+    ConnectFilter(nullptr, filter.handle(), 1);
+    other.reset();
+    ReleaseImage(picture);
+    munmap(memory, kBytes);
+    EXPECT_EQ(copyOf(filter.run()), before);
 }
 
 TEST_F(GpuNodesTest, HostsMayWriteIntoAPictureThatTheGpuDrew)
