@@ -156,13 +156,6 @@ i32 classic(const Frame& f)
     return kAmOk;
 }
 
-constexpr auto kReciprocals = [] {
-    std::array<u32, 256> values{};
-    for (u32 k = 0; k < 256; ++k)
-        values[k] = (1u << 24) / (k + 8);
-    return values;
-}();
-
 // Lays the texture over p, but where it is white, `drawing` shows.
 constexpr Bgra underTexture(Bgra p, Bgra drawing, Bgra texture)
 {
@@ -181,7 +174,7 @@ i32 sketchUnderTexture(const Frame& f)
     blendRows<photoUnderTexture>(f.src, f.second, f.dst);
     eachInnerGreyRow(f, [&](int y, GreyRows greys) {
         GreyRow sketch;
-        drawWithPencil(greys, kReciprocals.data(), sketch.data(), f.dst.width());
+        drawWithPencil(greys, kDodgeReciprocals.data(), sketch.data(), f.dst.width());
         pixels::widest([=, from = f.src.row(y).data(), texture = f.second.row(y).data(),
                            to = f.dst.row(y).data(), drawn = sketch.data(), width = f.dst.width()] {
             pixels::mapColumns(from, to, 1, width - 1,

@@ -14,13 +14,11 @@ void greyOut(const pixels::Bgra* from, u8* to, int width)
 
 const u32* dodgeReciprocals(AmEffectParams& block)
 {
-    constexpr u32 kEntries = 256;
-    if (!ensureScratchC(block, kEntries * sizeof(u32), kAmDirtyTable))
+    if (!ensureScratchC(block, sizeof kDodgeReciprocals, kAmDirtyTable))
         return nullptr;
     u32* const table = static_cast<u32*>(block.scratchC);
     if (takeDirty(block, kAmDirtyTable))
-        for (u32 k = 0; k < kEntries; ++k)
-            table[k] = (1u << 24) / (k + 8);
+        std::ranges::copy(kDodgeReciprocals, table);
     return table;
 }
 

@@ -11,8 +11,16 @@ using GreyRows = RowsAround;
 /// from[x] as Y4, for 0 <= x < width.
 void greyOut(const pixels::Bgra* from, u8* to, int width);
 
-/// 256 reciprocals 2^24 / (k + 8) in scratch C, made when dirty bit 0 is set; null without memory.
-/// The entry of 0 never counts: it only meets greys of 0.
+/// 2^24 / (k + 8). The entry of 0 never counts: it only meets greys of 0.
+inline constexpr auto kDodgeReciprocals = [] {
+    std::array<u32, 256> values{};
+    for (u32 k = 0; k < values.size(); ++k)
+        values[k] = (1u << 24) / (k + 8);
+    return values;
+}();
+
+/// The same as an effect of the library keeps them: in scratch C, made when dirty bit 0 is set; null without
+/// memory.
 const u32* dodgeReciprocals(AmEffectParams& block);
 
 /// to[x] = the grey at x relative to the largest of the nine around it: pencil lines on white, for
