@@ -105,7 +105,10 @@ EFFECTENGINE_API unsigned int ConnectFilter(
     CSimpleEffect* upstream, CSimpleEffect* downstream, unsigned int index);
 
 /* Evaluates the graph that ends in filter. `target` becomes the output of the filter and of every node
- * before it. 1 when the filter has no input or the target has another size; nothing is written then. */
+ * before it that is enabled and has its size. 1 when the filter has no input or the target has another size;
+ * nothing is written then. A target may be released as soon as the call has returned, provided that these
+ * filters are run with DoFilterEx from then on: it touches its own target alone. DoFilter goes on writing to
+ * the last one, which must live as long. */
 EFFECTENGINE_API unsigned int DoFilterEx(CSimpleEffect* filter, CEffectImage* target);
 
 /* Evaluates the graph that ends in filter. *output receives the filter's image even on failure (1); it

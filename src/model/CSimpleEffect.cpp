@@ -8,13 +8,14 @@ namespace KEXSDK {
 
 namespace {
 
+// A node's target for the time of an evaluation.
 class Entered {
 public:
-    explicit Entered(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Entered() { flag_ = false; }
+    Entered(CEffectImage*& target, CEffectImage* image) : target_(target) { target_ = image; }
+    ~Entered() { target_ = nullptr; }
 
 private:
-    bool& flag_;
+    CEffectImage*& target_;
 };
 
 std::string sizeText(u32 width, u32 height) { return std::to_string(width) + " x " + std::to_string(height); }
@@ -30,7 +31,13 @@ CSimpleEffect::CSimpleEffect(u32 width, u32 height) : width_(width), height_(hei
 
 CSimpleEffect::~CSimpleEffect() = default;
 
-void CSimpleEffect::setInputImage(CEffectImage* image, i32 index) { inputs_[index] = image; }
+void CSimpleEffect::setInputImage(CEffectImage* image, i32 index)
+{
+    inputs_[index] = image;
+    // From now on the input is the host's, though it may lie where an image lay that the connection had fed.
+    if (const auto connection = connections_.find(index); connection != connections_.end())
+        connection->second.fed = nullptr;
+}
 
 void CSimpleEffect::connect(CSimpleEffect* upstream, i32 index)
 {
@@ -56,42 +63,41 @@ CEffectImage* CSimpleEffect::getInputImage(i32 index) const
 
 bool CSimpleEffect::evaluate(CEffectImage* external)
 {
-    const bool done = evaluateForReader(external);
+    const Evaluation evaluation = evaluateForReader(external);
     // Hosts may write the memory of a picture whenever no evaluation is under way.
-    for (CEffectImage* const image : {external, getOutputImage()})
-        if (image && !evaluating_)
-            image->forgetTexture();
-    return done;
+    if (evaluation.image && !target_)
+        evaluation.image->forgetTexture();
+    return evaluation.done;
 }
 
-bool CSimpleEffect::evaluateForReader(CEffectImage* external)
+CSimpleEffect::Evaluation CSimpleEffect::evaluateForReader(CEffectImage* external)
 {
-    // Entered again through a cycle: the node that asks uses the current output.
-    if (evaluating_)
-        return false;
+    // Entered again through a cycle: the node that asks reads what is being written.
+    if (target_)
+        return {false, target_};
     if (external && (external->width() != width_ || external->height() != height_))
-        return false;
-    const Entered entered(evaluating_);
-
+        return {false, nullptr};
     if (!external && !output_) {
         ownOutput_ = std::make_unique<CEffectImage>(width_, height_, 0, 32, nullptr);
         output_ = ownOutput_.get();
     }
+    const Entered entered(target_, external ? external : output_);
     evaluateUpstream(external);
     if (inputs_.empty())
-        return false;
+        return {false, external ? nullptr : output_};
+    CEffectImage* written = target_;
     if (getParamInt(kEnable.name, 0)) {
-        if (external)
-            output_ = external;
+        output_ = target_;
         runKeepingTextures();
+        written = getOutputImage();
     } else {
-        passThrough(external ? external : output_);
+        passThrough();
     }
     for (const auto& [index, connection] : connections_)
-        if (connection.fed && connection.fed != getOutputImage() && connection.fed != external)
+        if (connection.fed && connection.fed != written)
             connection.fed->forgetTexture();
     paramsChanged = 0;
-    return true;
+    return {true, written};
 }
 
 void CSimpleEffect::evaluateUpstream(CEffectImage* external)
@@ -99,8 +105,7 @@ void CSimpleEffect::evaluateUpstream(CEffectImage* external)
     for (auto& [index, connection] : connections_) {
         // A node of another size cannot draw into the host's picture, and draws into its own.
         const bool alike = connection.upstream->width() == width_ && connection.upstream->height() == height_;
-        connection.upstream->evaluateForReader(alike ? external : nullptr);
-        connection.fed = connection.upstream->getOutputImage();
+        connection.fed = connection.upstream->evaluateForReader(alike ? external : nullptr).image;
         inputs_[index] = connection.fed;
     }
 }
@@ -114,12 +119,12 @@ void CSimpleEffect::runKeepingTextures()
         output_->forgetTexture();
 }
 
-void CSimpleEffect::passThrough(CEffectImage* target) const
+void CSimpleEffect::passThrough() const
 {
     const CEffectImage* const source = getInputImage(0);
-    if (source && target && source != target && source->extent() == target->extent()) {
-        target->forgetTexture();
-        pixels::rows::copy(source->view(), target->view());
+    if (source && source != target_ && source->extent() == target_->extent()) {
+        target_->forgetTexture();
+        pixels::rows::copy(source->view(), target_->view());
     }
 }
 

@@ -43,16 +43,25 @@ public:
     /// The image under an index, or null.
     CEffectImage* getInputImage(i32 index) const;
 
-    /// Evaluates the connected nodes, depth first in the order of their indices, then this node.
-    /// @param external  becomes the output from now on, or null for the node's own image; it is handed to
+    /// Evaluates the connected nodes, depth first in the order of their indices, then this node. With an
+    /// external image only images of this evaluation are touched, so one that an earlier evaluation wrote may
+    /// be gone.
+    /// @param external  becomes the output from now on, or null for the node's present output; it is handed
+    /// to
     ///                  every upstream node as well
     /// @return false when there is no input at all, or the external image has another size (nothing is
     ///         written then)
     bool evaluate(CEffectImage* external);
 
+    /// What an evaluation came to.
+    struct Evaluation {
+        bool done;           ///< as evaluate() answers
+        CEffectImage* image; ///< what the node wrote, and its readers read; null when it has nothing to read
+    };
+
     /// The same for a node inside another node's run: what the GPU drew stays at hand as a texture for the
     /// node that reads it next.
-    bool evaluateForReader(CEffectImage* external);
+    Evaluation evaluateForReader(CEffectImage* external);
 
     u32 width() const { return width_; }
     u32 height() const { return height_; }
@@ -67,12 +76,12 @@ protected:
 private:
     struct Connection {
         CSimpleEffect* upstream;
-        CEffectImage* fed; ///< what the last evaluation stored as the input
+        CEffectImage* fed; ///< what the last evaluation stored as the input; perhaps gone between evaluations
     };
 
     void evaluateUpstream(CEffectImage* external);
     void runKeepingTextures();
-    void passThrough(CEffectImage* target) const;
+    void passThrough() const;
 
     std::map<i32, CEffectImage*> inputs_;
     std::map<i32, Connection> connections_;
@@ -82,7 +91,8 @@ private:
     /// The image that this node made. It stays until the node's end even when an external image has
     /// replaced it, so addresses handed out earlier remain valid.
     std::unique_ptr<CEffectImage> ownOutput_;
-    bool evaluating_ = false;
+    /// What the evaluation under way writes; null while there is none.
+    CEffectImage* target_ = nullptr;
     bool warnedOfSize_ = false;
 };
 

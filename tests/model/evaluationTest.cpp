@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <memory>
+
 namespace {
 
 using KEXSDK::CEffectImage;
@@ -120,6 +123,56 @@ TEST(Evaluation, AnExternalImageBecomesTheOutputAndTheOldOneStaysReadable)
     EXPECT_EQ(node.getOutputImage(), &external);
 }
 
+// What hosts do that hand in a new target for every frame and release it afterwards: whatever nodes are
+// switched on or off between, only images of the running evaluation are touched.
+TEST(Evaluation, ChainsInFrontOfANewTargetEveryFrameReadWhatTheirNodesWrote)
+{
+    constexpr int kNodes = 3;
+    for (int first = 0; first < 1 << kNodes; ++first)
+        for (int second = 0; second < 1 << kNodes; ++second) {
+            AddOne nodes[kNodes];
+            Picture input(10);
+            nodes[0].setInputImage(&input, 0);
+            for (int i = 1; i < kNodes; ++i)
+                nodes[i].connect(&nodes[i - 1], 0);
+            for (const int enabled : {first, second, first}) {
+                for (int i = 0; i < kNodes; ++i)
+                    nodes[i].setParamIntValue("kex_effect_enable", enabled >> i & 1);
+                const auto target = std::make_unique<Picture>(u8(99));
+                ASSERT_TRUE(nodes[kNodes - 1].evaluate(target.get()));
+                EXPECT_EQ(target->pixels()[5], 10 + std::popcount(unsigned(enabled)))
+                    << "enabled: " << enabled << " of " << first << ", " << second;
+            }
+        }
+}
+
+TEST(Evaluation, ATargetThatIsGoneIsNotReadAgain)
+{
+    AddOne a;
+    AddOne b;
+    auto input = std::make_unique<Picture>(u8(10));
+    a.setInputImage(input.get(), 0);
+    b.connect(&a, 0);
+    ASSERT_TRUE(b.evaluate(std::make_unique<Picture>(u8(0)).get()));
+
+    // A node that has lost its input writes nothing, and hands on nothing.
+    AddOne empty;
+    b.connect(&empty, 0);
+    ASSERT_TRUE(b.evaluate(std::make_unique<Picture>(u8(0)).get()));
+    Picture target(77);
+    ASSERT_TRUE(b.evaluate(&target));
+    EXPECT_EQ(target.pixels()[5], 77);
+
+    // A cycle goes round in the target of the running evaluation, also through a node of another size.
+    AddOne wide(3, 2);
+    for (AddOne* const between : {&a, &wide}) {
+        b.connect(between, 0);
+        between->connect(&b, 0);
+        ASSERT_TRUE(b.evaluate(std::make_unique<Picture>(u8(0)).get()));
+        ASSERT_TRUE(b.evaluate(std::make_unique<Picture>(u8(0)).get()));
+    }
+}
+
 TEST(Evaluation, ACycleEndsAndUsesTheCurrentOutput)
 {
     AddOne a;
@@ -151,6 +204,17 @@ TEST(Evaluation, DisconnectingDropsOnlyWhatTheConnectionFed)
     b.connect(nullptr, 0);
     EXPECT_TRUE(b.evaluate(nullptr));
     EXPECT_EQ(b.getOutputImage()->pixels()[0], 41);
+
+    // The host's image may lie where a target lay that the connection had fed.
+    AddOne upstream;
+    AddOne reader;
+    Picture reused(40);
+    upstream.setInputImage(&own, 0);
+    reader.connect(&upstream, 0);
+    ASSERT_TRUE(reader.evaluate(&reused));
+    reader.setInputImage(&reused, 0);
+    reader.connect(nullptr, 0);
+    EXPECT_TRUE(reader.evaluate(nullptr));
 }
 
 TEST(Evaluation, AnInputOfAnotherSizeCountsAsMissing)
