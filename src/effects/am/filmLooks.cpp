@@ -118,10 +118,11 @@ i32 year1839(const Frame& f)
 }
 
 // A walk through the noise table. A pixel's shade is multiplied by the entry's factor, and the walk goes on
-// by the factor and the product. Both come from one multiplication: (256 f + shade f) >> 8 is their sum.
+// by the factor, the product and `step`. The first two come from one multiplication: (256 f + shade f) >> 8
+// is their sum.
 class NoiseWalk {
 public:
-    template <class Factor> explicit NoiseWalk(Factor factor)
+    template <class Factor> NoiseWalk(Factor factor, u32 step) : step_(step)
     {
         for (std::size_t i = 0; i < factors_.size(); ++i)
             factors_[i] = u32(factor(amRandomBytes()[i]));
@@ -132,20 +133,16 @@ public:
     {
         for (int x = 0; x < width; ++x) {
             const u32 factor = factors_[place];
-            if (factor == 0) { // the walk stands still from here on
-                for (; x < width; ++x)
-                    store(x, u8(0));
-                break;
-            }
             const u32 sum = (256 + shade(x)) * factor >> 8;
             store(x, u8(sum - factor));
-            place = (place + sum) & 0x3FF;
+            place = (place + sum + step_) & 0x3FF;
         }
         return place;
     }
 
 private:
     std::array<u32, 1024> factors_;
+    u32 step_;
 };
 
 constexpr u32 unevenFactor(u8 noise) { return (noise >> 3) + 192u; }
@@ -155,7 +152,7 @@ void storeGrey(Bgra* to, Bgra source, u32 shade) { pixels::store(to, grey(source
 i32 year1920(const Frame& f)
 {
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
-    const NoiseWalk walk(unevenFactor);
+    const NoiseWalk walk(unevenFactor, 0);
     walkRows(f, 0, [&](int y, u32 place) {
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(
@@ -168,8 +165,8 @@ i32 year1920(const Frame& f)
 i32 siena(const Frame& f)
 {
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
-    // A zero in the noise table holds the walk, and red is 0 from there on.
-    const NoiseWalk walk([](u8 noise) { return noise; });
+    // The noise table holds zeros: without a step of its own the walk would end at the first one.
+    const NoiseWalk walk([](u8 noise) { return noise; }, 1);
     walkRows(f, 0, [&](int y, u32 place) {
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(
