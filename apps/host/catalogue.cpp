@@ -85,6 +85,7 @@ Json::Value catalogueEntry(const KEXSDK::EffectInfo& effect)
     json["summary"] = effect.summary;
     json["inputs"] = effect.inputs;
     json["random"] = effect.random;
+    json["shared"] = effect.shared;
     json["needsGpu"] = effect.needsGpu;
     json["history"] = historyName(effect.history);
     if (effect.history.frames > 0)

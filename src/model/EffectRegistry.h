@@ -28,6 +28,7 @@ struct EffectInfo {
     std::string summary; ///< one sentence
     u32 inputs = 1;
     bool random = false;
+    bool shared = false; ///< all nodes of the process share state: a frame depends on what other nodes showed
     bool needsGpu = false;
     History history{};
     Alpha alpha = Alpha::kept;

@@ -46,10 +46,12 @@ void refractAndStepRow(const u8* src, u8* dst, const i32* current, i32* next, Ex
 
 bool rainFalls(int density)
 {
-    if (--framesToNextDrop >= density)
-        return false;
-    restartRain();
-    return true;
+    int frames = framesToNextDrop;
+    bool falls;
+    do
+        falls = frames - 1 < density;
+    while (!framesToNextDrop.compare_exchange_weak(frames, falls ? kFramesBetweenDrops : frames - 1));
+    return falls;
 }
 
 void restartRain() { framesToNextDrop = kFramesBetweenDrops; }

@@ -265,6 +265,7 @@ EffectInfo infoOf(const AmCatalogRow& row, std::string name)
         .family = familyOf(row.id),
         .summary = fact.summary,
         .random = (fact.traits & am::kRandom) != 0,
+        .shared = (fact.traits & am::kShared) != 0,
         .history = {fact.traits & am::kAnimated ? History::kFromStart : 0},
         .alpha = fact.traits & am::kChangesAlpha ? Alpha::computed : Alpha::kept,
     };

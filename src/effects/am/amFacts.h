@@ -24,6 +24,7 @@ enum Traits : u32 {
     kRandom = 1,       ///< the picture changes from run to run or from process to process
     kAnimated = 2,     ///< state goes on from frame to frame
     kChangesAlpha = 4, ///< alpha is not the source's at the same place
+    kShared = 8,       ///< all nodes of the process share its state
 };
 
 struct Fact {

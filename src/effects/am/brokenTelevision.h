@@ -4,6 +4,6 @@
 namespace KEXSDK::am {
 
 /// For tests: the next picture is the first one of the process.
-void restartTelevision() noexcept;
+void restartTelevision();
 
 } // namespace KEXSDK::am

@@ -7,8 +7,8 @@
 #include "pixels/columns.h"
 #include "pixels/numbers.h"
 
-#include <atomic>
 #include <cmath>
+#include <mutex>
 #include <numbers>
 
 namespace KEXSDK::am {
@@ -19,18 +19,32 @@ using pixels::Bgra;
 using pixels::Point;
 namespace rows = pixels::rows;
 
-std::atomic<u32> televisionFrame{0};
-std::atomic<int> televisionPattern{0};
+// The broken set that all nodes of the process show; each frame of any of them is its next.
+struct Television {
+    std::mutex guard;
+    u32 frame = 0;
+    int pattern = 0;
+};
+
+Television& television()
+{
+    static Television set;
+    return set;
+}
 
 // Rolls by whole rows and tears each one. The first and the last rows of the source are lost.
 i32 badSignal(const Frame& f)
 {
     constexpr int kLostRows = 10;
-    const u32 frame = televisionFrame++;
     const int period = std::max(pixels::truncated(f.block.frameRate / 24.0f), 1);
-    if (frame % u32(period) == 0)
-        televisionPattern = pixels::threadRandom().next() % kJitterPatterns;
-    const u8* const jitter = kJitter[televisionPattern];
+    const auto [frame, pattern] = [period] {
+        Television& set = television();
+        const std::lock_guard lock(set.guard);
+        if (set.frame % u32(period) == 0)
+            set.pattern = pixels::threadRandom().next() % kJitterPatterns;
+        return std::pair{set.frame++, set.pattern};
+    }();
+    const u8* const jitter = kJitter[pattern];
 
     const int width = f.dst.width();
     const int height = f.dst.height();
@@ -191,10 +205,12 @@ static_assert(idsAscend(kRows));
 
 std::span<const EffectRow> distortionLooks() { return kRows; }
 
-void restartTelevision() noexcept
+void restartTelevision()
 {
-    televisionFrame = 0;
-    televisionPattern = 0;
+    Television& set = television();
+    const std::lock_guard lock(set.guard);
+    set.frame = 0;
+    set.pattern = 0;
 }
 
 } // namespace KEXSDK::am

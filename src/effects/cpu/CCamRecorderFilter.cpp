@@ -36,6 +36,7 @@ const Registration<CCamRecorderFilter> registered{{
     .title = "Camcorder",
     .family = "overlay",
     .summary = "The viewfinder of a camcorder with a blinking recording light.",
+    .shared = true,
     .alpha = Alpha::opaque,
 }};
 

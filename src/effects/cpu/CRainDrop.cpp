@@ -65,6 +65,7 @@ const Registration<CRainDrop> registered{{
     .title = "Rain Drop",
     .family = "distortion",
     .summary = "Drops fall on the picture as on water and their waves run over it.",
+    .shared = true,
     .history = {History::kFromStart},
     .alpha = Alpha::computed,
 }};

@@ -1,6 +1,5 @@
 // Whole-frame blends and level changes.
 #include "effects/transitions/families.h"
-#include "effects/transitions/transitionState.h"
 #include "pixels/ByteTables.h"
 
 namespace transitions {
@@ -58,10 +57,8 @@ void flash(const Canvas& c, const Progress& p)
         return pixels::tableOf(
             [=](int i) { return u8(std::min(pixels::truncated(factor * (i + 10)), 255)); });
     };
-    auto& tables = transitionState().flash;
-    tables.rising = brightened(4 * q + 1);
-    tables.falling = brightened(4 * (1 - q) + 1);
-    const u8* const level = q >= 0.5 ? tables.falling.data() : tables.rising.data();
+    const auto levels = brightened(4 * (q >= 0.5 ? 1 - q : q) + 1);
+    const u8* const level = levels.data();
     const bool mixing = q >= 0.3 && q < 0.7;
     const int fromWeight = mixing ? pixels::truncated((0.7 - q) / 0.4 * 255) : 0;
     drawRows(c, [=](const Line& line) {

@@ -1,17 +1,24 @@
 // Transitions that draw random numbers, always on the evaluating thread and before any row is drawn.
 #include "core/Clock.h"
 #include "effects/transitions/families.h"
-#include "effects/transitions/transitionState.h"
 #include "pixels/Random.h"
 
+#include <memory>
+#include <mutex>
 #include <numeric>
 
 namespace transitions {
 
 namespace {
 
-// A random order of the pixels, as the place of each pixel in it.
-void shuffle(std::vector<u32>& place, std::size_t count)
+// A random order of a picture's pixels, as the place of each pixel in it (row-major in memory order).
+struct PixelOrder {
+    int height;
+    int stride;
+    std::vector<u32> place;
+};
+
+std::vector<u32> shuffled(std::size_t count)
 {
     std::vector<u32> order(count);
     std::iota(order.begin(), order.end(), 0u);
@@ -22,9 +29,23 @@ void shuffle(std::vector<u32>& place, std::size_t count)
         const int right = random.next();
         std::swap(order[std::size_t(left * right) % k], order[k - 1]);
     }
-    place.resize(count);
+    std::vector<u32> place(count);
     for (std::size_t i = 0; i < count; ++i)
         place[order[i]] = u32(i);
+    return place;
+}
+
+// The order that all nodes of the process share, drawn anew for a picture of another shape. Whoever draws
+// with one keeps it alive. It is never freed: tasks may still run when the process ends.
+std::shared_ptr<const PixelOrder> sharedOrder(int width, int height, int stride)
+{
+    static std::mutex& guard = *new std::mutex;
+    static std::shared_ptr<const PixelOrder>& order = *new std::shared_ptr<const PixelOrder>;
+    const std::lock_guard lock(guard);
+    if (!order || order->height != height || order->stride != stride)
+        order = std::make_shared<const PixelOrder>(
+            PixelOrder{height, stride, shuffled(std::size_t(width) * std::size_t(height))});
+    return order;
 }
 
 int drawThousandth() { return pixels::roundHalfUp(pixels::threadRandom().next() / 32767.0 * 1000); }
@@ -33,20 +54,13 @@ int drawThousandth() { return pixels::roundHalfUp(pixels::threadRandom().next() 
 
 void dissolve2(const Canvas& c, const Progress& p)
 {
-    auto& state = transitionState().dissolve;
-    const int stride = int(c.dst.strideBytes());
+    const auto order = sharedOrder(c.width, c.height, int(c.dst.strideBytes()));
     const int count = c.width * c.height;
-    if (state.place.size() != std::size_t(count) || state.height != c.height || state.stride != stride) {
-        shuffle(state.place, std::size_t(count));
-        state.height = c.height;
-        state.stride = stride;
-    }
     const int n = std::min(pixels::truncated(p.smoothedPart(count)), count);
-    drawRows(c, [=, height = c.height, places = state.place.data()](const Line& line) {
+    drawRows(c, [=, height = c.height, places = order->place.data()](const Line& line) {
         const u32* const place = places + std::size_t(height - 1 - line.v) * std::size_t(line.width);
         line.mix(0, line.width, [=](Bgra f, Bgra t, int x) { return place[x] < u32(n) ? t : f; });
     });
-    state.changed = n;
 }
 
 void hRandomLine(const Canvas& c, const Progress& p)

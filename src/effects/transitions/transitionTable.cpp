@@ -16,7 +16,8 @@ namespace {
 enum Trait {
     kPlain,
     kRandom,
-    kKeepsBytes ///< some bytes are not written in some frames and stay from the frame before
+    kRandomAndShared, ///< random in a way that all nodes of the process share
+    kKeepsBytes       ///< some bytes are not written in some frames and stay from the frame before
 };
 
 struct Row {
@@ -111,7 +112,7 @@ constexpr Row kRows[] = {
     {{"Linear Wipe Right", lifted<linearWipeRight>, "6675F015-A329-4ee9-9A89-E5427799D0BD"},
         "linear-wipe-right", "A soft upright edge moves to the right."},
     {{"Dissolve 2", lifted<dissolve2>, "BDC34DEB-D6DA-4aaa-90A9-787BBD841775"}, "dissolve-2",
-        "Pixels change one by one in a random order.", kRandom},
+        "Pixels change one by one in a random order.", kRandomAndShared},
     {{"Erase", lifted<erase>, "667A322D-7351-44fd-AACC-17B0F766DA5F"}, "erase",
         "An upright edge with a short ramp moves to the right."},
     {{"Erase_slide", lifted<eraseSlide>, "4CA4EF88-5997-41a6-AAE6-0C2226D5A96E"}, "erase-slide",
@@ -197,7 +198,8 @@ std::vector<KEXSDK::EffectInfo> transitionInfos()
         info.family = "transition";
         info.summary = row.summary;
         info.inputs = 2;
-        info.random = row.trait == kRandom;
+        info.shared = row.trait == kRandomAndShared;
+        info.random = info.shared || row.trait == kRandom;
         info.history.frames = row.trait == kKeepsBytes ? KEXSDK::History::kFromStart : 0;
         info.alpha = KEXSDK::Alpha::computed;
         infos.push_back(info);
