@@ -21,10 +21,12 @@ struct Errors {
     jpeg_error_mgr manager; // first: the library hands back its address
     std::jmp_buf leave;
     bool endedEarly;
+    const Deadline* deadline; ///< null for none
 
     jpeg_error_mgr* prepare()
     {
         endedEarly = false;
+        deadline = nullptr;
         jpeg_std_error(&manager);
         manager.error_exit = [](j_common_ptr jpeg) { std::longjmp(of(jpeg).leave, 1); };
         manager.emit_message = [](j_common_ptr jpeg, int) {
@@ -36,9 +38,12 @@ struct Errors {
     static Errors& of(j_common_ptr jpeg) { return *reinterpret_cast<Errors*>(jpeg->err); }
 };
 
-void refuseEndlessScans(j_common_ptr jpeg)
+void refuseEndlessWork(j_common_ptr jpeg)
 {
-    if (jpeg->is_decompressor && reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > kMaxScans)
+    const Errors& errors = Errors::of(jpeg);
+    const bool manyScans =
+        jpeg->is_decompressor && reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > kMaxScans;
+    if (manyScans || (errors.deadline && errors.deadline->isOver()))
         std::longjmp(Errors::of(jpeg).leave, 1);
 }
 
@@ -68,7 +73,7 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size)
         return false;
     }
     jpeg_create_decompress(&jpeg);
-    progress.progress_monitor = refuseEndlessScans;
+    progress.progress_monitor = refuseEndlessWork;
     jpeg.progress = &progress;
     jpeg_mem_src(&jpeg, bytes, size);
     jpeg_read_header(&jpeg, TRUE);
@@ -79,6 +84,8 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size)
         jpeg_destroy_decompress(&jpeg);
         return true;
     }
+    const Deadline deadline(u64{result.width} * result.height);
+    errors.deadline = &deadline;
     const bool inks = jpeg.num_components == 4;
     jpeg.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGRA;
     jpeg_start_decompress(&jpeg);

@@ -4,6 +4,7 @@
 
 #include "core/Types.h"
 
+#include <chrono>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -36,6 +37,26 @@ struct Decoded {
 /// @param file  seekable, at its start
 Decoded decode(std::istream& file);
 
+/// The size alone, from the header: a picture outcome without pixels. Whether the rest of the file can be
+/// read is not looked at.
+/// @param file  seekable, at its start
+Decoded inspect(std::istream& file);
+
+/// Scales with a bilinear filter. @return false, with the picture unchanged, when a side is 0 or above
+/// kMaxSide, or memory is short
+bool scale(Decoded& picture, u32 width, u32 height);
+
+/// What decoding a picture may take: ten seconds and one for every million pixels, many times what the
+/// slowest kinds need. Decoders ask where they call back.
+class Deadline {
+public:
+    explicit Deadline(u64 pixels);
+    bool isOver() const;
+
+private:
+    std::chrono::steady_clock::time_point end_;
+};
+
 enum class Kind { png, jpeg, bmp, tga };
 
 /// The kind that a path's extension names, in either case.
@@ -44,7 +65,9 @@ std::optional<Kind> kindOf(std::string_view path);
 /// The bytes of a picture file; empty when the kind cannot hold a picture of that size. JPEG drops alpha.
 std::vector<u8> encode(Kind kind, const u8* pixels, u32 width, u32 height);
 
-/// Writes a whole picture file. @return false when anything failed; a file that was begun is removed then
+/// Writes a whole picture file, beside the path under a hidden name, and gives it the name when it is
+/// complete; a link stays and its target is replaced. Pipes and devices are written to directly.
+/// @return false when anything failed; what had the name before is as it was then
 bool save(const std::string& path, const u8* pixels, u32 width, u32 height);
 
 } // namespace pictures

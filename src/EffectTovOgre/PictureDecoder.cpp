@@ -5,6 +5,7 @@
 #include <stb_image.h>
 
 #include <algorithm>
+#include <csetjmp>
 #include <cstdlib>
 #include <cstring>
 #include <istream>
@@ -17,12 +18,22 @@ namespace {
 constexpr std::streamoff kHeadBytes = 128; // what stb reads ahead to find out the kind
 
 /// The decoder fills up what a file lacks, partly with memory it never wrote, and reports nothing: that the
-/// file was too short shows only in how it reads.
+/// file was too short shows only in how it reads. At the end of a Radiance file it would wait for ever for
+/// something other than zeros, so what it gets there is zeros first, which end headers, and then ones, which
+/// are runs of pixels or faults. One that goes on all the same, or works for too long, is left by longjmp,
+/// without what it has allocated; it gives its memory back in every case known.
 class Source {
 public:
-    explicit Source(std::istream& stream) : stream_(stream) { }
+    /// @param pixels  of the picture, 0 while only its header is read
+    Source(std::istream& stream, u64 pixels)
+        : stream_(stream),
+          beyondLimit_(kBeyondHeader + 8 * pixels),
+          deadline_(pixels)
+    {
+    }
 
     bool ranOut() const { return ranOut_; }
+    std::jmp_buf& leave() { return leave_; }
 
     static const stbi_io_callbacks& callbacks()
     {
@@ -34,6 +45,8 @@ public:
     }
 
 private:
+    static constexpr u64 kBeyondHeader = 1 << 16;
+
     int read(char* data, int size)
     {
         if (!readAhead_)
@@ -42,7 +55,13 @@ private:
         const int count = int(stream_.gcount());
         if (count == 0 || (count < size && data != readAhead_))
             ranOut_ = true;
-        return count;
+        if (beyond_ > beyondLimit_ || deadline_.isOver())
+            std::longjmp(leave_, 1);
+        if (count > 0 || data != readAhead_)
+            return count;
+        std::memset(data, beyond_ == 0 ? 0 : 0xFF, std::size_t(size));
+        beyond_ += u64(size);
+        return size;
     }
     void skip(int count)
     {
@@ -51,32 +70,62 @@ private:
     }
 
     std::istream& stream_;
+    const u64 beyondLimit_;
+    const Deadline deadline_;
     const char* readAhead_ = nullptr;
+    u64 beyond_ = 0; ///< bytes handed out that the file does not have
     bool ranOut_ = false;
+    std::jmp_buf leave_;
 };
 
-Decoded decodeWhole(std::istream& stream)
+// These two are left by longjmp, and keep no objects with destructors.
+
+bool readHeader(Source& source, int* width, int* height)
+{
+    int channels = 0;
+    if (setjmp(source.leave()))
+        return false;
+    return stbi_info_from_callbacks(&Source::callbacks(), &source, width, height, &channels) && *width > 0
+        && *height > 0;
+}
+
+/// @return memory that the caller frees, or null
+u8* readPixels(Source& source, int* width, int* height)
+{
+    int channels = 0;
+    if (setjmp(source.leave()))
+        return nullptr;
+    // The host may use the same library, and set it for all threads.
+    stbi_set_flip_vertically_on_load_thread(0);
+    return stbi_load_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
+}
+
+/// Only the size; a picture outcome without pixels.
+Decoded sizeIn(std::istream& stream)
 {
     Decoded result;
-    int width = 0, height = 0, channels = 0;
-    Source header(stream);
-    if (!stbi_info_from_callbacks(&Source::callbacks(), &header, &width, &height, &channels) || width <= 0
-        || height <= 0)
+    int width = 0, height = 0;
+    Source header(stream, 0);
+    if (!readHeader(header, &width, &height))
         return result;
     result.width = u32(width);
     result.height = u32(height);
-    if (tooLarge(result.width, result.height)) {
-        result.outcome = Decoded::Outcome::tooLarge;
-        return result;
-    }
+    result.outcome =
+        tooLarge(result.width, result.height) ? Decoded::Outcome::tooLarge : Decoded::Outcome::picture;
+    return result;
+}
 
+Decoded decodeWhole(std::istream& stream)
+{
+    Decoded result = sizeIn(stream);
+    if (result.outcome != Decoded::Outcome::picture)
+        return result;
+    result.outcome = Decoded::Outcome::unreadable;
     stream.clear();
     stream.seekg(0);
-    Source source(stream);
-    stbi_set_flip_vertically_on_load_thread(
-        0); // the host may use the same library, and set it for all threads
-    result.pixels.reset(
-        stbi_load_from_callbacks(&Source::callbacks(), &source, &width, &height, &channels, 4));
+    int width = 0, height = 0;
+    Source source(stream, u64{result.width} * result.height);
+    result.pixels.reset(readPixels(source, &width, &height));
     if (!result.pixels || source.ranOut() || u32(width) != result.width || u32(height) != result.height) {
         result.pixels.reset();
         return result;
@@ -113,6 +162,15 @@ bool tooLarge(u32 width, u32 height)
 {
     return width > kMaxSide || height > kMaxSide || u64{width} * height > kMaxPixels;
 }
+
+Deadline::Deadline(u64 pixels)
+    : end_(std::chrono::steady_clock::now() + std::chrono::seconds(10) + std::chrono::microseconds(pixels))
+{
+}
+
+bool Deadline::isOver() const { return std::chrono::steady_clock::now() > end_; }
+
+Decoded inspect(std::istream& file) { return sizeIn(file); }
 
 Decoded decode(std::istream& file)
 {

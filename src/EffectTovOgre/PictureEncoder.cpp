@@ -12,6 +12,9 @@
 #include <cerrno>
 #include <csetjmp>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 namespace pictures {
 
@@ -125,6 +128,42 @@ bool writeAll(int file, const std::vector<u8>& bytes)
     return true;
 }
 
+/// Writes and closes; false also for a descriptor that could not be opened.
+bool writeInto(int file, const std::vector<u8>& bytes)
+{
+    if (file < 0)
+        return false;
+    const bool written = writeAll(file, bytes);
+    return close(file) == 0 && written;
+}
+
+/// Where a name leads: itself, unless it is a link, which may lead to a file that is not there yet.
+std::string behindLinks(const std::string& path)
+{
+    std::error_code error;
+    std::filesystem::path target = path;
+    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, error); ++links)
+        target = target.parent_path() / std::filesystem::read_symlink(target, error);
+    return target.string();
+}
+
+/// A template for mkostemp.
+std::string hiddenBeside(const std::filesystem::path& target)
+{
+    const std::string name = target.filename().string().substr(0, 200); // file systems end names at 255 bytes
+    return (target.parent_path() / ("." + name + ".XXXXXX")).string();
+}
+
+/// The permissions that new files do not get. Asking without changing them, so that no other thread sees it.
+mode_t currentMask()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (unsigned mask = 0; word == "Umask:" && status >> std::oct >> mask)
+            return mode_t(mask);
+    return 022;
+}
+
 } // namespace
 
 std::optional<Kind> kindOf(std::string_view path)
@@ -169,16 +208,24 @@ bool save(const std::string& path, const u8* pixels, u32 width, u32 height)
     const std::vector<u8> bytes = encode(*kind, pixels, width, height);
     if (bytes.empty())
         return false;
-    // Without O_NONBLOCK a pipe that nobody reads would hold up the thread that everybody waits for.
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+    struct stat before { };
+    const bool exists = stat(path.c_str(), &before) == 0;
+    if (exists && !S_ISREG(before.st_mode)) {
+        // Without O_NONBLOCK a pipe that nobody reads would hold up the thread that everybody waits for.
+        return writeInto(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK), bytes);
+    }
+    if (exists && access(path.c_str(), W_OK) != 0)
+        return false; // a file that is protected is not replaced either
+    const std::string target = behindLinks(path);
+    std::string hidden = hiddenBeside(target);
+    const int file = mkostemp(hidden.data(), O_CLOEXEC);
     if (file < 0)
         return false;
-    const bool written = writeAll(file, bytes);
-    if (close(file) == 0 && written)
+    // As a file would be that is made, or written to, under the name itself.
+    fchmod(file, exists ? before.st_mode & 0777 : 0666 & ~currentMask());
+    if (writeInto(file, bytes) && rename(hidden.c_str(), target.c_str()) == 0)
         return true;
-    struct stat status { };
-    if (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) // devices and links stay
-        unlink(path.c_str());
+    unlink(hidden.c_str());
     return false;
 }
 

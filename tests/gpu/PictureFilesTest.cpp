@@ -5,8 +5,10 @@
 #include <jpeglib.h>
 #include <malloc.h>
 #include <png.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <cstdio>
 #include <random>
 
@@ -250,6 +252,56 @@ TEST_F(PictureFilesTest, AFailedSaveIsReportedAndLogged)
     EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
+// Files may end at 64 KiB for a while, as on a disk that fills up.
+class ShortFiles {
+public:
+    ShortFiles()
+    {
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit{1 << 16, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~ShortFiles()
+    {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST_F(PictureFilesTest, ASaveThatFailsLeavesWhatWasThere)
+{
+    ASSERT_TRUE(save(path("older.png"), noise(20, 20), 20, 20));
+    ASSERT_EQ(symlink("older.png", path("link.png").c_str()), 0);
+    const std::string older = read("older.png");
+    const auto files = [&] {
+        const std::filesystem::directory_iterator all(path(""));
+        return std::distance(begin(all), end(all));
+    };
+    const auto before = files();
+    {
+        const ShortFiles limit;
+        for (const char* const name : {"older.png", "link.png", "new.png"})
+            EXPECT_FALSE(save(path(name), noise(200, 200), 200, 200)) << name;
+    }
+    EXPECT_EQ(read("older.png"), older);
+    EXPECT_EQ(files(), before);
+
+    // One that succeeds goes through a link, and keeps the file's permissions.
+    ASSERT_EQ(chmod(path("older.png").c_str(), 0640), 0);
+    EXPECT_TRUE(save(path("link.png"), noise(30, 30), 30, 30));
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link.png")));
+    EXPECT_NE(read("older.png"), older);
+    struct stat status { };
+    ASSERT_EQ(stat(path("older.png").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777u, 0640u);
+    EXPECT_EQ(files(), before);
+}
+
 TEST_F(PictureFilesTest, ScalingGivesTheSizeAskedForAndKeepsPlainColours)
 {
     Bytes plain;
@@ -303,6 +355,61 @@ TEST(PictureCodecs, NoBeginningOfAFileIsTakenForThePicture)
                     << "kind " << int(kind) << ", " << length << " of " << file.size() << " bytes";
             }
         }
+}
+
+// Files of the kinds that the engine only reads, by their formats' rules.
+std::vector<std::pair<std::string, std::string>> filesOfOtherKinds()
+{
+    constexpr int kWidth = 40, kHeight = 11;
+    std::mt19937 random(5);
+    const auto byte = [&] { return char(random()); };
+    const std::string header = "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 11 +X 40\n";
+    std::string runs = header, flat = header;
+    for (int y = 0; y < kHeight; ++y) {
+        runs += {2, 2, 0, kWidth};
+        for (int channel = 0; channel < 4; ++channel) {
+            runs += {char(128 + 20), char(100 + channel), 20}; // a run of 20, then 20 values
+            for (int i = 0; i < 20; ++i)
+                runs += char(1 + (byte() & 0x7F));
+        }
+    }
+    for (int i = 0; i < kWidth * kHeight * 4; ++i)
+        flat += char(100 + (byte() & 0x1F));
+    std::string grey = "P5\n40 11\n255\n", colours = "P6\n40 11\n255\n";
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+        grey += byte();
+        colours += {byte(), byte(), byte()};
+    }
+    using namespace std::string_literals;
+    const std::string sizes = "\0\0\0\x0B\0\0\0\x28"s;
+    std::string photoshop =
+        "8BPS\0\1\0\0\0\0\0\0\0\3"s + sizes + "\0\x08\0\3"s + std::string(12, '\0') + "\0\1"s;
+    for (int row = 0; row < 3 * kHeight; ++row)
+        photoshop += "\0\4"s;
+    for (int row = 0; row < 3 * kHeight; ++row)
+        photoshop += {char(-19), byte(), char(-19), byte()}; // two runs of 20
+    return {{"runs.hdr", runs}, {"flat.hdr", flat}, {"grey.pgm", grey}, {"colours.ppm", colours},
+        {"runs.psd", photoshop}};
+}
+
+TEST(PictureCodecs, NoFileHoldsADecoderForEver)
+{
+    using pictures::Decoded;
+    for (const auto& [name, file] : filesOfOtherKinds()) {
+        const Bytes bytes(file.begin(), file.end());
+        ASSERT_EQ(decode(bytes, bytes.size()).outcome, Decoded::Outcome::picture) << name;
+        for (std::size_t length = 0; length < bytes.size(); ++length)
+            EXPECT_EQ(decode(bytes, length).outcome, Decoded::Outcome::unreadable)
+                << name << ", " << length << " of " << bytes.size() << " bytes";
+        std::mt19937 random(7);
+        for (int attempt = 0; attempt < 400; ++attempt) {
+            Bytes damaged = bytes;
+            for (int i = 0; i < 3; ++i)
+                damaged[random() % damaged.size()] = random() % 2 ? u8(random()) : u8(0);
+            decode(
+                damaged, damaged.size() - random() % 2 * (random() % 100)); // ends, with or without a picture
+        }
+    }
 }
 
 TEST(PictureCodecs, DamagedFilesReadTheSameEveryTime)
