@@ -1,9 +1,23 @@
 // Signals become a flag.
 #include "effectengine/Interruption.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <array>
 #include <atomic>
+#include <climits>
 #include <csignal>
+#include <string>
+
+// A handler reads these: no memory is allocated, and a place is complete before it is marked as used.
+struct Leftover::Place {
+    enum State { kFree, kTaken, kUsed };
+    std::atomic<int> state{kFree};
+    pid_t process;
+    char path[PATH_MAX];
+};
+std::array<Leftover::Place, 100> Leftover::places;
 
 namespace {
 
@@ -14,7 +28,23 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 struct Interrupted { };
 
-extern "C" void remember(int signal) { received.store(signal); }
+constexpr unsigned kPatienceSeconds = 1;
+
+extern "C" void remember(int signal)
+{
+    received.store(signal);
+    alarm(kPatienceSeconds);
+}
+
+extern "C" void endByForce(int)
+{
+    removeLeftovers();
+    const int signal = received.load();
+    struct sigaction action { };
+    action.sa_handler = SIG_DFL;
+    sigaction(signal, &action, nullptr);
+    kill(getpid(), signal);
+}
 
 class Handlers {
 public:
@@ -28,18 +58,54 @@ public:
             if (before_[i].sa_handler != SIG_IGN) // nohup
                 sigaction(kSignals[i], &action, nullptr);
         }
+        action.sa_handler = endByForce;
+        sigaction(SIGALRM, &action, &alarmBefore_);
     }
     ~Handlers()
     {
+        alarm(0);
+        sigaction(SIGALRM, &alarmBefore_, nullptr);
         for (std::size_t i = 0; i < kSignals.size(); ++i)
             sigaction(kSignals[i], &before_[i], nullptr);
     }
 
 private:
     std::array<struct sigaction, kSignals.size()> before_{};
+    struct sigaction alarmBefore_ { };
 };
 
 } // namespace
+
+void removeLeftovers() noexcept
+{
+    for (const Leftover::Place& place : Leftover::places)
+        if (place.state.load() == Leftover::Place::kUsed && place.process == getpid())
+            unlink(place.path);
+}
+
+Leftover::Place* Leftover::take()
+{
+    for (Place& place : places)
+        if (int expected = Place::kFree; place.state.compare_exchange_strong(expected, Place::kTaken))
+            return &place;
+    return nullptr;
+}
+
+Leftover::Leftover(const std::filesystem::path& file) : place_(nullptr)
+{
+    const std::string& path = file.native();
+    if (path.size() >= sizeof Place::path || !(place_ = take()))
+        return;
+    place_->process = getpid();
+    *std::ranges::copy(path, place_->path).out = '\0';
+    place_->state = Place::kUsed;
+}
+
+Leftover::~Leftover()
+{
+    if (place_)
+        place_->state = Place::kFree;
+}
 
 bool stopAsked() noexcept { return received.load() != 0; }
 

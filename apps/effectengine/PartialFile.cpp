@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 
@@ -14,7 +16,8 @@ namespace fs = std::filesystem;
 PartialFile::PartialFile(fs::path target)
     : target_(std::move(target)),
       path_(target_.parent_path()
-          / ("." + target_.stem().string() + "." + std::to_string(getpid()) + target_.extension().string()))
+          / ("." + target_.stem().string() + "." + std::to_string(getpid()) + target_.extension().string())),
+      leftover_(path_)
 {
 }
 
@@ -32,6 +35,15 @@ void PartialFile::keep()
     if (error)
         throwCannotWrite(target_, error.value());
     kept_ = true;
+}
+
+bool isOfEndedProcess(std::string_view rest)
+{
+    pid_t process = 0;
+    const char* const end = rest.data() + rest.size();
+    const auto number = std::from_chars(rest.data(), end, process);
+    return number.ec == std::errc() && process > 0 && (number.ptr == end || *number.ptr == '-')
+        && kill(process, 0) != 0 && errno == ESRCH;
 }
 
 void writeTextFile(const fs::path& file, const std::string& text)

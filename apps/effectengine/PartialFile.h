@@ -1,8 +1,11 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
+#include "effectengine/Interruption.h"
+
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 /// Names a hidden file beside the target, with the target's extension, and removes it unless kept.
 class PartialFile {
@@ -22,8 +25,13 @@ public:
 private:
     std::filesystem::path target_;
     std::filesystem::path path_;
+    Leftover leftover_;
     bool kept_ = false;
 };
+
+/// Whether a name continues with the number of a process that is no more, and with nothing or a hyphen after
+/// it: what it left behind may go.
+bool isOfEndedProcess(std::string_view rest);
 
 /// Writes a text as a whole. Throws ToolError; the target is then as it was before.
 void writeTextFile(const std::filesystem::path& file, const std::string& text);

@@ -1,12 +1,11 @@
-// Picture files through the engine's own functions, checked from outside.
+// Picture files through the engine's codecs, which need no graphics system.
 #include "effectengine/Pictures.h"
 
-#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 
 #include <fcntl.h>
-#include <stb/stb_image.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +15,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <span>
+#include <string_view>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -24,13 +28,74 @@ namespace {
 constexpr unsigned kLargestSide = 4096;
 constexpr std::array kWritable{".png", ".jpg", ".jpeg", ".bmp", ".tga"};
 
+constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
+    {"\x89PNG", "a PNG file"},
+    {"\xFF\xD8\xFF", "a JPEG file"},
+    {"GIF8", "a GIF file"},
+    {"BM", "a BMP file"},
+    {"8BPS", "a Photoshop file"},
+    {"#?", "a Radiance file"},
+    {"P5", "a PGM file"},
+    {"P6", "a PPM file"},
+    {"II*", "a TIFF file"},
+    {"MM", "a TIFF file"},
+    {"RIFF", "a WebP file, or sound or video"},
+    {"\xFF\x0A", "a JPEG XL file"},
+    {"%PDF", "a PDF file"},
+    {"<svg", "an SVG file"},
+    {"<?xml", "an XML file"},
+}};
+
+/// What a file seems to be by its first bytes, for people.
+std::string kindByBytes(std::istream& file)
+{
+    char head[16] = {};
+    file.clear();
+    file.seekg(0);
+    file.read(head, sizeof head);
+    const std::string_view bytes(head, std::size_t(file.gcount()));
+    if (bytes.empty())
+        return "is empty";
+    for (const auto& [signature, name] : kKinds)
+        if (bytes.starts_with(signature))
+            return "begins like " + std::string(name);
+    if (bytes.size() > 11 && bytes.substr(4, 4) == "ftyp")
+        return "begins like a HEIC, AVIF or MP4 file";
+    return "begins like no picture";
+}
+
+std::ifstream openPicture(const fs::path& file)
+{
+    if (!fs::exists(file))
+        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
+    if (fs::is_directory(file))
+        throw ToolError(ExitCode::unreadable, "is a directory, not a picture: " + file.string());
+    if (!fs::is_regular_file(file)) // a pipe might never end
+        throw ToolError(ExitCode::unreadable, "not a regular file: " + file.string());
+    if (access(file.c_str(), R_OK) != 0)
+        throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
+    return std::ifstream(file, std::ios::binary);
+}
+
+void checkDecoded(
+    const fs::path& file, std::istream& stream, const pictures::Decoded& picture, const char* what)
+{
+    using Outcome = pictures::Decoded::Outcome;
+    if (picture.outcome == Outcome::tooLarge)
+        throw ToolError(ExitCode::unreadable,
+            file.string() + " is too large a picture: " + std::to_string(picture.width) + " x "
+                + std::to_string(picture.height) + " pixels");
+    if (picture.outcome == Outcome::unreadable)
+        throw ToolError(
+            ExitCode::unreadable, std::string(what) + ": " + file.string() + " " + kindByBytes(stream));
+}
+
 bool holdsPicture(const fs::path& file, PictureSize size)
 {
-    int width = 0;
-    int height = 0;
-    int channels = 0;
-    return stbi_info(file.c_str(), &width, &height, &channels) && unsigned(width) == size.width
-        && unsigned(height) == size.height;
+    std::ifstream stream(file, std::ios::binary);
+    const pictures::Decoded header = pictures::inspect(stream);
+    return header.outcome == pictures::Decoded::Outcome::picture && header.width == size.width
+        && header.height == size.height;
 }
 
 // A failed save leaves no file to ask, so ask the disk for the picture's room once more.
@@ -73,18 +138,10 @@ void makeDirectory(const fs::path& directory)
 
 PictureSize sizeOf(const fs::path& file)
 {
-    if (!fs::exists(file))
-        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
-    if (fs::is_directory(file))
-        throw ToolError(ExitCode::unreadable, "is a directory, not a picture: " + file.string());
-    if (access(file.c_str(), R_OK) != 0)
-        throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
-    int width = 0;
-    int height = 0;
-    int channels = 0;
-    if (!stbi_info(file.c_str(), &width, &height, &channels))
-        throw ToolError(ExitCode::unreadable, "not a picture that can be decoded: " + file.string());
-    return {unsigned(width), unsigned(height)};
+    std::ifstream stream = openPicture(file);
+    const pictures::Decoded header = pictures::inspect(stream);
+    checkDecoded(file, stream, header, "not a picture that can be decoded");
+    return {header.width, header.height};
 }
 
 PictureSize parseSize(const std::string& text)
@@ -114,13 +171,16 @@ PictureSize fitted(PictureSize size)
 
 host::Image loadPicture(const fs::path& file, PictureSize size)
 {
-    // The engine takes a bare name for one of the pack's pictures first.
-    host::Image image = host::Image::load(fs::absolute(file).string(), size.width, size.height);
-    if (!image && !gpuAvailable())
-        throw ToolError(ExitCode::noGraphics,
-            "the graphics system did not start, so pictures cannot be loaded (no EGL and no display?)");
-    if (!image)
-        throw ToolError(ExitCode::unreadable, "cannot decode " + file.string());
+    std::ifstream stream = openPicture(file);
+    pictures::Decoded picture = pictures::decode(stream);
+    checkDecoded(file, stream, picture, "damaged or cut short");
+    if (!pictures::scale(picture, size.width, size.height))
+        throw ToolError(ExitCode::internal, "not enough memory to scale " + file.string());
+    host::Image image(size.width, size.height);
+    const std::size_t stride = std::size_t{size.width} * 4;
+    for (std::size_t row = 0; row < size.height; ++row)
+        std::memcpy(image.bytes().data() + row * stride,
+            picture.pixels.get() + (size.height - 1 - row) * stride, stride);
     return image;
 }
 
@@ -144,8 +204,13 @@ void savePicture(CEffectImage* image, const fs::path& file)
     PictureSize size{};
     GetImageWidth(image, &size.width);
     GetImageHeight(image, &size.height);
-    SaveImage(image, partial.path().c_str()); // answers 0 in any case: the file itself must tell
-    if (!holdsPicture(partial.path(), size))
+    const std::span<unsigned char> bytes = host::bytesOf(image);
+    const std::size_t stride = std::size_t{size.width} * 4;
+    std::vector<unsigned char> topFirst(bytes.size());
+    for (std::size_t row = 0; row < size.height; ++row)
+        std::memcpy(topFirst.data() + row * stride, bytes.data() + (size.height - 1 - row) * stride, stride);
+    if (!pictures::save(partial.path(), topFirst.data(), size.width, size.height)
+        || !holdsPicture(partial.path(), size))
         throwCannotWrite(file, diskIsFull(directoryOf(file), size) ? ENOSPC : EIO);
     partial.keep();
 }

@@ -2,18 +2,40 @@
 #include "effectengine/Session.h"
 
 #include "core/Clock.h"
+#include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "engine/effectList.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::string_view kTemporaryName = "effectengine-";
+
+/// Removes the logs of processes that were ended by force.
+void removeOldLogs()
+{
+    std::error_code ignored;
+    for (fs::directory_iterator entry(fs::temp_directory_path(), ignored), end; entry != end;
+         entry.increment(ignored)) {
+        const std::string name = entry->path().filename().string();
+        if (name.starts_with(kTemporaryName)
+            && isOfEndedProcess(std::string_view(name).substr(kTemporaryName.size())))
+            fs::remove_all(entry->path(), ignored);
+    }
+}
+
 fs::path makeTemporaryDirectory()
 {
-    std::string name = (fs::temp_directory_path() / "effectengine-XXXXXX").string();
+    removeOldLogs();
+    std::string name =
+        (fs::temp_directory_path() / (std::string(kTemporaryName) + std::to_string(getpid()) + "-XXXXXX"))
+            .string();
     if (!mkdtemp(name.data()))
         throw ToolError(ExitCode::cannotWrite,
             "cannot make a directory for logs in " + fs::temp_directory_path().string());

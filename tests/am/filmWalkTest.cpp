@@ -23,7 +23,9 @@ TEST(AmFilmWalk, SienaStepsOnFromAZeroOfTheNoise)
     AmPicture white(40, 30);
     white.fill({255, 255, 255, 9});
     AmPicture shown = white;
-    for (u32 seed = 1; !isPlain(shown = applied(kSiena, white, [](auto&) {}, seed)); ++seed)
+    for (u32 seed = 1; !isPlain(shown = applied(
+                                    kSiena, white, [](auto&) {}, seed));
+         ++seed)
         ASSERT_LT(seed, 1000u) << "always damaged";
     // Without damage all reds come from one shade of the curve.
     const auto comesFrom = [&](u32 shade) {

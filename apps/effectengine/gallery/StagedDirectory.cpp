@@ -6,14 +6,54 @@
 
 #include <unistd.h>
 
+#include <string_view>
+
 namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kStagingName = ".effectengine-";
+constexpr std::string_view kMovedOut = ".old";
+
+/// Puts back what a process that was ended by force had moved out and not replaced, and removes the rest of
+/// it.
+void tidyUp(const fs::path& staging, const fs::path& target)
+{
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(staging, ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.ends_with(kMovedOut))
+            continue;
+        const fs::path place = target / name.substr(0, name.size() - kMovedOut.size());
+        if (!fs::exists(place))
+            fs::rename(entry.path(), place, ignored);
+    }
+    fs::remove_all(staging, ignored);
+}
+
+void tidyUpAfterEndedProcesses(const fs::path& target)
+{
+    std::error_code ignored;
+    std::vector<fs::path> ended;
+    for (const auto& entry : fs::directory_iterator(target, ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(kStagingName)
+            && isOfEndedProcess(std::string_view(name).substr(kStagingName.size())))
+            ended.push_back(entry.path());
+    }
+    for (const fs::path& staging : ended)
+        tidyUp(staging, target);
+}
+
+} // namespace
 
 StagedDirectory::StagedDirectory(fs::path target)
     : target_(std::move(target)),
-      staging_(target_ / (".effectengine-" + std::to_string(getpid()))),
+      staging_(target_ / (std::string(kStagingName) + std::to_string(getpid()))),
       madeTarget_(!fs::exists(target_))
 {
     makeDirectory(target_);
+    tidyUpAfterEndedProcesses(target_);
     std::error_code error;
     fs::create_directory(staging_, error);
     if (error)
@@ -33,7 +73,7 @@ void StagedDirectory::publish(const std::vector<std::string>& names)
     std::error_code error;
     for (const std::string& name : names) {
         if (fs::exists(target_ / name))
-            fs::rename(target_ / name, staging_ / (name + ".old"), error);
+            fs::rename(target_ / name, staging_ / (name + std::string(kMovedOut)), error);
         if (!error && fs::exists(staging_ / name))
             fs::rename(staging_ / name, target_ / name, error);
         if (error)

@@ -1,0 +1,66 @@
+// Signals to work that does not look for them.
+#include "effectengine/Interruption.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How a child ended that gets the signal while it works, as wait() tells.
+template <class Work> int statusAfter(int signal, Work work)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        interruptibly([&] {
+            raise(signal);
+            work();
+        });
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
+TEST(Interruption, WorkThatNeverAsksEndsWithinASecondAndLeavesNoPartialFile)
+{
+    const test::TemporaryDirectory files;
+    files.write("whole", "");
+    const std::string partial = files.path() + "partial";
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        files.write("partial", "");
+        const auto begin = std::chrono::steady_clock::now();
+        const int status = statusAfter(signal, [&] {
+            const Leftover whole(files.path() + "gone already");
+            const Leftover leftover(partial);
+            for (;;)
+                std::this_thread::sleep_for(10ms);
+        });
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s);
+        EXPECT_FALSE(std::filesystem::exists(partial));
+        EXPECT_TRUE(std::filesystem::exists(files.path() + "whole"));
+    }
+}
+
+TEST(Interruption, WorkThatAsksUnwinds)
+{
+    const test::TemporaryDirectory files;
+    files.write("kept", "");
+    const int status = statusAfter(SIGTERM, [&] {
+        const Leftover leftover(files.path() + "kept");
+        stopIfAsked();
+    });
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    EXPECT_TRUE(std::filesystem::exists(files.path() + "kept")) << "its owner removes it, or has given it a name";
+}
+
+} // namespace
