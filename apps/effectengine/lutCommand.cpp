@@ -2,11 +2,13 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
+#include "effectengine/lutOrder.h"
 #include "effectengine/lutRepair.h"
 #include "effects/lut/LutFile.h"
 #include "effects/lut/lutTiles.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -42,10 +44,44 @@ void warnOfIncompleteLines(const std::string& path, const lut::LutFile& file)
             + " table line(s) hold fewer than three numbers; the missing ones count as 0");
 }
 
+/// The text as one word of a shell's command line.
+std::string shellWord(const std::string& text)
+{
+    const auto plain = [](unsigned char c) {
+        return std::isalnum(c) || std::string_view("/._+-,:=@%").find(char(c)) != std::string_view::npos;
+    };
+    if (!text.empty() && std::ranges::all_of(text, plain))
+        return text;
+    std::string word = "'";
+    for (const char c : text)
+        word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return word + "'";
+}
+
+/// A name for the repaired table where no file is yet.
+std::string freeCubeName(std::filesystem::path path)
+{
+    const std::string stem = path.stem().string();
+    path.replace_extension(".cube");
+    for (int number = 2; std::filesystem::exists(path); ++number)
+        path.replace_filename(stem + "-" + std::to_string(number) + ".cube");
+    return path.string();
+}
+
+/// @param out  what the repaired table may be called
+void warnOfOrder(const std::string& path, const lut::LutFile& file, const std::string& out)
+{
+    if (lut::formatOf(path) == lut::LutFormat::threeDl && looksBlueFirst(file))
+        warn(path
+            + ": it looks as if blue varied fastest, and the engine takes red for that; to turn it round: "
+            + "effectengine lut fix --blue-first " + shellWord(path) + " " + shellWord(out));
+}
+
 void check(const std::string& path)
 {
     const lut::LutFile file = readLut(path);
     warnOfIncompleteLines(path, file);
+    warnOfOrder(path, file, freeCubeName(path));
     std::printf("%s: can be used, %d x %d x %d, domain %g %g %g to %g %g %g\n", path.c_str(), file.size,
         file.size, file.size, double(file.domainMin[0]), double(file.domainMin[1]), double(file.domainMin[2]),
         double(file.domainMax[0]), double(file.domainMax[1]), double(file.domainMax[2]));
@@ -95,9 +131,12 @@ void fix(const std::string& in, const std::filesystem::path& out, const LutRepai
             ExitCode::cannotWrite, "cannot write " + out.string() + ": the name must end in .cube");
     const LutRepair repair = repairLut(in, options);
     std::istringstream result(repair.text);
-    if (const lut::LutFile file = lut::parseCube(result); file.status != lut::LutStatus::success)
+    const lut::LutFile file = lut::parseCube(result);
+    if (file.status != lut::LutStatus::success)
         throw ToolError(ExitCode::unreadable, in + ": cannot be put right: " + file.reason);
     writeTextFile(out, repair.text);
+    if (!options.blueFirst)
+        warnOfOrder(in, file, out.string());
     for (const std::string& change : repair.changes)
         std::printf("%s: %s\n", in.c_str(), change.c_str());
     if (!repair.changes.empty())
