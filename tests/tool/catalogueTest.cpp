@@ -10,6 +10,7 @@
 #include <json/json.h>
 
 #include <fstream>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -191,6 +192,36 @@ TEST_F(Catalogue, TellsTheTruthAboutHistoryAndAlpha)
         for (std::size_t i = 3; i < alone.size() && effect["alpha"] != "computed"; i += 4)
             ASSERT_EQ(alone[i], effect["alpha"] == "opaque" ? 255 : given[i]) << "pixel " << i / 4;
     });
+}
+
+// "50 changes nothing", "11500 is neutral", "neutral at 0", "0 leaves the picture".
+TEST_F(Catalogue, ValuesThatAreToldToChangeNothingChangeNothing)
+{
+    const std::regex claim(
+        R"((-?[0-9.]+) (?:changes nothing|is neutral|leaves the picture)|neutral at (-?[0-9.]+))");
+    int claims = 0;
+    eachEffect([&](const Json::Value& effect) {
+        for (const Json::Value& parameter : effect["parameters"]) {
+            const std::string help = parameter["help"].asString();
+            std::smatch found;
+            if (!std::regex_search(help, found, claim))
+                continue;
+            SCOPED_TRACE(parameter["name"].asString() + ": " + help);
+            ++claims;
+            host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
+            const auto set = [&](const Json::Value& one, double value) {
+                EXPECT_TRUE(one["type"] == "integer" ? filter.set(one["name"].asString(), int(value))
+                                                     : filter.set(one["name"].asString(), float(value)));
+            };
+            filter.set("u_temperature", 11500); // unset it is not neutral
+            set(parameter, std::stod(found[1].matched ? found[1] : found[2]));
+            auto shown = show(filter, {1});
+            for (std::size_t i = 3; i < shown.size(); i += 4)
+                shown[i] = frames_[0].bytes()[i];
+            EXPECT_EQ(shown, frames_[0].bytes());
+        }
+    });
+    EXPECT_GE(claims, 3);
 }
 
 } // namespace

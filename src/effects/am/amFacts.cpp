@@ -18,7 +18,7 @@ constexpr Fact kFacts[] = {
         "distance, 100 for 10 pixels"},
     {4, "Film Grain", "Grain of one brightness for all channels.", kReadsPercent, kRandom, "amount of grain"},
     {5, "Exposure", "Logarithmic brightening with an offset.", kReadsPercent, kPlain,
-        "brightness, neutral at 50"},
+        "added to the logarithm, which brightens by itself; 50 adds nothing"},
     {6, "Grey Emboss", "A grey relief, lit from the side.", kReadsPercent, kPlain,
         "width of the relief's edges"},
     {7, "Blue Channel", "Keeps the blue channel."},

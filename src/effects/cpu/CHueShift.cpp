@@ -7,7 +7,7 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kHue = Param<int>{"Hue", 95, {0, 100}, "position on the hue wheel; 50 changes nothing"};
+constexpr auto kHue = Param<int>{"Hue", 95, {0, 100}, "position on the hue wheel; 50 keeps the hues"};
 
 // The weights stand in byte order, blue first.
 constexpr std::array<float, 3> kLuminance{0.3086f, 0.6094f, 0.082f};
