@@ -72,6 +72,8 @@ const char* alphaText(KEXSDK::Alpha alpha)
         return "becomes opaque";
     case KEXSDK::Alpha::computed:
         return "computed";
+    case KEXSDK::Alpha::loose:
+        return "computed; opaque if all inputs are";
     }
     return "";
 }

@@ -2,6 +2,7 @@
 #include "host/EffectGraph.h"
 
 #include "host/GraphError.h"
+#include "host/opacity.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -138,13 +139,25 @@ CEffectImage* EffectGraph::run(const FrameTime& time)
                     "there is no picture for its input " + running.node->inputs[i]);
             SetInputImage(running.filter.handle(), image, i);
         }
-        try {
-            running.output = running.filter.run();
-        } catch (const Failure& failure) {
-            fail(GraphFault::effectFailed, *running.node, failure.what());
-        }
+        evaluate(running);
     }
     return nodes_.back().output;
+}
+
+/// Effects may write to their inputs, so these are asked before.
+void EffectGraph::evaluate(Running& running)
+{
+    std::vector<CEffectImage*> inputs;
+    for (const std::string& input : running.node->inputs)
+        inputs.push_back(imageFor(input));
+    const bool opaque = running.node->effect->alpha == KEXSDK::Alpha::loose && areOpaque(inputs);
+    try {
+        running.output = running.filter.run();
+    } catch (const Failure& failure) {
+        fail(GraphFault::effectFailed, *running.node, failure.what());
+    }
+    if (opaque)
+        makeOpaque(running.output);
 }
 
 } // namespace host

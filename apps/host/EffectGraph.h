@@ -30,8 +30,9 @@ public:
     /// Its pixels may change between runs. Throws GraphError when the size differs.
     void setSource(const Image& image, unsigned index = 0);
 
-    /// Sets times and parameters, then evaluates every node once, inputs before users. The image belongs to
-    /// the graph and holds until the next run. Throws GraphError.
+    /// Sets times and parameters, then evaluates every node once, inputs before users. Where an effect's
+    /// alpha is loose, opaque inputs give an opaque picture. The image belongs to the graph and holds until
+    /// the next run. Throws GraphError.
     CEffectImage* run(const FrameTime& time);
 
 private:
@@ -44,6 +45,7 @@ private:
     };
 
     Running make(const GraphNode& node) const;
+    void evaluate(Running& running);
     void setTimes(Running& running, const FrameTime& time);
     CEffectImage* imageFor(const std::string& input) const;
 

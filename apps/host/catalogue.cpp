@@ -140,6 +140,8 @@ const char* alphaName(KEXSDK::Alpha alpha)
         return "opaque";
     case KEXSDK::Alpha::computed:
         return "computed";
+    case KEXSDK::Alpha::loose:
+        return "loose";
     }
     return "";
 }

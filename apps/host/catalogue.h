@@ -23,7 +23,7 @@ const char* typeName(KEXSDK::ParamType type);
 /// "none", "frames", "from-start".
 const char* historyName(const KEXSDK::History& history);
 
-/// "kept", "opaque", "computed".
+/// "kept", "opaque", "computed", "loose".
 const char* alphaName(KEXSDK::Alpha alpha);
 
 } // namespace host

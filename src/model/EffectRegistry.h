@@ -17,7 +17,12 @@ struct History {
     int frames = 0; ///< 0 none, n the last n frames, kFromStart everything since the first frame
 };
 
-enum class Alpha { kept, opaque, computed };
+enum class Alpha {
+    kept,     ///< the source's at the same place
+    opaque,   ///< 255
+    computed, ///< anything else; of opaque inputs it is transparent only where the effect means it
+    loose,    ///< computed without care: what opaque inputs give is meant to be opaque, and may not be
+};
 
 /// Facts for catalogues and tools; the engine itself needs only the GUID.
 struct EffectInfo {

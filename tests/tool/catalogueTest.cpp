@@ -3,6 +3,7 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
+#include "host/exampleValues.h"
 #include "host/jsonText.h"
 #include "support/GuardedFrame.h"
 
@@ -189,8 +190,34 @@ TEST_F(Catalogue, TellsTheTruthAboutHistoryAndAlpha)
         if (effect["history"] == "none") {
             EXPECT_EQ(show(effect, {1, 2, 3}), alone);
         }
-        for (std::size_t i = 3; i < alone.size() && effect["alpha"] != "computed"; i += 4)
+        const bool told = effect["alpha"] == "opaque" || effect["alpha"] == "kept";
+        for (std::size_t i = 3; i < alone.size() && told; i += 4)
             ASSERT_EQ(alone[i], effect["alpha"] == "opaque" ? 255 : given[i]) << "pixel " << i / 4;
+    });
+}
+
+// What the tool writes of opaque pictures is opaque: where that is not so by itself, alpha is told to be
+// loose.
+TEST_F(Catalogue, OpaqueInputsGiveOpaquePicturesUnlessAlphaIsLoose)
+{
+    eachEffect([&](const Json::Value& effect) {
+        if (effect["alpha"] == "loose" || effect["name"] == "blank") // the latter is for being transparent
+            return;
+        host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
+        host::setExampleValues(filter, describeParameters(effect["guid"].asString()), kWidth, kHeight);
+        for (unsigned i = 0; i < 2; ++i) {
+            frames_[i].fillWithNoise(i);
+            for (int y = 0; y < kHeight; ++y)
+                for (pixels::Bgra& p : frames_[i].view().row(y))
+                    p.a = 255;
+            SetInputImage(filter.handle(), frames_[i].image(), i);
+        }
+        for (const float seconds : {0.0f, 1.3f, 2.5f, 4.1f, 5.0f}) {
+            filter.set(kEffectCurrentTime, seconds);
+            const auto output = host::bytesOf(filter.run());
+            for (std::size_t i = 3; i < output.size(); i += 4)
+                ASSERT_EQ(output[i], 255) << "pixel " << i / 4 << " at " << seconds;
+        }
     });
 }
 

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <numeric>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -67,6 +68,12 @@ protected:
         return copyOf(graph.run(time));
     }
 
+    void setAlpha(host::Image& image, unsigned char value)
+    {
+        for (std::size_t i = 3; i < image.bytes().size(); i += 4)
+            image.bytes()[i] = value;
+    }
+
     host::Image first_{kWidth, kHeight};
     host::Image second_{kWidth, kHeight};
 };
@@ -115,6 +122,40 @@ TEST_F(Graphs, AWindowHoldsATransitionAtItsEnds)
         EXPECT_EQ(show(graph, {.seconds = after, .total = 10}), to) << after;
     EXPECT_EQ(
         show(graph, {.seconds = 2.5, .total = 10}), show(chain({"push"}), {.seconds = 2.5, .total = 5}));
+}
+
+// The library's own bytes lose alpha in these transitions.
+TEST_F(Graphs, OpaquePicturesStayOpaqueOnTheirWayThroughTransitions)
+{
+    constexpr FrameTime kMiddle{.seconds = 2.5};
+    const auto run = [&](const GraphDescription& description) {
+        EffectGraph graph(description, kWidth, kHeight);
+        graph.setSource(first_, 0);
+        graph.setSource(second_, 1);
+        return copyOf(graph.run(kMiddle));
+    };
+    paint(first_, 1);
+    paint(second_, 2);
+    for (const char* const name : {"zoom", "row-split-2", "turn", "twirl", "pixelate", "fade", "erase",
+             "linear-wipe", "skew-right-split"}) {
+        SCOPED_TRACE(name);
+        setAlpha(first_, 255);
+        setAlpha(second_, 255);
+        host::Filter filter(host::effectNamed(name).guid, kWidth, kHeight);
+        filter.setInput(first_, 0);
+        filter.setInput(second_, 1);
+        filter.set(kEffectCurrentTime, float(kMiddle.seconds));
+        auto expected = copyOf(filter.run());
+        bool losesAlpha = false;
+        for (std::size_t i = 3; i < expected.size(); i += 4)
+            losesAlpha |= std::exchange(expected[i], 255) != 255;
+        EXPECT_TRUE(losesAlpha) << "nothing to put right";
+        EXPECT_EQ(run(chain({name})), expected);
+
+        second_.bytes()[3] = 254;
+        const auto own = copyOf(filter.run());
+        EXPECT_EQ(run(chain({name})), own) << "transparency that came in is the effect's to judge";
+    }
 }
 
 TEST_F(Graphs, KeyframesMoveParameters)

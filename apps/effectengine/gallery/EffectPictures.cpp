@@ -5,6 +5,7 @@
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "host/exampleValues.h"
+#include "host/opacity.h"
 #include "pixels/Random.h"
 #include "pixels/WaterSurface.h"
 
@@ -50,9 +51,7 @@ public:
           target_(size_.width, size_.height)
     {
         // Some transitions draw colours only, and leave the alpha of what they draw on.
-        const auto bytes = target_.bytes();
-        for (std::size_t i = 3; i < bytes.size(); i += 4)
-            bytes[i] = 255;
+        host::makeOpaque(target_.handle());
         // An effect's pictures do not depend on the effects before it.
         pixels::threadRandom() = pixels::RandomGenerator();
         pixels::restartRain();
@@ -74,8 +73,11 @@ public:
         filter_.set(kEffectFrameRate, 1 / step);
         filter_.set(kEffectTotalTime, total);
         filter_.set(kEffectCurrentTime, float(number) * step);
+        const bool opaque = effect_.alpha == KEXSDK::Alpha::loose && scene_.isOpaque(effect_.inputs);
         if (DoFilterEx(filter_.handle(), target_.handle()) != EFFECTENGINE_OK)
             throw host::Failure("could not be run");
+        if (opaque)
+            host::makeOpaque(target_.handle());
         return {target_.bytes().data(), {int(size_.width), int(size_.height)}};
     }
 

@@ -2,6 +2,7 @@
 #include "effectengine/gallery/Scene.h"
 
 #include "host/GraphDescription.h"
+#include "host/opacity.h"
 #include "pixels/View.h"
 
 #include <algorithm>
@@ -66,6 +67,12 @@ void Scene::makeSecond(const std::optional<std::filesystem::path>& file)
     std::ranges::copy(bytes, secondPicture_.bytes().begin());
     for (int y = 0; y < int(work_.height); ++y)
         std::ranges::reverse(viewOf(secondPicture_).row(y));
+}
+
+bool Scene::isOpaque(unsigned inputs) const
+{
+    CEffectImage* const pictures[] = {first_.handle(), second_.handle()};
+    return host::areOpaque(std::span(pictures).first(std::min<std::size_t>(inputs, std::size(pictures))));
 }
 
 void Scene::show(std::optional<unsigned> frame)

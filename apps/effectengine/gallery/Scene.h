@@ -28,6 +28,9 @@ public:
     /// The picture for an effect's input; the same memory for every effect.
     const host::Image& input(unsigned index) const { return index == 0 ? first_ : second_; }
 
+    /// Whether the pictures for an effect's first so many inputs are opaque.
+    bool isOpaque(unsigned inputs) const;
+
     /// Makes the inputs as good as new: effects may write to them. The first one shows the picture, or a
     /// window that has drifted over it.
     void show(std::optional<unsigned> frame);

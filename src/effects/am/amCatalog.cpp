@@ -267,7 +267,9 @@ EffectInfo infoOf(const AmCatalogRow& row, std::string name)
         .random = (fact.traits & am::kRandom) != 0,
         .shared = (fact.traits & am::kShared) != 0,
         .history = {fact.traits & am::kAnimated ? History::kFromStart : 0},
-        .alpha = fact.traits & am::kChangesAlpha ? Alpha::computed : Alpha::kept,
+        .alpha = fact.traits & am::kLosesAlpha ? Alpha::loose
+            : fact.traits & am::kChangesAlpha  ? Alpha::computed
+                                               : Alpha::kept,
     };
 }
 

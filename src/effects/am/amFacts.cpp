@@ -117,7 +117,7 @@ constexpr Fact kFacts[] = {
     {95, "Black Vignette", "A black rim around a circle.", kReadsRadius, kChangesAlpha, "",
         "size of the clear circle"},
     {96, "Broken Television", "A rolling, jittering television picture.", kReadsNothing,
-        kRandom | kAnimated | kChangesAlpha | kShared},
+        kRandom | kAnimated | kLosesAlpha | kShared},
     {97, "Kaleidoscope", "A triangle of the picture mirrored all around.", kReadsNothing, kChangesAlpha},
     {1026, "Sharpen", "Sharpens with the eight neighbours."},
     {1027, "Soft Blur", "Blurs with the eight neighbours."},

@@ -25,6 +25,7 @@ enum Traits : u32 {
     kAnimated = 2,     ///< state goes on from frame to frame
     kChangesAlpha = 4, ///< alpha is not the source's at the same place
     kShared = 8,       ///< all nodes of the process share its state
+    kLosesAlpha = 16,  ///< nor opaque wherever the source is opaque
 };
 
 struct Fact {

@@ -44,6 +44,8 @@ KEXSDK::Alpha alphaOf(const std::string& word)
 {
     if (word == "opaque")
         return KEXSDK::Alpha::opaque;
+    if (word == "loose")
+        return KEXSDK::Alpha::loose;
     return word == "computed" ? KEXSDK::Alpha::computed : KEXSDK::Alpha::kept;
 }
 

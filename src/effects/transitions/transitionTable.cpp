@@ -201,7 +201,8 @@ std::vector<KEXSDK::EffectInfo> transitionInfos()
         info.shared = row.trait == kRandomAndShared;
         info.random = info.shared || row.trait == kRandom;
         info.history.frames = row.trait == kKeepsBytes ? KEXSDK::History::kFromStart : 0;
-        info.alpha = KEXSDK::Alpha::computed;
+        // Some write colours only, some lose alpha in rounding or count it as a colour that fades.
+        info.alpha = KEXSDK::Alpha::loose;
         infos.push_back(info);
     }
     return infos;
