@@ -43,14 +43,16 @@ void list(const ListOptions& options)
 
 std::string valueText(const KEXSDK::ParamInfo& param)
 {
-    if (!param.declared)
-        return "not set";
-    std::string values;
-    for (u32 i = 0; i < param.elements; ++i) {
+    const auto number = [](double value) {
         char text[32];
-        std::snprintf(text, sizeof text, "%s%g", i ? "," : "", param.value[i]);
-        values += text;
-    }
+        std::snprintf(text, sizeof text, "%g", value);
+        return std::string(text);
+    };
+    if (!param.declared)
+        return param.hostDefault ? number(*param.hostDefault) : "not set";
+    std::string values;
+    for (u32 i = 0; i < param.elements; ++i)
+        values += (i ? "," : "") + number(param.value[i]);
     return values;
 }
 

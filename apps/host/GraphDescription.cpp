@@ -61,6 +61,14 @@ void checkConnections(const GraphNode& node, const NodeIndex& index)
     }
 }
 
+void storeHostDefaults(GraphNode& node)
+{
+    for (const ParamInfo* const info : describeParameters(node.effect->guid)) {
+        if (info->hostDefault && !node.sets(*info))
+            node.parameters.emplace_back(*info, std::vector<double>{*info->hostDefault});
+    }
+}
+
 // Depth first over the inputs; a node met again on the way down closes a cycle.
 class Sorter {
 public:
@@ -99,6 +107,11 @@ private:
 };
 
 } // namespace
+
+bool GraphNode::sets(const ParamInfo& info) const
+{
+    return std::ranges::any_of(parameters, [&](const ParameterTrack& t) { return &t.info() == &info; });
+}
 
 std::optional<unsigned> sourceIndex(std::string_view input)
 {
@@ -184,6 +197,8 @@ void GraphDescription::finish()
 {
     if (nodes.empty())
         fail("there are no effects");
+    for (GraphNode& node : nodes)
+        storeHostDefaults(node);
     Sorter sorter(nodes);
     for (const GraphNode& node : nodes)
         checkConnections(node, sorter.index());

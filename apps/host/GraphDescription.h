@@ -26,6 +26,9 @@ struct GraphNode {
     /// What feeds each input: a node's id, "source" for the host's first picture, "source-2" for its second.
     std::vector<std::string> inputs;
     std::optional<NodeWindow> window;
+
+    /// Whether it has values for one of its effect's parameters.
+    bool sets(const KEXSDK::ParamInfo& info) const;
 };
 
 /// What a host must know before it cuts a clip into parts.
@@ -53,7 +56,7 @@ public:
     void setParameter(std::string_view assignment);
 
     /// Checks ids and connections, and sorts the nodes into an order of evaluation that keeps
-    /// the given one where it can.
+    /// the given one where it can. Nodes get the values that hosts are to store (ParamInfo::hostDefault).
     void finish();
 
     /// How many pictures the host must supply; at least 1.

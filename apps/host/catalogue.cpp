@@ -54,6 +54,8 @@ Json::Value parameterEntry(const ParamInfo& param)
     if (param.type == ParamType::filePath)
         return json;
     json[param.declared ? "default" : "example"] = valueOf(param);
+    if (param.hostDefault)
+        json["hostDefault"] = number(param, *param.hostDefault);
     if (param.type == ParamType::integerArray || param.type == ParamType::realArray)
         json["elements"] = param.elements;
     if (param.low < param.high)

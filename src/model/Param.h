@@ -5,6 +5,7 @@
 #include "core/Types.h"
 
 #include <array>
+#include <optional>
 #include <type_traits>
 
 namespace KEXSDK {
@@ -32,6 +33,9 @@ struct ParamInfo {
     bool declared = true; ///< false: the constructor stores nothing and the host adds the parameter
     /// What the constructor stores; for undeclared parameters a value that shows the effect.
     std::array<double, kMaxElements> value{};
+    /// For an undeclared number whose absence acts: what a host stores unless its user says otherwise, so
+    /// that the effect leaves the picture alone.
+    std::optional<double> hostDefault{};
 };
 
 /// A number. `get(param)` on the node answers the stored value, or `fallback` when the name is missing or
@@ -64,6 +68,11 @@ template <class T> struct Param : ParamInfo {
     constexpr Param undeclared() const
     {
         return with([](Param& p) { p.declared = false; });
+    }
+    /// Undeclared, with a value that hosts are to store unless their user says otherwise.
+    constexpr Param storedByHosts(T neutral) const
+    {
+        return undeclared().with([&](Param& p) { p.hostDefault = double(neutral); });
     }
 
 private:

@@ -240,7 +240,10 @@ TEST_F(Catalogue, ValuesThatAreToldToChangeNothingChangeNothing)
                 EXPECT_TRUE(one["type"] == "integer" ? filter.set(one["name"].asString(), int(value))
                                                      : filter.set(one["name"].asString(), float(value)));
             };
-            filter.set("u_temperature", 11500); // unset it is not neutral
+            for (const Json::Value& other : effect["parameters"]) {
+                if (other.isMember("hostDefault"))
+                    set(other, other["hostDefault"].asDouble());
+            }
             set(parameter, std::stod(found[1].matched ? found[1] : found[2]));
             auto shown = show(filter, {1});
             for (std::size_t i = 3; i < shown.size(); i += 4)

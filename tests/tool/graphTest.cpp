@@ -23,6 +23,7 @@ using host::GraphFault;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr unsigned kWidth = 33;
 constexpr unsigned kHeight = 17;
@@ -156,6 +157,28 @@ TEST_F(Graphs, OpaquePicturesStayOpaqueOnTheirWayThroughTransitions)
         const auto own = copyOf(filter.run());
         EXPECT_EQ(run(chain({name})), own) << "transparency that came in is the effect's to judge";
     }
+}
+
+// Unset, the white balance of "light-room" counts as 0 and turns everything blue.
+TEST_F(Graphs, ValuesThatHostsAreToStoreAreStoredUnlessGiven)
+{
+    const auto plain = copyOf(paint(first_, 1).handle());
+    const auto called = chain({"light-room"});
+    EXPECT_EQ(show(called), plain);
+    EXPECT_THAT(host::graphText(called), HasSubstr("\"u_temperature\" : 11500"));
+    EXPECT_EQ(show(parsed(R"({"effect": "light-room"})")), plain);
+    const auto cool = chain({"light-room", "u_temperature=9000"});
+    EXPECT_NE(show(cool), plain);
+    EXPECT_THAT(host::graphText(cool), Not(HasSubstr("11500")));
+    EXPECT_NE(show(parsed(R"({"effect": "light-room", "parameters": {"u_temperature": {"keyframes": [
+        {"time": 0, "value": 9000}, {"time": 5, "value": 8000}]}}})")),
+        plain);
+
+    // What goes on from a preset replaces its value.
+    GraphDescription preset = called;
+    preset.setParameter("u_temperature=9000");
+    preset.finish();
+    EXPECT_EQ(host::graphText(preset), host::graphText(cool));
 }
 
 TEST_F(Graphs, KeyframesMoveParameters)

@@ -78,7 +78,8 @@ std::string parameterTable(const Json::Value& effect)
         std::string advised = range.isArray() ? text(range[0]) + " to " + text(range[1]) : "";
         if (const std::string unit = text(parameter["unit"]); !unit.empty())
             advised += " " + unit;
-        std::string initial = numbers(parameter["default"]);
+        std::string initial =
+            numbers(parameter[parameter.isMember("hostDefault") ? "hostDefault" : "default"]);
         if (initial.empty())
             initial =
                 "to be set" + (parameter.isMember("example") ? ", say " + numbers(parameter["example"]) : "");

@@ -34,7 +34,7 @@ constexpr auto kDiffuse =
     Param<float>{"diffuse", 20, {-100, 100}, "glow; above 0 it softens too"}.undeclared();
 constexpr auto kTemperature = Param<int>{"u_temperature", 14000, {0, 23000},
     "white balance: 11500 is neutral, less is cooler, more is warmer"}
-                                  .undeclared();
+                                  .storedByHosts(11500);
 constexpr auto kTint = Param<float>{"u_tint", 5, {-100, 100}, "green below 0, magenta above"}.undeclared();
 constexpr auto kExposure = Param<float>{"u_exposure", 10, {-100, 100}, "exposure"}.undeclared();
 constexpr auto kBrightness = Param<float>{"u_brightness", 5, {-100, 100}, "brightness"}.undeclared();
