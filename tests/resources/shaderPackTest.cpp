@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <numeric>
 #include <set>
 
 namespace {
@@ -230,6 +233,28 @@ TEST_F(ShaderPack, EveryWayToAFrameOfAParticleSceneShowsTheSamePicture)
         }
     }
     EXPECT_GE(scenes, 10);
+}
+
+// How much particles change the picture, at the start and once the scene has long been running.
+TEST_F(ShaderPack, ParticleScenesAreFilledAtTheirFirstFrame)
+{
+    const auto strength = [&](host::Filter& filter, float seconds) {
+        filter.set("u_global_time", seconds);
+        const Bytes shown = run(filter);
+        const Bytes plain = bytesOf(*first);
+        return std::transform_reduce(shown.begin(), shown.end(), plain.begin(), 0.0, std::plus{},
+            [](int a, int b) { return double(std::abs(a - b)); });
+    };
+    for (const EffectInfo& effect : effects()) {
+        if (effect.family != "particles")
+            continue;
+        SCOPED_TRACE(effect.name);
+        host::Filter filter = make(effect);
+        const double atFirst = strength(filter, 0);
+        const double later = (strength(filter, 13) + strength(filter, 16) + strength(filter, 19)) / 3;
+        EXPECT_GT(atFirst, 0.5 * later);
+        EXPECT_GT(later, 0);
+    }
 }
 
 TEST_F(ShaderPack, NeutralValuesLeaveThePicture)

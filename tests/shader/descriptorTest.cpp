@@ -88,7 +88,7 @@ TEST_F(DescriptorScan, NothingButRegularFilesOfSensibleSizeIsOpened)
 TEST(Descriptor, TellsWhatAnEffectNeedsAndReads)
 {
     const auto descriptor = shader::parseDescriptor(R"({
-        "SHADER": "tint.frag", "INPUTS": 2, "PU": "snow",
+        "SHADER": "tint.frag", "INPUTS": 2, "PU": "snow", "LEAD": 2.5,
         "TEXTURES": [{"FILE": "paper.png", "INDEX": 3}, {"FILE": "grain.png"}],
         "HISTORY": 2, "ALPHA": "computed", "RANDOM": true,
         "PARAMS": [
@@ -102,6 +102,7 @@ TEST(Descriptor, TellsWhatAnEffectNeedsAndReads)
     EXPECT_EQ(descriptor->shader, "tint.frag");
     EXPECT_EQ(descriptor->inputs, 2u);
     EXPECT_EQ(descriptor->particleTemplate, "snow");
+    EXPECT_EQ(descriptor->lead, 2.5);
     ASSERT_EQ(descriptor->textures.size(), 2u);
     EXPECT_EQ(descriptor->textures[0].file, "paper.png");
     EXPECT_EQ(descriptor->textures[0].index, 3u);
@@ -143,6 +144,8 @@ TEST(Descriptor, AMemberOfTheWrongTypeCountsAsAbsent)
     EXPECT_FALSE(descriptor->params[1].declared);
     for (const char* inputs : {"-1", "17", "1e9", "null", "{}", "1.5"})
         EXPECT_EQ(shader::parseDescriptor(std::string("{\"INPUTS\":") + inputs + "}")->inputs, 1u) << inputs;
+    for (const char* lead : {"-1", "61", "1e300", "\"5\"", "null", "[3]"})
+        EXPECT_EQ(shader::parseDescriptor(std::string("{\"LEAD\":") + lead + "}")->lead, 0) << lead;
 }
 
 TEST(Descriptor, TextsWithControlCharactersCountAsAbsent)

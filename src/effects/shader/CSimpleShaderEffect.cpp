@@ -150,7 +150,7 @@ void CSimpleShaderEffect::setTime()
         return;
     float rate = get(shader::kFrameRate);
     rate = rate > 0 ? std::clamp(rate, kSlowest, kFastest) : shader::kFrameRate.fallback;
-    const double time = getParamFloat(KEXSDK::kGlobalTime.name, 0);
+    const double time = getParamFloat(KEXSDK::kGlobalTime.name, 0) + descriptor_->lead;
     gpu_->setFrameRate(rate);
     gpu_->setFrameIndex(u32(std::clamp(pixels::roundHalfUp(time * rate), 0, kLastFrame)));
 }

@@ -19,6 +19,12 @@ u32 numberOf(const Json::Value& object, const char* key, u32 last, u32 absent)
     return value.isUInt() && value.asUInt() <= last ? value.asUInt() : absent;
 }
 
+double leadOf(const Json::Value& value)
+{
+    constexpr double kLongest = 60; // every node simulates it before its first frame
+    return value.isNumeric() && value.asDouble() >= 0 && value.asDouble() <= kLongest ? value.asDouble() : 0;
+}
+
 std::vector<DescriptorTexture> texturesOf(const Json::Value& list)
 {
     std::vector<DescriptorTexture> textures;
@@ -77,6 +83,7 @@ DescriptorPtr parse(std::string_view json)
     descriptor->textures = texturesOf(object["TEXTURES"]);
     descriptor->inputs = numberOf(object, "INPUTS", kMaxTextures, 1);
     descriptor->particleTemplate = textOf(object, "PU");
+    descriptor->lead = leadOf(object["LEAD"]);
     descriptor->facts = factsOf(object);
     descriptor->facts.inputs = descriptor->inputs;
     readParams(object["PARAMS"], *descriptor);

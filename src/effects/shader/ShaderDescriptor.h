@@ -26,6 +26,7 @@ struct ShaderDescriptor {
     std::vector<DescriptorTexture> textures;
     u32 inputs = 1;               ///< at most kMaxTextures
     std::string particleTemplate; ///< empty for none
+    double lead = 0;              ///< seconds that have passed in the particle scene at time 0
 
     KEXSDK::EffectInfo facts; ///< without the GUID; an empty name, title or family stands for none given
     /// What the effect reads. The texts that they point to belong to the descriptor.
