@@ -49,9 +49,6 @@ void ContactSheet::put(std::size_t tile, pixels::ConstView picture)
     const int scale = picture.width() / tile_.width;
     const pixels::Point corner = cornerOf(tile);
     const int area = scale * scale;
-    bool hidden = true;
-    for (int y = 0; y < picture.height() && hidden; ++y)
-        hidden = std::ranges::all_of(picture.row(y), [](pixels::Bgra p) { return p.a == 0; });
     for (int y = 0; y < tile_.height; ++y) {
         for (int x = 0; x < tile_.width; ++x) {
             int b = 0;
@@ -60,10 +57,9 @@ void ContactSheet::put(std::size_t tile, pixels::ConstView picture)
             for (int dy = 0; dy < scale; ++dy) {
                 for (const pixels::Bgra p :
                     picture.pictureRow(y * scale + dy).subspan(std::size_t(x * scale), std::size_t(scale))) {
-                    const int a = hidden ? 255 : p.a;
-                    b += p.b * a + kGround.b * (255 - a);
-                    g += p.g * a + kGround.g * (255 - a);
-                    r += p.r * a + kGround.r * (255 - a);
+                    b += p.b * p.a + kGround.b * (255 - p.a);
+                    g += p.g * p.a + kGround.g * (255 - p.a);
+                    r += p.r * p.a + kGround.r * (255 - p.a);
                 }
             }
             const auto mean = [&](int sum) { return u8((sum + 255 * area / 2) / (255 * area)); };

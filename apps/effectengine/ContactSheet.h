@@ -12,7 +12,6 @@ public:
     ContactSheet(std::size_t tiles, int columns, pixels::Extent tile);
 
     /// Puts a picture of a whole multiple of the tile's size into a tile, averaged, over the sheet's colour.
-    /// A picture whose alpha is 0 everywhere, as some transitions leave it, counts as opaque.
     void put(std::size_t tile, pixels::ConstView picture);
     /// Writes below the tile, shortened to its width.
     void label(std::size_t tile, std::string text);

@@ -7,8 +7,7 @@
 #include "effectengine/Workers.h"
 #include "effectengine/commands.h"
 #include "effectengine/pictureList.h"
-#include "host/EffectGraph.h"
-#include "pixels/Random.h"
+#include "effectengine/stills.h"
 
 #include <algorithm>
 #include <memory>
@@ -22,7 +21,7 @@ struct Options {
     std::vector<std::string> words; ///< [EFFECT] IN... OUT
     std::vector<fs::path> with;     ///< further pictures, for effects that take several
     std::string size;
-    double time = 0;
+    std::optional<double> time; ///< empty: the middle
     double total = host::FrameTime{}.total;
     int processes = 0; ///< 0: one for each processor
     PictureListOptions list;
@@ -49,7 +48,8 @@ public:
     {
     }
 
-    void process(const PictureJob& job) const
+    /// @param advise  warns of effects that did nothing for want of something
+    void process(const PictureJob& job, bool advise) const
     {
         const PictureSize source = sizeOf(job.in);
         const PictureSize size = options_.size.empty() ? fitted(source) : parseSize(options_.size);
@@ -60,12 +60,11 @@ public:
         pictures.push_back(loadPicture(job.in, size));
         for (const fs::path& file : options_.with)
             pictures.push_back(loadPicture(file, size));
-        // A picture's result does not depend on the pictures before it.
-        pixels::threadRandom() = pixels::RandomGenerator();
-        host::EffectGraph graph(description_, size.width, size.height);
-        for (unsigned i = 0; i < pictures.size(); ++i)
-            graph.setSource(pictures[i], i);
-        savePicture(graph.run({.seconds = options_.time, .total = options_.total}), job.out);
+        StillGraph graph(description_, pictures);
+        const double time = options_.time.value_or(options_.total / 2);
+        savePicture(graph.at({.seconds = time, .total = options_.total}), job.out);
+        if (advise)
+            std::ranges::for_each(graph.idleEffects(), warn);
     }
 
 private:
@@ -92,7 +91,7 @@ void apply(const Options& options, const GraphOptions& graphOptions, const Sessi
     const auto jobs = listPictures({options.words.begin() + std::ptrdiff_t(effects), options.words.end() - 1},
         options.words.back(), options.list);
     if (jobs.size() == 1) {
-        PictureRun(options, description, sessionOptions).process(jobs[0]);
+        PictureRun(options, description, sessionOptions).process(jobs[0], true);
         return;
     }
     const int processors = std::max(1, int(std::thread::hardware_concurrency()));
@@ -103,7 +102,7 @@ void apply(const Options& options, const GraphOptions& graphOptions, const Sessi
         processes,
         [&]() -> Workers::Piece {
             const auto run = std::make_shared<PictureRun>(options, description, sessionOptions);
-            return [run, &jobs](std::size_t i) { run->process(jobs[i]); };
+            return [run, &jobs](std::size_t i) { run->process(jobs[i], i == 0); };
         },
         progress);
     if (code != ExitCode::success)
@@ -129,7 +128,7 @@ void addApplyCommand(CLI::App& tool, const SessionOptions& session)
         ->type_name("FILE");
     command->add_option("--size", options->size, "size to scale to (default: the picture's own)")
         ->type_name("WIDTHxHEIGHT");
-    command->add_option("--time", options->time, "time within the effect, for animated ones")
+    command->add_option("--time", options->time, "time within the effect (default: its middle)")
         ->type_name("SECONDS");
     command->add_option("--total", options->total, "duration of the effect (default 5)")
         ->type_name("SECONDS");

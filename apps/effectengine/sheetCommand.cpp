@@ -6,7 +6,7 @@
 #include "effectengine/Progress.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
-#include "engine/effectList.h"
+#include "effectengine/stills.h"
 #include "host/exampleValues.h"
 
 #include <algorithm>
@@ -19,7 +19,6 @@ namespace {
 
 constexpr unsigned kOversampling = 2;
 constexpr unsigned kTileWidth = 240;
-constexpr int kFrameRate = 25;
 
 struct Options {
     EffectChoice choice;
@@ -69,20 +68,18 @@ public:
     void paint(const KEXSDK::EffectInfo& effect, ContactSheet& sheet, std::size_t tile) const
     {
         try {
-            host::Filter filter(effect.guid, int(size_.width), int(size_.height));
-            host::setExampleValues(filter, describeParameters(effect.guid), size_.width, size_.height);
-            for (unsigned i = 0; i < effect.inputs; ++i)
-                filter.setInput(pictures_[std::min<std::size_t>(i, 1)], i);
-            filter.set(kEffectFrameRate, float(kFrameRate));
-            const int last = int(std::lround(options_.time * kFrameRate));
-            CEffectImage* output = nullptr;
-            for (int frame = effect.history.frames == 0 ? last : 0; frame <= last; ++frame) {
-                filter.set(kEffectCurrentTime, float(frame) / kFrameRate);
-                output = filter.run();
-            }
+            host::GraphDescription description;
+            host::GraphNode& node = description.append(effect.guid);
+            host::addExamples(node, size_.width, size_.height);
+            // Two pictures are there; more inputs than two take the second one again.
+            for (std::size_t i = 1; i < node.inputs.size(); ++i)
+                node.inputs[i] = host::sourceName(1);
+            description.finish();
+            StillGraph graph(description, std::span(pictures_).first(description.sources()));
+            CEffectImage* const output = graph.at({.seconds = options_.time});
             sheet.put(tile, {host::bytesOf(output).data(), {int(size_.width), int(size_.height)}});
             sheet.label(tile, effect.name);
-        } catch (const host::Failure&) {
+        } catch (const host::GraphError&) {
             sheet.label(tile, effect.name + " (n/a)");
             warn("effect " + effect.name + " is not available here");
         }

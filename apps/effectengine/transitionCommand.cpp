@@ -3,7 +3,7 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
-#include "host/EffectGraph.h"
+#include "effectengine/stills.h"
 
 #include <cstdio>
 #include <memory>
@@ -82,13 +82,12 @@ void transition(const Options& options, const SessionOptions& sessionOptions)
         makeDirectory(options.out);
 
     const Session session(sessionOptions);
-    const host::Image from = loadPicture(options.from, size);
-    const host::Image to = loadPicture(options.to, size);
-    host::EffectGraph graph(description, size.width, size.height);
-    graph.setSource(from, 0);
-    graph.setSource(to, 1);
+    std::vector<host::Image> pictures;
+    pictures.push_back(loadPicture(options.from, size));
+    pictures.push_back(loadPicture(options.to, size));
+    StillGraph graph(description, pictures);
     const auto frameAt = [&](double progress) {
-        return graph.run({.seconds = progress * kDuration, .total = kDuration});
+        return graph.at({.seconds = progress * kDuration, .total = kDuration});
     };
     if (options.frames == 0) {
         savePicture(frameAt(at), options.out);

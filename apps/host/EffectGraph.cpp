@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace host {
 
@@ -121,7 +122,7 @@ void EffectGraph::setTimes(Running& running, const FrameTime& time)
     set(kEffectCurrentTime, seconds);
 }
 
-CEffectImage* EffectGraph::run(const FrameTime& time)
+CEffectImage* EffectGraph::run(const FrameTime& time, std::vector<std::string>* unchanged)
 {
     for (Running& running : nodes_) {
         setTimes(running, time);
@@ -139,17 +140,21 @@ CEffectImage* EffectGraph::run(const FrameTime& time)
                     "there is no picture for its input " + running.node->inputs[i]);
             SetInputImage(running.filter.handle(), image, i);
         }
-        evaluate(running);
+        if (evaluate(running, unchanged != nullptr) == Change::none && unchanged)
+            unchanged->push_back(running.node->id);
     }
     return nodes_.back().output;
 }
 
 /// Effects may write to their inputs, so these are asked before.
-void EffectGraph::evaluate(Running& running)
+EffectGraph::Change EffectGraph::evaluate(Running& running, bool compare)
 {
     std::vector<CEffectImage*> inputs;
     for (const std::string& input : running.node->inputs)
         inputs.push_back(imageFor(input));
+    std::vector<unsigned char> before;
+    if (compare && !inputs.empty())
+        std::ranges::copy(bytesOf(inputs[0]), std::back_inserter(before));
     const bool opaque = running.node->effect->alpha == KEXSDK::Alpha::loose && areOpaque(inputs);
     try {
         running.output = running.filter.run();
@@ -158,6 +163,7 @@ void EffectGraph::evaluate(Running& running)
     }
     if (opaque)
         makeOpaque(running.output);
+    return compare && std::ranges::equal(before, bytesOf(running.output)) ? Change::none : Change::some;
 }
 
 } // namespace host

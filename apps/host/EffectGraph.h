@@ -33,7 +33,8 @@ public:
     /// Sets times and parameters, then evaluates every node once, inputs before users. Where an effect's
     /// alpha is loose, opaque inputs give an opaque picture. The image belongs to the graph and holds until
     /// the next run. Throws GraphError.
-    CEffectImage* run(const FrameTime& time);
+    /// @param unchanged  receives the ids of nodes that gave the bytes of their first input, which costs time
+    CEffectImage* run(const FrameTime& time, std::vector<std::string>* unchanged = nullptr);
 
 private:
     struct Running {
@@ -44,8 +45,10 @@ private:
         CEffectImage* output = nullptr;
     };
 
+    enum class Change { none, some };
+
     Running make(const GraphNode& node) const;
-    void evaluate(Running& running);
+    Change evaluate(Running& running, bool compare);
     void setTimes(Running& running, const FrameTime& time);
     CEffectImage* imageFor(const std::string& input) const;
 

@@ -1,6 +1,7 @@
 // From parameter metadata to stored values.
 #include "host/exampleValues.h"
 
+#include "engine/effectList.h"
 #include "host/EffectGraph.h"
 
 #include <unistd.h>
@@ -68,6 +69,14 @@ void setExampleValues(
     for (const KEXSDK::ParamInfo* param : params) {
         if (!param->declared)
             store(filter, *param, exampleValue(*param, width, height));
+    }
+}
+
+void addExamples(GraphNode& node, unsigned width, unsigned height)
+{
+    for (const KEXSDK::ParamInfo* const param : describeParameters(node.effect->guid)) {
+        if (!param->declared && !node.sets(*param))
+            node.parameters.emplace_back(*param, exampleValue(*param, width, height));
     }
 }
 

@@ -1,8 +1,8 @@
 // Values that make every effect visible, for benches, sheets and tests.
 #pragma once
 
+#include "host/GraphDescription.h"
 #include "host/Host.h"
-#include "host/ParameterTrack.h"
 
 namespace host {
 
@@ -13,5 +13,8 @@ ParameterValue exampleValue(const KEXSDK::ParamInfo& param, unsigned width, unsi
 /// Stores such a value for each parameter that the effect reads but does not declare.
 void setExampleValues(
     Filter& filter, std::span<const KEXSDK::ParamInfo* const> params, unsigned width, unsigned height);
+
+/// The same for a node of a graph: gives it the values that it has not got.
+void addExamples(GraphNode& node, unsigned width, unsigned height);
 
 } // namespace host

@@ -181,6 +181,16 @@ TEST_F(Graphs, ValuesThatHostsAreToStoreAreStoredUnlessGiven)
     EXPECT_EQ(host::graphText(preset), host::graphText(cool));
 }
 
+TEST_F(Graphs, NodesThatGiveTheirInputAreNamed)
+{
+    EffectGraph graph(
+        chain({"equalize", "kex_effect_enable=0", "am-negative", "highlight", "Radius=2"}), kWidth, kHeight);
+    graph.setSource(paint(first_, 1));
+    std::vector<std::string> unchanged;
+    graph.run({}, &unchanged);
+    EXPECT_THAT(unchanged, ElementsAre("equalize", "highlight"));
+}
+
 TEST_F(Graphs, KeyframesMoveParameters)
 {
     const auto graph = parsed(R"({"effect": "am-binary", "parameters": {"Percent": {"keyframes": [
