@@ -11,6 +11,9 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/triggers) # the loader's cache is rebuilt
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debianFiles.cmake)
+set(CPACK_RESOURCE_FILE_CHANGELOG ${PROJECT_SOURCE_DIR}/CHANGELOG.md) # for that script
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
 # effectengine_package(<component> <name> <section> DESCRIPTION text [DEPENDS text] [ANY])
@@ -44,8 +47,8 @@ The header for C and C++, the CMake package and the pkg-config file.")
 effectengine_package(tools effectengine graphics ANY
     DEPENDS "effectengine-data ${same_version}, libegl1"
     DESCRIPTION "Image and video effects on the command line
-Puts effects, chains and graphs on pictures, folders and clips, and makes contact
-sheets and galleries.")
+Puts effects, chains and graphs on pictures, folders and clips, and makes
+contact sheets and galleries.")
 effectengine_package(resources effectengine-data graphics
     DESCRIPTION "Image and video effect engine, resources
 Configuration, descriptors and pictures that the engine is started with.")

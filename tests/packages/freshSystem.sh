@@ -1,38 +1,75 @@
 #!/usr/bin/env bash
-# The packages on a fresh Debian 12: installed by apt with what they depend on, used, built against, removed.
+# The packages on a fresh Debian of this machine's release: installed by apt with what they depend on, used, built
+# against, removed.
 #     freshSystem.sh DIRECTORY_OF_PACKAGES [ROOT]
-# ROOT is an unpacked Debian 12 to use and keep; without it debootstrap makes one for this run. Needs root.
+# ROOT is an unpacked Debian to use and keep; without it debootstrap makes one for this run, from where this machine's
+# apt gets its packages. Says in one line why when it cannot run, and ends with 77.
 set -euo pipefail
-packages=$(realpath "$1")
+
+cannot() {
+    echo "the packages were not tried on a fresh system: $*"
+    exit 77
+}
+[ "$(id -u)" -eq 0 ] || cannot "that needs root"
+mapfile -t origins < <(apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' \
+    'Created-By: Packages' 'Origin: Debian' | sort -u | grep -E '^https?:.* main$' || true)
+release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+archive=$(printf '%s\n' "${origins[@]}" | awk -v release="$release" '$2 == release { print $1; exit }')
+[ -n "$archive" ] || cannot "apt on this machine knows no source of Debian $release (apt-get update reads them)"
+
+packages=$(realpath -e "$1")
 source=$(cd "$(dirname "$0")/../.." && pwd)
-if [ $# -gt 1 ]; then
-    root=$(realpath "$2")
-else
-    root=$(mktemp -d)
-    debootstrap --variant=minbase bookworm "$root" http://deb.debian.org/debian >/dev/null
-fi
+kept=${2:+$(realpath -e "$2")}
+[ -n "$kept" ] || command -v debootstrap >/dev/null || cannot "debootstrap is not installed"
+root=${kept:-$(mktemp -d)}
+chmod 755 "$root" # apt fetches as a user of its own
 
 finish() {
-    umount "$root/proc"
+    mountpoint -q "$root/proc" && umount "$root/proc"
     rm -rf "$root/packages" "$root/project"
-    [ $# -gt 1 ] || rm -rf --one-file-system "$root"
+    [ -n "$kept" ] || rm -rf --one-file-system "$root"
 }
+trap finish EXIT
+if [ -z "$kept" ]; then
+    proxy=
+    eval "$(apt-config shell proxy Acquire::http::Proxy)"
+    [ -z "$proxy" ] || export http_proxy=${http_proxy:-$proxy}
+    debootstrap --variant=minbase --include=ca-certificates "$release" "$root" "$archive" >"$root.log" 2>&1 || {
+        tail -n 5 "$root.log" >&2
+        rm "$root.log"
+        cannot "debootstrap fails"
+    }
+    rm "$root.log"
+fi
 mkdir -p "$root/packages" "$root/project"
 cp "$packages"/*.deb "$root/packages"
 cp -r "$source/tests" "$source/docs" "$root/project"
-mount -t proc proc "$root/proc"
-trap "finish $*" EXIT
-inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 "$@"; }
+cp /etc/hosts /etc/resolv.conf "$root/etc"
+printf 'deb %s\n' "${origins[@]}" >"$root/etc/apt/sources.list"
+apt-config dump | grep -iE '^Acquire::[a-z]+::Proxy' >"$root/etc/apt/apt.conf.d/proxy" || true
+echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/unsafe-io" # nobody needs this system after a loss of power
+mountpoint -q "$root/proc" || mount -t proc proc "$root/proc" || cannot "proc cannot be mounted"
+inside() {
+    chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 \
+        ${http_proxy:+"http_proxy=$http_proxy"} ${https_proxy:+"https_proxy=$https_proxy"} "$@"
+}
 
 # Without recommended packages: what is needed must be a dependency.
 inside apt-get update -q >/dev/null
-install() { inside sh -c "apt-get install -q -y --no-install-recommends $*" >/dev/null; }
+install() {
+    inside sh -c "apt-get install -q -y --no-install-recommends $* >/tmp/install.log 2>&1" || {
+        tail -n 20 "$root/tmp/install.log"
+        exit 1
+    }
+}
 install '/packages/effectengine_*.deb' '/packages/effectengine-data_*.deb'
 [ "$(inside effectengine list | wc -l)" -eq "$(inside effectengine list --names | sort -u | wc -l)" ]
 inside effectengine doctor
-inside sh -c 'cd /tmp && effectengine apply hue-shift -p Hue=20 /project/docs/images/photograph.jpg out.png &&
-    effectengine video /tmp/out.png /tmp/out.mp4 -e glow && effectengine gallery g out.png --kind blur'
-inside test -s /tmp/out.png -a -s /tmp/out.mp4 -a -s /tmp/g/index.html
+inside sh -ec 'cd /tmp
+    effectengine apply hue-shift -p Hue=20 /project/docs/images/photograph.jpg out.png
+    effectengine video out.png out.mp4 -e glow
+    effectengine gallery g out.png --kind blur
+    test -s out.png -a -s out.mp4 -a -s g/index.html'
 
 # Another project, with CMake and with pkg-config.
 install '/packages/libeffectengine*.deb' '/packages/effectengine-doc_*.deb' cmake g++ ninja-build pkg-config
@@ -45,10 +82,10 @@ inside sh -ec '
         "-DHOST_SOURCES=/project/tests/abi/hostInC.c;/project/docs/examples/picture.c;/project/docs/examples/frames.cpp" >/dev/null
     cmake --build build >/dev/null
     build/hostInC "$resources" /tmp
-    /project/tests/documents/examplesTest.sh effectengine "$resources" /tmp/build/picture /tmp/build/frames
+    /project/tests/documents/examplesTest.sh /usr/bin/effectengine "$resources" /tmp/build/picture /tmp/build/frames
     cc -std=c11 /project/tests/abi/hostInC.c $(pkg-config --cflags --libs effectengine) -o plain
     ./plain "$resources" /tmp'
 
-inside apt-get purge -q -y effectengine effectengine-data libeffectengine1 libeffectengine-dev effectengine-doc >/dev/null
+inside apt-get purge -q -y effectengine effectengine-data libeffectengine1 libeffectengine-dev effectengine-doc >/dev/null 2>&1
 [ -z "$(find "$root/usr" -iname '*effectengine*')" ] || { echo "files stay: $(find "$root/usr" -iname '*effectengine*')"; exit 1; }
 echo "the packages work on a fresh system"
