@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# scripts/check-layers passes this tree, and names each kind of offence in a copy of it.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/../.." && pwd)
+check=$root/scripts/check-layers
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+"$check"
+
+# offence TEXT FILE LINE: with that line at its end, the file is named with that text, and nothing else is.
+offence() {
+    rm -rf "$work/tree"
+    mkdir "$work/tree"
+    cp -r "$root/src" "$work/tree"
+    mkdir -p "$(dirname "$work/tree/$2")"
+    echo "$3" >>"$work/tree/$2"
+    if "$check" "$work/tree" 2>"$work/said.txt"; then
+        echo "passed: $3 in $2" >&2
+        exit 1
+    fi
+    grep -qF "$2" "$work/said.txt" && grep -qF "$1" "$work/said.txt" && [ "$(wc -l <"$work/said.txt")" -eq 1 ] || {
+        cat "$work/said.txt" >&2
+        exit 1
+    }
+}
+offence 'ee_base does not link the layer of model' src/pixels/numbers.h '#include "model/Param.h"'
+offence 'ee_effects does not link the layer of EffectTovOgre' src/effects/am/amFrame.h ' # include <EffectTovOgre/GpuEffect.h>'
+offence 'ee_model does not link the layer of effects/lut' src/model/Param.h '#include "../effects/lut/LutFile.h"'
+offence 'pixels does not stand before core' src/core/Clock.h '#include "pixels/numbers.h"'
+offence 'its layer does not link OGRE' src/engine/effectList.cpp '#include <OgreRoot.h>'
+offence 'its directory belongs to no layer' src/loose/file.h '#pragma once'
+offence 'ee_low links ee_high, which does not stand above it' src/CMakeLists.txt \
+    'effectengine_layer(ee_low DIRECTORIES low LIBRARIES ee_high) effectengine_layer(ee_high DIRECTORIES high)'
+
+# An exception ends with its include.
+sed '/^EXCEPTIONS = {/a ("src/model/Param.h", "gone.h"),' "$check" >"$work/check-layers"
+python3 "$work/check-layers" "$root" 2>"$work/said.txt" && { echo "an exception stays without its include" >&2; exit 1; }
+grep -qF 'the exception for gone.h in src/model/Param.h is not needed' "$work/said.txt"
