@@ -90,8 +90,10 @@ void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::
 template <class T> void TovOgreEffectBase::apply(const Values<T>& values)
 {
     TovOgreShader& shader = plane_->shader();
-    for (const auto& [key, value] : values) {
-        const auto& [programType, name] = key;
+    for (const auto& entry : values) {
+        const auto& [programType, name] = entry.first;
+        const T& value =
+            entry.second; // (not a structured binding: Clang allows none in a requires-expression)
         if constexpr (std::is_same_v<T, _Matrix4Point>)
             shader.set(programType, name, std::span(value.values, value.count));
         else if constexpr (requires { value.multiple; })
