@@ -4,9 +4,9 @@
 #include "core/DynClass.h"
 #include "core/Log.h"
 
-#include <array>
+#include <exception>
 #include <span>
-#include <stdexcept>
+#include <utility>
 
 using KEXSDK::ParamType;
 using KEXSDK::ParamVariant;
@@ -18,6 +18,11 @@ DYN_CLASS::CFactory<TovOgrePaticalUniverseEffect> factory;
 // The plane z = 0 of a scene is as near as this, and shows 41.4 units of height.
 const Ogre::Vector3 kCameraPosition(0, 0, 50);
 const Ogre::Vector3 kCameraTarget(0, 0, -300);
+
+constexpr const char* kSceneTag = "TovOgrePaticalUniverseEffect::createScene";
+
+/// Frames that one request simulates at most. (Every other request waits meanwhile.)
+constexpr u32 kMostSteps = 10'000;
 
 std::string nextInstanceName()
 {
@@ -75,10 +80,8 @@ void TovOgrePaticalUniverseEffect::createScene()
     const RandomNumbers drawn(sequence_);
     try {
         scene_.emplace(sceneManager(), effectSceneNode(), instanceName_, particleTemplate);
-    } catch (const std::invalid_argument& error) {
-        templateMissing_ = true;
-        logging::error("TovOgrePaticalUniverseEffect::createScene", error.what());
-        return;
+    } catch (const std::exception& error) { // OGRE's own among them
+        return leaveOut(error.what());
     }
     moveCamera(kCameraPosition, kCameraTarget);
     setAttributes();
@@ -97,29 +100,65 @@ void TovOgrePaticalUniverseEffect::applyShaderParameters()
 
 void TovOgrePaticalUniverseEffect::setAttributes()
 {
+    scene_->beginAttributes();
     forEachParam([&](const std::string& name, const ParamVariant& value) {
         if (particles::isAttributeName(name))
-            scene_->set(particles::parseAttributePath(name), wordsOf(value));
+            scene_->setAttribute(particles::parseAttributePath(name), wordsOf(value));
     });
+    scene_->applyAttributes();
     paramsChanged = 0;
+}
+
+void TovOgrePaticalUniverseEffect::leaveOut(const char* reason)
+{
+    scene_.reset();
+    leftOut_ = true;
+    logging::error(kSceneTag, "The particles of [" + particleTemplate + "] are left out: " + reason);
 }
 
 void TovOgrePaticalUniverseEffect::render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels)
 {
+    stopInReach();
     wantedFrame_ = currentFrame_;
     TovOgreEffectBase::render(output, buffer, channels);
 }
 
+void TovOgrePaticalUniverseEffect::stopInReach()
+{
+    if (!hasParticles())
+        return;
+    const u32 begin = scene_ && currentFrame_ >= previousFrame_ ? previousFrame_ : 0;
+    if (currentFrame_ - begin <= kMostSteps)
+        return;
+    const u32 end = begin + kMostSteps;
+    if (!std::exchange(stopReported_, true))
+        logging::warning(kSceneTag,
+            "The particles of [" + particleTemplate + "] are shown at frame " + std::to_string(end)
+                + " in the place of " + std::to_string(currentFrame_) + ": no more than "
+                + std::to_string(kMostSteps)
+                + " frames are simulated at once. The next frame goes on there.");
+    currentFrame_ = end;
+}
+
 void TovOgrePaticalUniverseEffect::renderFrame()
 {
-    if (!scene_)
-        return TovOgreEffectBase::renderFrame();
+    if (!scene_) {
+        if (currentFrame_ == wantedFrame_)
+            TovOgreEffectBase::renderFrame();
+        return;
+    }
     if (currentFrame_ != previousFrame_ && camera()) {
         const RandomNumbers drawn(sequence_);
-        scene_->advance(frameDuration_, *camera());
+        try {
+            scene_->advance(frameDuration_, *camera());
+        } catch (const std::exception& error) { // a picture that an affector reads may be missing
+            leaveOut(error.what());
+        }
     }
     if (currentFrame_ != wantedFrame_)
         return;
+    if (!scene_)
+        return TovOgreEffectBase::renderFrame();
     scene_->show();
     TovOgreEffectBase::renderFrame();
     scene_->hide();

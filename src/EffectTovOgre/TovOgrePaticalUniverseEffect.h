@@ -27,16 +27,21 @@ public:
 private:
     void createScene() override;
     void restartScene() override;
-    bool hasParticles() const override { return !particleTemplate.empty() && !templateMissing_; }
+    bool hasParticles() const override { return !particleTemplate.empty() && !leftOut_; }
     void applyShaderParameters() override;
     /// Moves the particles on by one frame, and draws only the frame that was asked for.
     void renderFrame() override;
 
     void setAttributes();
+    /// Ends the scene for good, with a line in the log; the picture is drawn without it.
+    void leaveOut(const char* reason);
+    /// Sets the current frame to the last one that this request may simulate.
+    void stopInReach();
 
     const std::string instanceName_;
     std::optional<particles::ParticleScene> scene_;
     MyRandomValueProvider sequence_;
     u32 wantedFrame_ = 0;
-    bool templateMissing_ = false;
+    bool leftOut_ = false; ///< there is no such template, or it cannot be simulated
+    bool stopReported_ = false;
 };

@@ -1,4 +1,4 @@
-// From attribute names to the settings of OGRE's emitters, and of ours.
+// From attribute names to the settings of emitters.
 #include "particles/EmitterAttributes.h"
 
 #include "particles/RangedEmitter.h"
@@ -12,85 +12,100 @@ const std::array<std::string_view, EmitterAttributes::kNumbers> EmitterAttribute
     "Duration", "RepeatDelay", "TimeToLive", "EmissionRate", "Angle", "Mass", "AllDimensions",
     "ParticleWidth", "ParticleHeight"};
 
-EmitterAttributes::EmitterAttributes(Ogre::ParticleEmitter& emitter)
+EmitterAttributes::EmitterAttributes(RangedEmitter& emitter)
     : emitter_(&emitter),
-      ranged_(emitter.getType() == RangedEmitter::kType ? static_cast<RangedEmitter*>(&emitter) : nullptr)
+      template_{emitter.getPosition(), emitter.getDirection(), emitter.getColourRangeStart(),
+          emitter.getColourRangeEnd(), {}},
+      wanted_(template_),
+      applied_(template_)
 {
     isRandom_[velocity] = emitter.getMinParticleVelocity() != emitter.getMaxParticleVelocity();
     isRandom_[duration] = emitter.getMinDuration() != emitter.getMaxDuration();
     isRandom_[repeatDelay] = emitter.getMinRepeatDelay() != emitter.getMaxRepeatDelay();
     isRandom_[timeToLive] = emitter.getMinTimeToLive() != emitter.getMaxTimeToLive();
-    if (!ranged_)
-        return;
-    isRandom_[emissionRate] = ranged_->rate.random;
-    isRandom_[angle] = ranged_->angle.random;
-    isRandom_[mass] = ranged_->mass.random;
-    isRandom_[allDimensions] = ranged_->allDimensions.random;
-    isRandom_[particleWidth] = ranged_->particleWidth.random;
-    isRandom_[particleHeight] = ranged_->particleHeight.random;
+    isRandom_[emissionRate] = emitter.rate.random;
+    isRandom_[angle] = emitter.angle.random;
+    isRandom_[mass] = emitter.mass.random;
+    isRandom_[allDimensions] = emitter.allDimensions.random;
+    isRandom_[particleWidth] = emitter.particleWidth.random;
+    isRandom_[particleHeight] = emitter.particleHeight.random;
 }
 
 void EmitterAttributes::set(std::string_view attribute, Words words)
 {
     if (attribute == "position") {
-        if (const auto position = vectorOf(words))
-            emitter_->setPosition(*position);
+        wanted_.position = vectorOf(words).value_or(wanted_.position);
     } else if (attribute == "direction") {
         if (const auto direction = vectorOf(words); direction && !direction->isZeroLength())
-            emitter_->setDirection(*direction);
+            wanted_.direction = *direction;
     } else if (attribute == "Colour") {
         if (const auto colour = colourOf(words))
-            emitter_->setColour(*colour);
+            wanted_.colourStart = wanted_.colourEnd = *colour;
     } else if (attribute == "ColourRangeStart") {
-        if (const auto colour = colourOf(words))
-            emitter_->setColourRangeStart(*colour);
+        wanted_.colourStart = colourOf(words).value_or(wanted_.colourStart);
     } else if (attribute == "ColourRangeEnd") {
-        if (const auto colour = colourOf(words))
-            emitter_->setColourRangeEnd(*colour);
+        wanted_.colourEnd = colourOf(words).value_or(wanted_.colourEnd);
     } else if (const auto name = std::ranges::find(kNames, attribute); name != kNames.end()) {
-        const Number number = Number(name - kNames.begin());
+        const std::size_t number = std::size_t(name - kNames.begin());
         if (words.size() != (isRandom_[number] ? 2u : 1u))
             return;
         const auto low = realOf(words.front());
         const auto high = realOf(words.back());
         if (low && high)
-            setNumber(number, *low, *high);
+            wanted_.numbers[number] = {true, *low, *high};
     }
 }
 
-void EmitterAttributes::setNumber(Number number, float low, float high)
+void EmitterAttributes::apply()
 {
-    const auto setRanged = [&](DynamicValue RangedEmitter::*value) {
-        if (ranged_)
-            ranged_->*value = {true, isRandom_[number], low, high};
-    };
+    if (wanted_.position != applied_.position)
+        emitter_->setPosition(wanted_.position);
+    if (wanted_.direction != applied_.direction)
+        emitter_->setDirection(wanted_.direction);
+    emitter_->setColour(wanted_.colourStart, wanted_.colourEnd);
+    for (std::size_t i = 0; i < kNumbers; ++i)
+        if (wanted_.numbers[i].set && wanted_.numbers[i] != applied_.numbers[i])
+            applyNumber(Number(i), wanted_.numbers[i]);
+    applied_ = wanted_;
+}
+
+void EmitterAttributes::applyNumber(Number number, Range range)
+{
+    const float low = range.low;
+    const float high = range.high;
     const float positiveLow = std::max(low, 0.0f);
     const float positiveHigh = std::max(high, 0.0f);
+    const DynamicValue value{true, isRandom_[number], low, high};
     switch (number) {
     case velocity:
         return emitter_->setParticleVelocity(low, high);
     case duration:
-        return emitter_->setDuration(positiveLow, positiveHigh);
+        return emitter_->changeDuration(positiveLow, positiveHigh);
     case repeatDelay:
-        return emitter_->setRepeatDelay(positiveLow, positiveHigh);
+        return emitter_->changeRepeatDelay(positiveLow, positiveHigh);
     case timeToLive:
         return emitter_->setTimeToLive(positiveLow, positiveHigh);
     case emissionRate:
-        if (ranged_)
-            return setRanged(&RangedEmitter::rate);
-        return emitter_->setEmissionRate(std::min(positiveLow, kLargestRate));
+        emitter_->rate = value;
+        return;
     case angle:
         if (isRandom_[angle])
-            return setRanged(&RangedEmitter::angle);
-        return emitter_->setAngle(Ogre::Degree(low));
+            emitter_->angle = value;
+        else
+            emitter_->setAngle(Ogre::Degree(low));
+        return;
     case mass:
-        return setRanged(&RangedEmitter::mass);
+        emitter_->mass = value;
+        return;
     case allDimensions:
-        return setRanged(&RangedEmitter::allDimensions);
+        emitter_->allDimensions = value;
+        return;
     case particleWidth:
-        return setRanged(&RangedEmitter::particleWidth);
+        emitter_->particleWidth = value;
+        return;
     case particleHeight:
-        return setRanged(&RangedEmitter::particleHeight);
+        emitter_->particleHeight = value;
+        return;
     case kNumbers:
         break;
     }

@@ -54,7 +54,19 @@ void ParticleScene::hide()
         technique.hide();
 }
 
-void ParticleScene::set(const AttributePath& path, std::span<const u32> words)
+void ParticleScene::beginAttributes()
+{
+    for (Technique& technique : techniques_)
+        technique.beginAttributes();
+}
+
+void ParticleScene::applyAttributes()
+{
+    for (Technique& technique : techniques_)
+        technique.applyAttributes();
+}
+
+void ParticleScene::setAttribute(const AttributePath& path, std::span<const u32> words)
 {
     if (path.affector != kNothing || path.technique < 0 || std::size_t(path.technique) >= techniques_.size())
         return; // neither affectors nor a whole system have attributes that OGRE knows

@@ -29,10 +29,14 @@ public:
     void show();
     void hide();
 
-    /// Sets an attribute; a selection that is not there, or words that the attribute does not take, change
-    /// nothing.
+    // Attributes: beginAttributes, setAttribute for every one that is set, applyAttributes. The scene is then
+    // as the template and these attributes say, and only what differs from before was touched.
+
+    void beginAttributes();
+    /// A selection that is not there, or words that the attribute does not take, change nothing.
     /// @param words  the 32-bit words of numbers, real or whole as the attribute wants them
-    void set(const AttributePath& path, std::span<const u32> words);
+    void setAttribute(const AttributePath& path, std::span<const u32> words);
+    void applyAttributes();
 
 private:
     Ogre::SceneNode& parent_;

@@ -1,4 +1,4 @@
-// Where and how particles of the type "Ranged" start.
+// Where, how and how many particles start.
 #include "particles/RangedEmitter.h"
 
 #include "particles/affectors.h"
@@ -8,15 +8,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 using Ogre::Math;
 using Ogre::Vector3;
 
 namespace particles {
 
-const char* const RangedEmitter::kType = "Ranged";
-
 namespace {
+
+/// What OGRE counts the particles of one emitter and one step with, less the fraction that is carried on.
+constexpr float kMostOfStep = std::numeric_limits<unsigned short>::max() - 1;
+
+/// How large the spaces of OGRE's own types are unless their scripts say.
+constexpr Ogre::Real kUsualSize = 100;
 
 /// A point of the unit ball: by trial, so that it is as likely everywhere.
 Vector3 withinBall()
@@ -40,23 +45,60 @@ Vector3 onCylinder(bool edge)
 
 float DynamicValue::draw() const { return random ? float(Math::RangeRandom(low, high)) : low; }
 
-RangedEmitter::RangedEmitter(Ogre::ParticleSystem* system) : ParticleEmitter(system)
+RangedEmitter::RangedEmitter(Ogre::ParticleSystem* system, Type type) : ParticleEmitter(system), type_(type)
 {
-    mType = kType;
+    mType = kTypes[std::size_t(type)];
+    if (type != Type::ranged && type != Type::point) {
+        mDirection = Vector3::UNIT_Z;
+        mUp = Vector3::UNIT_Y;
+        size = Vector3(kUsualSize);
+    }
     defineParameters();
 }
 
 unsigned short RangedEmitter::_getEmissionCount(Ogre::Real seconds)
 {
-    if (seconds > 0 && rate.given)
-        mEmissionRate = std::clamp(rate.draw(), 0.0f, kLargestRate);
-    return genConstantEmissionCount(seconds);
+    if (seconds > 0) {
+        begun_ = true;
+        if (rate.given)
+            mEmissionRate = std::clamp(rate.draw(), 0.0f, kLargestRate);
+    }
+    const Ogre::Real wished = mEmissionRate;
+    if (wished * seconds > kMostOfStep)
+        mEmissionRate = kMostOfStep / seconds;
+    const unsigned short count = genConstantEmissionCount(seconds);
+    mEmissionRate = wished;
+    return count;
+}
+
+void RangedEmitter::changeDuration(float low, float high)
+{
+    changeClock(mEnabled, mDurationMin, mDurationMax, mDurationRemain, low, high);
+}
+
+void RangedEmitter::changeRepeatDelay(float low, float high)
+{
+    changeClock(!mEnabled, mRepeatDelayMin, mRepeatDelayMax, mRepeatDelayRemain, low, high);
+}
+
+void RangedEmitter::changeClock(
+    bool runs, Ogre::Real& low, Ogre::Real& high, Ogre::Real& remaining, float newLow, float newHigh)
+{
+    const bool unlimited = high == 0;
+    const bool fixed = low == high && newLow == newHigh;
+    const Ogre::Real more = newHigh - high;
+    low = newLow;
+    high = newHigh;
+    if (!begun_ || (runs && unlimited))
+        initDurationRepeat();
+    else if (runs && fixed)
+        remaining += more;
 }
 
 void RangedEmitter::_initParticle(Ogre::Particle* particle)
 {
     ParticleEmitter::_initParticle(particle);
-    particle->mPosition = startWithinShape();
+    particle->mPosition = type_ == Type::ranged ? startWithinShape() : startAsOgreDoes();
     genEmissionColour(particle->mColour);
     genEmissionDirection(particle->mPosition, particle->mDirection);
     genEmissionVelocity(particle->mDirection);
@@ -85,6 +127,63 @@ Vector3 RangedEmitter::startWithinShape() const
     }
     offset = offset * size * 0.5f;
     return mPosition + mUp.crossProduct(mDirection) * offset.x + mUp * offset.y + mDirection * offset.z;
+}
+
+Vector3 RangedEmitter::startAsOgreDoes() const
+{
+    if (type_ == Type::point)
+        return mPosition;
+    Ogre::Real x = 0;
+    Ogre::Real y = 0;
+    Ogre::Real z = 0;
+    const auto drawInCube = [&] {
+        x = Math::SymmetricRandom();
+        y = Math::SymmetricRandom();
+        z = Math::SymmetricRandom();
+    };
+    switch (type_) {
+    case Type::box:
+        drawInCube();
+        break;
+    case Type::cylinder:
+        do
+            drawInCube();
+        while (x * x + y * y > 1);
+        break;
+    case Type::ellipsoid:
+        do
+            drawInCube();
+        while (x * x + y * y + z * z > 1);
+        break;
+    case Type::hollowEllipsoid: {
+        const Ogre::Radian around(Math::RangeRandom(0, Math::TWO_PI));
+        const Ogre::Radian down(Math::RangeRandom(0, Math::PI));
+        x = Math::RangeRandom(inner.x, 1);
+        y = Math::RangeRandom(inner.y, 1);
+        z = Math::RangeRandom(inner.z, 1);
+        const Ogre::Real radius = Math::Sin(down);
+        x = x * Math::Cos(around) * radius;
+        y = y * Math::Sin(around) * radius;
+        z = z * Math::Cos(down);
+        break;
+    }
+    case Type::ring: {
+        const Ogre::Radian around(Math::RangeRandom(0, Math::TWO_PI));
+        x = Math::RangeRandom(inner.x, 1);
+        y = Math::RangeRandom(inner.y, 1);
+        x = x * Math::Sin(around);
+        y = y * Math::Cos(around);
+        z = Math::SymmetricRandom();
+        break;
+    }
+    case Type::point:
+    case Type::ranged:
+        break;
+    }
+    const Vector3 left = mUp.crossProduct(mDirection) * (size.x * 0.5f);
+    const Vector3 up = mUp * (size.y * 0.5f);
+    const Vector3 along = mDirection * (size.z * 0.5f);
+    return mPosition + x * left + y * up + z * along;
 }
 
 void RangedEmitter::genEmissionDirection(const Vector3& position, Vector3& direction)

@@ -1,7 +1,9 @@
 // Attributes of techniques, and their time.
 #include "particles/Technique.h"
 
+#include "particles/RangedEmitter.h"
 #include "particles/affectors.h"
+#include "particles/limits.h"
 #include "particles/words.h"
 
 #include <OgreParticleSystem.h>
@@ -16,51 +18,52 @@ namespace particles {
 
 namespace {
 
-/// OGRE draws the particles of a system with 16-bit indices of four corners each.
-constexpr i32 kLargestQuota = 16383;
-constexpr i32 kLargestEmitterQuota = 100;
+/// Iterations that one step is cut into at most, whatever interval a template asks for.
+constexpr float kMostIterations = 1000;
+
+/// Nothing within it is lost, and nothing beyond it is ever seen.
+constexpr float kFarthest = 1e9f;
 
 std::size_t quotaOf(Words words, i32 largest) { return std::size_t(std::clamp(i32(words[0]), 0, largest)); }
 
 struct Attribute {
     std::string_view name;
-    void (*set)(Technique& technique, Words words); ///< never without a word
+    void (*set)(Technique::Settings& settings, Words words); ///< never without a word
 };
 
 // What the layer below has nothing for (level of detail, spatial hashing, depth, the other quotas) is left
 // out.
 constexpr std::array kAttributes{
     Attribute{"position",
-        [](Technique& technique, Words words) {
-            if (const auto position = vectorOf(words))
-                technique.node().setPosition(*position);
+        [](Technique::Settings& settings, Words words) {
+            settings.position = vectorOf(words).value_or(settings.position);
         }},
     Attribute{"VPQuota",
-        [](Technique& technique, Words words) {
-            const std::size_t quota = quotaOf(words, kLargestQuota);
-            technique.system().setEmitting(quota > 0); // OGRE takes no quota of nothing
-            technique.system().setParticleQuota(quota);
-        }},
+        [](Technique::Settings& settings, Words words) { settings.quota = quotaOf(words, kLargestQuota); }},
     Attribute{"EEQuota",
-        [](Technique& technique, Words words) {
-            technique.system().setEmittedEmitterQuota(quotaOf(words, kLargestEmitterQuota));
+        [](Technique::Settings& settings, Words words) {
+            settings.emitterQuota = quotaOf(words, kLargestEmitterQuota);
         }},
     Attribute{"Width",
-        [](Technique& technique, Words words) {
-            if (const auto width = realOf(words[0]))
-                technique.system().setDefaultWidth(std::max(*width, 0.0f));
+        [](Technique::Settings& settings, Words words) {
+            settings.width = std::max(realOf(words[0]).value_or(settings.width), 0.0f);
         }},
     Attribute{"Height",
-        [](Technique& technique, Words words) {
-            if (const auto height = realOf(words[0]))
-                technique.system().setDefaultHeight(std::max(*height, 0.0f));
+        [](Technique::Settings& settings, Words words) {
+            settings.height = std::max(realOf(words[0]).value_or(settings.height), 0.0f);
         }},
     Attribute{"MaxVelocity",
-        [](Technique& technique, Words words) {
-            if (const auto limit = realOf(words[0]))
-                technique.speedLimit().limit = *limit;
+        [](Technique::Settings& settings, Words words) {
+            settings.maxVelocity = realOf(words[0]).value_or(settings.maxVelocity);
         }},
 };
+
+/// False for numbers that are none as well.
+bool isNear(const Ogre::Vector3& vector)
+{
+    return std::abs(vector.x) <= kFarthest && std::abs(vector.y) <= kFarthest
+        && std::abs(vector.z) <= kFarthest;
+}
 
 } // namespace
 
@@ -71,13 +74,30 @@ Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const
       node_(parent.createChildSceneNode(name)),
       iterationInterval_(system_->getIterationInterval())
 {
+    // OGRE's default for templates without a quota holds, too.
     system_->setParticleQuota(std::min(system_->getParticleQuota(), std::size_t(kLargestQuota)));
+    system_->setEmittedEmitterQuota(
+        std::min(system_->getEmittedEmitterQuota(), std::size_t(kLargestEmitterQuota)));
+    system_->setNonVisibleUpdateTimeout(0); // time passes whether or not frames are drawn
+    // OGRE would make a box around the particles for every step, and end the process over one of no numbers.
+    // This one reaches everything that can be seen.
+    constexpr float kFarAway = 1e6f;
+    system_->setBounds({-kFarAway, -kFarAway, -kFarAway, kFarAway, kFarAway, kFarAway});
+    system_->setBoundsAutoUpdated(false);
     // After the picture, also with a material that covers what it is drawn over: OGRE draws those first of a
     // group.
     system_->setRenderQueueGroup(Ogre::RENDER_QUEUE_6);
     standStill();
-    for (unsigned short i = 0; i < system_->getNumEmitters(); ++i)
-        emitters_.emplace_back(*system_->getEmitter(i));
+    for (unsigned short i = 0; i < system_->getNumEmitters(); ++i) {
+        auto& attributes = emitters_.emplace_back();
+        if (auto* const emitter = dynamic_cast<RangedEmitter*>(system_->getEmitter(i)))
+            attributes.emplace(*emitter);
+    }
+    template_.quota = system_->getParticleQuota();
+    template_.emitterQuota = system_->getEmittedEmitterQuota();
+    template_.width = system_->getDefaultWidth();
+    template_.height = system_->getDefaultHeight();
+    wanted_ = applied_ = template_;
 }
 
 Technique::~Technique()
@@ -99,17 +119,43 @@ void Technique::standStill()
 
 void Technique::advance(float seconds, Ogre::Camera& camera)
 {
-    const bool wasShown = shown_;
+    /// Also when a step ends by an exception: other effects' frames would run into it, too.
+    struct StandingStill {
+        Technique& technique;
+        bool wasShown;
+        ~StandingStill()
+        {
+            technique.standStill();
+            if (!wasShown)
+                technique.hide();
+        }
+    } const afterwards{*this, shown_};
     show(); // a system that stands nowhere does not move
+    begun_ = true;
     system_->setSpeedFactor(1);
-    system_->setIterationInterval(iterationInterval_);
+    system_->setIterationInterval(
+        iterationInterval_ > 0 ? std::max(iterationInterval_, seconds / kMostIterations) : 0);
     system_->_update(seconds);
     system_->_update(0); // particles are born after the affectors ran: these give them their first colours
     standStill();
+    loseWhatIsNowhere();
     // Sorts the particles, which affectors then meet in that order, whether or not this frame is drawn.
     system_->_notifyCurrentCamera(&camera);
-    if (!wasShown)
-        hide();
+}
+
+/// Forces and sizes without measure end in numbers that are none, which nothing can draw.
+void Technique::loseWhatIsNowhere()
+{
+    for (Ogre::Particle* const particle : system_->_getActiveParticles()) {
+        const bool drawable =
+            !particle->mOwnDimensions || (particle->mWidth <= kFarthest && particle->mHeight <= kFarthest);
+        if (drawable && isNear(particle->mPosition) && isNear(particle->mDirection))
+            continue;
+        particle->mTimeToLive = 0;                            // it goes with the next step
+        particle->mPosition = Ogre::Vector3(0, 0, kFarthest); // behind the camera
+        particle->mDirection = Ogre::Vector3::ZERO;
+        particle->setDimensions(0, 0);
+    }
 }
 
 void Technique::show()
@@ -126,11 +172,12 @@ void Technique::hide()
     shown_ = false;
 }
 
-MaxVelocityAffector& Technique::speedLimit()
+void Technique::beginAttributes()
 {
-    if (!speedLimit_)
-        speedLimit_ = static_cast<MaxVelocityAffector*>(system_->addAffector(MaxVelocityAffector::kType));
-    return *speedLimit_;
+    wanted_ = template_;
+    for (auto& emitter : emitters_)
+        if (emitter)
+            emitter->begin();
 }
 
 void Technique::set(const AttributePath& path, Words words)
@@ -138,13 +185,51 @@ void Technique::set(const AttributePath& path, Words words)
     if (words.empty())
         return;
     if (path.emitter != kNothing) {
-        if (std::size_t(path.emitter) < emitters_.size())
-            emitters_[std::size_t(path.emitter)].set(path.attribute, words);
+        const std::size_t index = std::size_t(path.emitter);
+        if (index < emitters_.size() && emitters_[index])
+            emitters_[index]->set(path.attribute, words);
         return;
     }
     const auto attribute = std::ranges::find(kAttributes, path.attribute, &Attribute::name);
     if (attribute != kAttributes.end())
-        attribute->set(*this, words);
+        attribute->set(wanted_, words);
+}
+
+void Technique::applyAttributes()
+{
+    for (auto& emitter : emitters_)
+        if (emitter)
+            emitter->apply();
+    node_->setPosition(wanted_.position);
+    if (wanted_.quota != applied_.quota)
+        limitParticles(wanted_.quota);
+    // OGRE would hand out emitters twice that are under way.
+    if (wanted_.emitterQuota != applied_.emitterQuota && !begun_)
+        system_->setEmittedEmitterQuota(wanted_.emitterQuota);
+    if (wanted_.width != applied_.width)
+        system_->setDefaultWidth(wanted_.width);
+    if (wanted_.height != applied_.height)
+        system_->setDefaultHeight(wanted_.height);
+    if (wanted_.maxVelocity != applied_.maxVelocity)
+        limitVelocity(wanted_.maxVelocity);
+    applied_ = wanted_;
+}
+
+void Technique::limitParticles(std::size_t quota)
+{
+    // OGRE's own quota only grows once there are particles, and is never nothing.
+    system_->setParticleQuota(std::max(quota, std::size_t(1)));
+    if (!quotaLimit_ && quota < system_->getParticleQuota())
+        quotaLimit_ = static_cast<QuotaAffector*>(system_->addAffector(QuotaAffector::kType));
+    if (quotaLimit_)
+        quotaLimit_->quota = quota;
+}
+
+void Technique::limitVelocity(float limit)
+{
+    if (!speedLimit_)
+        speedLimit_ = static_cast<MaxVelocityAffector*>(system_->addAffector(MaxVelocityAffector::kType));
+    speedLimit_->limit = limit;
 }
 
 } // namespace particles

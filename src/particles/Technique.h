@@ -5,6 +5,9 @@
 #include "particles/EmitterAttributes.h"
 #include "particles/attributePath.h"
 
+#include <OgreVector.h>
+
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -19,9 +22,21 @@ class SceneNode;
 namespace particles {
 
 class MaxVelocityAffector;
+class QuotaAffector;
 
+/// Attributes come in rounds, as EmitterAttributes says.
 class Technique {
 public:
+    /// What attributes of the technique itself set.
+    struct Settings {
+        Ogre::Vector3 position{0, 0, 0};
+        std::size_t quota = 0;
+        std::size_t emitterQuota = 0;
+        float width = 0;
+        float height = 0;
+        float maxVelocity = -1;
+    };
+
     Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const std::string& name,
         const std::string& templateName);
     Technique(const Technique&) = delete;
@@ -32,23 +47,29 @@ public:
     void advance(float seconds, Ogre::Camera& camera);
     void show();
     void hide();
-    void set(const AttributePath& path, std::span<const u32> words);
 
-    Ogre::ParticleSystem& system() { return *system_; }
-    Ogre::SceneNode& node() { return *node_; }
-    /// Made when it is first asked for.
-    MaxVelocityAffector& speedLimit();
+    void beginAttributes();
+    void set(const AttributePath& path, std::span<const u32> words);
+    void applyAttributes();
 
 private:
     void standStill();
+    void loseWhatIsNowhere();
+    void limitParticles(std::size_t quota);
+    void limitVelocity(float limit);
 
     Ogre::SceneManager& manager_;
     Ogre::ParticleSystem* system_;
     Ogre::SceneNode* node_;
-    std::vector<EmitterAttributes> emitters_;
-    MaxVelocityAffector* speedLimit_ = nullptr;
+    std::vector<std::optional<EmitterAttributes>> emitters_; ///< empty for a type that is not this layer's
+    MaxVelocityAffector* speedLimit_ = nullptr;              ///< made when it is first needed
+    QuotaAffector* quotaLimit_ = nullptr;                    ///< the same
     float iterationInterval_;
     bool shown_ = false;
+    bool begun_ = false; ///< time has passed
+    Settings template_;  ///< without any attribute
+    Settings wanted_;
+    Settings applied_;
 };
 
 } // namespace particles

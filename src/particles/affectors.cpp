@@ -7,12 +7,14 @@
 #include <OgreStringConverter.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace particles {
 
 const char* const MaxVelocityAffector::kType = "MaxVelocity";
 const char* const MassForceAffector::kType = "MassForce";
+const char* const QuotaAffector::kType = "EffectEngine/Quota";
 
 namespace {
 
@@ -41,6 +43,15 @@ class ForceCommand final : public Ogre::ParamCommand {
     {
         static_cast<MassForceAffector*>(target)->force = StringConverter::parseVector3(text);
     }
+};
+
+/// The particles that a system has: OGRE's own quota does not fall.
+struct Pool : Ogre::ParticleSystem {
+    static std::list<Ogre::Particle*>& free(Ogre::ParticleSystem& system)
+    {
+        return system.*(&Pool::mFreeParticles);
+    }
+    static std::size_t size(Ogre::ParticleSystem& system) { return (system.*(&Pool::mParticlePool)).size(); }
 };
 
 template <class Fn> void forEach(Ogre::ParticleSystem& system, Fn fn)
@@ -90,6 +101,18 @@ void MassForceAffector::_affectParticles(Ogre::ParticleSystem* system, Ogre::Rea
 {
     forEach(*system,
         [&](Ogre::Particle& particle) { particle.mDirection += force * (seconds / masses_[&particle]); });
+}
+
+// Called after particles went and before emitters ask what is free.
+void QuotaAffector::_affectParticles(Ogre::ParticleSystem* system, Ogre::Real)
+{
+    auto& free = Pool::free(*system);
+    const std::size_t alive = Pool::size(*system) - free.size() - withheld_.size();
+    const std::size_t allowed = quota > alive ? quota - alive : 0;
+    while (free.size() > allowed)
+        withheld_.splice(withheld_.begin(), free, std::prev(free.end()));
+    while (free.size() < allowed && !withheld_.empty())
+        free.splice(free.end(), withheld_, withheld_.begin());
 }
 
 void announceMass(Ogre::ParticleSystem& system, float mass)

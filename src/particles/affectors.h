@@ -1,10 +1,12 @@
-// Affector types for what OGRE's particles lack: a greatest speed, and forces that move light particles more
-// than heavy ones.
+// Affector types for what OGRE's particles lack: a greatest speed, forces that move light particles more than
+// heavy ones, and a quota that falls.
 #pragma once
 
 #include <OgreParticleAffector.h>
 #include <OgreVector.h>
 
+#include <limits>
+#include <list>
 #include <unordered_map>
 
 namespace particles {
@@ -35,6 +37,20 @@ public:
 
 private:
     std::unordered_map<const Ogre::Particle*, float> masses_; ///< by place in the system's pool
+};
+
+/// "Quota": no particle starts while the system has `quota` of them. Those beyond a quota that fell live out.
+class QuotaAffector final : public Ogre::ParticleAffector {
+public:
+    static const char* const kType;
+
+    explicit QuotaAffector(Ogre::ParticleSystem* system) : ParticleAffector(system) { mType = kType; }
+    void _affectParticles(Ogre::ParticleSystem* system, Ogre::Real seconds) override;
+
+    std::size_t quota = std::numeric_limits<std::size_t>::max();
+
+private:
+    std::list<Ogre::Particle*> withheld_; ///< free ones that emitters do not get
 };
 
 /// Tells the affectors of a system what the particle weighs that its emitter is starting.

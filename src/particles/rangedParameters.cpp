@@ -1,4 +1,4 @@
-// The script parameters of the emitter type "Ranged".
+// The script parameters of the emitters.
 #include "particles/RangedEmitter.h"
 
 #include <OgreStringConverter.h>
@@ -29,20 +29,22 @@ class ShapeCommand final : public Ogre::ParamCommand {
     }
 };
 
-class SizeCommand final : public Ogre::ParamCommand {
+/// One axis of the size, or of its empty part.
+class AxisCommand final : public Ogre::ParamCommand {
 public:
-    explicit SizeCommand(std::size_t axis) : axis_(axis) { }
+    AxisCommand(Ogre::Vector3 RangedEmitter::*vector, std::size_t axis) : vector_(vector), axis_(axis) { }
 
 private:
     String doGet(const void* target) const override
     {
-        return StringConverter::toString(static_cast<const RangedEmitter*>(target)->size[axis_]);
+        return StringConverter::toString((static_cast<const RangedEmitter*>(target)->*vector_)[axis_]);
     }
     void doSet(void* target, const String& text) override
     {
-        static_cast<RangedEmitter*>(target)->size[axis_] = StringConverter::parseReal(text);
+        (static_cast<RangedEmitter*>(target)->*vector_)[axis_] = StringConverter::parseReal(text);
     }
 
+    Ogre::Vector3 RangedEmitter::*vector_;
     std::size_t axis_;
 };
 
@@ -101,11 +103,16 @@ struct ValueCommands {
 
 void RangedEmitter::defineParameters()
 {
-    if (!createParamDictionary("RangedEmitter"))
-        return; // another one of the class did
+    // (Not the names that OGRE's own classes take: theirs are other commands for other objects.)
+    if (!createParamDictionary("particles::" + mType))
+        return; // another one of the type did
     addBaseParameters();
     static ShapeCommand shapes;
-    static SizeCommand sizes[]{SizeCommand(0), SizeCommand(1), SizeCommand(2)};
+    static constexpr const char* kAxes[]{"width", "height", "depth"};
+    static AxisCommand sizes[]{
+        {&RangedEmitter::size, 0}, {&RangedEmitter::size, 1}, {&RangedEmitter::size, 2}};
+    static AxisCommand inners[]{
+        {&RangedEmitter::inner, 0}, {&RangedEmitter::inner, 1}, {&RangedEmitter::inner, 2}};
     static ValueCommands values[]{{"emission_rate", &RangedEmitter::rate, true},
         {"angle", &RangedEmitter::angle, true}, {"mass", &RangedEmitter::mass},
         {"all_dimensions", &RangedEmitter::allDimensions}, {"particle_width", &RangedEmitter::particleWidth},
@@ -113,12 +120,16 @@ void RangedEmitter::defineParameters()
 
     Ogre::ParamDictionary& parameters = *getParamDictionary();
     const auto add = [&](const String& name, Ogre::ParamCommand& command) {
-        parameters.addParameter(Ogre::ParameterDef(name, "", Ogre::PT_STRING), &command);
+        parameters.addParameter(Ogre::ParameterDef(name, "", Ogre::PT_REAL), &command);
     };
-    add("shape", shapes);
-    add("width", sizes[0]);
-    add("height", sizes[1]);
-    add("depth", sizes[2]);
+    if (type_ == Type::ranged)
+        parameters.addParameter(Ogre::ParameterDef("shape", "", Ogre::PT_STRING), &shapes);
+    const std::size_t hollowAxes = type_ == Type::ring ? 2 : type_ == Type::hollowEllipsoid ? 3 : 0;
+    for (std::size_t i = 0; i < std::size(kAxes) && type_ != Type::point; ++i) {
+        add(kAxes[i], sizes[i]);
+        if (i < hollowAxes)
+            add(std::string("inner_") + kAxes[i], inners[i]);
+    }
     for (ValueCommands& value : values) {
         const String name = value.name;
         if (!value.inBase)

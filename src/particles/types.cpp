@@ -1,6 +1,8 @@
-// The factories of this layer's emitters and affectors.
+// The factories of this layer's emitters and affectors, and what is checked of scripts.
 #include "particles/RangedEmitter.h"
 #include "particles/affectors.h"
+#include "particles/checkedParameters.h"
+#include "particles/scriptGuard.h"
 
 #include <OgreMaterialManager.h> // (the particle manager's header does not include what it needs)
 #include <OgreMovableObject.h>
@@ -14,12 +16,18 @@ namespace {
 
 // OGRE's managers come and go with the environment; factories stay for the process.
 
-class RangedEmitterFactory final : public Ogre::ParticleEmitterFactory {
-    Ogre::String getName() const override { return RangedEmitter::kType; }
+class EmitterFactory final : public Ogre::ParticleEmitterFactory {
+public:
+    explicit EmitterFactory(RangedEmitter::Type type) : type_(type) { }
+
+private:
+    Ogre::String getName() const override { return RangedEmitter::kTypes[std::size_t(type_)]; }
     Ogre::ParticleEmitter* createEmitter(Ogre::ParticleSystem* system) override
     {
-        return mEmitters.emplace_back(OGRE_NEW RangedEmitter(system));
+        return mEmitters.emplace_back(OGRE_NEW RangedEmitter(system, type_));
     }
+
+    RangedEmitter::Type type_;
 };
 
 template <class Affector> class AffectorFactory final : public Ogre::ParticleAffectorFactory {
@@ -34,13 +42,21 @@ template <class Affector> class AffectorFactory final : public Ogre::ParticleAff
 
 void registerTypes()
 {
-    static RangedEmitterFactory ranged;
+    using Type = RangedEmitter::Type;
+    static EmitterFactory emitters[]{EmitterFactory(Type::ranged), EmitterFactory(Type::point),
+        EmitterFactory(Type::box), EmitterFactory(Type::cylinder), EmitterFactory(Type::ellipsoid),
+        EmitterFactory(Type::hollowEllipsoid), EmitterFactory(Type::ring)};
     static AffectorFactory<MaxVelocityAffector> maxVelocity;
     static AffectorFactory<MassForceAffector> massForce;
+    static AffectorFactory<QuotaAffector> quota;
     auto& manager = Ogre::ParticleSystemManager::getSingleton();
-    manager.addEmitterFactory(&ranged);
+    for (EmitterFactory& emitter : emitters)
+        manager.addEmitterFactory(&emitter); // in the place of OGRE's own of that name
     manager.addAffectorFactory(&maxVelocity);
     manager.addAffectorFactory(&massForce);
+    manager.addAffectorFactory(&quota);
+    checkParameters(manager);
+    guardScripts();
 }
 
 } // namespace particles
