@@ -1,6 +1,21 @@
 // video and render: the verbs for clips on the command line.
 #include "effectengine/clipVerbs.h"
 
+namespace {
+
+void addAlphaOption(CLI::App& command, AlphaChoice& alpha)
+{
+    static const std::map<std::string, AlphaChoice> kChoices{
+        {"auto", AlphaChoice::automatic}, {"keep", AlphaChoice::keep}, {"drop", AlphaChoice::drop}};
+    command
+        .add_option("--alpha", alpha,
+            "transparency of the output: keep it, drop it, or keep it when the input has any (auto)")
+        ->transform(CLI::CheckedTransformer(kChoices).description("auto|keep|drop"))
+        ->type_name("");
+}
+
+} // namespace
+
 void addEncodingOptions(CLI::App& command, EncodingOptions& options)
 {
     command.add_option("--codec", options.codec, "encoder or codec (default: by the output's name)")
@@ -14,6 +29,7 @@ void addEncodingOptions(CLI::App& command, EncodingOptions& options)
             "--encoder-option", options.encoderOptions, "an option of the encoder, such as preset=slow")
         ->allow_extra_args(false)
         ->type_name("NAME=VALUE");
+    addAlphaOption(command, options.alpha);
     addProgressOption(command, options.progress);
 }
 
@@ -68,6 +84,7 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     command
         ->add_option("--rate", options->pictureRate, "frames per second of numbered pictures (default: 25)")
         ->type_name("RATE");
+    addAlphaOption(*command, options->alpha);
     addProgressOption(*command, options->progress);
     command->callback([options, &session] { runRender(*options, session); });
 }

@@ -11,11 +11,19 @@
 #include <string>
 #include <vector>
 
+/// Whether an output is transparent where its frames are.
+enum class AlphaChoice {
+    automatic, ///< when an input may be, and the output can
+    keep,
+    drop,
+};
+
 /// How a clip is written.
 struct EncodingOptions {
     std::string codec;
     std::optional<int> quality;
     std::vector<std::string> encoderOptions; ///< name=value
+    AlphaChoice alpha = AlphaChoice::automatic;
     ProgressKind progress = ProgressKind::automatic;
 };
 
@@ -50,6 +58,7 @@ struct RenderOptions {
     std::string size;
     std::string pictureRate;
     bool resume = false;
+    AlphaChoice alpha = AlphaChoice::automatic;
     ProgressKind progress = ProgressKind::automatic;
 };
 
@@ -60,7 +69,7 @@ void runRender(const RenderOptions& options, const SessionOptions& session);
 /// Prints the libraries' versions and the codecs that clips can be read from and written to.
 void runCodecs();
 
-/// Adds --codec, --quality, --encoder-option and --progress to a verb.
+/// Adds --codec, --quality, --encoder-option, --alpha and --progress to a verb.
 void addEncodingOptions(CLI::App& command, EncodingOptions& options);
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session);

@@ -31,9 +31,7 @@ ClipFile::ClipFile(
     require(avformat_alloc_output_context2(&opened, &container, nullptr, file_.path().c_str()), "container");
     output_.reset(opened);
 
-    const AVCodec& codec = choice.codec.empty()
-        ? encoderFor(av_guess_codec(&container, nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO), out)
-        : encoderNamed(choice.codec);
+    const AVCodec& codec = encoderOf(out, choice);
     if (avformat_query_codec(&container, codec.id, FF_COMPLIANCE_NORMAL) == 0)
         throw ToolError(ExitCode::usage,
             out.string() + " cannot hold " + avcodec_get_name(codec.id) + "; choose another name or --codec");

@@ -1,8 +1,10 @@
 // Checks and conversions of the verbs for clips.
 #include "effectengine/media/ClipJob.h"
 
+#include "effectengine/Interruption.h"
 #include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/media/encoders.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +19,31 @@ namespace {
 void warn(const ClipInfo& clip, const std::string& what)
 {
     std::fprintf(stderr, "effectengine: warning: %s: %s\n", clip.file.c_str(), what.c_str());
+}
+
+bool isTransparent(pixels::ConstView picture)
+{
+    for (int y = 0; y < picture.height(); ++y)
+        if (std::ranges::any_of(picture.row(y), [](pixels::Bgra p) { return p.a != 255; }))
+            return true;
+    return false;
+}
+
+bool isTransparent(const fs::path& file)
+{
+    ClipReader reader(file);
+    const pixels::Extent size{reader.info().width, reader.info().height};
+    ToPicture convert(reader.info(), size.width, size.height);
+    std::vector<unsigned char> pixels(std::size_t(size.width) * std::size_t(size.height) * 4);
+    const pixels::View picture(pixels.data(), size);
+    const Frame frame = makeFrame();
+    while (reader.next(*frame)) {
+        stopIfAsked();
+        convert.convert(*frame, picture);
+        if (isTransparent(picture))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -52,7 +79,7 @@ pixels::Extent shapedLike(const ClipInfo& clip, pixels::Extent size, AVRational 
 
 EncoderChoice choiceOf(const EncodingOptions& options)
 {
-    EncoderChoice choice{options.codec, options.quality, {}};
+    EncoderChoice choice{options.codec, options.quality, {}, options.alpha == AlphaChoice::keep};
     for (const std::string& option : options.encoderOptions) {
         const std::size_t equals = option.find('=');
         if (equals == std::string::npos || equals == 0)
@@ -96,22 +123,42 @@ void warnOfDepth(const ClipInfo& clip)
                              : ""));
 }
 
-void warnOfAlpha(const ClipInfo& clip, pixels::ConstView picture, AVPixelFormat output)
+bool keepsAlpha(AlphaChoice choice, const AVCodec& encoder, const std::vector<const ClipInfo*>& clips)
 {
-    const auto mayHold = [](AVPixelFormat format) {
-        return av_pix_fmt_desc_get(format)->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL);
-    };
-    if (!clip.hasAlpha() || mayHold(output))
+    if (choice != AlphaChoice::automatic)
+        return choice == AlphaChoice::keep;
+    return offersAlpha(encoder) && std::ranges::any_of(clips, [](const ClipInfo* clip) {
+        return clip->mayBeTransparent() && isTransparent(clip->file);
+    });
+}
+
+AlphaWarning::AlphaWarning(const ClipInfo& clip, AlphaChoice choice, AVPixelFormat output)
+    : clip_(clip),
+      looks_(choice == AlphaChoice::automatic && clip.mayBeTransparent() && !hasAlpha(output))
+{
+}
+
+void AlphaWarning::look(pixels::ConstView picture)
+{
+    if (!looks_ || !isTransparent(picture))
         return;
-    for (int y = 0; y < picture.height(); ++y)
-        if (std::ranges::any_of(picture.row(y), [](pixels::Bgra p) { return p.a != 255; }))
-            return warn(clip, "transparency has no place in the output");
+    looks_ = false;
+    warn(clip_,
+        "transparency has no place in the output (it has in .webm, .apng, and with --codec prores_ks, qtrle "
+        "or "
+        "ffv1)");
 }
 
 void warnOfDamage(const ClipReader& reader)
 {
-    if (reader.damaged() > 0)
-        warn(reader.info(), std::to_string(reader.damaged()) + " damaged parts were left out");
+    const std::set<long long>& frames = reader.damagedFrames();
+    if (frames.empty())
+        return;
+    std::string which = "damaged at frame " + std::to_string(*frames.begin());
+    if (frames.size() > 1)
+        which +=
+            " and " + std::to_string(frames.size() - 1) + " more up to " + std::to_string(*frames.rbegin());
+    warn(reader.info(), which + "; shown as far as it can be decoded");
 }
 
 host::FrameTime timeOf(const FramePlace& place, const ClipInfo& clip)

@@ -26,12 +26,25 @@ void checkNotItself(const std::filesystem::path& in, const std::filesystem::path
 pixels::View viewOf(const host::Image& image);
 pixels::ConstView viewOf(CEffectImage* image);
 
-/// Warnings about what is lost on the way: more than 8 bits, damaged packets.
+/// Warnings about what is lost on the way: more than 8 bits, damaged frames.
 void warnOfDepth(const ClipInfo& clip);
 void warnOfDamage(const ClipReader& reader);
 
-/// Warns when the clip's picture is transparent somewhere and the output cannot be.
-void warnOfAlpha(const ClipInfo& clip, pixels::ConstView picture, AVPixelFormat output);
+/// Whether an output is to be transparent where its frames are. For the automatic choice this looks through
+/// those clips whose format has room for transparency, up to the first frame with any; effects on opaque
+/// clips may leave what they like in the alpha channel.
+bool keepsAlpha(AlphaChoice choice, const AVCodec& encoder, const std::vector<const ClipInfo*>& clips);
+
+/// Warns once when a picture of the clip is transparent and the output cannot be.
+class AlphaWarning {
+public:
+    AlphaWarning(const ClipInfo& clip, AlphaChoice choice, AVPixelFormat output);
+    void look(pixels::ConstView picture);
+
+private:
+    const ClipInfo& clip_;
+    bool looks_;
+};
 
 /// Where a frame stands in its clip.
 struct FramePlace {
@@ -39,6 +52,7 @@ struct FramePlace {
     std::int64_t time = 0; ///< as the file counts, in the clip's time base
     std::int64_t sinceFirst = 0;
     std::int64_t duration = 0; ///< 0 unknown
+    bool damaged = false;      ///< in the clip itself
 };
 
 /// A frame on its way to the effects.

@@ -2,54 +2,18 @@
 #include "effectengine/media/ClipReader.h"
 
 #include "effectengine/ToolError.h"
-
-#include <unistd.h>
+#include "effectengine/media/openClip.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 namespace fs = std::filesystem;
 
 namespace media {
 
 namespace {
-
-// Numbered pictures rarely begin at 0: parts of a clip carry the clip's numbers.
-constexpr const char* kFirstPictureUpTo = "100000";
-
-bool namesPictures(const fs::path& file)
-{
-    return av_filename_number_test(file.c_str()) && !fs::exists(file);
-}
-
-void checkReadable(const fs::path& file)
-{
-    if (namesPictures(file))
-        return;
-    if (!fs::exists(file))
-        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
-    if (fs::is_directory(file))
-        throw ToolError(ExitCode::unreadable, "is a directory, not a clip: " + file.string());
-    if (access(file.c_str(), R_OK) != 0)
-        throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
-}
-
-int videoStreamOf(const AVFormatContext& input, const fs::path& file)
-{
-    const int stream =
-        av_find_best_stream(const_cast<AVFormatContext*>(&input), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
-    if (stream < 0 || input.streams[stream]->disposition & AV_DISPOSITION_ATTACHED_PIC)
-        throw ToolError(ExitCode::unreadable, "no pictures in " + file.string());
-    return stream;
-}
-
-void keepOnly(AVFormatContext& input, int stream)
-{
-    for (unsigned i = 0; i < input.nb_streams; ++i)
-        input.streams[i]->discard = int(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
-}
 
 Orientation orientationOf(const AVStream& stream)
 {
@@ -63,102 +27,35 @@ Orientation orientationOf(const AVStream& stream)
     return {true, m[3] < 0, m[1] < 0};
 }
 
-// Formats whose index leads to a picture that needs none before it.
-bool seeksExactly(const AVFormatContext& input)
-{
-    constexpr std::array kNames{std::string_view("mov,mp4,m4a,3gp,3g2,mj2"),
-        std::string_view("matroska,webm"), std::string_view("image2")};
-    return std::ranges::find(kNames, std::string_view(input.iformat->name)) != kNames.end();
-}
-
 } // namespace
-
-bool ClipInfo::hasAlpha() const
-{
-    const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
-    return descriptor && (descriptor->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL));
-}
-
-Input openClip(const fs::path& file, const std::string& pictureRate)
-{
-    checkReadable(file);
-    // A clip may point elsewhere (playlists, references): only to files of this machine.
-    Dictionary options;
-    options.set("protocol_whitelist", "file");
-    if (namesPictures(file)) {
-        options.set("start_number_range", kFirstPictureUpTo);
-        if (!pictureRate.empty())
-            options.set("framerate", pictureRate);
-    }
-    AVFormatContext* opened = nullptr;
-    const int result =
-        avformat_open_input(&opened, ("file:" + file.string()).c_str(), nullptr, options.address());
-    if (result == AVERROR(ENOENT))
-        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
-    if (result < 0)
-        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": " + errorText(result));
-    Input input(opened);
-    if (avformat_find_stream_info(opened, nullptr) < 0)
-        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": no streams found");
-    return input;
-}
-
-FrameTable readFrameTable(const fs::path& file, const std::string& pictureRate)
-{
-    const Input input = openClip(file, pictureRate);
-    const int stream = videoStreamOf(*input, file);
-    keepOnly(*input, stream);
-    FrameTable table;
-    std::int64_t last = AV_NOPTS_VALUE;
-    const Packet packet = makePacket();
-    while (av_read_frame(input.get(), packet.get()) >= 0) {
-        if (packet->stream_index == stream && !(packet->flags & AV_PKT_FLAG_DISCARD)) {
-            table.times.push_back(packet->pts);
-            // Indices count decoding times, which come first; an earlier place than needed does no harm.
-            if (packet->flags & AV_PKT_FLAG_KEY && packet->dts != AV_NOPTS_VALUE
-                && packet->pts != AV_NOPTS_VALUE)
-                table.keys.push_back({packet->dts, packet->pts});
-            if (packet->pts >= last) {
-                last = packet->pts;
-                table.lastDuration = packet->duration;
-            }
-        }
-        av_packet_unref(packet.get());
-    }
-    std::ranges::sort(table.times);
-    return table;
-}
 
 ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate)
     : pictureRate_(pictureRate),
-      input_(openClip(file, pictureRate)),
-      packet_(makePacket())
+      packet_(makePacket()),
+      ahead_(makeFrame()),
+      before_(makeFrame())
 {
     info_.file = file;
-    stream_ = videoStreamOf(*input_, file);
-    openDecoder();
+    begin();
     describe();
-    keepOnly(*input_, stream_);
 }
 
-void ClipReader::openDecoder()
+// A fresh decoder: one that has seen later packets remembers their parameter sets.
+void ClipReader::begin()
 {
-    const AVStream& stream = *input_->streams[stream_];
-    const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
-    if (!codec)
-        throw ToolError(ExitCode::unreadable,
-            "no decoder for " + std::string(avcodec_get_name(stream.codecpar->codec_id)) + " in "
-                + info_.file.string());
-    decoder_.reset(avcodec_alloc_context3(codec));
-    if (!decoder_)
-        throw std::bad_alloc();
-    require(avcodec_parameters_to_context(decoder_.get(), stream.codecpar), "decoder parameters");
-    decoder_->pkt_timebase = stream.time_base;
-    decoder_->thread_count = 0; // as many as the machine has
-    const int result = avcodec_open2(decoder_.get(), codec, nullptr);
-    if (result < 0)
-        throw ToolError(
-            ExitCode::unreadable, "cannot decode " + info_.file.string() + ": " + errorText(result));
+    decoder_.reset();
+    watch_.forget();
+    input_ = openClip(info_.file, pictureRate_);
+    stream_ = pictureStreamOf(*input_, info_.file);
+    decoder_ = openDecoder(*input_->streams[stream_], info_.file, &watch_);
+    readOnly(*input_, stream_);
+    from_.reset();
+    failed_ = false;
+    drained_ = false;
+    breaksOff_ = false;
+    aheadNumber_ = -1;
+    av_frame_unref(ahead_.get());
+    av_frame_unref(before_.get());
 }
 
 void ClipReader::describe()
@@ -181,6 +78,8 @@ void ClipReader::describe()
         stored.chroma_location};
     if (std::string_view(av_get_pix_fmt_name(info_.format)).starts_with("yuvj"))
         info_.colour.range = AVCOL_RANGE_JPEG;
+    const AVCodecDescriptor* const codec = avcodec_descriptor_get(stored.codec_id);
+    intraOnly_ = codec && codec->props & AV_CODEC_PROP_INTRA_ONLY;
     info_.timeBase = stream.time_base;
     info_.frameRate = stream.avg_frame_rate.num > 0 ? stream.avg_frame_rate : stream.r_frame_rate;
     if (info_.frameRate.num <= 0 || info_.frameRate.den <= 0)
@@ -199,49 +98,123 @@ void ClipReader::describe()
     }
 }
 
+const FrameTable& ClipReader::table()
+{
+    if (!table_)
+        table_ = readFrameTable(info_.file, pictureRate_);
+    return *table_;
+}
+
 void ClipReader::skipTo(long long frame)
 {
-    if (frame <= 0 || !seeksExactly(*input_))
+    if (frame <= 0 || !table().numbers || frame >= table().count())
         return;
-    const FrameTable table = readFrameTable(info_.file, pictureRate_);
-    const bool ascends = std::ranges::adjacent_find(table.times, std::greater_equal()) == table.times.end();
-    if (!ascends || table.times.empty() || table.times.front() == AV_NOPTS_VALUE
-        || frame >= (long long)(table.times.size()))
-        return;
-    const std::int64_t wanted = table.times[std::size_t(frame)];
-    const FrameTable::Key* from = nullptr;
-    for (const FrameTable::Key& key : table.keys)
-        if (key.shown <= wanted && (!from || key.shown > from->shown))
-            from = &key;
-    if (!from || av_seek_frame(input_.get(), stream_, from->decoded, AVSEEK_FLAG_BACKWARD) < 0)
-        return;
-    discardBefore_ = wanted;
-    firstTime_ = table.times.front();
     index_ = frame - 1;
+    keysBack_ = 1;
+    beginBefore(frame, keysBack_);
+}
+
+/// Seeks to the last key but so many that is shown no later than a frame. False: there is none.
+bool ClipReader::beginBefore(long long frame, std::size_t keysBack)
+{
+    const auto later = std::ranges::upper_bound(
+        table_->keys, table_->times[std::size_t(frame)], {}, &FrameTable::Key::shown);
+    if (std::size_t(later - table_->keys.begin()) < keysBack)
+        return false;
+    const FrameTable::Key key = *(later - std::ptrdiff_t(keysBack));
+    if (av_seek_frame(input_.get(), stream_, key.decoded, AVSEEK_FLAG_BACKWARD) < 0)
+        return false;
+    from_ = key;
+    return true;
+}
+
+// Twice as far each time, so that a clip with damage of its own soon begins at its start.
+void ClipReader::beginEarlier()
+{
+    begin();
+    keysBack_ *= 2;
+    if (!beginBefore(index_, keysBack_))
+        begin();
 }
 
 bool ClipReader::next(AVFrame& frame)
 {
-    while (decode(frame)) {
-        if (discardBefore_ && frame.best_effort_timestamp < *discardBefore_)
-            continue;
-        const std::int64_t step = av_rescale_q(1, av_inv_q(info_.frameRate), info_.timeBase);
-        const bool ascends = frame.best_effort_timestamp != AV_NOPTS_VALUE
-            && (lastTime_ == AV_NOPTS_VALUE || frame.best_effort_timestamp > lastTime_);
-        if (ascends)
-            lastTime_ = frame.best_effort_timestamp;
-        else
-            lastTime_ =
-                lastTime_ == AV_NOPTS_VALUE ? info_.start : lastTime_ + std::max<std::int64_t>(1, step);
-        frame.pts = lastTime_;
-        if (firstTime_ == AV_NOPTS_VALUE)
-            firstTime_ = lastTime_;
-        ++index_;
-        return true;
-    }
-    if (index_ < 0)
+    const bool found = table_ && table_->numbers ? nextByNumber(frame) : nextInOrder(frame);
+    if (!found && index_ < 0)
         throw ToolError(ExitCode::unreadable, "no frame can be decoded from " + info_.file.string());
-    return false;
+    return found;
+}
+
+bool ClipReader::nextInOrder(AVFrame& frame)
+{
+    if (!decode(frame)) {
+        if (std::exchange(failed_, false) || breaksOff_)
+            damaged_.insert(index_ + 1);
+        return false;
+    }
+    const std::int64_t step = av_rescale_q(1, av_inv_q(info_.frameRate), info_.timeBase);
+    const std::int64_t time = frame.best_effort_timestamp;
+    if (time != AV_NOPTS_VALUE && (lastTime_ == AV_NOPTS_VALUE || time > lastTime_))
+        lastTime_ = time;
+    else
+        lastTime_ = lastTime_ == AV_NOPTS_VALUE ? info_.start : lastTime_ + std::max<std::int64_t>(1, step);
+    frame.pts = lastTime_;
+    if (firstTime_ == AV_NOPTS_VALUE)
+        firstTime_ = lastTime_;
+    ++index_;
+    if (std::exchange(failed_, false) || isDamaged(frame))
+        damaged_.insert(index_);
+    return true;
+}
+
+bool ClipReader::nextByNumber(AVFrame& frame)
+{
+    if (index_ + 1 >= table_->count())
+        return false;
+    ++index_;
+    firstTime_ = table_->times.front();
+    while (aheadNumber_ < index_)
+        decodeAhead();
+    const bool lost = aheadNumber_ > index_;
+    const AVFrame& shown = lost && before_->buf[0] ? *before_ : *ahead_;
+    if (!shown.buf[0]) {
+        --index_;
+        return false;
+    }
+    if (lost || isDamaged(shown))
+        damaged_.insert(index_);
+    av_frame_unref(&frame);
+    require(av_frame_ref(&frame, &shown), "frame");
+    frame.pts = table_->times[std::size_t(index_)];
+    if (lost)
+        frame.pkt_duration = 0;
+    return true;
+}
+
+// Decodes one frame more, or begins again further back when a jump led to something that is not as it must
+// be.
+void ClipReader::decodeAhead()
+{
+    std::swap(before_, ahead_);
+    const long long last = aheadNumber_;
+    const bool found = decode(*ahead_);
+    const std::int64_t time = found ? ahead_->best_effort_timestamp : AV_NOPTS_VALUE;
+    aheadNumber_ = found ? table_->at(time) : table_->count();
+    if (!from_)
+        return;
+    const bool leads = found && time < from_->shown; // into the key; may lack what stands before the jump
+    const bool follows = last < 0 ? aheadNumber_ <= index_ : aheadNumber_ == last + 1;
+    const bool known = found && aheadNumber_ >= 0 && table_->times[std::size_t(aheadNumber_)] == time;
+    if (leads)
+        aheadNumber_ = -1;
+    else if (!known || !follows || failed_ || isDamaged(*ahead_) || watch_.complainedSince(from_->shown))
+        beginEarlier();
+}
+
+bool ClipReader::isDamaged(const AVFrame& frame) const
+{
+    return frame.flags & AV_FRAME_FLAG_CORRUPT || frame.decode_error_flags
+        || (!intraOnly_ && watch_.complainedAt(frame.best_effort_timestamp));
 }
 
 bool ClipReader::decode(AVFrame& frame)
@@ -254,7 +227,7 @@ bool ClipReader::decode(AVFrame& frame)
         if (result == AVERROR_EOF)
             return false;
         if (result != AVERROR(EAGAIN))
-            ++damaged_;
+            failed_ = true;
         else if (!feed())
             return false;
     }
@@ -268,12 +241,12 @@ bool ClipReader::feed()
     do {
         av_packet_unref(packet_.get());
         result = av_read_frame(input_.get(), packet_.get());
-    } while (result >= 0 && packet_->stream_index != stream_);
+    } while (result >= 0 && (packet_->stream_index != stream_ || packet_->size == 0));
     drained_ = result < 0;
-    if (drained_ && result != AVERROR_EOF)
-        ++damaged_;
+    breaksOff_ = drained_ && result != AVERROR_EOF;
+    watch_.mark(*decoder_, *packet_);
     if (avcodec_send_packet(decoder_.get(), drained_ ? nullptr : packet_.get()) < 0)
-        ++damaged_;
+        failed_ = true;
     return true;
 }
 

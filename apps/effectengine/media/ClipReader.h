@@ -1,11 +1,10 @@
 // A clip's frames in the order in which they are shown.
 #pragma once
 
-#include "effectengine/media/ffmpeg.h"
+#include "effectengine/media/DecoderWatch.h"
+#include "effectengine/media/FrameTable.h"
 
-#include <filesystem>
 #include <optional>
-#include <vector>
 
 namespace media {
 
@@ -42,28 +41,9 @@ struct ClipInfo {
     int audioStreams = 0;
     int subtitleStreams = 0;
 
-    bool hasAlpha() const;
+    bool mayBeTransparent() const { return hasAlpha(format); }
     double rate() const { return av_q2d(frameRate); }
 };
-
-/// Opens a clip file, or the pictures that a name with %04d stands for. Throws ToolError: missing,
-/// unreadable, or no clip.
-/// @param pictureRate  frames per second of pictures; empty for the library's own 25
-Input openClip(const std::filesystem::path& file, const std::string& pictureRate = {});
-
-/// Timestamps of all frames and which of them can be decoded without others, from a pass over the packets.
-struct FrameTable {
-    struct Key {
-        std::int64_t decoded; ///< when it is decoded
-        std::int64_t shown;   ///< when it is shown
-    };
-    std::vector<std::int64_t> times; ///< ascending
-    std::vector<Key> keys;
-    std::int64_t lastDuration = 0; ///< of the last frame; 0 unknown
-};
-
-/// Throws ToolError.
-FrameTable readFrameTable(const std::filesystem::path& file, const std::string& pictureRate = {});
 
 class ClipReader {
 public:
@@ -72,12 +52,17 @@ public:
 
     const ClipInfo& info() const { return info_; }
 
+    /// Times and number of all frames, from a pass over the file when it is first asked for. From then on,
+    /// and before the first next(), frames are numbered by it.
+    const FrameTable& table();
+
     /// Goes to a frame, counted from 0, without decoding everything before it where the file allows it. To be
     /// called before the first next().
     void skipTo(long long frame);
 
-    /// The next frame as it is stored; its pts is set, and ascends. False at the end.
-    /// Throws ToolError when the file breaks off before its first frame.
+    /// The next frame as it is stored; its pts is set, and ascends. Where frames are numbered by the table,
+    /// one that cannot be decoded is the one before it again. False at the end. Throws ToolError when the
+    /// file breaks off before its first frame.
     bool next(AVFrame& frame);
 
     /// The number of the frame that next() gave last.
@@ -86,17 +71,27 @@ public:
     /// The time of frame 0, once a frame has come.
     std::int64_t firstTime() const { return firstTime_; }
 
-    /// Packets that could not be decoded so far.
-    int damaged() const { return damaged_; }
+    /// Whether the frame that next() gave last is not, or not all of it, what was once encoded.
+    bool damaged() const { return damaged_.contains(index_); }
+
+    /// The numbers of all such frames so far. A clip that breaks off has one at its end.
+    const std::set<long long>& damagedFrames() const { return damaged_; }
 
 private:
-    void openDecoder();
     void describe();
+    void begin();
+    bool beginBefore(long long frame, std::size_t keysBack);
+    void beginEarlier();
+    bool nextInOrder(AVFrame& frame);
+    bool nextByNumber(AVFrame& frame);
+    void decodeAhead();
+    bool isDamaged(const AVFrame& frame) const;
     bool decode(AVFrame& frame);
     bool feed();
 
     ClipInfo info_;
     std::string pictureRate_;
+    DecoderWatch watch_; ///< before the decoder, whose threads use it
     Input input_;
     Codec decoder_;
     Packet packet_;
@@ -104,9 +99,18 @@ private:
     long long index_ = -1;
     std::int64_t firstTime_ = AV_NOPTS_VALUE;
     std::int64_t lastTime_ = AV_NOPTS_VALUE;
-    std::optional<std::int64_t> discardBefore_;
-    int damaged_ = 0;
+    std::set<long long> damaged_;
+    bool failed_ = false; ///< the decoder refused something since the last frame
     bool drained_ = false;
+    bool breaksOff_ = false; ///< it is drained because the file cannot be read on
+    bool intraOnly_ = false;
+
+    std::optional<FrameTable> table_;
+    std::optional<FrameTable::Key> from_; ///< where decoding began; empty: at the start
+    std::size_t keysBack_ = 0;            ///< how many keys before the frame it began at
+    Frame ahead_;                         ///< the latest decoded one
+    Frame before_;                        ///< the one before that
+    long long aheadNumber_ = -1;          ///< of frame ahead_; the count of frames at the end
 };
 
 } // namespace media

@@ -18,15 +18,17 @@ struct FrameShape {
     AVRational sampleAspect{0, 1};
     AVPixelFormat sourceFormat = AV_PIX_FMT_NONE; ///< the output keeps its chroma resolution where it can
     Colour colour;
+    bool keepsAlpha = false; ///< else the output is opaque
 };
 
-/// The shape of a clip's frames, scaled to a size.
+/// The shape of a clip's frames, scaled to a size; opaque.
 FrameShape shapeOf(const ClipInfo& clip, int width, int height);
 
 struct EncoderChoice {
     std::string codec;          ///< an encoder's or codec's name; empty: by the output's name
     std::optional<int> quality; ///< in the encoder's own measure; lower is better
     std::vector<std::pair<std::string, std::string>> options;
+    bool needsAlpha = false; ///< rather an error than an opaque output
 };
 
 class ClipSink {

@@ -1,7 +1,7 @@
 // Packets of one stream within a span.
 #include "effectengine/media/CopiedTrack.h"
 
-#include "effectengine/media/ClipReader.h"
+#include "effectengine/media/openClip.h"
 
 #include <cmath>
 

@@ -46,7 +46,8 @@ bool FrameFeed::next(FrameIn& in)
         if (!reader_.next(*in.frame))
             return false;
     } while (!seen(reader_.index()));
-    in.place = {reader_.index(), in.frame->pts, in.frame->pts - reader_.firstTime(), in.frame->pkt_duration};
+    in.place = {reader_.index(), in.frame->pts, in.frame->pts - reader_.firstTime(), in.frame->pkt_duration,
+        reader_.damaged()};
     in.shown = shown(reader_.index());
     if (in.picture)
         convert_.convert(*in.frame, viewOf(*in.picture));

@@ -40,6 +40,8 @@ Json::Value toJson(const RenderedFrame& frame)
     value["time"] = frame.seconds;
     value["file"] = frame.file;
     value["sha256"] = frame.sha256;
+    if (frame.damaged)
+        value["damaged"] = true;
     return value;
 }
 
@@ -50,7 +52,7 @@ std::optional<RenderedFrame> frameOf(const Json::Value& value)
         || !value["file"].isString() || !value["sha256"].isString())
         return {};
     return RenderedFrame{value["frame"].asInt64(), value["time"].asDouble(), value["file"].asString(),
-        value["sha256"].asString()};
+        value["sha256"].asString(), value["damaged"] == true};
 }
 
 } // namespace

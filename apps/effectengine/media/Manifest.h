@@ -17,6 +17,7 @@ struct RenderedFrame {
     double seconds = 0;   ///< since the clip's first frame
     std::string file;     ///< name within the manifest's directory
     std::string sha256;   ///< of the pixels: red, green, blue, alpha, top row first
+    bool damaged = false; ///< in the clip; the picture shows what could be decoded
 };
 
 /// A JSON file that appears when all frames are complete. Until then a journal beside it holds a line per

@@ -116,11 +116,16 @@ void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)
     frame.colorspace = colour.space;
     if (isPlainYuv(format_) && hasYuvMatrix(colour.space))
         return bgraToYuv(picture, colour, frame);
+    const auto copy = [&](pixels::View to) {
+        if (keepsAlpha_)
+            return pixels::rows::copy(picture, to);
+        pixels::rows::map(picture, to, [](pixels::Bgra p) -> pixels::Bgra { return {p.b, p.g, p.r, 255}; });
+    };
     if (format_ == AV_PIX_FMT_BGRA)
-        return pixels::rows::copy(picture, viewOf(frame));
+        return copy(viewOf(frame));
     // The library may read a little beyond the last row, which an image of the engine does not allow.
     allocate(copied_, AV_PIX_FMT_BGRA, picture.extent());
-    pixels::rows::copy(picture, viewOf(*copied_));
+    copy(viewOf(*copied_));
     scaler_.scale(*copied_, {.range = AVCOL_RANGE_JPEG}, frame, colour);
 }
 

@@ -48,7 +48,13 @@ private:
 /// Pictures as frames for an encoder.
 class FromPicture {
 public:
-    FromPicture(AVPixelFormat format, const Colour& colour) : format_(format), colour_(colour) { }
+    /// @param keepsAlpha  false: every pixel becomes opaque, whatever an effect left in its alpha
+    FromPicture(AVPixelFormat format, const Colour& colour, bool keepsAlpha)
+        : format_(format),
+          colour_(colour),
+          keepsAlpha_(keepsAlpha)
+    {
+    }
 
     /// Gives the frame new or reused buffers of the format and fills them. Throws.
     void convert(pixels::ConstView picture, AVFrame& frame);
@@ -56,6 +62,7 @@ public:
 private:
     AVPixelFormat format_;
     Colour colour_;
+    bool keepsAlpha_;
     FrameScaler scaler_;
     Frame copied_;
 };

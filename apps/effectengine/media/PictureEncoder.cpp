@@ -15,24 +15,9 @@ namespace fs = std::filesystem;
 
 namespace media {
 
-namespace {
-
-const AVCodec& codecFor(const fs::path& name, const EncoderChoice& choice)
-{
-    if (!choice.codec.empty())
-        return encoderNamed(choice.codec);
-    const AVOutputFormat* const pictures = av_guess_format("image2", nullptr, nullptr);
-    const AVCodecID id = pictures
-        ? av_guess_codec(pictures, nullptr, name.c_str(), nullptr, AVMEDIA_TYPE_VIDEO)
-        : AV_CODEC_ID_NONE;
-    return encoderFor(id, name);
-}
-
-} // namespace
-
 PictureEncoder::PictureEncoder(
     const fs::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take)
-    : encoder_(openEncoder(codecFor(name, choice), shape, choice, false)),
+    : encoder_(openEncoder(encoderOf(name, choice), shape, choice, false)),
       take_(std::move(take)),
       packet_(makePacket())
 {

@@ -67,6 +67,26 @@ AVPixelFormat wantedFormat(const AVCodec& codec, const FrameShape& shape)
     return !columns ? AV_PIX_FMT_YUV444P : rows ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV422P;
 }
 
+// The format with transparency that loses least, or none.
+AVPixelFormat alphaFormat(
+    std::span<const AVPixelFormat> offered, const FrameShape& shape, AVPixelFormat opaque)
+{
+    const AVPixFmtDescriptor* const source = av_pix_fmt_desc_get(shape.sourceFormat);
+    const bool fromRgb = source && source->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL);
+    AVPixelFormat wanted = AV_PIX_FMT_BGRA;
+    if (!fromRgb)
+        wanted = opaque == AV_PIX_FMT_YUV444P ? AV_PIX_FMT_YUVA444P
+            : opaque == AV_PIX_FMT_YUV422P    ? AV_PIX_FMT_YUVA422P
+                                              : AV_PIX_FMT_YUVA420P;
+    if (offered.empty())
+        return wanted;
+    AVPixelFormat best = AV_PIX_FMT_NONE;
+    for (const AVPixelFormat format : offered)
+        if (hasAlpha(format))
+            best = av_find_best_pix_fmt_of_2(best, format, wanted, 1, nullptr);
+    return best;
+}
+
 AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape)
 {
     constexpr std::array kPictures{AV_CODEC_ID_PNG, AV_CODEC_ID_TIFF, AV_CODEC_ID_TARGA, AV_CODEC_ID_BMP};
@@ -79,6 +99,9 @@ AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape)
     if (std::ranges::find(kPictures, codec.id) != kPictures.end())
         return offers(AV_PIX_FMT_RGBA) ? AV_PIX_FMT_RGBA : AV_PIX_FMT_BGRA;
     const AVPixelFormat wanted = wantedFormat(codec, shape);
+    if (shape.keepsAlpha)
+        if (const AVPixelFormat format = alphaFormat(offered, shape, wanted); format != AV_PIX_FMT_NONE)
+            return format;
     if (offers(wanted))
         return wanted;
     return avcodec_find_best_pix_fmt_of_list(codec.pix_fmts, wanted, 0, nullptr);
@@ -150,6 +173,20 @@ const AVCodec& encoderFor(AVCodecID id, const std::filesystem::path& out)
     return *codec;
 }
 
+const AVCodec& encoderOf(const std::filesystem::path& out, const EncoderChoice& choice)
+{
+    if (!choice.codec.empty())
+        return encoderNamed(choice.codec);
+    return encoderFor(
+        av_guess_codec(&containerFor(out), nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO), out);
+}
+
+bool offersAlpha(const AVCodec& codec)
+{
+    const auto offered = formatsOf(codec);
+    return offered.empty() || std::ranges::any_of(offered, hasAlpha);
+}
+
 Codec openEncoder(
     const AVCodec& codec, const FrameShape& shape, const EncoderChoice& choice, bool globalHeader)
 {
@@ -160,6 +197,12 @@ Codec openEncoder(
     encoder->height = shape.height;
     encoder->sample_aspect_ratio = shape.sampleAspect;
     encoder->pix_fmt = chooseFormat(codec, shape);
+    if (choice.needsAlpha && !hasAlpha(encoder->pix_fmt))
+        throw ToolError(ExitCode::usage,
+            "encoder " + std::string(codec.name)
+                + " knows no transparency; choose another --codec or name, or leave out --alpha keep");
+    if (codec.id == AV_CODEC_ID_VP8 && hasAlpha(encoder->pix_fmt))
+        setOption(*encoder, "auto-alt-ref", "0"); // cannot be had together
     encoder->thread_count = 0;
     chooseTimeBase(*encoder, shape);
     const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(encoder->pix_fmt);

@@ -22,8 +22,25 @@ Packet makePacket()
     return packet;
 }
 
+bool hasAlpha(AVPixelFormat format)
+{
+    const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
+    return descriptor && (descriptor->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL));
+}
+
 std::string errorText(int result)
 {
+    switch (result) {
+    case AVERROR_INVALIDDATA:
+        return "its data is damaged, or of a kind that is not known here";
+    case AVERROR_PATCHWELCOME:
+    case AVERROR(ENOSYS):
+        return "FFmpeg's libraries cannot do this";
+    case AVERROR(EINVAL):
+        return "FFmpeg's libraries take no such thing";
+    default:
+        break;
+    }
     char text[AV_ERROR_MAX_STRING_SIZE] = "";
     av_strerror(result, text, sizeof text);
     return text;
@@ -32,10 +49,8 @@ std::string errorText(int result)
 int require(int result, const char* what)
 {
     if (result < 0)
-        throw std::runtime_error(std::string(what) + ": " + errorText(result));
+        throw std::runtime_error(std::string("clips: failed at the ") + what + ": " + errorText(result));
     return result;
 }
-
-void silence() { av_log_set_level(AV_LOG_QUIET); }
 
 } // namespace media

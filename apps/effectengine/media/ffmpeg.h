@@ -77,13 +77,13 @@ private:
 Frame makeFrame();
 Packet makePacket();
 
-/// The library's words for a negative result.
+/// Whether a pixel may be transparent, by itself or by a palette.
+bool hasAlpha(AVPixelFormat format);
+
+/// What a negative result means, in words that need no knowledge of the library where there are such.
 std::string errorText(int result);
 
 /// Throws std::runtime_error for a negative result that no input and no disk can cause; hands on others.
 int require(int result, const char* what);
-
-/// Ends the process's chatter: the library's own lines on stderr; the tool says what matters.
-void silence();
 
 } // namespace media

@@ -2,6 +2,7 @@
 #include "effectengine/Interruption.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/media/JoinedFeed.h"
+#include "effectengine/media/encoders.h"
 #include "effectengine/media/overlap.h"
 #include "pixels/rows.h"
 
@@ -62,13 +63,16 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
     FrameShape shape = shapeOf(first.info(), size.width, size.height);
     shape.timeBase = unit;
+    const EncoderChoice choice = choiceOf(options.encoding);
+    shape.keepsAlpha =
+        keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&first.info(), &second.info()});
     const pixels::Extent secondSize =
         options.stretch ? size : shapedLike(second.info(), size, shape.sampleAspect);
     SideTracks tracks;
     if (!isPictureSequence(options.out))
         tracks = crossfadedTracks(
             options.from, options.to, at, options.duration, containerFor(options.out), options.out);
-    const auto sink = openSink(options.out, shape, choiceOf(options.encoding), std::move(tracks));
+    const auto sink = openSink(options.out, shape, choice, std::move(tracks));
     warnOfDepth(first.info());
     warnOfDepth(second.info());
 
@@ -82,7 +86,9 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
         });
     }
     JoinedFeed feed(first, second, size, secondSize, unit, begin, duration);
-    FromPicture toFrame(sink->format(), sink->colour());
+    FromPicture toFrame(sink->format(), sink->colour(), shape.keepsAlpha);
+    AlphaWarning firstWarning(first.info(), options.encoding.alpha, sink->format());
+    AlphaWarning secondWarning(second.info(), options.encoding.alpha, sink->format());
     const double afterwards = std::max(0.0, second.info().duration - options.duration) * second.info().rate();
     Progress progress(options.encoding.progress, "frames",
         std::llround((at + options.duration) * first.info().rate() + afterwards));
@@ -95,6 +101,10 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
                 [&](JoinedIn& in, FrameOut& out) {
                     stopIfAsked();
                     CEffectImage* result = in.first->handle();
+                    if (in.part != JoinedIn::Part::second)
+                        firstWarning.look(viewOf(*in.first));
+                    if (in.part != JoinedIn::Part::first)
+                        secondWarning.look(viewOf(*in.second));
                     if (in.part == JoinedIn::Part::second)
                         result = in.second->handle();
                     if (in.part == JoinedIn::Part::both) {
@@ -127,6 +137,6 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
 
 void runClipTransition(const ClipTransitionOptions& options, const SessionOptions& session)
 {
-    media::silence();
+    media::DecoderWatch::listen();
     interruptibly([&] { media::join(options, session); });
 }

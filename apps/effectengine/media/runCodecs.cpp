@@ -1,12 +1,12 @@
 // codecs: what this machine's libraries can read and write.
 #include "effectengine/clipVerbs.h"
-#include "effectengine/media/ffmpeg.h"
+#include "effectengine/media/DecoderWatch.h"
 
 #include <cstdio>
 
 void runCodecs()
 {
-    media::silence();
+    media::DecoderWatch::listen();
     std::printf("libavformat %s\nlibavcodec %s\n", AV_STRINGIFY(LIBAVFORMAT_VERSION),
         AV_STRINGIFY(LIBAVCODEC_VERSION));
     for (const AVCodecID id :

@@ -140,7 +140,7 @@ void render(
     const fs::path directory = pattern.parent_path();
     ClipReader reader(options.in, options.pictureRate);
     const ClipInfo& clip = reader.info();
-    const auto count = (long long)(readFrameTable(options.in, options.pictureRate).times.size());
+    const long long count = reader.table().count();
     const FrameRange range = rangeOf(options, count);
     checkParts(options, description, range, count);
     checkNotItself(options.in, pattern);
@@ -148,8 +148,12 @@ void render(
     warnOfDepth(clip);
 
     makeDirectory(directory);
-    Manifest manifest(manifestFile(options, directory, range),
-        settingsOf(options, description, size, range, count, *sessionOptions.seed));
+    // Looking through the clip would cost every chunk as much as the whole.
+    const bool alpha = options.alpha == AlphaChoice::keep
+        || (options.alpha == AlphaChoice::automatic && clip.mayBeTransparent());
+    Json::Value settings = settingsOf(options, description, size, range, count, *sessionOptions.seed);
+    settings["alpha"] = alpha;
+    Manifest manifest(manifestFile(options, directory, range), std::move(settings));
     if (options.resume)
         manifest.load();
     std::set<long long> missing = missingFrames(manifest, directory, range);
@@ -173,7 +177,7 @@ void render(
             underWay.erase(number);
             progress.report(++done);
         });
-    FromPicture toFrame(AV_PIX_FMT_RGBA, {});
+    FromPicture toFrame(AV_PIX_FMT_RGBA, {}, alpha);
     FrameFeed feed(reader, size, range, host::preRollOf(description));
     feed.showOnly(std::move(missing));
 
@@ -193,7 +197,8 @@ void render(
                 [&](FrameOut& out) {
                     const long long number = out.place.number;
                     underWay[number] = {number, timeOf(out.place, clip).seconds,
-                        numbered(pattern, number).filename().string(), pixelHash(*out.frame)};
+                        numbered(pattern, number).filename().string(), pixelHash(*out.frame),
+                        out.place.damaged};
                     encoder.write(*out.frame, number);
                 }});
     encoder.finish();
@@ -212,7 +217,7 @@ void render(
 
 void runRender(const RenderOptions& options, const SessionOptions& session)
 {
-    media::silence();
+    media::DecoderWatch::listen();
     const host::GraphDescription description = host::loadGraph(options.graph);
     for (const std::string& line : description.warnings())
         std::fprintf(stderr, "effectengine: warning: %s: %s\n", options.graph.c_str(), line.c_str());

@@ -2,6 +2,7 @@
 #include "effectengine/Interruption.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/media/FrameFeed.h"
+#include "effectengine/media/encoders.h"
 #include "effectengine/media/overlap.h"
 #include "effectengine/media/yuvPixels.h"
 #include "host/parts.h"
@@ -17,16 +18,16 @@ namespace {
 /// Where frames stand in the output: as in the clip, or as in the clip that pictures were made from.
 class Timing {
 public:
-    Timing(const VideoOptions& options, const ClipInfo& clip, const FrameRange& range)
+    Timing(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
         : source_(options.timing.empty() ? options.in : options.timing),
-          unit_(clip.timeBase),
-          rate_(clip.frameRate),
-          origin_(clip.start)
+          unit_(reader.info().timeBase),
+          rate_(reader.info().frameRate),
+          origin_(reader.info().start)
     {
         if (!options.timing.empty())
-            takeTimes(options, clip);
+            takeTimes(options);
         else if (!range.whole())
-            cut(options, clip, range);
+            cut(options, reader, range);
     }
 
     const fs::path& source() const { return source_; }
@@ -46,7 +47,7 @@ public:
     }
 
 private:
-    void takeTimes(const VideoOptions& options, const ClipInfo&)
+    void takeTimes(const VideoOptions& options)
     {
         const ClipReader clip(options.timing);
         times_ = readFrameTable(options.timing).times;
@@ -55,15 +56,16 @@ private:
         origin_ = clip.info().start;
     }
 
-    void cut(const VideoOptions& options, const ClipInfo& clip, const FrameRange& range)
+    void cut(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
     {
-        const FrameTable table = readFrameTable(options.in, options.pictureRate);
-        const auto count = (long long)(table.times.size());
+        const FrameTable& table = reader.table();
+        const long long count = table.count();
+        const std::int64_t start = reader.info().start;
         if (range.first >= count)
             throw ToolError(ExitCode::usage,
                 "--frames " + options.frames + ": " + options.in.string() + " has " + std::to_string(count)
                     + " frames");
-        const auto seconds = [&](std::int64_t time) { return double(time - clip.start) * av_q2d(unit_); };
+        const auto seconds = [&](std::int64_t time) { return double(time - start) * av_q2d(unit_); };
         origin_ = table.times[std::size_t(range.first)];
         span_.from = seconds(origin_);
         if (range.last < count - 1)
@@ -115,7 +117,7 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     checkClipOutput(options.out);
     checkNotItself(options.in, options.out);
     const pixels::Extent size = workingSize(clip, options.size);
-    const Timing timing(options, clip, range);
+    const Timing timing(options, reader, range);
 
     const Session session(sessionOptions);
     std::optional<host::EffectGraph> graph;
@@ -125,6 +127,7 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     FrameShape shape = shapeOf(clip, size.width, size.height);
     shape.timeBase = timing.unit();
     shape.frameRate = timing.rate();
+    shape.keepsAlpha = keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&clip});
     const auto sink = openSink(options.out, shape, choice, tracksFor(options, timing));
     warnOfDepth(clip);
 
@@ -133,7 +136,8 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     for (FrameIn& in : ins)
         in.picture.emplace(unsigned(size.width), unsigned(size.height));
     FrameFeed feed(reader, size, range, description ? host::preRollOf(*description) : 0);
-    FromPicture toFrame(sink->format(), sink->colour());
+    FromPicture toFrame(sink->format(), sink->colour(), shape.keepsAlpha);
+    AlphaWarning alphaWarning(clip, options.encoding.alpha, sink->format());
     Progress progress(options.encoding.progress, "frames", expectedFrames(clip, range));
     long long done = 0;
 
@@ -143,8 +147,8 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
                 [&](FrameIn& in, FrameOut& out) {
                     stopIfAsked();
                     CEffectImage* result = in.picture->handle();
-                    if (in.place.number == range.first)
-                        warnOfAlpha(clip, viewOf(*in.picture), sink->format());
+                    if (in.shown)
+                        alphaWarning.look(viewOf(*in.picture));
                     if (graph) {
                         graph->setSource(*in.picture);
                         result = graph->run(timeOf(in.place, clip));
@@ -178,7 +182,7 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
 
 void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session)
 {
-    media::silence();
+    media::DecoderWatch::listen();
     std::optional<host::GraphDescription> description;
     if (graph.given())
         description = graph.description();

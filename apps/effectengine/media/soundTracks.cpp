@@ -1,5 +1,5 @@
 // Which sound goes along, and how.
-#include "effectengine/media/ClipReader.h"
+#include "effectengine/media/openClip.h"
 #include "effectengine/media/CopiedTrack.h"
 #include "effectengine/media/EncodedTrack.h"
 

@@ -128,6 +128,18 @@ void rowToBgra(const ToBgra& matrix, const u8* y, const u8* u, const u8* v, Bgra
         pixels::store(to + x, matrix(y[x], u[x], v[x]));
 }
 
+void alphaToRow(const u8* alpha, Bgra* to, int width)
+{
+    for (int x = 0; x < width; ++x)
+        to[x].a = alpha[x];
+}
+
+void rowToAlpha(const Bgra* from, u8* alpha, int width)
+{
+    for (int x = 0; x < width; ++x)
+        alpha[x] = from[x].a;
+}
+
 void doubled(const u8* samples, u8* to, int width)
 {
     for (int x = 0; x < width / 2; ++x) {
@@ -180,6 +192,8 @@ void chromaRow(const int* sums, u8* to, int width, int columns)
         to[width / 2] = byte(2 * sums[width - 1], kBits + 2);
 }
 
+constexpr std::size_t kPlanes = 4;
+
 // The frame's rows as a view would count them from the top.
 template <class Byte> Byte* planeRow(Byte* plane, int stride, int row)
 {
@@ -191,19 +205,20 @@ template <class Byte> Byte* planeRow(Byte* plane, int stride, int row)
 bool isPlainYuv(AVPixelFormat format)
 {
     constexpr std::array kFormats{AV_PIX_FMT_YUV420P, AV_PIX_FMT_YUV422P, AV_PIX_FMT_YUV444P,
-        AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUVJ422P, AV_PIX_FMT_YUVJ444P};
+        AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUVJ422P, AV_PIX_FMT_YUVJ444P, AV_PIX_FMT_YUVA420P,
+        AV_PIX_FMT_YUVA422P, AV_PIX_FMT_YUVA444P};
     return std::ranges::find(kFormats, format) != kFormats.end();
 }
 
 bool isDeepYuv(AVPixelFormat format)
 {
     const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
-    constexpr auto kOthers = AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_BE
-        | AV_PIX_FMT_FLAG_FLOAT | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL;
-    if (!descriptor || descriptor->nb_components != 3 || descriptor->flags & kOthers
+    constexpr auto kOthers = AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_BE | AV_PIX_FMT_FLAG_FLOAT
+        | AV_PIX_FMT_FLAG_BITSTREAM | AV_PIX_FMT_FLAG_HWACCEL;
+    if (!descriptor || descriptor->nb_components < 3 || descriptor->flags & kOthers
         || !(descriptor->flags & AV_PIX_FMT_FLAG_PLANAR))
         return false;
-    for (int plane = 0; plane < 3; ++plane) {
+    for (int plane = 0; plane < descriptor->nb_components; ++plane) {
         const AVComponentDescriptor& component = descriptor->comp[plane];
         if (component.plane != plane || component.step != 2 || component.shift != 0 || component.depth <= 8)
             return false;
@@ -229,10 +244,11 @@ void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
     const ToBgra matrix(scaleOf(colour));
     const auto [columns, rows] = samplingOf(AVPixelFormat(frame.format));
     const int bits = av_pix_fmt_desc_get(AVPixelFormat(frame.format))->comp[0].depth;
+    const bool alpha = hasAlpha(AVPixelFormat(frame.format));
     const int width = picture.width();
     const int chromaWidth = (width + columns) >> columns;
     pixels::rows::anyOrderRuns(picture.extent(), [&](int first, int last) {
-        std::vector<u8> narrow(bits > 8 ? std::size_t(width) * 3 : 0);
+        std::vector<u8> narrow(bits > 8 ? std::size_t(width) * kPlanes : 0);
         std::vector<u8> wide(columns ? std::size_t(width) * 2 : 0);
         const auto sampleRow = [&](int plane, int row, int count) -> const u8* {
             const u8* const samples = planeRow(frame.data[plane], frame.linesize[plane], row);
@@ -253,6 +269,8 @@ void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
                 v = wide.data() + width;
             }
             pixels::widest([=] { rowToBgra(matrix, y, u, v, to, width); });
+            if (alpha)
+                alphaToRow(sampleRow(3, top, width), to, width);
         }
     });
 }
@@ -260,6 +278,7 @@ void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
 void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame)
 {
     const FromBgra matrix(scaleOf(colour));
+    const bool alpha = hasAlpha(AVPixelFormat(frame.format));
     const auto [columns, rows] = samplingOf(AVPixelFormat(frame.format));
     const int width = picture.width();
     const int height = picture.height();
@@ -287,6 +306,10 @@ void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame)
                 chromaRow(uSums, u, width, shared);
                 chromaRow(vSums, v, width, shared);
             });
+            if (alpha) {
+                rowToAlpha(upper, planeRow(frame.data[3], frame.linesize[3], top), width);
+                rowToAlpha(lower, planeRow(frame.data[3], frame.linesize[3], below), width);
+            }
         }
     });
 }

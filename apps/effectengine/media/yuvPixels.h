@@ -6,7 +6,7 @@
 
 namespace media {
 
-/// Whether the format is 4:2:0, 4:2:2 or 4:4:4 with 8 bits in planes, and no alpha.
+/// Whether the format is 4:2:0, 4:2:2 or 4:4:4 with 8 bits in planes, alpha or not.
 bool isPlainYuv(AVPixelFormat format);
 
 /// The same with 9 to 16 bits.
@@ -19,8 +19,8 @@ bool hasYuvMatrix(AVColorSpace space);
 /// formats that mean the full one.
 Colour completed(Colour colour, AVPixelFormat format, int width, int height);
 
-/// Each chroma sample colours all pixels that share it, and each pixel becomes opaque. The frame is plain or
-/// deep, of which the upper 8 bits count, rounded; the view has its size.
+/// Each chroma sample colours all pixels that share it; without alpha each pixel becomes opaque. The frame is
+/// plain or deep, of which the upper 8 bits count, rounded; the view has its size.
 void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture);
 
 /// Each chroma sample is the mean of the pixels that share it, so a picture that came from such samples gives

@@ -1,0 +1,114 @@
+// Demultiplexers and decoders, opened or refused.
+#include "effectengine/media/openClip.h"
+
+#include "effectengine/ToolError.h"
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace media {
+
+namespace {
+
+// Numbered pictures rarely begin at 0: parts of a clip carry the clip's numbers.
+constexpr const char* kFirstPictureUpTo = "100000";
+
+bool namesPictures(const fs::path& file)
+{
+    return av_filename_number_test(file.c_str()) && !fs::exists(file);
+}
+
+void checkReadable(const fs::path& file)
+{
+    if (namesPictures(file))
+        return;
+    if (!fs::exists(file))
+        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
+    if (fs::is_directory(file))
+        throw ToolError(ExitCode::unreadable, "is a directory, not a clip: " + file.string());
+    if (access(file.c_str(), R_OK) != 0)
+        throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
+}
+
+// WebM keeps transparency as a second picture beside the first, which the library's own decoders pass over.
+const AVCodec* decoderFor(const AVStream& stream)
+{
+    const AVCodec* codec = nullptr;
+    if (hasAlphaBeside(stream))
+        codec = avcodec_find_decoder_by_name(
+            stream.codecpar->codec_id == AV_CODEC_ID_VP9 ? "libvpx-vp9" : "libvpx");
+    return codec ? codec : avcodec_find_decoder(stream.codecpar->codec_id);
+}
+
+} // namespace
+
+bool hasAlphaBeside(const AVStream& stream)
+{
+    const AVCodecID codec = stream.codecpar->codec_id;
+    const AVDictionaryEntry* const mode = av_dict_get(stream.metadata, "alpha_mode", nullptr, 0);
+    return (codec == AV_CODEC_ID_VP8 || codec == AV_CODEC_ID_VP9) && mode && std::string_view(mode->value) == "1";
+}
+
+Input openClip(const fs::path& file, const std::string& pictureRate)
+{
+    checkReadable(file);
+    // A clip may point elsewhere (playlists, references): only to files of this machine.
+    Dictionary options;
+    options.set("protocol_whitelist", "file");
+    if (namesPictures(file)) {
+        options.set("start_number_range", kFirstPictureUpTo);
+        if (!pictureRate.empty())
+            options.set("framerate", pictureRate);
+    }
+    AVFormatContext* opened = nullptr;
+    const int result =
+        avformat_open_input(&opened, ("file:" + file.string()).c_str(), nullptr, options.address());
+    if (result == AVERROR(ENOENT))
+        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
+    if (result < 0)
+        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": " + errorText(result));
+    Input input(opened);
+    if (avformat_find_stream_info(opened, nullptr) < 0)
+        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": no streams found");
+    return input;
+}
+
+int pictureStreamOf(const AVFormatContext& input, const fs::path& file)
+{
+    const int stream =
+        av_find_best_stream(const_cast<AVFormatContext*>(&input), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (stream < 0 || input.streams[stream]->disposition & AV_DISPOSITION_ATTACHED_PIC)
+        throw ToolError(ExitCode::unreadable, "no pictures in " + file.string());
+    return stream;
+}
+
+void readOnly(AVFormatContext& input, int stream)
+{
+    for (unsigned i = 0; i < input.nb_streams; ++i)
+        input.streams[i]->discard = int(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+}
+
+Codec openDecoder(const AVStream& stream, const fs::path& file, void* watcher)
+{
+    const AVCodec* const codec = decoderFor(stream);
+    if (!codec)
+        throw ToolError(ExitCode::unreadable,
+            "no decoder for " + std::string(avcodec_get_name(stream.codecpar->codec_id)) + " in "
+                + file.string());
+    Codec decoder(avcodec_alloc_context3(codec));
+    if (!decoder)
+        throw std::bad_alloc();
+    require(avcodec_parameters_to_context(decoder.get(), stream.codecpar), "decoder parameters");
+    if (hasAlphaBeside(stream) && decoder->pix_fmt == AV_PIX_FMT_YUV420P)
+        decoder->pix_fmt = AV_PIX_FMT_YUVA420P;
+    decoder->opaque = watcher;
+    decoder->pkt_timebase = stream.time_base;
+    decoder->thread_count = 0; // as many as the machine has
+    const int result = avcodec_open2(decoder.get(), codec, nullptr);
+    if (result < 0)
+        throw ToolError(ExitCode::unreadable, "cannot decode " + file.string() + ": " + errorText(result));
+    return decoder;
+}
+
+} // namespace media
