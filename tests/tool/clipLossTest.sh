@@ -62,5 +62,18 @@ same "$(alpha joined%02d.png | sort -u | tr -d ' ')" 255 "a transition that leav
 expect 0 '' "$tool" transition zoom opaque.mkv opaque.mkv through%02d.png --at 0.2 --duration 0.4 --alpha keep
 [ "$(alpha through%02d.png | sort -u | wc -l)" -gt 1 ] || fail "--alpha keep keeps nothing"
 
+# Sound of an unknown codec, made by naming another in the file.
+make -f lavfi -i testsrc2=s=64x48:r=10:d=1 -f lavfi -i sine=d=1 -f lavfi -i sine=f=220:d=1 -map 0 -map 1 -map 2 \
+    -c:v libx264 -pix_fmt yuv420p -c:a aac -metadata:s:a:0 language=fin two.mkv
+LC_ALL=C sed '0,/A_AAC/s//A_XYZ/' two.mkv >unknown.mkv
+for output in out.mp4 out.mkv; do
+    expect 0 'sound (track 2, fin, unknown codec) cannot be decoded and is left out' "$tool" video unknown.mkv $output "${copy[@]}"
+    same "$(of a codec_name $output)" aac "the other track in $output"
+done
+expect 0 'cannot be decoded and is left out' "$tool" transition push unknown.mkv opaque.mkv silent.mp4 --at 0.5 --duration 0.3
+# Channels that the output's encoder does not know are mixed.
+make -i two.mkv -map 0:v -map 0:a:0 -c:v copy -af aformat=channel_layouts=5.1 -c:a flac six.mkv
+expect 0 'encoded anew as mp3' "$tool" video six.mkv six.flv "${copy[@]}"
+
 [ "$failures" -eq 0 ] && echo "nothing is lost in silence"
 exit "$((failures > 0))"

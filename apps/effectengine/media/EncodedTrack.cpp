@@ -36,6 +36,18 @@ const AVCodec& encoderFor(const AVOutputFormat& container, const std::filesystem
     return *codec;
 }
 
+// The channels that the encoder takes, as a filter's option; empty: any.
+std::string layoutsOf(const AVCodec& codec)
+{
+    std::string names;
+    for (const AVChannelLayout* layout = codec.ch_layouts; layout && layout->nb_channels; ++layout) {
+        char name[128];
+        if (av_channel_layout_describe(layout, name, sizeof name) > 0)
+            names += (names.empty() ? "" : "|") + std::string(name);
+    }
+    return names;
+}
+
 } // namespace
 
 AVFilterContext* addFilter(AVFilterGraph& graph, const char* kind, const char* name,
@@ -73,6 +85,8 @@ EncodedTrack::EncodedTrack(
     if (!offers(codec.supported_samplerates, 0, kUsualRate) || codec.id == AV_CODEC_ID_OPUS)
         wanted.push_back({"sample_rates",
             std::to_string(codec.supported_samplerates ? codec.supported_samplerates[0] : kUsualRate)});
+    if (const std::string layouts = layoutsOf(codec); !layouts.empty())
+        wanted.push_back({"channel_layouts", layouts});
     AVFilterContext* const shape = addFilter(*graph_, "aformat", "shape", wanted);
     sink_ = addFilter(*graph_, "abuffersink", "sink", {});
     connect(source, shape);

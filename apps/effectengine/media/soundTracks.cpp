@@ -1,7 +1,7 @@
 // Which sound goes along, and how.
-#include "effectengine/media/openClip.h"
 #include "effectengine/media/CopiedTrack.h"
 #include "effectengine/media/EncodedTrack.h"
+#include "effectengine/media/openClip.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,6 +31,37 @@ AVFilterContext* then(AVFilterContext* from, AVFilterContext* to)
 {
     connect(from, to);
     return to;
+}
+
+// How people know a track: by its number in the file, its language and its codec.
+std::string nameOf(const AVStream& stream)
+{
+    const AVCodecParameters& stored = *stream.codecpar;
+    std::string name = "track " + std::to_string(stream.index + 1);
+    if (const AVDictionaryEntry* const language = av_dict_get(stream.metadata, "language", nullptr, 0))
+        if (std::string_view(language->value) != "und")
+            name += ", " + std::string(language->value);
+    if (stored.codec_id != AV_CODEC_ID_NONE)
+        return name + ", " + avcodec_get_name(stored.codec_id);
+    if (!stored.codec_tag)
+        return name + ", unknown codec";
+    char tag[AV_FOURCC_MAX_STRING_SIZE] = "";
+    return name + ", unknown codec " + av_fourcc_make_string(tag, stored.codec_tag);
+}
+
+// Whether samples can be expected: a decoder, and a stream that says how many a second there are.
+bool isDecodable(const AVStream& stream)
+{
+    const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    const Codec decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
+    return decoder && avcodec_parameters_to_context(decoder.get(), stream.codecpar) >= 0
+        && avcodec_open2(decoder.get(), codec, nullptr) >= 0 && stream.codecpar->sample_rate > 0
+        && stream.codecpar->ch_layout.nb_channels > 0;
+}
+
+void warnOfUndecodable(const fs::path& clip, const AVStream& stream)
+{
+    warn(clip, "sound (" + nameOf(stream) + ") cannot be decoded and is left out");
 }
 
 // One stream of a file as samples; time 0 is the file's start.
@@ -82,6 +113,8 @@ SideTracks tracksOf(
             warn(clip, "subtitles (" + codec + ") have no place in " + outputName.filename().string());
         else if (container.audio_codec == AV_CODEC_ID_NONE)
             warn(clip, "sound (" + codec + ") has no place in " + outputName.filename().string());
+        else if (!isDecodable(*input->streams[i]))
+            warnOfUndecodable(clip, *input->streams[i]);
         else {
             tracks.push_back(encoded(clip, int(i), startOf(*input), span, container, outputName));
             warn(clip,
@@ -96,34 +129,39 @@ SideTracks crossfadedTracks(const fs::path& first, const fs::path& second, doubl
     const AVOutputFormat& container, const fs::path& outputName)
 {
     const Input inputs[] = {openClip(first), openClip(second)};
-    const auto soundOf = [](const Input& input) {
-        return av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    };
+    const fs::path* const files[] = {&first, &second};
+    int sounds[] = {-1, -1};
+    for (int i = 0; i < 2; ++i) {
+        sounds[i] = av_find_best_stream(inputs[i].get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+        if (sounds[i] >= 0 && !isDecodable(*inputs[i]->streams[sounds[i]])) {
+            warnOfUndecodable(*files[i], *inputs[i]->streams[sounds[i]]);
+            sounds[i] = -1;
+        }
+    }
     SideTracks tracks;
-    if (soundOf(inputs[0]) < 0 && soundOf(inputs[1]) < 0)
+    if (sounds[0] < 0 && sounds[1] < 0)
         return tracks;
     if (container.audio_codec == AV_CODEC_ID_NONE) {
         warn(first, "sound has no place in " + outputName.filename().string());
         return tracks;
     }
     const auto build = [&](AVFilterGraph& graph) {
-        const auto part = [&](const fs::path& clip, const Input& input, double atLeast, double atMost) {
-            const int stream = soundOf(input);
-            AVFilterContext* last = stream >= 0
-                ? samplesOf(graph, clip, stream, startOf(*input))
+        const auto part = [&](int i, double atLeast, double atMost) {
+            AVFilterContext* last = sounds[i] >= 0
+                ? samplesOf(graph, *files[i], sounds[i], startOf(*inputs[i]))
                 : addFilter(graph, "anullsrc", nullptr, {{"sample_rate", kMixedRate}});
             last = then(last,
                 addFilter(graph, "aformat", nullptr,
                     {{"sample_rates", kMixedRate}, {"channel_layouts", "stereo"}, {"sample_fmts", "fltp"}}));
-            if (stream >= 0)
+            if (sounds[i] >= 0)
                 last = then(last, addFilter(graph, "apad", nullptr, {{"whole_dur", number(atLeast)}}));
             return then(last, addFilter(graph, "atrim", nullptr, {{"end", number(atMost)}}));
         };
         const double lengthOfSecond = std::max(duration, double(inputs[1]->duration) / AV_TIME_BASE);
         AVFilterContext* const fade =
             addFilter(graph, "acrossfade", nullptr, {{"duration", number(duration)}});
-        connect(part(first, inputs[0], at + duration, at + duration), fade, 0);
-        connect(part(second, inputs[1], duration, lengthOfSecond), fade, 1);
+        connect(part(0, at + duration, at + duration), fade, 0);
+        connect(part(1, duration, lengthOfSecond), fade, 1);
         return fade;
     };
     tracks.push_back(std::make_unique<EncodedTrack>(build, container, outputName));
