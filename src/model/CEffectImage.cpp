@@ -11,25 +11,20 @@ namespace KEXSDK {
 
 CEffectImage::CEffectImage(u32 width, u32 height, u32 flipOnUnlock, u32 bitsPerPixel, void* externalPixels)
     : bitsPerPixel_(bitsPerPixel),
-      flipOnUnlock_(flipOnUnlock)
+      flipOnUnlock_(flipOnUnlock),
+      record_(std::make_unique<_ImageParam>())
 {
-    auto record = std::make_unique<_ImageParam>();
-    record->width = width;
-    record->height = height;
-    record->externalBuffer = externalPixels;
-    record->byteSize = width * height * record->bytesPerPixel;
+    record_->width = width;
+    record_->height = height;
+    record_->externalBuffer = externalPixels;
+    record_->byteSize = width * height * record_->bytesPerPixel;
     if (externalPixels)
-        record->pixels = static_cast<u8*>(externalPixels);
+        record_->pixels = static_cast<u8*>(externalPixels);
     else
-        record->allocatePixels();
-    record_ = record.release();
+        record_->allocatePixels();
 }
 
-CEffectImage::~CEffectImage()
-{
-    if (!borrowsRecord_)
-        delete record_;
-}
+CEffectImage::~CEffectImage() = default;
 
 std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 width, u32 height)
 {
@@ -48,7 +43,7 @@ std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 w
 bool CEffectImage::saveToFile(const char* path)
 {
     TovOgreRenderThread& renderThread = TovOgreRenderThread::getInstance();
-    renderThread.readBack(record_);
+    renderThread.readBack(record_.get());
     reverseRows();
     const bool saved = renderThread.saveImage(path, pixels(), width(), height());
     reverseRows();
@@ -66,14 +61,6 @@ void CEffectImage::forgetTexture()
 {
     record_->gpuOwner = nullptr;
     record_->sharedBuffer.reset();
-}
-
-void CEffectImage::borrowRecord(_ImageParam* record)
-{
-    if (!borrowsRecord_ && record_ != record)
-        delete record_;
-    record_ = record;
-    borrowsRecord_ = 1;
 }
 
 } // namespace KEXSDK

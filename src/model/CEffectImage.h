@@ -43,15 +43,12 @@ public:
     /// Makes the memory all there is of the picture; a texture with the same picture is let go.
     void forgetTexture();
 
-    _ImageParam* record() const { return record_; }
-    /// Replaces the record by one that a GPU effect owns and keeps alive.
-    void borrowRecord(_ImageParam* record);
+    _ImageParam* record() const { return record_.get(); }
 
 private:
     u32 bitsPerPixel_;
     u32 flipOnUnlock_;
-    _ImageParam* record_;
-    u32 borrowsRecord_ = 0;
+    std::unique_ptr<_ImageParam> record_;
 };
 
 } // namespace KEXSDK
