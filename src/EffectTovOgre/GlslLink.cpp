@@ -2,12 +2,16 @@
 #define GL_GLEXT_PROTOTYPES
 #include "EffectTovOgre/GlslLink.h"
 
+#include "EffectTovOgre/GlslKind.h"
+
 #include <GL/gl.h>
 #include <GL/glext.h>
 
 #include <algorithm>
 #include <array>
-#include <map>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -71,95 +75,153 @@ std::string link(GLuint program)
     });
 }
 
-struct Kind {
-    enum class Base { real, integer, doubleReal } base;
-    u32 columns;
-    u32 rows;
-};
-
-/// Samplers, booleans and unsigned numbers are read as integers.
-Kind kindOf(GLenum type)
+/// Whether the context is of this version of OpenGL, times ten, or later.
+bool isAtLeast(GLint version)
 {
-    using enum Kind::Base;
-    static const std::map<GLenum, Kind> kinds{
-        {GL_FLOAT, {real, 1, 1}},
-        {GL_FLOAT_VEC2, {real, 1, 2}},
-        {GL_FLOAT_VEC3, {real, 1, 3}},
-        {GL_FLOAT_VEC4, {real, 1, 4}},
-        {GL_FLOAT_MAT2, {real, 2, 2}},
-        {GL_FLOAT_MAT2x3, {real, 2, 3}},
-        {GL_FLOAT_MAT2x4, {real, 2, 4}},
-        {GL_FLOAT_MAT3x2, {real, 3, 2}},
-        {GL_FLOAT_MAT3, {real, 3, 3}},
-        {GL_FLOAT_MAT3x4, {real, 3, 4}},
-        {GL_FLOAT_MAT4x2, {real, 4, 2}},
-        {GL_FLOAT_MAT4x3, {real, 4, 3}},
-        {GL_FLOAT_MAT4, {real, 4, 4}},
-        {GL_DOUBLE, {doubleReal, 1, 1}},
-        {GL_DOUBLE_VEC2, {doubleReal, 1, 2}},
-        {GL_DOUBLE_VEC3, {doubleReal, 1, 3}},
-        {GL_DOUBLE_VEC4, {doubleReal, 1, 4}},
-        {GL_DOUBLE_MAT2, {doubleReal, 2, 2}},
-        {GL_DOUBLE_MAT3, {doubleReal, 3, 3}},
-        {GL_DOUBLE_MAT4, {doubleReal, 4, 4}},
-        {GL_INT_VEC2, {integer, 1, 2}},
-        {GL_INT_VEC3, {integer, 1, 3}},
-        {GL_INT_VEC4, {integer, 1, 4}},
-        {GL_UNSIGNED_INT_VEC2, {integer, 1, 2}},
-        {GL_UNSIGNED_INT_VEC3, {integer, 1, 3}},
-        {GL_UNSIGNED_INT_VEC4, {integer, 1, 4}},
-        {GL_BOOL_VEC2, {integer, 1, 2}},
-        {GL_BOOL_VEC3, {integer, 1, 3}},
-        {GL_BOOL_VEC4, {integer, 1, 4}},
-    };
-    const auto kind = kinds.find(type);
-    return kind == kinds.end() ? Kind{integer, 1, 1} : kind->second;
+    GLint major = 0;
+    GLint minor = 0;
+    glGetIntegerv(GL_MAJOR_VERSION, &major);
+    glGetIntegerv(GL_MINOR_VERSION, &minor);
+    return major * 10 + minor >= version;
 }
 
-/// Row by row, as OGRE keeps matrices.
-template <class T, class Read>
-std::vector<T> valuesOf(GLuint program, const GlslLink::Uniform& uniform, Kind kind, Read read)
+/// Initial values of all elements, packed, matrices row by row.
+std::vector<u8> valuesOf(GLuint program, const ShaderParameter& uniform, const GlslKind& kind)
 {
-    constexpr std::size_t kMost = 16;
-    std::vector<T> values;
-    for (u32 i = 0; i < uniform.size; ++i) {
+    std::vector<u8> values;
+    const std::size_t size = uniform.bytesPerElement / uniform.valuesPerElement;
+    for (u32 i = 0; i < uniform.arraySize; ++i) {
         const std::string element = i == 0 ? uniform.name : uniform.name + "[" + std::to_string(i) + "]";
-        std::array<T, kMost> columns{};
+        alignas(double) std::array<u8, 16 * sizeof(double)> columns{};
         if (const GLint location = glGetUniformLocation(program, element.c_str()); location >= 0)
-            read(program, location, columns.data());
+            kind.read(program, location, columns.data());
         for (u32 row = 0; row < kind.rows; ++row)
-            for (u32 column = 0; column < kind.columns; ++column)
-                values.push_back(columns[column * kind.rows + row]);
+            for (u32 column = 0; column < kind.columns; ++column) {
+                const u8* const value = columns.data() + (column * kind.rows + row) * size;
+                values.insert(values.end(), value, value + size);
+            }
     }
     return values;
 }
 
-std::vector<GlslLink::Uniform> uniformsOf(GLuint program)
+/// Which programs read the uniform; a driver that cannot tell is taken to mean both.
+void findUsers(GLuint program, GLint index, GlslUniform& uniform)
+{
+    uniform.inVertex = uniform.inFragment = true;
+    if (!isAtLeast(43))
+        return;
+    const GLenum questions[] = {GL_REFERENCED_BY_VERTEX_SHADER, GL_REFERENCED_BY_FRAGMENT_SHADER};
+    GLint answers[] = {1, 1};
+    glGetProgramResourceiv(program, GL_UNIFORM, GLuint(index), 2, questions, 2, nullptr, answers);
+    uniform.inVertex = answers[0] != 0;
+    uniform.inFragment = answers[1] != 0;
+}
+
+/// Blocks and subroutines take their values by ways of their own.
+std::string unusableParts(GLuint program)
+{
+    GLint count = 0;
+    glGetProgramiv(program, GL_ACTIVE_UNIFORM_BLOCKS, &count);
+    if (count > 0)
+        return "The program has a uniform block; only plain uniforms can be set.";
+    if (!isAtLeast(43))
+        return {};
+    glGetProgramInterfaceiv(program, GL_SHADER_STORAGE_BLOCK, GL_ACTIVE_RESOURCES, &count);
+    if (count > 0)
+        return "The program has a storage block; only plain uniforms can be set.";
+    for (const GLenum stage : {GL_VERTEX_SHADER, GL_FRAGMENT_SHADER}) {
+        glGetProgramStageiv(program, stage, GL_ACTIVE_SUBROUTINE_UNIFORMS, &count);
+        if (count > 0)
+            return "The program has a subroutine uniform; only plain uniforms can be set.";
+    }
+    return {};
+}
+
+/// Units are shared with the inputs from the first one on; a sampler that shows none is kept out of their
+/// way.
+void separate(GlslUniform& sampler)
+{
+    GLint units = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_IMAGE_UNITS, &units);
+    const std::vector<i32> last(sampler.value.arraySize, std::max(units, 1) - 1);
+    sampler.value.set(std::span(last));
+}
+
+/// Fills in the uniforms, or the message that one of them cannot be set.
+void describeUniforms(GLuint program, GlslLink& result)
 {
     GLint count = 0;
     GLint longest = 0;
     glGetProgramiv(program, GL_ACTIVE_UNIFORMS, &count);
     glGetProgramiv(program, GL_ACTIVE_UNIFORM_MAX_LENGTH, &longest);
-    std::vector<GlslLink::Uniform> uniforms;
     std::string name(std::size_t(std::max(longest, 1)), '\0');
     for (GLint i = 0; i < count; ++i) {
         GLint size = 0;
         GLenum type = 0;
         GLsizei length = 0;
         glGetActiveUniform(program, GLuint(i), longest, &length, &size, &type, name.data());
-        GlslLink::Uniform uniform{name.substr(0, std::size_t(length)), u32(size), {}};
-        if (uniform.name.ends_with("[0]"))
-            uniform.name.erase(uniform.name.size() - 3);
-        const Kind kind = kindOf(type);
-        if (kind.base == Kind::Base::real)
-            uniform.values = valuesOf<float>(program, uniform, kind, glGetUniformfv);
-        else if (kind.base == Kind::Base::doubleReal)
-            uniform.values = valuesOf<double>(program, uniform, kind, glGetUniformdv);
-        else
-            uniform.values = valuesOf<i32>(program, uniform, kind, glGetUniformiv);
-        uniforms.push_back(std::move(uniform));
+        GlslUniform uniform;
+        uniform.type = type;
+        uniform.value.name = name.substr(0, std::size_t(length));
+        if (uniform.value.name.starts_with("gl_")) // the state of OpenGL itself
+            continue;
+        const GlslKind* const kind = GlslKind::of(type);
+        if (!kind || glGetUniformLocation(program, uniform.value.name.c_str()) < 0) {
+            result.message = "The uniform " + uniform.value.name
+                + " cannot be set: it is no number, vector, matrix, sampler2D or sampler3D.";
+            return;
+        }
+        if (uniform.value.name.ends_with("[0]"))
+            uniform.value.name.erase(uniform.value.name.size() - 3);
+        uniform.value.arraySize = u32(size);
+        uniform.value.baseType = kind->base;
+        uniform.value.valuesPerElement = kind->columns * kind->rows;
+        uniform.value.bytesPerElement =
+            uniform.value.valuesPerElement * u32(kind->base == ShaderParameter::doubleReal ? 8 : 4);
+        uniform.value.data = valuesOf(program, uniform.value, *kind);
+        if (type == GL_SAMPLER_3D)
+            separate(uniform);
+        findUsers(program, i, uniform);
+        result.uniforms.push_back(std::move(uniform));
     }
-    return uniforms;
+    std::ranges::sort(
+        result.uniforms, [](const auto& a, const auto& b) { return a.value.name < b.value.name; });
+}
+
+/// While it lives, a program is the current one; the rendering library believes that it never changes.
+class CurrentProgram {
+public:
+    explicit CurrentProgram(GLuint program)
+    {
+        glGetIntegerv(GL_CURRENT_PROGRAM, &before_);
+        glUseProgram(program);
+    }
+    CurrentProgram(const CurrentProgram&) = delete;
+    CurrentProgram& operator=(const CurrentProgram&) = delete;
+    ~CurrentProgram() { glUseProgram(GLuint(before_)); }
+
+private:
+    GLint before_ = 0;
+};
+
+/// OpenGL draws nothing, and says nothing, when a unit is to be read in two ways.
+void checkUnits(std::span<const GlslUniform> uniforms)
+{
+    std::array<u32, 256> types{}; // by unit; those beyond exist on no driver
+    for (const GlslUniform& uniform : uniforms) {
+        if (!GlslKind::isSampler(uniform.type))
+            continue;
+        for (u32 i = 0; i < uniform.value.arraySize; ++i) {
+            u32 unit = 0;
+            std::memcpy(&unit, uniform.value.data.data() + i * sizeof unit, sizeof unit);
+            if (unit >= types.size())
+                continue;
+            const u32 other = std::exchange(types[unit], uniform.type);
+            if (other != 0 && other != uniform.type)
+                throw std::runtime_error(
+                    "The sampler " + uniform.value.name + " shows the texture unit of another type's.");
+        }
+    }
 }
 
 } // namespace
@@ -179,6 +241,27 @@ GlslLink GlslLink::of(const std::string& vertexSource, const std::string& fragme
     if (result.message.empty())
         result.message = link(program);
     if (result.message.empty())
-        result.uniforms = uniformsOf(program);
+        result.message = unusableParts(program);
+    if (result.message.empty())
+        describeUniforms(program, result);
     return result;
+}
+
+void GlslLink::drawWith(u32 linkedProgram)
+{
+    program = linkedProgram;
+    for (GlslUniform& uniform : uniforms)
+        uniform.location = glGetUniformLocation(program, uniform.value.name.c_str());
+}
+
+void GlslLink::send(std::span<const GlslUniform> values) const
+{
+    if (values.empty())
+        return;
+    checkUnits(values);
+    const CurrentProgram current(program);
+    for (const GlslUniform& uniform : values)
+        if (uniform.location >= 0)
+            GlslKind::of(uniform.type)
+                ->send(uniform.location, GLsizei(uniform.value.arraySize), uniform.value.data.data());
 }

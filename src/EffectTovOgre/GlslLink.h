@@ -1,26 +1,41 @@
-// A trial link of a pair of programs: what the driver says about them.
+// A trial link of a pair of programs, and the way from values to the uniforms of a program in use.
 #pragma once
 
+#include "EffectTovOgre/ShaderParameter.h"
 #include "core/Types.h"
 
+#include <span>
 #include <string>
-#include <variant>
 #include <vector>
 
-/// The rendering library draws black with programs that do not compile, forgets the values that GLSL gives
-/// its uniforms, and takes the length of an array from the text where the driver counts the elements in use.
-/// Linking the pair once more beside it answers all three.
+/// A uniform in use, as the driver names and counts it.
+struct GlslUniform {
+    /// Its shape, and its present values; first those that the program gives it. A name has no "[0]" at its
+    /// end. Matrices go row by row, numbers of unsigned types as their bits.
+    ShaderParameter value;
+    u32 type = 0;      ///< OpenGL's number
+    i32 location = -1; ///< in the program that is drawn with
+    bool inVertex = false;
+    bool inFragment = false;
+};
+
+/// What the driver says about a pair of programs. It is asked about everything: GLSL declares a uniform in so
+/// many ways that reading the text for them would take a compiler.
 struct GlslLink {
-    struct Uniform {
-        std::string name; ///< without the "[0]" of arrays
-        u32 size = 1;     ///< elements in use
-        /// Initial values of all elements, packed; matrices row by row.
-        std::variant<std::vector<float>, std::vector<i32>, std::vector<double>> values;
-    };
+    /// The driver's, or what the program asks for that no picture has; empty when the pair can be used.
+    std::string message;
+    std::vector<GlslUniform> uniforms; ///< by name
+    u32 program = 0;                   ///< the one that is drawn with; 0 until drawWith
 
-    std::string message; ///< the driver's; empty when the pair can be used
-    std::vector<Uniform> uniforms;
+    // All of these need a current OpenGL context.
 
-    /// Needs a current OpenGL context.
+    /// Compiles and links the two, and lets the result go again.
     static GlslLink of(const std::string& vertexSource, const std::string& fragmentSource);
+
+    /// Names the program, linked from the same two sources, that values are sent to from now on.
+    void drawWith(u32 linkedProgram);
+
+    /// Writes the values into the program. Throws std::runtime_error when two samplers of different types
+    /// show one texture unit: nothing is drawn then.
+    void send(std::span<const GlslUniform> values) const;
 };

@@ -1,17 +1,16 @@
-// Digests of source texts, and the way from a shader's name to its file.
+// Digests of source texts, and their includes.
 #include "EffectTovOgre/GlslText.h"
 
+#include "EffectTovOgre/ResourceFiles.h"
 #include "core/Types.h"
 
-#include <OgreArchive.h>
-#include <OgreException.h>
-#include <OgreResourceGroupManager.h>
 #include <nettle/md5.h>
 
+#include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
 
 namespace glslText {
 
@@ -32,6 +31,112 @@ std::string digestOf(const std::string& text)
     return hexadecimal;
 }
 
+constexpr std::string_view kBlanks = " \t\v\f\r";
+
+std::string_view withoutBlanks(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text;
+}
+
+/// The file that a directive behind its "#" includes; empty for another directive.
+std::string_view includedBy(std::string_view directive)
+{
+    constexpr std::string_view kWord = "include";
+    directive = withoutBlanks(directive);
+    if (!directive.starts_with(kWord))
+        return {};
+    directive = withoutBlanks(directive.substr(kWord.size()));
+    if (directive.empty() || (directive[0] != '"' && directive[0] != '<'))
+        return {};
+    const std::size_t end = directive.find(directive[0] == '<' ? '>' : '"', 1);
+    return end == std::string_view::npos ? std::string_view{} : directive.substr(1, end - 1);
+}
+
+/// Copies texts, and files in the places of the directives that include them. Comments are told from code,
+/// nothing else is: what is left out by "#if" is included all the same.
+class Includes {
+public:
+    void add(std::string_view text)
+    {
+        const std::size_t number = files_++;
+        std::size_t line = 1;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::string_view rest = text.substr(at);
+            std::size_t length = 1;
+            if (rest.starts_with("/*")) {
+                length = std::min(rest.find("*/", 2), rest.size() - 2) + 2;
+            } else if (rest.starts_with("//")) {
+                length = endOfLine(rest);
+                lineHasCode_ = true;
+            } else if (rest[0] == '#' && !lineHasCode_) {
+                const auto name = includedBy(rest.substr(1, endOfLine(rest) - 1));
+                lineHasCode_ = true;
+                if (!name.empty()) {
+                    include(std::string(name));
+                    append("\n#line " + std::to_string(line) + " " + std::to_string(number) + " ");
+                    at = std::size_t(name.data() + name.size() + 1 - text.data());
+                    continue;
+                }
+            } else if (kBlanks.find(rest[0]) == std::string_view::npos) {
+                lineHasCode_ = rest[0] != '\n';
+            }
+            append(rest.substr(0, length));
+            line += std::size_t(std::ranges::count(rest.substr(0, length), '\n'));
+            at += length;
+        }
+    }
+
+    void addFile(const std::string& name)
+    {
+        if (std::ranges::find(open_, name) != open_.end())
+            throw std::runtime_error("The file " + name + " includes itself.");
+        if (files_ == kMostFiles)
+            throw std::runtime_error(
+                "A program includes more than " + std::to_string(kMostFiles) + " files.");
+        open_.push_back(name);
+        add(resourceFiles::readText(name));
+        open_.pop_back();
+    }
+
+    const std::string& text() const { return text_; }
+
+private:
+    /// Length of a line that a backslash at its end goes on with.
+    static std::size_t endOfLine(std::string_view text)
+    {
+        std::size_t end = text.find('\n');
+        while (end != std::string_view::npos && end > 0
+            && (text[end - 1] == '\\' || (end > 1 && text[end - 1] == '\r' && text[end - 2] == '\\')))
+            end = text.find('\n', end + 1);
+        return std::min(end, text.size());
+    }
+
+    void include(const std::string& name)
+    {
+        // In front of everything there may be a "#version", which has to come first.
+        if (text_.find_first_not_of(" \t\r\n") != std::string::npos)
+            append("#line 0 " + std::to_string(files_) + "\n");
+        lineHasCode_ = false;
+        addFile(name);
+        lineHasCode_ = true;
+    }
+
+    void append(std::string_view part)
+    {
+        if (text_.size() + part.size() > resourceFiles::kLongestText)
+            throw std::runtime_error("A program with its includes is too long.");
+        text_ += part;
+    }
+
+    static constexpr std::size_t kMostFiles = 1000;
+
+    std::string text_;
+    std::vector<std::string> open_; ///< files, each including the next
+    std::size_t files_ = 0;         ///< for the line numbers in the driver's messages
+    bool lineHasCode_ = false;
+};
+
 } // namespace
 
 std::string programName(const std::string& text, bool isFragment, bool isSourceText)
@@ -40,23 +145,14 @@ std::string programName(const std::string& text, bool isFragment, bool isSourceT
     return base + (isFragment ? "_FRAG_GLSL" : "_VERT_GLSL");
 }
 
-std::string readFile(const std::string& name)
+std::string complete(const std::string& text, bool isSourceText)
 {
-    auto& groups = Ogre::ResourceGroupManager::getSingleton();
-    if (groups.resourceExists(Ogre::RGN_DEFAULT, name))
-        return groups.openResource(name, Ogre::RGN_DEFAULT)->getAsString();
-    // OGRE's index of a location holds no folders, but the location itself finds what lies in them.
-    for (const auto& location : groups.getResourceLocationList(Ogre::RGN_DEFAULT))
-        if (location.archive->exists(name))
-            return location.archive->open(name)->getAsString();
-    std::error_code error;
-    if (std::filesystem::is_regular_file(name, error))
-        if (std::ifstream file(name, std::ios::binary); file) {
-            std::ostringstream text;
-            text << file.rdbuf();
-            return text.str();
-        }
-    OGRE_EXCEPT(Ogre::Exception::ERR_FILE_NOT_FOUND, "Cannot find the file " + name, "glslText::readFile");
+    Includes includes;
+    if (isSourceText)
+        includes.add(text);
+    else
+        includes.addFile(text);
+    return includes.text();
 }
 
 } // namespace glslText

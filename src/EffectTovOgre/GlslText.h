@@ -1,4 +1,4 @@
-// Names and files of GLSL programs.
+// Names of GLSL programs, and their texts.
 #pragma once
 
 #include <string>
@@ -9,8 +9,9 @@ namespace glslText {
 /// kind.
 std::string programName(const std::string& text, bool isFragment, bool isSourceText);
 
-/// The text of a file in the resource locations; its name may carry folders. A path of its own is read as
-/// well. Throws Ogre::FileNotFoundException.
-std::string readFile(const std::string& name);
+/// The text of a file in the resource locations, or a text itself, with the files that it includes in place.
+/// Throws std::exception when a file cannot be had, includes itself, or all becomes too long; the exception's
+/// text is one sentence for the log.
+std::string complete(const std::string& text, bool isSourceText);
 
 } // namespace glslText

@@ -58,6 +58,8 @@ public:
 
     /// Decodes the file into the shared image; a file that cannot be read leaves it empty and is logged.
     virtual void loadImage(const std::string& path) = 0;
+    /// The same with a file of the resource locations, which the effects' pictures are; no other is read.
+    virtual void loadResource(const std::string& name) { loadImage(name); }
     virtual SharedImage& sharedImage() = 0;
 
     /// Writes rows, top row first, as the kind of picture that the path's extension names.

@@ -16,3 +16,15 @@ public:
 private:
     pixels::RandomGenerator generator_;
 };
+
+/// While it lives, OGRE's random numbers are those of a sequence.
+class RandomNumbersOf {
+public:
+    explicit RandomNumbersOf(MyRandomValueProvider& sequence)
+    {
+        Ogre::Math::SetRandomValueProvider(&sequence);
+    }
+    RandomNumbersOf(const RandomNumbersOf&) = delete;
+    RandomNumbersOf& operator=(const RandomNumbersOf&) = delete;
+    ~RandomNumbersOf() { Ogre::Math::SetRandomValueProvider(nullptr); }
+};

@@ -2,11 +2,11 @@
 #include "EffectTovOgre/GraphicsSystem.h"
 #include "EffectTovOgre/PictureCodecs.h"
 #include "EffectTovOgre/PixelFormats.h"
+#include "EffectTovOgre/ResourceFiles.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "core/DynClass.h"
 
 #include <OgreImage.h>
-#include <OgreResourceGroupManager.h>
 
 #include <cstring>
 #include <filesystem>
@@ -50,14 +50,20 @@ private:
     Ogre::Image image_;
 };
 
-/// The file at that path, or the resource of that name; null when neither can be read.
+/// The resource of that name; null when there is none.
+std::unique_ptr<std::istream> openResource(const std::string& name)
+{
+    if (!resourceFiles::exists(name))
+        return nullptr;
+    return std::make_unique<std::istringstream>(resourceFiles::open(name)->getAsString());
+}
+
+/// The resource of that name, or the file at that path; null when neither can be read.
 std::unique_ptr<std::istream> openPicture(const std::string& path)
 {
     // An effect's picture is the pack's, whatever lies in the directory that the host runs in.
-    auto& groups = Ogre::ResourceGroupManager::getSingleton();
-    if (groups.resourceExists(Ogre::RGN_DEFAULT, path))
-        return std::make_unique<std::istringstream>(
-            groups.openResource(path, Ogre::RGN_DEFAULT)->getAsString());
+    if (auto resource = openResource(path))
+        return resource;
     // Only regular files: opening a pipe, or reading a device, could take for ever.
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error))
@@ -80,25 +86,9 @@ public:
 
     TovEffectBase* createEffect(const char* className) override { return DYN_CLASS::create(className); }
 
-    void loadImage(const std::string& path) override
-    {
-        image_.freeMemory();
-        pictures::Decoded picture;
-        try {
-            if (const auto file = openPicture(path))
-                picture = pictures::decode(*file);
-            if (picture.outcome == pictures::Decoded::Outcome::picture)
-                image_.assign(picture);
-        } catch (const std::exception&) { // out of memory, or a resource that went away
-            image_.freeMemory();
-            picture.outcome = pictures::Decoded::Outcome::unreadable;
-        }
-        if (picture.outcome == pictures::Decoded::Outcome::tooLarge)
-            log("The picture " + path + " is too large: " + std::to_string(picture.width) + " x "
-                + std::to_string(picture.height) + " pixels.");
-        else if (picture.outcome == pictures::Decoded::Outcome::unreadable)
-            log("The resouce: " + path + "not be add to resource group or path is not right!");
-    }
+    void loadImage(const std::string& path) override { load(path, openPicture); }
+
+    void loadResource(const std::string& name) override { load(name, openResource); }
 
     SharedImage& sharedImage() override { return image_; }
 
@@ -118,6 +108,26 @@ public:
     void log(std::string_view message) override { TovOgreBase::log(std::string(message)); }
 
 private:
+    template <class Open> void load(const std::string& path, Open open)
+    {
+        image_.freeMemory();
+        pictures::Decoded picture;
+        try {
+            if (const auto file = open(path))
+                picture = pictures::decode(*file);
+            if (picture.outcome == pictures::Decoded::Outcome::picture)
+                image_.assign(picture);
+        } catch (const std::exception&) { // out of memory, or a resource that went away
+            image_.freeMemory();
+            picture.outcome = pictures::Decoded::Outcome::unreadable;
+        }
+        if (picture.outcome == pictures::Decoded::Outcome::tooLarge)
+            log("The picture " + path + " is too large: " + std::to_string(picture.width) + " x "
+                + std::to_string(picture.height) + " pixels.");
+        else if (picture.outcome == pictures::Decoded::Outcome::unreadable)
+            log("The resouce: " + path + "not be add to resource group or path is not right!");
+    }
+
     std::unique_ptr<TovOgreBase> environment_;
     OgreSharedImage image_; // after the environment: an image goes before OGRE does
 };

@@ -1,6 +1,7 @@
 // The render thread's side: starts the graphics system and carries out requests, one after the other.
 #include "EffectTovOgre/RenderThreadState.h"
 #include "EffectTovOgre/TovEffectBase.h"
+#include "EffectTovOgre/TovOgreBase.h"
 
 #include <algorithm>
 #include <exception>
@@ -93,7 +94,10 @@ private:
         case kLoadImage:
             slot.loadedImage = &system_.sharedImage();
             slot.loadedImage->freeMemory();
-            system_.loadImage(slot.filePath);
+            if (slot.resourceOnly)
+                system_.loadResource(slot.filePath);
+            else
+                system_.loadImage(slot.filePath);
             break;
         case kSaveImage:
             slot.saved =
@@ -118,6 +122,12 @@ private:
             deleteAllEffects();
             break;
         }
+    }
+
+    static void endScene(TovEffectBase& effect)
+    {
+        if (auto* const scene = dynamic_cast<LiveEffect*>(&effect))
+            scene->destroyScene();
     }
 
     /// The list's entry of an effect, or null. Effects are known by their address: one that outlived the
@@ -155,7 +165,7 @@ private:
         Entry* const entry = find(effect);
         if (!entry)
             return;
-        entry->effect->destroyScene(); // whoever shares the object may let it go on another thread
+        endScene(*entry->effect); // whoever shares the object may let it go on another thread
         effects_.erase(effects_.begin() + (entry - effects_.data()));
     }
 
@@ -165,7 +175,7 @@ private:
             return;
         logSafely(system_, "Delete all effect!");
         for (Entry& entry : effects_) { // a vector's own order of destruction is not promised
-            entry.effect->destroyScene();
+            endScene(*entry.effect);
             entry.effect.reset();
         }
         effects_.clear();

@@ -41,6 +41,7 @@ struct Slot {
     u8* outputBuffer = nullptr;
     u32 channels = kChannels;
     const char* filePath = nullptr;
+    bool resourceOnly = false; ///< the picture is to be found in the resource locations
     const u8* pixels = nullptr;
     u32 width = 0;
     u32 height = 0;

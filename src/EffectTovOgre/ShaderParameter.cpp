@@ -40,3 +40,5 @@ template <class From> void storeAs(u32 baseType, std::span<const From> values, s
 void ShaderParameter::set(std::span<const i32> values) { storeAs(baseType, values, data); }
 
 void ShaderParameter::set(std::span<const float> values) { storeAs(baseType, values, data); }
+
+void ShaderParameter::set(std::span<const double> values) { storeAs(baseType, values, data); }

@@ -27,6 +27,7 @@ struct ShaderParameter {
     /// saturating). Numbers beyond the capacity are left out; what is not covered keeps its value.
     void set(std::span<const i32> values);
     void set(std::span<const float> values);
+    void set(std::span<const double> values);
 };
 
 using ShaderParameters = std::vector<ShaderParameter>;

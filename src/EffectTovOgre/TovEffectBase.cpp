@@ -3,6 +3,7 @@
 
 #include "EffectTovOgre/PixelFormats.h"
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "model/CEffectBaseParam.h"
 
 #include <OgreTexture.h>
 
@@ -28,7 +29,7 @@ bool TovEffectBase::loadPicture(const char* path, i32 index)
         return false;
     }
     {
-        const auto picture = TovOgreRenderThread::getInstance().loadImage(path);
+        const auto picture = TovOgreRenderThread::getInstance().loadResource(path);
         if (picture && picture->hasData()) {
             const auto bytes = picture->bytes();
             std::vector<u8>& kept = loadedPictures_[index];
@@ -87,7 +88,16 @@ void TovEffectBase::setInputData(
     inputs_[index] = std::move(input);
 }
 
-void TovEffectBase::removeInput(i32 index) { inputs_.erase(index); }
+void TovEffectBase::removeInput(i32 index)
+{
+    if (inputs_.erase(index) > 0)
+        removedInputs_.insert(index);
+}
+
+KEXSDK::CEffectBaseParam* TovEffectBase::particleParameters()
+{
+    return dynamic_cast<KEXSDK::CEffectBaseParam*>(this);
+}
 
 void TovEffectBase::setFlipVertical(bool flip) { flip_ = flip; }
 

@@ -7,12 +7,24 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace KEXSDK {
 class CEffectBaseParam;
 }
+namespace Ogre {
+class ColourValue;
+class Matrix4;
+template <int dims, typename T> class Vector;
+using Vector2 = Vector<2, float>;
+using Vector3 = Vector<3, float>;
+using Vector4 = Vector<4, float>;
+} // namespace Ogre
+
+/// How a frame comes into memory: straight, or through a buffer of OpenGL's.
+enum class ReadBackMode : u32 { direct = 1, packBuffer = 2 };
 
 /// Where the picture plane stands; neutral as constructed.
 struct PictureTransform {
@@ -49,9 +61,8 @@ public:
     // Inputs. Pixels are 4 bytes each, rows packed, and stay the caller's: they are read by every render
     // until the input is set again or removed.
 
-    /// Decodes a picture file (a path, or a name within the resource locations) into an input that the effect
-    /// keeps; its top row comes first. @return false, with a line in the rendering library's log, when that
-    /// is not possible
+    /// Decodes a picture file of the resource locations into an input that the effect keeps; its top row
+    /// comes first. @return false, with a line in the rendering library's log, when that is not possible
     virtual bool loadPicture(const char* path, i32 index);
     /// Takes the record's texture if it has one, which spares the way through memory, else its pixels.
     virtual void setInput(const KEXSDK::_ImageParam* record, i32 index);
@@ -60,9 +71,6 @@ public:
         KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8);
     virtual void setInputData(
         const u8* pixels, u32 width, u32 height, u32 depth, i32 index, KEXSDK::RecordFormat format);
-    /// For an input whose pixels are about to go away.
-    void removeInput(i32 index);
-
     /// Reverses the rows of every frame read back.
     virtual void setFlipVertical(bool flip);
 
@@ -78,42 +86,60 @@ public:
     /// Number that no other living effect has.
     virtual u32 getId();
 
-    /// Takes the scene out of the graphics system: nothing is drawn any more, and the object itself may go on
-    /// any thread. Render thread only; a second call does nothing.
-    virtual void destroyScene() { }
-
     /// Moves the scene's time on. @return the index before
     virtual u32 setFrameIndex(u32 index);
     /// 25 frames per second at first; anything but a positive number is ignored.
     virtual void setFrameRate(float framesPerSecond);
 
+    /// Replaces the effect's own record.
+    virtual void createOutputRecord(u32 width, u32 height);
+    /// Puts the effect's own record into an empty slot; another record there takes its picture's facts.
+    virtual void copyOutput(KEXSDK::_ImageParam** slot);
+    /// Swaps the rows top to bottom.
+    virtual void flipVertical(u8* pixels, u32 width, u32 height);
+
+    virtual void setReadBackMode(ReadBackMode mode) = 0;
+
+    /// Hides everything but the picture plane.
+    virtual void setPictureOnly(bool pictureOnly) = 0;
+
     // Programs. Each is made once, by the first render or getShaderParameters.
 
-    /// @param text  GLSL, or the name of a file of it; null for the default program, which shows input 0
+    /// @param text  GLSL, or the name of a file of it in the resource locations; null for the default
+    /// program,
+    ///              which shows input 0
     virtual void setShaderSource(const char* text, bool isFragment, bool isSourceText) = 0;
 
     // Values of uniforms by name. A value is converted to the type that the program declares; a name that it
     // lacks is skipped. Arrays stay the caller's and are read by every render.
-    virtual void setIntParam(u32 programType, const char* name, i32 value) = 0;
-    virtual void setFloatParam(u32 programType, const char* name, float value) = 0;
+
+    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value) = 0;
     /// @param count, multiple  elements, and values per element
     virtual void setIntArrayParam(
         u32 programType, const char* name, const i32* values, u32 count, u32 multiple) = 0;
-    virtual void setFloatArrayParam(
-        u32 programType, const char* name, const float* values, u32 count, u32 multiple) = 0;
     virtual void setDoubleArrayParam(
         u32 programType, const char* name, const double* values, u32 count, u32 multiple) = 0;
+    virtual void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple) = 0;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count) = 0;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value) = 0;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value) = 0;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value) = 0;
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value) = 0;
+    virtual void setFloatParam(u32 programType, const char* name, float value) = 0;
+    virtual void setIntParam(u32 programType, const char* name, i32 value) = 0;
 
-    /// Hides everything but the picture plane.
-    virtual void setPictureOnly(bool pictureOnly) = 0;
+    /// For an input whose pixels are about to go away. The effect goes on showing the picture that it has: a
+    /// texture that someone else draws is copied with the next frame.
+    void removeInput(i32 index);
 
     PictureTransform transform;
 
     /// Name of the particle template drawn in front of the picture; empty for none. Set before the first
     /// render.
     std::string particleTemplate;
-    /// Where particle attributes are set by name; null for an effect without particles.
-    virtual KEXSDK::CEffectBaseParam* particleParameters() { return nullptr; }
+    /// Where particle attributes are set by name; null for a class of effects that has no particles.
+    KEXSDK::CEffectBaseParam* particleParameters();
 
     /// True when the latest render drew its frame.
     bool drewFrame() const { return drewFrame_; }
@@ -133,14 +159,8 @@ protected:
         bool constant = false; ///< pixels of the effect's own that need one upload only
     };
 
-    /// Replaces the effect's own record.
-    virtual void createOutputRecord(u32 width, u32 height);
-    /// Puts the effect's own record into an empty slot; another record there takes its picture's facts.
-    virtual void copyOutput(KEXSDK::_ImageParam** slot);
-    /// Swaps the rows top to bottom.
-    virtual void flipVertical(u8* pixels, u32 width, u32 height);
-
     std::map<i32, Input> inputs_;
+    std::set<i32> removedInputs_; ///< whose pictures wait to be kept
     u32 width_ = 800;
     u32 height_ = 600;
     bool sizeChanged_ = true;

@@ -2,6 +2,7 @@
 #include "EffectTovOgre/TovOgreBase.h"
 
 #include "EffectTovOgre/OgrePlugins.h"
+#include "EffectTovOgre/ResourceFiles.h"
 #include "particles/RangedEmitter.h"
 
 #include <GL/gl.h>
@@ -82,6 +83,7 @@ TovOgreBase::~TovOgreBase()
     }
     pictureCodecs_.reset();
     root_.reset();
+    resourceGuard_.reset();
     logManager_.reset();
     singleton = nullptr;
 }
@@ -221,6 +223,22 @@ void TovOgreBase::chooseSceneManager()
 void TovOgreBase::addLiveEffect(LiveEffect* effect) { liveEffects_[effect] = true; }
 
 void TovOgreBase::removeLiveEffect(LiveEffect* effect) { liveEffects_.erase(effect); }
+
+void TovOgreBase::announceEnd(const std::shared_ptr<Ogre::Texture>& texture)
+{
+    for (const auto& [effect, alive] : liveEffects_)
+        try {
+            effect->textureEnds(texture);
+        } catch (const std::exception& error) { // it shows nothing then; the scene that ends goes on ending
+            log(error.what());
+        }
+}
+
+void TovOgreBase::createResourceListener()
+{
+    resourceGuard_ = std::make_unique<resourceFiles::Guard>();
+    Ogre::ResourceGroupManager::getSingleton().setLoadingListener(resourceGuard_.get());
+}
 
 void TovOgreBase::log(const std::string& message)
 {

@@ -17,7 +17,12 @@ class RenderSystem;
 class RenderWindow;
 class Root;
 class SceneManager;
+class Texture;
 } // namespace Ogre
+
+namespace resourceFiles {
+class Guard;
+}
 
 /// A scene within the environment's scene manager.
 class LiveEffect {
@@ -25,6 +30,8 @@ public:
     /// Takes everything of the scene out of OGRE. The environment calls it for the effects that are left when
     /// it ends; nothing of OGRE may be touched afterwards.
     virtual void destroyScene() = 0;
+    /// The texture of another scene loses its picture after this: who shows it takes a copy.
+    virtual void textureEnds(const std::shared_ptr<Ogre::Texture>& texture) = 0;
 
 protected:
     ~LiveEffect() = default;
@@ -48,8 +55,8 @@ public:
     virtual bool configure();
     /// Makes the one scene manager, "OgreSceneManager".
     virtual void chooseSceneManager();
-    /// For environments that want to hear of resource loading.
-    virtual void createResourceListener() { }
+    /// Sets the listener of resource loading: here, one that keeps it within the resource locations.
+    virtual void createResourceListener();
 
     /// The environment; one with empty directories is made if there is none.
     static TovOgreBase& getInstance();
@@ -68,6 +75,8 @@ public:
     /// An effect registers when its scene is made and leaves when it is torn down.
     void addLiveEffect(LiveEffect* effect);
     void removeLiveEffect(LiveEffect* effect);
+    /// Tells every effect that the texture is about to lose its picture.
+    void announceEnd(const std::shared_ptr<Ogre::Texture>& texture);
 
     /// Numbers for identities and object names; they begin anew with every environment.
     struct Counters {
@@ -94,6 +103,7 @@ private:
     std::unique_ptr<Ogre::LogManager> logManager_;
     std::unique_ptr<Ogre::Root> root_;
     std::optional<OgrePictureCodecs> pictureCodecs_;
+    std::unique_ptr<resourceFiles::Guard> resourceGuard_;
     Ogre::SceneManager* sceneManager_ = nullptr;
     Ogre::RenderWindow* renderWindow_ = nullptr;
     std::string resourcesFile_;

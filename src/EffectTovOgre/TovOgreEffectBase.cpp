@@ -1,6 +1,7 @@
 // Life of an effect's scene, and the drawing of its frames.
 #include "EffectTovOgre/TovOgreEffectBase.h"
 
+#include "EffectTovOgre/OgreTextures.h"
 #include "EffectTovOgre/PixelFormats.h"
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/DynClass.h"
@@ -31,6 +32,51 @@ constexpr float kNearClipDistance = 5;
 
 const Ogre::Vector3 kCameraPosition(0, 0, 100);
 
+/// While it lives, frames are drawn into a target: one left so would be overwritten by every other effect.
+/// The viewport may end meanwhile, with the window, and is null then.
+class AutoUpdated {
+public:
+    AutoUpdated(Ogre::RenderTarget& target, Ogre::Viewport* const& viewport)
+        : target_(target),
+          viewport_(viewport)
+    {
+        set(true);
+    }
+    AutoUpdated(const AutoUpdated&) = delete;
+    AutoUpdated& operator=(const AutoUpdated&) = delete;
+    ~AutoUpdated() { set(false); }
+
+private:
+    void set(bool updated)
+    {
+        target_.setAutoUpdated(updated);
+        if (viewport_)
+            viewport_->setAutoUpdated(updated);
+    }
+
+    Ogre::RenderTarget& target_;
+    Ogre::Viewport* const& viewport_;
+};
+
+/// While it lives, a viewport is a single pixel of a target: nobody sees what is drawn.
+class OnePixel {
+public:
+    OnePixel(Ogre::Viewport* const& viewport, u32 width, u32 height) : viewport_(viewport)
+    {
+        viewport_->setDimensions(0, 0, 1.0f / float(width), 1.0f / float(height));
+    }
+    OnePixel(const OnePixel&) = delete;
+    OnePixel& operator=(const OnePixel&) = delete;
+    ~OnePixel()
+    {
+        if (viewport_)
+            viewport_->setDimensions(0, 0, 1, 1);
+    }
+
+private:
+    Ogre::Viewport* const& viewport_;
+};
+
 } // namespace
 
 TovOgreEffectBase::TovOgreEffectBase() : environment_(&TovOgreBase::getInstance())
@@ -54,8 +100,8 @@ void TovOgreEffectBase::buildScene()
     Ogre::RenderWindow& window = *environment_->renderWindow();
     window.removeAllViewports();
     window.setAutoUpdated(false); // nothing is shown in it
-    createCamera();
-    createSceneNodes();
+    TovOgreEffectBase::createCamera();
+    TovOgreEffectBase::createSceneNodes();
     plane_.emplace(*camera_, *planeNode_, environment_->capabilities().maxTextureSize);
     planeWidth_ = plane_->width();
     planeHeight_ = plane_->height();
@@ -65,8 +111,8 @@ void TovOgreEffectBase::buildScene()
 void TovOgreEffectBase::createCamera()
 {
     const std::string name = "PlayerCam_" + std::to_string(id_ - 1);
-    camera_ = sceneManager().createCamera(name);
     cameraNode_ = sceneManager().getRootSceneNode()->createChildSceneNode(name);
+    camera_ = sceneManager().createCamera(name);
     cameraNode_->attachObject(camera_);
     moveCamera(kCameraPosition, Ogre::Vector3::ZERO);
     camera_->setAspectRatio(float(width_) / float(height_));
@@ -103,6 +149,7 @@ void TovOgreEffectBase::destroyScene()
         root.removeAndDestroyChild(effectNode_);
     planeNode_ = effectNode_ = nullptr;
     inputs_.clear();
+    removedInputs_.clear();
     std::apply([](auto&... maps) { (maps.clear(), ...); }, values_);
     readBackMode_ = ReadBackMode::direct;
     resizePackBuffer();
@@ -117,13 +164,14 @@ void TovOgreEffectBase::destroyScene()
 void TovOgreEffectBase::destroyCamera()
 {
     viewport_ = nullptr;
-    if (!camera_)
-        return;
     if (renderTexture_)
         renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
-    cameraNode_->detachAllObjects();
-    sceneManager().destroyCamera(camera_);
-    sceneManager().getRootSceneNode()->removeAndDestroyChild(cameraNode_);
+    if (cameraNode_) { // each may be there without the other, when building the scene was cut short
+        cameraNode_->detachAllObjects();
+        sceneManager().getRootSceneNode()->removeAndDestroyChild(cameraNode_);
+    }
+    if (camera_)
+        sceneManager().destroyCamera(camera_);
     camera_ = nullptr;
     cameraNode_ = nullptr;
 }
@@ -135,6 +183,7 @@ void TovOgreEffectBase::removeRenderTexture()
         output_->sharedBuffer.reset();
     if (!renderTexture_)
         return;
+    environment_->announceEnd(renderTexture_);
     // The depth buffers are left alone: cleaning them up would spoil the frame that another effect draws
     // next.
     renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
@@ -159,20 +208,23 @@ void TovOgreEffectBase::createShader()
 {
     if (shaderCreated_)
         return;
-    shaderCreated_ = true;
+    std::string problem;
     for (const bool isFragment : {false, true}) {
         const auto& program = isFragment ? fragmentText_ : vertexText_;
         if (!program)
             continue;
         const std::string reason =
-            plane_->shader().setShaderProgram(program->text.c_str(), isFragment, program->isSourceText);
+            plane_->setShaderProgram(program->text.c_str(), isFragment, program->isSourceText);
         if (!reason.empty())
-            problem_ += (problem_.empty() ? "" : " ") + reason;
+            problem += (problem.empty() ? "" : " ") + reason;
     }
-    if (problem_.empty())
-        problem_ = plane_->shader().link();
-    if (!problem_.empty())
-        TovOgreBase::log(problem_);
+    if (problem.empty())
+        problem = plane_->linkPrograms();
+    shaderCreated_ = true; // what threw is tried again
+    if (problem.empty())
+        return;
+    TovOgreBase::log(problem);
+    problem_ += (problem_.empty() ? "" : " ") + problem;
 }
 
 ShaderParameters* TovOgreEffectBase::getShaderParameters()
@@ -189,7 +241,9 @@ ShaderParameters* TovOgreEffectBase::getShaderParameters()
     }
     createShader();
     applyShaderParameters();
-    plane_->shader().getShaderParameters(shaderParameters_);
+    ShaderParameters all;
+    plane_->getShaderParameters(all);
+    shaderParameters_ = std::move(all);
     parametersListed_ = true;
     return &shaderParameters_;
 }
@@ -220,19 +274,17 @@ void TovOgreEffectBase::createRenderTexture()
 {
     if (renderTexture_)
         return;
-    renderTexture_ = Ogre::TextureManager::getSingleton().createManual("RttTex" + std::to_string(id_ - 1),
-        Ogre::RGN_DEFAULT, Ogre::TEX_TYPE_2D, width_, height_, 0, Ogre::PF_A8R8G8B8, Ogre::TU_RENDERTARGET);
+    renderTexture_ = makeTexture("RttTex" + std::to_string(id_ - 1), Ogre::TEX_TYPE_2D, {width_, height_},
+        Ogre::PF_A8R8G8B8, Ogre::TU_RENDERTARGET);
 }
 
 void TovOgreEffectBase::resizeRenderTexture()
 {
     if (renderTexture_->getWidth() == width_ && renderTexture_->getHeight() == height_)
         return;
+    environment_->announceEnd(renderTexture_);
     renderTexture_->getBuffer()->getRenderTarget()->removeAllViewports();
-    renderTexture_->freeInternalResources();
-    renderTexture_->setWidth(width_);
-    renderTexture_->setHeight(height_);
-    renderTexture_->createInternalResources();
+    resizeTexture(*renderTexture_, {width_, height_}, Ogre::PF_A8R8G8B8);
 }
 
 bool TovOgreEffectBase::isAlive(const Ogre::TexturePtr& texture) const
@@ -241,8 +293,18 @@ bool TovOgreEffectBase::isAlive(const Ogre::TexturePtr& texture) const
     return Ogre::TextureManager::getSingleton().getByName(texture->getName(), Ogre::RGN_DEFAULT) == texture;
 }
 
+void TovOgreEffectBase::textureEnds(const std::shared_ptr<Ogre::Texture>& texture)
+{
+    if (plane_ && texture != renderTexture_)
+        plane_->keepCopyOf(Ogre::TexturePtr(texture));
+}
+
 void TovOgreEffectBase::updateInputTextures()
 {
+    for (const i32 index : removedInputs_)
+        if (!inputs_.contains(index))
+            plane_->keepCopyOf(index);
+    removedInputs_.clear();
     for (auto& [index, input] : inputs_) {
         if (!input.texture) {
             if (input.changed)
@@ -284,7 +346,7 @@ void TovOgreEffectBase::prepareFrame()
         fitPlane();
     fitPending_ = false;
     placePicture();
-    plane_->bindPrograms();
+    plane_->bind();
 }
 
 void TovOgreEffectBase::fitPlane()
@@ -343,8 +405,10 @@ void TovOgreEffectBase::stepFrames()
     if (pictureOnly_ || !hasParticles()) {
         renderFrame();
     } else if (now < before) {
+        sceneCreated_ = false; // until the new one is complete
         restartScene();
         createScene();
+        sceneCreated_ = true;
         random_.reset();
         drawThroughFrames(0, now);
     } else if (now - before >= 2) {
@@ -359,11 +423,10 @@ void TovOgreEffectBase::drawThroughFrames(u32 first, u32 last)
     if (first == 0)
         previousFrame_ = currentFrame_ = 0;
     for (u32 i = first; i <= last && camera_; ++i) {
-        // Nobody sees the frames before the last: they only move what is in the scene.
+        // The frames before the last only move what is in the scene.
+        std::optional<OnePixel> unseen;
         if (i < last)
-            viewport_->setDimensions(0, 0, 1.0f / float(width_), 1.0f / float(height_));
-        else
-            viewport_->setDimensions(0, 0, 1, 1);
+            unseen.emplace(viewport_, width_, height_);
         setFrameIndex(i);
         renderFrame();
     }
@@ -374,20 +437,16 @@ void TovOgreEffectBase::renderFrame()
     sceneManager().getRootSceneNode()->setVisible(false);
     effectNode_->setVisible(!pictureOnly_);
     planeNode_->setVisible(true);
-    Ogre::RenderTarget& target = *renderTexture_->getBuffer()->getRenderTarget();
-    target.setAutoUpdated(true);
-    viewport_->setAutoUpdated(true);
 
     // Time is the scene manager's: it stands still for an effect that nothing moves in.
     const u32 frames = hasParticles() && currentFrame_ > previousFrame_ ? currentFrame_ - previousFrame_ : 0;
     const float seconds = frameDuration_ * float(pictureOnly_ ? frames : std::min(frames, 1u));
-    Ogre::Math::SetRandomValueProvider(&random_);
-    const bool goesOn = environment_->root()->renderOneFrame(seconds);
-    Ogre::Math::SetRandomValueProvider(nullptr);
-    if (!goesOn) {
-        destroyCamera();
-        return;
+    const RandomNumbersOf drawn(random_);
+    bool goesOn = false;
+    {
+        const AutoUpdated updated(*renderTexture_->getBuffer()->getRenderTarget(), viewport_);
+        goesOn = environment_->root()->renderOneFrame(seconds);
     }
-    viewport_->setAutoUpdated(false);
-    target.setAutoUpdated(false);
+    if (!goesOn)
+        destroyCamera();
 }

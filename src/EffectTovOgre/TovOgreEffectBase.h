@@ -15,9 +15,6 @@
 #include <utility>
 #include <vector>
 
-/// How a frame comes into memory: straight, or through a buffer of OpenGL's.
-enum class ReadBackMode : u32 { direct = 1, packBuffer = 2 };
-
 /// All effects share one scene manager. Each has two nodes of its own, one for the picture plane and one for
 /// what stands in front of it, and shows nothing else while it draws.
 ///
@@ -32,42 +29,55 @@ public:
     void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
     void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) override;
     ShaderParameters* getShaderParameters() override;
-    void setShaderSource(const char* text, bool isFragment, bool isSourceText) override;
+    /// Direct at first, which is the faster one where memory is shared.
+    void setReadBackMode(ReadBackMode mode) override;
     void setPictureOnly(bool pictureOnly) override { pictureOnly_ = pictureOnly; }
+    void setShaderSource(const char* text, bool isFragment, bool isSourceText) override;
 
-    void setIntParam(u32 programType, const char* name, i32 value) override;
-    void setFloatParam(u32 programType, const char* name, float value) override;
+    void setParam(u32 programType, const char* name, const Ogre::ColourValue& value) override;
     void setIntArrayParam(
         u32 programType, const char* name, const i32* values, u32 count, u32 multiple) override;
-    void setFloatArrayParam(
-        u32 programType, const char* name, const float* values, u32 count, u32 multiple) override;
     void setDoubleArrayParam(
         u32 programType, const char* name, const double* values, u32 count, u32 multiple) override;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value);
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value);
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value);
-    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value);
-    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value);
-    /// The array stays the caller's and is read by every render.
-    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count);
+    void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple) override;
+    void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count) override;
+    void setParam(u32 programType, const char* name, const Ogre::Matrix4& value) override;
+    void setParam(u32 programType, const char* name, const Ogre::Vector2& value) override;
+    void setParam(u32 programType, const char* name, const Ogre::Vector3& value) override;
+    void setParam(u32 programType, const char* name, const Ogre::Vector4& value) override;
+    void setFloatParam(u32 programType, const char* name, float value) override;
+    void setIntParam(u32 programType, const char* name, i32 value) override;
 
-    /// Direct at first, which is the faster one where memory is shared.
-    virtual void setReadBackMode(ReadBackMode mode);
+protected:
+    virtual void createSceneNodes();
+    /// Makes the programs, once; problem() says when that is not possible.
+    virtual void createShader();
+    /// Hands all values to the programs; called by every render.
+    virtual void applyShaderParameters();
+    /// Brings every input onto the plane.
+    virtual void updateInputTextures();
+    /// Copies the render texture into the record's memory.
+    virtual void readPixels(KEXSDK::_ImageParam& record);
 
+public:
     void destroyScene() override;
 
 protected:
+    virtual void createCamera();
+    virtual void createRenderTexture();
+    virtual void resizeRenderTexture();
+    virtual void resetViewports();
     /// Called by the first render, and after restartScene: build what stands in front of the picture.
     virtual void createScene() { }
     /// Takes away what createScene built; the scene then begins anew with frame 0.
     virtual void restartScene() { }
-    /// Whether frames depend on those before them; skipped ones are then drawn as well.
-    virtual bool hasParticles() const { return !particleTemplate.empty(); }
-    /// Hands all values to the programs; called by every render.
-    virtual void applyShaderParameters();
+    virtual void destroyCamera();
     /// Draws the scene as it is at the current frame index. Random numbers come from the effect's own
     /// sequence while it runs.
     virtual void renderFrame();
+    /// Whether frames depend on those before them; skipped ones are then drawn as well.
+    virtual bool hasParticles() const { return !particleTemplate.empty(); }
 
     /// Valid until destroyScene.
     Ogre::SceneManager& sceneManager() const { return *environment_->sceneManager(); }
@@ -99,24 +109,16 @@ private:
     bool frameStarted(const Ogre::FrameEvent& event) override;
     bool frameRenderingQueued(const Ogre::FrameEvent& event) override;
     bool windowStays();
+    void textureEnds(const std::shared_ptr<Ogre::Texture>& texture) override;
 
     void buildScene();
-    void createCamera();
-    void createSceneNodes();
-    void createShader();
-    void createRenderTexture();
-    void resizeRenderTexture();
-    void resetViewports();
     void removeRenderTexture();
-    void destroyCamera();
-    void updateInputTextures();
     bool isAlive(const Ogre::TexturePtr& texture) const;
     void prepareFrame();
     void fitPlane();
     void placePicture();
     void stepFrames();
     void drawThroughFrames(u32 first, u32 last);
-    void readPixels(KEXSDK::_ImageParam& record);
     void readThroughPackBuffer(u8* pixels, std::size_t size);
     void resizePackBuffer();
     template <class T> void store(u32 programType, const char* name, T value);

@@ -3,15 +3,7 @@
 
 namespace {
 
-constexpr std::size_t kMatrixValues = 16;
-
-std::span<const float> numbers(const Ogre::Vector2& value) { return {value.ptr(), 2}; }
-std::span<const float> numbers(const Ogre::Vector3& value) { return {value.ptr(), 3}; }
-std::span<const float> numbers(const Ogre::Vector4& value) { return {value.ptr(), 4}; }
-std::span<const float> numbers(const Ogre::ColourValue& value) { return {value.ptr(), 4}; }
-std::span<const float> numbers(const float& value) { return {&value, 1}; }
-std::span<const i32> numbers(const i32& value) { return {&value, 1}; }
-std::span<const Ogre::Matrix4> numbers(const Ogre::Matrix4& value) { return {&value, 1}; }
+constexpr u32 kMatrixValues = 16;
 
 } // namespace
 
@@ -84,22 +76,28 @@ void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count)
 {
-    store(programType, name, _Matrix4Point{values, count, u32(kMatrixValues)});
+    store(programType, name, _Matrix4Point{values, count, kMatrixValues});
 }
 
 template <class T> void TovOgreEffectBase::apply(const Values<T>& values)
 {
-    TovOgreShader& shader = plane_->shader();
-    for (const auto& entry : values) {
-        const auto& [programType, name] = entry.first;
-        const T& value =
-            entry.second; // (not a structured binding: Clang allows none in a requires-expression)
-        if constexpr (std::is_same_v<T, _Matrix4Point>)
-            shader.set(programType, name, std::span(value.values, value.count));
-        else if constexpr (requires { value.multiple; })
-            shader.set(programType, name, std::span(value.values, std::size_t{value.count} * value.multiple));
+    for (const auto& [key, value] : values) {
+        const u32 type = key.first;
+        const char* const name = key.second.c_str();
+        if constexpr (std::is_same_v<T, i32>)
+            plane_->setIntParam(type, name, value);
+        else if constexpr (std::is_same_v<T, float>)
+            plane_->setFloatParam(type, name, value);
+        else if constexpr (std::is_same_v<T, _Matrix4Point>)
+            plane_->setParam(type, name, value.values, value.count);
+        else if constexpr (std::is_same_v<T, _FloatPoint>)
+            plane_->setFloatArrayParam(type, name, value.values, value.count, value.multiple);
+        else if constexpr (std::is_same_v<T, _DoublePoint>)
+            plane_->setDoubleArrayParam(type, name, value.values, value.count, value.multiple);
+        else if constexpr (std::is_same_v<T, _IntPoint>)
+            plane_->setIntArrayParam(type, name, value.values, value.count, value.multiple);
         else
-            shader.set(programType, name, numbers(value));
+            plane_->setParam(type, name, value);
     }
 }
 

@@ -20,7 +20,6 @@ public:
     TovOgrePaticalUniverseEffect();
     ~TovOgrePaticalUniverseEffect() override;
 
-    KEXSDK::CEffectBaseParam* particleParameters() override { return this; }
     void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
     void destroyScene() override;
 

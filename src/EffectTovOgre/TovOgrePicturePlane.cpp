@@ -1,6 +1,7 @@
 // Mesh, material and textures of the picture plane.
 #include "EffectTovOgre/TovOgrePicturePlane.h"
 
+#include "EffectTovOgre/OgreTextures.h"
 #include "EffectTovOgre/TovOgreBase.h"
 
 #include <OgreCamera.h>
@@ -14,9 +15,6 @@
 #include <OgreSceneNode.h>
 #include <OgreTechnique.h>
 #include <OgreTextureManager.h>
-
-#include <algorithm>
-#include <iterator>
 
 namespace {
 
@@ -36,12 +34,23 @@ TovOgrePicturePlane::TovOgrePicturePlane(
     const Ogre::Camera& camera, Ogre::SceneNode& parent, u32 maxTextureSize)
     : entityName_(numbered("TovOgrePicturePlane_")),
       materialName_(numbered("PlaneMaterialName_")),
+      meshName_(numbered("TovOgrePicturePlaneRectange_")),
       maxTextureSize_(maxTextureSize),
       parent_(&parent)
 {
-    const std::string meshName = numbered("TovOgrePicturePlaneRectange_");
     ++TovOgreBase::getInstance().counters.planes;
+    try {
+        build(camera);
+    } catch (...) {
+        release();
+        throw;
+    }
+}
 
+TovOgrePicturePlane::~TovOgrePicturePlane() { release(); }
+
+void TovOgrePicturePlane::build(const Ogre::Camera& camera)
+{
     material_ = Ogre::MaterialManager::getSingleton().create(materialName_, Ogre::RGN_DEFAULT);
     pass()->setCullingMode(Ogre::CULL_NONE);
 
@@ -50,26 +59,36 @@ TovOgrePicturePlane::TovOgrePicturePlane(
     const Ogre::RealRect view = camera.getFrustumExtents();
     width_ = (view.right - view.left) * scale;
     height_ = (view.top - view.bottom) * scale;
-    mesh_ = Ogre::MeshManager::getSingleton().createPlane(meshName, Ogre::RGN_DEFAULT,
+    mesh_ = Ogre::MeshManager::getSingleton().createPlane(meshName_, Ogre::RGN_DEFAULT,
         Ogre::Plane(Ogre::Vector3::UNIT_Z, 0), width_, height_, 1, 1, true, 1, 1, 1, Ogre::Vector3::UNIT_Y,
         Ogre::HardwareBuffer::HBU_STATIC_WRITE_ONLY, Ogre::HardwareBuffer::HBU_STATIC_WRITE_ONLY, true, true);
-    entity_ = parent.getCreator()->createEntity(entityName_, mesh_);
+    entity_ = parent_->getCreator()->createEntity(entityName_, mesh_);
     entity_->setMaterial(material_);
-    node_ = parent.createChildSceneNode(entityName_);
+    node_ = parent_->createChildSceneNode(entityName_);
     node_->attachObject(entity_);
     node_->translate(0, 0, camera.getDerivedDirection().z, Ogre::Node::TS_WORLD);
 }
 
-TovOgrePicturePlane::~TovOgrePicturePlane()
+void TovOgrePicturePlane::release()
 {
     for (auto& [index, picture] : pictures_)
         drop(picture);
-    node_->detachAllObjects();
-    parent_->getCreator()->destroyEntity(entity_);
-    parent_->removeAndDestroyChild(node_);
-    Ogre::MeshManager::getSingleton().remove(mesh_);
-    material_->removeAllTechniques();
-    Ogre::MaterialManager::getSingleton().remove(material_);
+    pictures_.clear();
+    if (node_) {
+        node_->detachAllObjects();
+        parent_->removeAndDestroyChild(node_);
+    }
+    if (entity_)
+        parent_->getCreator()->destroyEntity(entity_);
+    // Known by name even when their making was cut short.
+    auto& meshes = Ogre::MeshManager::getSingleton();
+    if (const auto mesh = meshes.getByName(meshName_, Ogre::RGN_DEFAULT))
+        meshes.remove(mesh);
+    auto& materials = Ogre::MaterialManager::getSingleton();
+    if (const auto material = materials.getByName(materialName_, Ogre::RGN_DEFAULT)) {
+        material->removeAllTechniques();
+        materials.remove(material);
+    }
 }
 
 Ogre::Pass* TovOgrePicturePlane::pass() const { return material_->getTechnique(0)->getPass(0); }
@@ -110,7 +129,6 @@ void TovOgrePicturePlane::setPictruePlaneImage(const Ogre::TexturePtr& texture, 
         return;
     drop(picture);
     picture = {texture, false};
-    showFrom(index);
 }
 
 void TovOgrePicturePlane::setPictruePlaneCopy(const Ogre::TexturePtr& texture, i32 index)
@@ -123,6 +141,19 @@ void TovOgrePicturePlane::setPictruePlaneCopy(const Ogre::TexturePtr& texture, i
             .texture);
 }
 
+void TovOgrePicturePlane::keepCopyOf(const Ogre::TexturePtr& texture)
+{
+    for (const auto& [index, picture] : pictures_)
+        if (picture.texture == texture && !picture.own)
+            keepCopyOf(index);
+}
+
+void TovOgrePicturePlane::keepCopyOf(i32 index)
+{
+    if (const auto shown = pictures_.find(index); shown != pictures_.end() && !shown->second.own)
+        setPictruePlaneCopy(Ogre::TexturePtr(shown->second.texture), index);
+}
+
 TovOgrePicturePlane::Picture& TovOgrePicturePlane::ownPicture(
     i32 index, u32 width, u32 height, u32 depth, Ogre::PixelFormat format)
 {
@@ -130,29 +161,22 @@ TovOgrePicturePlane::Picture& TovOgrePicturePlane::ownPicture(
     if (known != pictures_.end() && known->second.own) {
         Ogre::Texture& texture = *known->second.texture;
         if (texture.getWidth() != width || texture.getHeight() != height || texture.getDepth() != depth
-            || texture.getFormat() != format) {
-            texture.freeInternalResources();
-            texture.setWidth(width);
-            texture.setHeight(height);
-            texture.setDepth(depth);
-            texture.setFormat(format);
-            texture.createInternalResources();
-        }
+            || texture.getFormat() != format)
+            resizeTexture(texture, {width, height, depth}, format);
         return known->second;
     }
     if (width == 0 || height == 0)
         OGRE_EXCEPT(Ogre::Exception::ERR_ITEM_NOT_FOUND, "You had not set image's size!",
             "TovOgrePicturePlane::setPictruePlaneImage");
-    auto texture =
-        Ogre::TextureManager::getSingleton().createManual(materialName_ + "_Texture" + std::to_string(index),
-            Ogre::RGN_DEFAULT, depth == 1 ? Ogre::TEX_TYPE_2D : Ogre::TEX_TYPE_3D, width, height, depth, 0,
-            format, Ogre::TU_STATIC_WRITE_ONLY);
-    Picture& picture = pictures_[index] = {std::move(texture), true};
-    showFrom(index);
+    Picture& picture = pictures_[index];
+    picture = {makeTexture(materialName_ + "_Texture" + std::to_string(index),
+                   depth == 1 ? Ogre::TEX_TYPE_2D : Ogre::TEX_TYPE_3D, {width, height, depth}, format,
+                   Ogre::TU_STATIC_WRITE_ONLY),
+        true};
     return picture;
 }
 
-void TovOgrePicturePlane::showFrom(i32 index)
+void TovOgrePicturePlane::bindPictures()
 {
     Ogre::Pass& units = *pass();
     while (units.getNumTextureUnitStates() < pictures_.size()) {
@@ -160,10 +184,12 @@ void TovOgrePicturePlane::showFrom(i32 index)
         unit.setTextureAddressingMode(Ogre::TextureUnitState::TAM_CLAMP);
         unit.setTextureFiltering(Ogre::FO_LINEAR, Ogre::FO_LINEAR, Ogre::FO_NONE); // there are no mipmaps
     }
-    // A new index between others moves those behind it up.
-    for (auto entry = pictures_.find(index); entry != pictures_.end(); ++entry)
-        units.getTextureUnitState(Ogre::ushort(std::distance(pictures_.begin(), entry)))
-            ->setTexture(entry->second.texture);
+    Ogre::ushort number = 0;
+    for (const auto& [index, picture] : pictures_) {
+        Ogre::TextureUnitState& unit = *units.getTextureUnitState(number++);
+        if (picture.texture && unit._getTexturePtr() != picture.texture)
+            unit.setTexture(picture.texture);
+    }
 }
 
 void TovOgrePicturePlane::drop(Picture& picture)
@@ -175,14 +201,88 @@ void TovOgrePicturePlane::drop(Picture& picture)
     picture = {};
 }
 
+void TovOgrePicturePlane::bind()
+{
+    bindPictures();
+    bindPrograms();
+    shader_.sendValues();
+}
+
 void TovOgrePicturePlane::bindPrograms()
 {
-    const std::string names = shader_.programName(false) + "\n" + shader_.programName(true);
-    if (names == boundPrograms_)
+    if (programsBound_)
         return;
     pass()->setVertexProgram(shader_.programName(false), true);
     pass()->setVertexProgramParameters(shader_.parameters(false));
     pass()->setFragmentProgram(shader_.programName(true), true);
     pass()->setFragmentProgramParameters(shader_.parameters(true));
-    boundPrograms_ = names;
+    programsBound_ = true;
+}
+
+std::string TovOgrePicturePlane::setShaderProgram(const char* text, bool isFragment, bool isSourceText)
+{
+    return shader_.setShaderProgram(text, isFragment, isSourceText);
+}
+
+void TovOgrePicturePlane::getShaderParameters(ShaderParameters& list) const
+{
+    shader_.getShaderParameters(list);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::ColourValue& value)
+{
+    shader_.setParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setIntArrayParam(
+    u32 programType, const char* name, const i32* values, u32 count, u32 multiple)
+{
+    shader_.setIntArrayParam(programType, name, values, count, multiple);
+}
+
+void TovOgrePicturePlane::setDoubleArrayParam(
+    u32 programType, const char* name, const double* values, u32 count, u32 multiple)
+{
+    shader_.setDoubleArrayParam(programType, name, values, count, multiple);
+}
+
+void TovOgrePicturePlane::setFloatArrayParam(
+    u32 programType, const char* name, const float* values, u32 count, u32 multiple)
+{
+    shader_.setFloatArrayParam(programType, name, values, count, multiple);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count)
+{
+    shader_.setParam(programType, name, values, count);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::Matrix4& value)
+{
+    shader_.setParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::Vector2& value)
+{
+    shader_.setParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::Vector3& value)
+{
+    shader_.setParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setParam(u32 programType, const char* name, const Ogre::Vector4& value)
+{
+    shader_.setParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setFloatParam(u32 programType, const char* name, float value)
+{
+    shader_.setFloatParam(programType, name, value);
+}
+
+void TovOgrePicturePlane::setIntParam(u32 programType, const char* name, i32 value)
+{
+    shader_.setIntParam(programType, name, value);
 }

@@ -26,7 +26,27 @@ public:
     TovOgrePicturePlane(const Ogre::Camera& camera, Ogre::SceneNode& parent, u32 maxTextureSize);
     TovOgrePicturePlane(const TovOgrePicturePlane&) = delete;
     TovOgrePicturePlane& operator=(const TovOgrePicturePlane&) = delete;
-    ~TovOgrePicturePlane();
+    virtual ~TovOgrePicturePlane();
+
+    // The programs and their values: all of these are the shader's.
+
+    virtual std::string setShaderProgram(const char* text, bool isFragment, bool isSourceText);
+    virtual void getShaderParameters(ShaderParameters& list) const;
+    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value);
+    virtual void setIntArrayParam(
+        u32 programType, const char* name, const i32* values, u32 count, u32 multiple);
+    virtual void setDoubleArrayParam(
+        u32 programType, const char* name, const double* values, u32 count, u32 multiple);
+    virtual void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value);
+    virtual void setFloatParam(u32 programType, const char* name, float value);
+    virtual void setIntParam(u32 programType, const char* name, i32 value);
+    std::string linkPrograms() { return shader_.link(); }
 
     /// Uploads pixels as the texture of an input: 4 bytes each, rows packed, slices packed. A depth above 1
     /// makes a 3D texture. Pictures too large for a texture are logged and left out. Throws an OGRE
@@ -39,14 +59,20 @@ public:
     /// The same with a copy of the texture's present content, for one that is about to be drawn into.
     void setPictruePlaneCopy(const Ogre::TexturePtr& texture, i32 index);
 
-    /// Puts the shader's programs into the pass.
-    void bindPrograms();
+    /// Replaces a texture that someone else draws by a copy of its present content, wherever the plane shows
+    /// it: it is about to go away.
+    void keepCopyOf(const Ogre::TexturePtr& texture);
+    /// The same for the texture of one input.
+    void keepCopyOf(i32 index);
+
+    /// Puts the pictures into the pass's units, the shader's programs into the pass, and its values into
+    /// them.
+    void bind();
 
     /// The node that carries the rectangle, a child of the plane node.
     Ogre::SceneNode& node() const { return *node_; }
     float width() const { return width_; }
     float height() const { return height_; }
-    TovOgreShader& shader() { return shader_; }
 
 private:
     struct Picture {
@@ -56,12 +82,16 @@ private:
 
     bool fits(u32 width, u32 height) const;
     Picture& ownPicture(i32 index, u32 width, u32 height, u32 depth, Ogre::PixelFormat format);
-    void showFrom(i32 index);
     void drop(Picture& picture);
+    void build(const Ogre::Camera& camera);
+    void release();
+    void bindPictures();
+    void bindPrograms();
     Ogre::Pass* pass() const;
 
     const std::string entityName_;
     const std::string materialName_;
+    const std::string meshName_;
     u32 maxTextureSize_;
     float width_ = 0;
     float height_ = 0;
@@ -72,5 +102,5 @@ private:
     Ogre::Entity* entity_ = nullptr;
     std::map<i32, Picture> pictures_;
     TovOgreShader shader_;
-    std::string boundPrograms_;
+    bool programsBound_ = false;
 };

@@ -177,13 +177,18 @@ u32 TovOgreRenderThread::deleteEffect(TovEffectBase* effect)
     return 1;
 }
 
-LoadedImage TovOgreRenderThread::loadImage(const char* path)
+LoadedImage TovOgreRenderThread::loadImage(const char* path) { return load(path, false); }
+
+LoadedImage TovOgreRenderThread::loadResource(const char* name) { return load(name, true); }
+
+LoadedImage TovOgreRenderThread::load(const char* path, bool resourceOnly)
 {
     auto lock = enterRequest();
     if (!lock || !path)
         return {};
     Slot& slot = process().slot;
     slot.filePath = path;
+    slot.resourceOnly = resourceOnly;
     slot.loadedImage = nullptr;
     perform(kLoadImage);
     slot.filePath = nullptr;

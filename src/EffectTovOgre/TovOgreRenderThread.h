@@ -80,6 +80,8 @@ public:
 
     /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations.
     LoadedImage loadImage(const char* path);
+    /// The same with a file of the resource locations only.
+    LoadedImage loadResource(const char* name);
 
     /// Writes a picture file, its kind by the path's extension. Rows are top row first, bytes blue, green,
     /// red, alpha. @return whether the file was written
@@ -103,6 +105,7 @@ private:
     explicit TovOgreRenderThread(Deferred) { }
 
     void start();
+    LoadedImage load(const char* path, bool resourceOnly);
 
     std::string resourceDirectory_;
     std::string pluginsDirectory_;

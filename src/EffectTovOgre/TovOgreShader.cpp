@@ -1,33 +1,36 @@
-// GLSL programs as OGRE's, and conversion of values into their parameter sets.
+// GLSL programs as OGRE's, and the values of their uniforms.
 #include "EffectTovOgre/TovOgreShader.h"
 
-#include "EffectTovOgre/GlslLink.h"
 #include "EffectTovOgre/GlslText.h"
 #include "EffectTovOgre/TovOgreBase.h"
-#include "pixels/numbers.h"
 
+#define GL_GLEXT_PROTOTYPES
+#include <GL/gl.h>
 #include <OgreHighLevelGpuProgram.h>
 #include <OgreHighLevelGpuProgramManager.h>
+#include <OgreRenderSystem.h>
 #include <OgreResourceGroupManager.h>
+#include <OgreRoot.h>
 
 #include <algorithm>
-#include <cstring>
-#include <type_traits>
-#include <vector>
 
 namespace {
 
-using Ogre::GpuConstantDefinition;
 using ProgramPtr = Ogre::HighLevelGpuProgramPtr;
 
 constexpr const char* kWorldViewProjection = "_worldViewProj";
 
-constexpr const char* kDefaultNames[] = {"defaultVertexProgram_GLSL", "defaultFragmentProgram_GLSL"};
-constexpr const char* kDefaultSources[] = {
+const std::string kDefaultNames[] = {"defaultVertexProgram_GLSL", "defaultFragmentProgram_GLSL"};
+const std::string kDefaultSources[] = {
     "attribute vec4 vertex; attribute vec2 uv0; uniform mat4 _worldViewProj; varying vec2 textureCoord; "
     "void main() { gl_Position = _worldViewProj * vertex; textureCoord = uv0; }",
     "uniform sampler2D Sample; varying vec2 textureCoord; "
     "void main() { gl_FragColor = texture2D(Sample, textureCoord); }"};
+
+/// What OGRE is to know of every vertex and fragment program.
+constexpr const char* kOgresTexts[] = {
+    "uniform mat4 _worldViewProj;\nvoid main() { gl_Position = _worldViewProj * gl_Vertex; }\n",
+    "void main() { gl_FragColor = gl_Color; }\n"};
 
 Ogre::HighLevelGpuProgramManager& manager() { return Ogre::HighLevelGpuProgramManager::getSingleton(); }
 
@@ -36,136 +39,70 @@ ProgramPtr find(const std::string& name)
     return manager().getByName(name, Ogre::ResourceGroupManager::AUTODETECT_RESOURCE_GROUP_NAME);
 }
 
-/// The next one to ask for that name makes the program anew.
-void forget(const std::string& name)
+/// Loads a program that nobody knows yet.
+///
+/// OGRE preprocesses a text in its own way and then looks for uniforms by their spelling; for what GLSL
+/// allows beyond that it ends the process, or loses values. So it prepares a text that declares the one
+/// uniform it sets itself, and compiles the real one.
+void load(Ogre::HighLevelGpuProgram& program, const std::string& text, bool isFragment)
 {
-    if (const ProgramPtr known = find(name))
-        manager().remove(known);
+    program.setSource(kOgresTexts[isFragment]);
+    program.prepare();
+    program.getConstantDefinitions();
+    program.setSource(text);
+    program.load();
 }
 
-/// The program of that name, made from the source if there is none.
-template <class Source> ProgramPtr findOrMake(const std::string& name, bool isFragment, Source source)
+/// The program of that name, made from the text if there is none.
+ProgramPtr findOrMake(const std::string& name, const std::string& text, bool isFragment)
 {
     if (ProgramPtr known = find(name))
         return known;
-    const std::string text = source();
     ProgramPtr made = manager().createProgram(
         name, Ogre::RGN_DEFAULT, "glsl", isFragment ? Ogre::GPT_FRAGMENT_PROGRAM : Ogre::GPT_VERTEX_PROGRAM);
-    made->setSource(text);
-    made->load();
+    try {
+        load(*made, text, isFragment);
+    } catch (...) { // half a program is not to be found by the next one to ask
+        manager().remove(made);
+        throw;
+    }
     return made;
 }
 
-Ogre::GpuProgramParametersSharedPtr parametersOf(const ProgramPtr& program, bool isFragment)
+/// OpenGL's number of the program that OGRE draws the pair with; 0 when it could not link it.
+u32 linkedProgram(Ogre::GpuProgram& vertex, Ogre::GpuProgram& fragment,
+    const Ogre::GpuProgramParametersSharedPtr& fragmentParameters)
 {
-    auto parameters = program->createParameters();
-    if (!isFragment && parameters->_findNamedConstantDefinition(kWorldViewProjection, false))
-        parameters->setNamedAutoConstant(
-            kWorldViewProjection, Ogre::GpuProgramParameters::ACT_WORLDVIEWPROJ_MATRIX);
-    return parameters;
+    Ogre::RenderSystem& system = *Ogre::Root::getSingleton().getRenderSystem();
+    system.bindGpuProgram(vertex._getBindingDelegate());
+    system.bindGpuProgram(fragment._getBindingDelegate());
+    system.bindGpuProgramParameters(Ogre::GPT_FRAGMENT_PROGRAM, fragmentParameters, Ogre::GPV_ALL);
+    GLint linked = 0;
+    glGetIntegerv(GL_CURRENT_PROGRAM, &linked);
+    system.unbindGpuProgram(Ogre::GPT_FRAGMENT_PROGRAM);
+    system.unbindGpuProgram(Ogre::GPT_VERTEX_PROGRAM);
+    return u32(linked);
 }
 
-template <class To, class From> To convertedTo(From value)
-{
-    if constexpr (std::is_integral_v<To> && std::is_floating_point_v<From>)
-        return To(pixels::truncated(value));
-    else
-        return To(value);
-}
-
-template <class To, class From>
-void write(Ogre::GpuProgramParameters& parameters, const GpuConstantDefinition& definition,
-    std::span<const From> values)
-{
-    std::vector<To> converted(values.size());
-    std::ranges::transform(values, converted.begin(), convertedTo<To, From>);
-    parameters._writeRawConstants(definition.physicalIndex, converted.data(), converted.size());
-}
-
-template <class From>
-void writeAs(Ogre::GpuProgramParameters& parameters, const GpuConstantDefinition& definition,
-    std::span<const From> values)
-{
-    values = values.first(std::min(values.size(), definition.elementSize * definition.arraySize));
-    if (definition.isFloat())
-        write<float>(parameters, definition, values);
-    else if (definition.isDouble())
-        write<double>(parameters, definition, values);
-    else if (definition.isUnsignedInt())
-        write<unsigned>(parameters, definition, values);
-    else
-        write<int>(parameters, definition, values);
-}
-
-/// What the text says about arrays and initial values is corrected by what the driver made of it.
-void adopt(const GlslLink::Uniform& uniform, Ogre::GpuProgramParameters& parameters)
-{
-    const auto* const definition = parameters._findNamedConstantDefinition(uniform.name, false);
-    if (!definition)
-        return;
-    // OGRE asserts that the lengths agree, and sends no booleans; it has no call to say so.
-    auto& changed = const_cast<GpuConstantDefinition&>(*definition);
-    changed.arraySize = uniform.size;
-    if (changed.isBool())
-        changed.constType = Ogre::GpuConstantType(changed.constType - Ogre::GCT_BOOL1 + Ogre::GCT_INT1);
-    std::visit(
-        [&](const auto& values) {
-            using T = typename std::decay_t<decltype(values)>::value_type;
-            writeAs(parameters, *definition, std::span<const T>(values));
-        },
-        uniform.values);
-}
-
-ShaderParameter describe(const std::string& name, u32 programType, const GpuConstantDefinition& definition,
-    const Ogre::GpuProgramParameters& parameters)
-{
-    ShaderParameter described;
-    described.name = name;
-    described.programType = programType;
-    described.arraySize = u32(definition.arraySize);
-    described.valuesPerElement = u32(definition.elementSize);
-    const std::size_t count = described.capacity();
-    const void* values = nullptr;
-    if (definition.isFloat()) {
-        described.baseType = ShaderParameter::real;
-        values = parameters.getFloatPointer(definition.physicalIndex);
-    } else if (definition.isDouble()) {
-        described.baseType = ShaderParameter::doubleReal;
-        values = parameters.getDoublePointer(definition.physicalIndex);
-    } else {
-        described.baseType = ShaderParameter::integer;
-        values = parameters.getIntPointer(definition.physicalIndex);
-    }
-    const u32 bytesPerValue = definition.isDouble() ? sizeof(double) : sizeof(float);
-    described.bytesPerElement = bytesPerValue * described.valuesPerElement;
-    described.data.resize(count * bytesPerValue);
-    std::memcpy(described.data.data(), values, described.data.size());
-    return described;
-}
+std::span<const float> numbers(const Ogre::Vector2& value) { return {value.ptr(), 2}; }
+std::span<const float> numbers(const Ogre::Vector3& value) { return {value.ptr(), 3}; }
+std::span<const float> numbers(const Ogre::Vector4& value) { return {value.ptr(), 4}; }
+std::span<const float> numbers(const Ogre::ColourValue& value) { return {value.ptr(), 4}; }
 
 } // namespace
-
-TovOgreShader::TovOgreShader()
-{
-    for (const bool isFragment : {false, true}) {
-        const ProgramPtr program = findOrMake(
-            kDefaultNames[isFragment], isFragment, [&] { return std::string(kDefaultSources[isFragment]); });
-        defaults_[isFragment] = {program->getName(), parametersOf(program, isFragment)};
-    }
-}
 
 std::string TovOgreShader::setShaderProgram(const char* text, bool isFragment, bool isSourceText)
 {
     if (!text)
         return {};
-    const std::string name = glslText::programName(text, isFragment, isSourceText);
+    Program& program = programs_[isFragment];
+    program = {glslText::programName(text, isFragment, isSourceText), {}, {}};
     try {
-        const ProgramPtr program = findOrMake(
-            name, isFragment, [&] { return isSourceText ? std::string(text) : glslText::readFile(text); });
-        own(isFragment) = {name, parametersOf(program, isFragment)};
+        const ProgramPtr known = find(program.name);
+        program.text = known ? known->getSource() : glslText::complete(text, isSourceText);
         return {};
-    } catch (const std::exception& error) { // a missing file, or a text that OGRE's preprocessor refuses
-        forget(name);
+    } catch (const std::exception& error) { // a file that is missing, or may not be read
+        program = {};
         const auto* const ogre = dynamic_cast<const Ogre::Exception*>(&error);
         return ogre ? ogre->getDescription() : error.what();
     }
@@ -173,106 +110,172 @@ std::string TovOgreShader::setShaderProgram(const char* text, bool isFragment, b
 
 std::string TovOgreShader::link()
 {
-    if (own(false).name.empty() && own(true).name.empty())
-        return {};
-    const std::string key = programName(false) + "\n" + programName(true);
     auto& links = TovOgreBase::getInstance().links;
+    const std::string key = programName(false) + "\n" + programName(true);
     auto known = links.find(key);
-    if (known == links.end())
-        known =
-            links
-                .emplace(key,
-                    GlslLink::of(find(programName(false))->getSource(), find(programName(true))->getSource()))
-                .first;
-    const GlslLink& link = known->second;
-    if (!link.message.empty()) {
-        const std::string message = link.message;
-        // Forgotten everywhere: the file may have been corrected when the next effect asks for it.
-        links.erase(known);
-        for (Program& program : programs_) {
-            if (!program.name.empty())
-                forget(program.name);
-            program = {};
+    if (known == links.end()) {
+        const auto textOf = [&](bool isFragment) -> const std::string& {
+            return programs_[isFragment].name.empty() ? kDefaultSources[isFragment]
+                                                      : programs_[isFragment].text;
+        };
+        GlslLink tried = GlslLink::of(textOf(false), textOf(true));
+        if (!tried.message.empty()) { // not remembered: the file may be corrected
+            programs_ = {};
+            return tried.message;
         }
-        return message;
+        createPrograms();
+        tried.drawWith(linkedProgram(*find(programName(false)), *find(programName(true)), parameters(true)));
+        if (tried.program == 0)
+            return "The program cannot be linked by the rendering library.";
+        known = links.emplace(key, std::move(tried)).first;
+    } else {
+        createPrograms();
     }
-    for (const GlslLink::Uniform& uniform : link.uniforms) {
-        uniforms_.insert(uniform.name);
-        for (const Program& program : programs_)
-            if (program.parameters && uniform.name != kWorldViewProjection)
-                adopt(uniform, *program.parameters);
-    }
+    if (programs_[false].name.empty() && programs_[true].name.empty())
+        return {};
+    uniforms_ = known->second.uniforms;
+    std::erase_if(
+        uniforms_, [](const GlslUniform& uniform) { return uniform.value.name == kWorldViewProjection; });
+    link_ = &known->second;
     return {};
+}
+
+void TovOgreShader::createPrograms()
+{
+    const auto textOf = [&](bool isFragment) -> const std::string& {
+        return programs_[isFragment].name.empty() ? kDefaultSources[isFragment] : programs_[isFragment].text;
+    };
+    programs_[false].parameters = createVertexProgram(textOf(false), programName(false));
+    programs_[true].parameters = createFragmentProgram(textOf(true), programName(true));
+}
+
+Ogre::GpuProgramParametersSharedPtr TovOgreShader::createVertexProgram(
+    const std::string& text, const std::string& name)
+{
+    auto parameters = findOrMake(name, text, false)->createParameters();
+    parameters->setNamedAutoConstant(
+        kWorldViewProjection, Ogre::GpuProgramParameters::ACT_WORLDVIEWPROJ_MATRIX);
+    return parameters;
+}
+
+Ogre::GpuProgramParametersSharedPtr TovOgreShader::createFragmentProgram(
+    const std::string& text, const std::string& name)
+{
+    return findOrMake(name, text, true)->createParameters();
 }
 
 const std::string& TovOgreShader::programName(bool isFragment) const
 {
-    const auto& programs = programs_[isFragment].name.empty() ? defaults_ : programs_;
-    return programs[isFragment].name;
+    const std::string& own = programs_[isFragment].name;
+    return own.empty() ? kDefaultNames[isFragment] : own;
 }
 
 const Ogre::GpuProgramParametersSharedPtr& TovOgreShader::parameters(bool isFragment) const
 {
-    const auto& programs = programs_[isFragment].name.empty() ? defaults_ : programs_;
-    return programs[isFragment].parameters;
+    return programs_[isFragment].parameters;
 }
 
-Ogre::GpuProgramParameters* TovOgreShader::changeable(u32 programType)
+void TovOgreShader::sendValues() const
+{
+    if (link_)
+        link_->send(uniforms_);
+}
+
+bool TovOgreShader::hasOwn(u32 programType) const
 {
     const bool isFragment = programType != ShaderParameter::vertex;
-    if (own(isFragment).name.empty())
-        TovOgreBase::log(isFragment
-                ? "You don't create fragment program. Please call setShaderProgram function to load."
-                : "You don't create vertex program. Please call setShaderProgram function to load.");
-    return own(isFragment).parameters.get();
+    if (!programs_[isFragment].name.empty())
+        return true;
+    TovOgreBase::log(isFragment
+            ? "You don't create fragment program. Please call setShaderProgram function to load."
+            : "You don't create vertex program. Please call setShaderProgram function to load.");
+    return false;
 }
 
-template <class T>
-void TovOgreShader::store(u32 programType, const std::string& name, std::span<const T> values)
+template <class T> void TovOgreShader::store(u32 programType, const char* name, std::span<const T> values)
 {
-    Ogre::GpuProgramParameters* const parameters = changeable(programType);
-    if (!parameters)
+    if (!hasOwn(programType))
         return;
-    if (const auto* const definition = parameters->_findNamedConstantDefinition(name, false))
-        writeAs(*parameters, *definition, values);
+    const auto found = std::ranges::find(uniforms_, std::string_view(name),
+        [](const GlslUniform& uniform) -> std::string_view { return uniform.value.name; });
+    if (found != uniforms_.end())
+        found->value.set(values);
 }
 
-void TovOgreShader::set(u32 programType, const std::string& name, std::span<const i32> values)
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::ColourValue& value)
 {
-    store(programType, name, values);
+    store(programType, name, numbers(value));
 }
 
-void TovOgreShader::set(u32 programType, const std::string& name, std::span<const float> values)
+void TovOgreShader::setIntArrayParam(
+    u32 programType, const char* name, const i32* values, u32 count, u32 multiple)
 {
-    store(programType, name, values);
+    store(programType, name, std::span(values, std::size_t{count} * multiple));
 }
 
-void TovOgreShader::set(u32 programType, const std::string& name, std::span<const double> values)
+void TovOgreShader::setDoubleArrayParam(
+    u32 programType, const char* name, const double* values, u32 count, u32 multiple)
 {
-    store(programType, name, values);
+    store(programType, name, std::span(values, std::size_t{count} * multiple));
 }
 
-void TovOgreShader::set(u32 programType, const std::string& name, std::span<const Ogre::Matrix4> values)
+void TovOgreShader::setFloatArrayParam(
+    u32 programType, const char* name, const float* values, u32 count, u32 multiple)
 {
-    Ogre::GpuProgramParameters* const parameters = changeable(programType);
-    const auto* const definition =
-        parameters ? parameters->_findNamedConstantDefinition(name, false) : nullptr;
-    if (!definition || !definition->isFloat())
-        return;
-    for (std::size_t i = 0; i < std::min(values.size(), definition->arraySize); ++i)
-        parameters->_writeRawConstant(
-            definition->physicalIndex + i * definition->elementSize, values[i], definition->elementSize);
+    store(programType, name, std::span(values, std::size_t{count} * multiple));
+}
+
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count)
+{
+    std::vector<float> all;
+    for (const Ogre::Matrix4& matrix : std::span(values, count))
+        for (int row = 0; row < 4; ++row)
+            all.insert(all.end(), matrix[row], matrix[row] + 4);
+    store(programType, name, std::span<const float>(all));
+}
+
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::Matrix4& value)
+{
+    setParam(programType, name, &value, 1);
+}
+
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::Vector2& value)
+{
+    store(programType, name, numbers(value));
+}
+
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::Vector3& value)
+{
+    store(programType, name, numbers(value));
+}
+
+void TovOgreShader::setParam(u32 programType, const char* name, const Ogre::Vector4& value)
+{
+    store(programType, name, numbers(value));
+}
+
+void TovOgreShader::setFloatParam(u32 programType, const char* name, float value)
+{
+    store(programType, name, std::span<const float>(&value, 1));
+}
+
+void TovOgreShader::setIntParam(u32 programType, const char* name, i32 value)
+{
+    store(programType, name, std::span<const i32>(&value, 1));
 }
 
 void TovOgreShader::getShaderParameters(ShaderParameters& list) const
 {
-    for (const u32 type : {ShaderParameter::vertex, ShaderParameter::fragment}) {
-        const Program& program = programs_[type];
-        if (program.name.empty())
-            continue;
-        // OGRE takes initial values in the text for names.
-        for (const auto& [name, definition] : program.parameters->getConstantDefinitions().map)
-            if (uniforms_.contains(name))
-                list.push_back(describe(name, type, definition, *program.parameters));
-    }
+    for (const u32 type : {ShaderParameter::vertex, ShaderParameter::fragment})
+        if (!programs_[type].name.empty())
+            collectConstants(type, list);
+}
+
+void TovOgreShader::collectConstants(u32 programType, ShaderParameters& list) const
+{
+    for (const GlslUniform& uniform : uniforms_)
+        if (programType == ShaderParameter::vertex ? uniform.inVertex : uniform.inFragment) {
+            list.push_back(uniform.value);
+            list.back().programType = programType;
+        }
 }

@@ -1,6 +1,8 @@
 // GPU effects: what is drawn is what the program says, to the byte where it only copies.
 #include "gpu/GpuEffectTest.h"
 
+#include <optional>
+
 namespace {
 
 using test::Picture;
@@ -241,7 +243,20 @@ TEST_F(EffectTest, WhatCannotBeDrawnSaysWhyAndLeavesTheTarget)
     EXPECT_EQ(target.bytes(), input->bytes());
 }
 
-TEST_F(EffectTest, ACorrectedShaderFileIsReadAnew)
+/// With a resource directory of the test's own.
+class EffectFilesTest : public EffectTest {
+protected:
+    EffectFilesTest()
+    {
+        thread_.shutdown();
+        write("resources.cfg", "[General]\nFileSystem = .\n");
+        own_.emplace(directory_.c_str(), EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str());
+    }
+
+    std::optional<TovOgreRenderThread> own_;
+};
+
+TEST_F(EffectFilesTest, ACorrectedShaderFileIsReadAnew)
 {
     write("red.frag", "void main() { gl_FragColor = oops; }");
     const auto input = Picture::plain(4, 4, {0, 0, 0, 0});
@@ -249,7 +264,7 @@ TEST_F(EffectTest, ACorrectedShaderFileIsReadAnew)
     const auto drawn = [&] {
         GpuEffect effect = GpuEffect::create();
         effect->setSize(4, 4);
-        effect->setShaderSource(path("red.frag").c_str(), true, false);
+        effect->setShaderSource("red.frag", true, false);
         effect->setInput(input->record(), 0);
         return effect.draw(target);
     };
@@ -297,14 +312,16 @@ TEST_F(EffectTest, FlippingReversesTheRows)
     EXPECT_TRUE(target.bytes() == source->bytes());
 }
 
-TEST_F(EffectTest, ATextureFileMayBeAnInput)
+TEST_F(EffectFilesTest, ATextureFileMayBeAnInput)
 {
     const auto picture = Picture::noise(31, 17, 5);
     for (u32 i = 3; i < picture->byteSize(); i += 4)
         picture->pixels()[i] = 255;
-    ASSERT_TRUE(thread_.saveImage(path("texture.png").c_str(), picture->pixels(), 31, 17));
+    ASSERT_TRUE(own_->saveImage(path("texture.png").c_str(), picture->pixels(), 31, 17));
     GpuEffect effect = effectOf(31, 17);
-    ASSERT_TRUE(effect->loadPicture(path("texture.png").c_str(), 0));
+    EXPECT_FALSE(effect->loadPicture(path("texture.png").c_str(), 1)) << "by its name alone";
+    effect = effectOf(31, 17);
+    ASSERT_TRUE(effect->loadPicture("texture.png", 0));
     Picture target(31, 17);
     for (int frame = 0; frame < 2; ++frame) {
         ASSERT_TRUE(effect.draw(target));

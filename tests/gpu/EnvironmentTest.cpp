@@ -57,6 +57,7 @@ TEST_F(EnvironmentTest, TearsDownTheScenesThatAreLeftWhileOgreIsStillUp)
     struct Scene final : LiveEffect {
         TovOgreBase* environment = nullptr;
         int destroyed = 0;
+        void textureEnds(const std::shared_ptr<Ogre::Texture>&) override { }
         void destroyScene() override
         {
             EXPECT_NE(Ogre::Root::getSingletonPtr(), nullptr);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 
 namespace {
 
@@ -241,6 +242,43 @@ TEST_F(ShaderEffect, ThePictureMovesGrowsAndTurns)
         filter.set("stScale", std::vector<float>{wild, wild});
         filter.set("stRotate", wild);
         filter.run();
+    }
+}
+
+TEST_F(ShaderEffect, AnInputThatIsDisconnectedStaysAsItWas)
+{
+    program(0, "uniform vec3 tint;", "gl_FragColor = vec4(tint, 1.0);");
+    program(1, "uniform sampler2D mSample0; uniform sampler2D mSample1;",
+        "gl_FragColor = texture2D(mSample1, textureCoord) + 0.0 * texture2D(mSample0, textureCoord);",
+        R"("INPUTS": 2)");
+    start();
+    const auto input = plain(8, 8, kGrey);
+    // Released at once, or drawn again, made larger and released later.
+    for (const bool atOnce : {true, false}) {
+        std::optional<host::Filter> source(filter(0));
+        auto both = filter(1);
+        source->setInput(input);
+        source->set("tint", std::vector{0.2f, 0.4f, 0.6f});
+        both.setInput(input);
+        both.connectFrom(*source, 1);
+        const Bgra before = rounded(0.6, 0.4, 0.2, 1);
+        EXPECT_EQ(middle(both), before);
+        ASSERT_EQ(ConnectFilter(nullptr, both.handle(), 1), 0u);
+        if (!atOnce) {
+            EXPECT_EQ(middle(both), before);
+            source->set("tint", std::vector{1.0f, 1.0f, 1.0f});
+            EXPECT_EQ(middle(*source), rounded(1, 1, 1, 1));
+            EXPECT_EQ(middle(both), before) << "the picture, not the texture that it came in";
+        }
+        source.reset();
+        EXPECT_EQ(middle(both), before);
+        auto other = filter(0);
+        other.setInput(input);
+        other.set("tint", std::vector{1.0f, 0.0f, 0.0f});
+        EXPECT_EQ(middle(other), rounded(0, 0, 1, 1));
+        EXPECT_EQ(middle(both), before);
+        both.connectFrom(other, 1);
+        EXPECT_EQ(middle(both), rounded(0, 0, 1, 1)) << "connected anew";
     }
 }
 

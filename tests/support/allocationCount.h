@@ -11,4 +11,12 @@ extern const bool kCountsAllocations;
 /// Allocations of all threads since the program started.
 std::size_t allocationCount();
 
+/// Makes one of the allocations that follow throw std::bad_alloc: the one with that number, from 1 on, of
+/// those that this program and the rendering library ask for on other threads. Those of drivers and
+/// compilers, which do not bear it, are not counted.
+void failAllocation(long number);
+
+/// Ends that. @return whether there were as many
+bool allocationFailed();
+
 } // namespace test

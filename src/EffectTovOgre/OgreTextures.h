@@ -1,0 +1,45 @@
+// Making textures that are known by name, or not at all.
+#pragma once
+
+#include "core/Types.h"
+
+#include <OgreTextureManager.h>
+
+struct TextureSize {
+    u32 width;
+    u32 height;
+    u32 depth = 1;
+};
+
+/// A texture without mipmaps. When it cannot be made nothing is left under its name, which the next attempt
+/// would find taken. Throws what OGRE throws.
+inline Ogre::TexturePtr makeTexture(const std::string& name, Ogre::TextureType type, TextureSize size,
+    Ogre::PixelFormat format, Ogre::TextureUsage usage)
+{
+    auto& textures = Ogre::TextureManager::getSingleton();
+    try {
+        return textures.createManual(
+            name, Ogre::RGN_DEFAULT, type, size.width, size.height, size.depth, 0, format, usage);
+    } catch (...) {
+        if (const auto half = textures.getByName(name, Ogre::RGN_DEFAULT))
+            textures.remove(half);
+        throw;
+    }
+}
+
+/// Another size and format for a texture that keeps its name. When that fails it has no size, so that the
+/// next attempt does not take it for done. Throws what OGRE throws.
+inline void resizeTexture(Ogre::Texture& texture, TextureSize size, Ogre::PixelFormat format)
+{
+    texture.freeInternalResources();
+    texture.setWidth(size.width);
+    texture.setHeight(size.height);
+    texture.setDepth(size.depth);
+    texture.setFormat(format);
+    try {
+        texture.createInternalResources();
+    } catch (...) {
+        texture.setWidth(0);
+        throw;
+    }
+}
