@@ -3,8 +3,8 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
-#include "effects/am/CSimpleAmEffect.h"
-#include "effects/am/amCatalog.h"
+#include "effects/am/library/CSimpleAmEffect.h"
+#include "effects/am/library/amCatalog.h"
 #include "effects/shader/CSimpleShaderEffect.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"

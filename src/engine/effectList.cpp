@@ -1,7 +1,7 @@
 // Gathers the registries behind one list.
 #include "engine/effectList.h"
 
-#include "effects/am/amCatalog.h"
+#include "effects/am/library/amCatalog.h"
 #include "effects/shader/descriptorList.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"

@@ -1,7 +1,7 @@
 // Pictures and blocks for tests of the numeric effect library.
 #pragma once
 
-#include "effects/am/amLibrary.h"
+#include "effects/am/library/amLibrary.h"
 #include "pixels/Random.h"
 
 #include <gtest/gtest.h>

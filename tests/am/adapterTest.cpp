@@ -1,8 +1,8 @@
 // The node of the numeric effect library: its parameters, its block, its texture.
 #include "am/AmFixture.h"
 #include "core/Log.h"
-#include "effects/am/CSimpleAmEffect.h"
-#include "effects/am/amCatalog.h"
+#include "effects/am/library/CSimpleAmEffect.h"
+#include "effects/am/library/amCatalog.h"
 #include "support/EngineFixture.h"
 #include "support/allocationCount.h"
 #include "support/inChild.h"

@@ -1,8 +1,8 @@
 // Every effect of the library at odd sizes, with every field of the block at its ends and beyond.
 #include "am/AmFixture.h"
-#include "effects/am/amDefaults.h"
-#include "effects/am/amFilters.h"
-#include "effects/am/brokenTelevision.h"
+#include "effects/am/library/amDefaults.h"
+#include "effects/am/library/amFilters.h"
+#include "effects/am/looks/brokenTelevision.h"
 #include "pixels/widest.h"
 
 #include <tbb/global_control.h>

@@ -1,6 +1,6 @@
 // Literal pixels through the effects that blend a picture with a texture, and what those keep between frames.
 #include "am/AmFixture.h"
-#include "effects/am/amScratch.h"
+#include "effects/am/library/amScratch.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // The catalog: exact GUIDs, names for command lines, described parameters.
-#include "effects/am/amCatalog.h"
+#include "effects/am/library/amCatalog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Blocks, result codes, scratch memory and dirty bits of the numeric effect library.
 #include "am/AmFixture.h"
-#include "effects/am/amScratch.h"
+#include "effects/am/library/amScratch.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Facts about the library's effects that read a kept copy of the picture.
 #include "am/AmFixture.h"
-#include "effects/am/CSimpleAmEffect.h"
-#include "effects/am/amScratch.h"
+#include "effects/am/library/CSimpleAmEffect.h"
+#include "effects/am/library/amScratch.h"
 
 #include <sys/mman.h>
 

@@ -1,7 +1,7 @@
 // Effects whose rows, sweeps or sums are taken in another order than they are told in, against that order.
 #include "am/AmFixture.h"
-#include "effects/am/amTables.h"
-#include "effects/am/firePalette.h"
+#include "effects/am/data/firePalette.h"
+#include "effects/am/library/amTables.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 // Panels, dark rims, the broken television and the kaleidoscope.
 #include "am/AmFixture.h"
-#include "effects/am/brokenTelevision.h"
+#include "effects/am/looks/brokenTelevision.h"
 
 namespace {
 

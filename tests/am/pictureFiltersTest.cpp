@@ -1,6 +1,6 @@
 // Facts about the library's effects that move pixels, scatter noise, damage film, light and select.
 #include "am/AmFixture.h"
-#include "effects/am/amTables.h"
+#include "effects/am/library/amTables.h"
 
 #include <array>
 #include <set>

@@ -1,7 +1,7 @@
 // One sweep over everything registered: odd sizes, parameters at their ends and beyond, guard bytes, and the
 // promise that threads and vector width never show in the bytes.
 #include "core/Clock.h"
-#include "effects/am/brokenTelevision.h"
+#include "effects/am/looks/brokenTelevision.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 #include "pixels/Random.h"

@@ -1,6 +1,6 @@
 // The pictures of the resource pack: all there, transparent where the photograph must show, and of the
 // brightness that their blend needs.
-#include "effects/am/amCatalog.h"
+#include "effects/am/library/amCatalog.h"
 #include "engine/effectList.h"
 #include "gpu/OgreTest.h"
 #include "host/Host.h"

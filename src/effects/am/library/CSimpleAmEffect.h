@@ -1,0 +1,41 @@
+// The filter node behind every id of the numeric effect library.
+#pragma once
+
+#include "effects/am/library/amTypes.h"
+#include "model/CSimpleEffect.h"
+
+#include <memory>
+
+namespace KEXSDK {
+
+/// Owns one parameter block, fills it from the node's named parameters and applies it to input 0. A
+/// failed effect leaves a copy of input 0 in the output.
+class CSimpleAmEffect : public CSimpleEffect {
+public:
+    /// @param id           of the catalog
+    /// @param texturePath  picture that the effect combines with input 0, or null. It becomes input 1; when
+    ///                     it cannot be loaded the effect sees transparent black
+    CSimpleAmEffect(i32 id, u32 width, u32 height, const char* texturePath);
+    ~CSimpleAmEffect() override;
+
+    /// One for every id: the texture is not the host's business.
+    u32 getInputCount() override { return 1; }
+    void run() override;
+
+    /// Called by the constructor: loads the texture, makes the block, declares the parameters.
+    virtual void setup(i32 id, const char* texturePath);
+    /// Called by every run: copies the parameters into the block and marks what must be rebuilt.
+    virtual void updateParams();
+
+protected:
+    AmEffectParams* params = nullptr;
+
+private:
+    void declareParams();
+    AmImageDesc describe(const CEffectImage& image) const;
+
+    /// The texture, or transparent black in its place; empty for ids without a texture.
+    std::unique_ptr<CEffectImage> texture_;
+};
+
+} // namespace KEXSDK

@@ -1,0 +1,20 @@
+// The three families of ids, and the block that each id starts with.
+#pragma once
+
+#include "effects/am/library/amTypes.h"
+
+namespace KEXSDK::am {
+
+struct IdRange {
+    i32 first;
+    i32 last;
+    constexpr bool contains(i32 id) const { return id >= first && id <= last; }
+};
+inline constexpr IdRange kFilters{1, 97};
+inline constexpr IdRange kLocals{1025, 1043};
+inline constexpr IdRange kBlends{2049, 2206};
+
+/// A block of that id without scratch buffers.
+AmEffectParams defaultsOf(i32 id);
+
+} // namespace KEXSDK::am

@@ -1,0 +1,87 @@
+// What an effect of the library is called with, and the rows that the families are tables of.
+#pragma once
+
+#include "effects/am/library/amTypes.h"
+#include "pixels/rows.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+namespace KEXSDK::am {
+
+/// Pixels of a side: twice the engine's largest picture. Within this the effects' integers do not overflow.
+inline constexpr i32 kMaxExtent = 8192;
+
+/// One picture on its way through one effect.
+struct Frame {
+    pixels::ConstView src;    ///< what to work from: the very rows of dst, or rows that nothing overwrites
+    pixels::View dst;         ///< to be written completely
+    pixels::ConstView second; ///< the texture; no bytes without one
+    AmEffectParams& block;
+    i32 dataSize; ///< bytes of pixels, as the caller's descriptor has it
+
+    bool inPlace() const { return src.bytes() == dst.bytes(); }
+};
+
+/// Answers an AmResult. One that fails does so before it writes to dst.
+using Effect = i32 (*)(const Frame&);
+
+/// What an effect's src may be.
+enum class Source {
+    any,  ///< effects that read a pixel before they write it
+    kept, ///< never the rows of dst: when the picture is changed in place, src is a copy in scratch B,
+          ///< and scratch A holds another one
+};
+
+/// What size an effect's second picture may have.
+enum class Second {
+    any,   ///< effects without one, and those that look at its size themselves
+    alike, ///< the first picture's, or the effect is refused
+};
+
+struct EffectRow {
+    i32 id;
+    Effect run;
+    void (*prepare)(AmEffectParams&) = nullptr; ///< settings that the id forces upon its block
+    Source source = Source::any;
+    Second second = Second::any;
+};
+
+/// Tables are searched by id.
+constexpr bool idsAscend(std::span<const EffectRow> rows)
+{
+    return std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, &EffectRow::id) == rows.end();
+}
+
+/// Rows [top, end) of src to dst, for effects that then change some pixels there.
+inline void copyRows(const Frame& frame, int top, int end)
+{
+    if (frame.inPlace())
+        return;
+    for (int y = top; y < end; ++y)
+        std::memcpy(frame.dst.row(y).data(), frame.src.row(y).data(), frame.dst.row(y).size_bytes());
+}
+
+/// The effect that applies a kernel, made from the block once per frame, to every pixel on its own.
+template <class Kernel> i32 eachPixel(const Frame& frame)
+{
+    pixels::rows::map(frame.src, frame.dst, Kernel(frame.block));
+    return kAmOk;
+}
+
+/// The same for a function of the pixel alone.
+template <pixels::Bgra (*kFunction)(pixels::Bgra)> i32 eachPixel(const Frame& frame)
+{
+    pixels::rows::map(frame.src, frame.dst, [](pixels::Bgra p) { return kFunction(p); });
+    return kAmOk;
+}
+
+// The luma forms of the library.
+constexpr int y4(pixels::Bgra p) { return (p.b + 2 * p.g + p.r) >> 2; }
+constexpr int y8(pixels::Bgra p) { return (29 * p.b + 150 * p.g + 76 * p.r + 255) >> 8; }
+constexpr int y10(pixels::Bgra p) { return (117 * p.b + 601 * p.g + 306 * p.r + 512) >> 10; }
+
+constexpr int percentOf(const AmEffectParams& block) { return std::clamp(block.percent, 0, 100); }
+
+} // namespace KEXSDK::am

@@ -1,0 +1,271 @@
+// Tinted panels with lines between them.
+#include "effects/am/library/amFilters.h"
+#include "pixels/columns.h"
+
+#include <array>
+#include <initializer_list>
+
+namespace KEXSDK::am {
+
+namespace {
+
+using pixels::Bgra;
+namespace rows = pixels::rows;
+
+// Lines throw shadows five pixels wide on the panels beside them.
+constexpr int kShadow = 5;
+constexpr std::array<int, kShadow> kTowardsLine{245, 224, 194, 153, 102};
+
+enum class Stroke { tint, shadeRight, shadeLeft, line, greyRight, greyLeft };
+
+// What is done to a run of columns. Right and left say where a shadow's line lies.
+struct Ink {
+    Stroke stroke;
+    int r; ///< shares of 128 of full channels; a line has its value in r
+    int g;
+    int b;
+};
+
+constexpr Ink shadeRight(Ink tint) { return {Stroke::shadeRight, tint.r, tint.g, tint.b}; }
+constexpr Ink shadeLeft(Ink tint) { return {Stroke::shadeLeft, tint.r, tint.g, tint.b}; }
+
+constexpr Ink kWhite{Stroke::line, 255, 0, 0};
+constexpr Ink kBlack{Stroke::line, 0, 0, 0};
+constexpr Ink kGreyRight{Stroke::greyRight, 0, 0, 0};
+constexpr Ink kGreyLeft{Stroke::greyLeft, 0, 0, 0};
+constexpr Ink kRed{Stroke::tint, 86, 2, 2};
+constexpr Ink kGreen{Stroke::tint, 21, 59, 7};
+constexpr Ink kSky{Stroke::tint, 9, 62, 103};
+constexpr Ink kBlue{Stroke::tint, 16, 5, 99};
+constexpr Ink kPlum{Stroke::tint, 34, 15, 58};
+constexpr Ink kRust{Stroke::tint, 63, 24, 14};
+constexpr Ink kSand{Stroke::tint, 79, 59, 21};
+constexpr Ink kSlate{Stroke::tint, 17, 46, 75};
+
+// Columns up to `end`, from where the run before ended.
+struct Run {
+    Ink ink;
+    int end;
+};
+
+// The bands of a picture, from its first row on. In pictures too small for a layout, ends may lie before
+// their starts, or beyond the picture: such runs and bands are empty, and of two that overlap the later one
+// is seen.
+class Panels {
+public:
+    explicit Panels(pixels::Extent size) : w(size.width), h(size.height) { }
+
+    const int w;
+    const int h;
+
+    /// Rows up to `endRow`, from where the band before ended; the last run ends with the row.
+    void band(int endRow, std::initializer_list<Run> runs)
+    {
+        Band& added = bands_[std::size_t(count_++)];
+        added.end = endRow;
+        std::ranges::copy(runs, added.runs.begin());
+        added.runCount = int(runs.size());
+    }
+
+    void drawRow(const Bgra* from, Bgra* to, int y) const
+    {
+        int start = 0;
+        const Band* seen = nullptr;
+        for (int i = 0; i < count_; ++i) {
+            if (y >= start && y < bands_[std::size_t(i)].end)
+                seen = &bands_[std::size_t(i)];
+            start = bands_[std::size_t(i)].end;
+        }
+        int first = 0;
+        for (int i = 0; i < seen->runCount; ++i) {
+            const Run& run = seen->runs[std::size_t(i)];
+            drawRun(from, to, first, run);
+            first = run.end;
+        }
+    }
+
+private:
+    static constexpr int kMostBands = 9;
+    static constexpr int kMostRuns = 7;
+    struct Band {
+        int end;
+        int runCount;
+        std::array<Run, kMostRuns> runs;
+    };
+
+    void drawRun(const Bgra* from, Bgra* to, int first, const Run& run) const
+    {
+        const auto draw = [=, begin = std::max(first, 0), end = std::min(run.end, w)](
+                              auto kernel) { pixels::mapColumns(from, to, begin, end, kernel); };
+        const auto tinted = [ink = run.ink](Bgra p) -> Bgra {
+            const auto lifted = [](int c, int k) { return u8(c - (c * k >> 7) + k); };
+            return {lifted(p.b, ink.b), lifted(p.g, ink.g), lifted(p.r, ink.r), p.a};
+        };
+        const auto shade = [first, last = run.end - 1](int x, bool lineIsRight) {
+            return kTowardsLine[std::size_t(lineIsRight ? x - first : last - x)];
+        };
+        const auto shaded = [=](Bgra source, int s) -> Bgra {
+            const Bgra p = tinted(source);
+            return {u8(p.b * s >> 8), u8(p.g * s >> 8), u8(p.r * s >> 8), p.a};
+        };
+        switch (run.ink.stroke) {
+        case Stroke::tint:
+            return draw([=](int, Bgra p) { return tinted(p); });
+        case Stroke::shadeRight:
+            return draw([=](int x, Bgra p) { return shaded(p, shade(x, true)); });
+        case Stroke::shadeLeft:
+            return draw([=](int x, Bgra p) { return shaded(p, shade(x, false)); });
+        case Stroke::line:
+            return draw([value = u8(run.ink.r)](int, Bgra p) { return pixels::grey(p, value); });
+        case Stroke::greyRight:
+            return draw([=](int x, Bgra p) { return pixels::grey(p, u8(shade(x, true))); });
+        case Stroke::greyLeft:
+            return draw([=](int x, Bgra p) { return pixels::grey(p, u8(shade(x, false))); });
+        }
+    }
+
+    std::array<Band, kMostBands> bands_;
+    int count_ = 0;
+};
+
+// Two interlocking pieces.
+void layOutA(Panels& p)
+{
+    const int w = p.w;
+    const int q = p.w / 4;
+    const int r = p.h / 4;
+    p.band(r - 2, {{kRed, 3 * q - 2}, {kWhite, 3 * q + 1}, {kBlue, w}});
+    p.band(r + 1, {{kRed, q - 2}, {kWhite, 2 * q + 1}, {kRed, 3 * q - 2}, {kWhite, 3 * q + 1}, {kBlue, w}});
+    p.band(3 * r - 2,
+        {{kRed, q - 2}, {kWhite, q + 1}, {kBlue, 2 * q - 2}, {kWhite, 2 * q + 1}, {kRed, 3 * q - 2},
+            {kWhite, 3 * q + 1}, {kBlue, w}});
+    p.band(3 * r + 1, {{kRed, q - 2}, {kWhite, q + 1}, {kBlue, 2 * q - 2}, {kWhite, 3 * q + 1}, {kBlue, w}});
+    p.band(p.h, {{kRed, q - 2}, {kWhite, q + 1}, {kBlue, w}});
+}
+
+// Bricks.
+void layOutB(Panels& p)
+{
+    const int w = p.w;
+    const int a = p.w / 3;
+    p.band(p.h / 2 - 1, {{kRed, 2 * a - 1}, {kBlack, 2 * a + 1}, {kGreen, w}});
+    p.band(p.h / 2 + 1, {{kBlack, w}});
+    p.band(p.h, {{kSky, a - 1}, {kBlack, a + 1}, {kBlue, w}});
+}
+
+// A cross.
+void layOutC(Panels& p)
+{
+    const int w = p.w;
+    const int m = p.w / 2;
+    p.band(p.h / 2 - 1, {{kPlum, m - 1}, {kBlack, m + 1}, {kRust, w}});
+    p.band(p.h / 2 + 1, {{kBlack, w}});
+    p.band(p.h, {{kSand, m - 1}, {kBlack, m + 1}, {kSlate, w}});
+}
+
+// A framed window in the middle.
+void layOutD(Panels& p)
+{
+    const int w = p.w;
+    const int h = p.h;
+    const int a = 2 * (w / 3);
+    const int b = a - w / 2;
+    const int c = 7 * (w / 8);
+    const Ink greenShade = shadeRight(kGreen);
+    const Ink skyShade = shadeRight(kSky);
+    p.band(h / 4, {{kGreen, a - 6}, {greenShade, a - 1}, {kWhite, a + 2}, {kBlue, w}});
+    p.band(h / 4 + 3, {{kGreen, b - 5}, {greenShade, b}, {kWhite, c}, {kBlue, w}});
+    p.band(
+        h / 2, {{kGreen, b - 5}, {greenShade, b}, {kWhite, b + 3}, {kRed, c - 3}, {kWhite, c}, {kBlue, w}});
+    p.band(h / 2 + 3, {{kWhite, b + 3}, {kRed, c - 3}, {kWhite, c}, {kBlue, w}});
+    p.band(
+        h - h / 4, {{kSky, b - 5}, {skyShade, b}, {kWhite, b + 3}, {kRed, c - 3}, {kWhite, c}, {kBlue, w}});
+    p.band(h - h / 4 + 3, {{kSky, b - 5}, {skyShade, b}, {kWhite, c}, {kBlue, w}});
+    p.band(h - h / 8 - 3, {{kSky, a - 6}, {skyShade, a - 1}, {kWhite, a + 2}, {kBlue, w}});
+    p.band(h - h / 8, {{kSky, a - 6}, {skyShade, a - 1}, {kWhite, w}});
+    p.band(h, {{kSky, w}});
+}
+
+void layOutE(Panels& p)
+{
+    const int w = p.w;
+    const int u = p.w * 47 / 100;
+    const int v = p.w * 74 / 100;
+    const int r1 = p.h * 34 / 100;
+    const int r2 = p.h * 48 / 100;
+    const int r3 = p.h * 55 / 100;
+    const Ink fromBlue = shadeLeft(kBlue);
+    const Ink toBlue = shadeRight(kBlue);
+    const Ink fromRed = shadeLeft(kRed);
+    const Ink toRed = shadeRight(kRed);
+    p.band(r1, {{kGreen, u - 1}, {kWhite, u + 2}, {fromBlue, u + 7}, {kBlue, w}});
+    p.band(r1 + 3,
+        {{kGreen, u - 1}, {kWhite, u + 2}, {fromBlue, u + 7}, {kBlue, v - 5}, {toBlue, v}, {kWhite, w}});
+    p.band(r2,
+        {{kGreen, u - 1}, {kWhite, u + 2}, {fromBlue, u + 7}, {kBlue, v - 5}, {toBlue, v}, {kWhite, v + 3},
+            {kSky, w}});
+    p.band(r2 + 3,
+        {{kGreen, u - 1}, {kWhite, u + 2}, {kGreyLeft, u + 7}, {kWhite, v - 5}, {kGreyRight, v},
+            {kWhite, v + 3}, {kSky, w}});
+    p.band(r3,
+        {{kGreen, u - 1}, {kWhite, u + 2}, {fromRed, u + 7}, {kRed, v - 5}, {toRed, v}, {kWhite, v + 3},
+            {kSky, w}});
+    p.band(
+        r3 + 3, {{kWhite, u + 2}, {fromRed, u + 7}, {kRed, v - 5}, {toRed, v}, {kWhite, v + 3}, {kSky, w}});
+    p.band(p.h, {{kRed, v - 5}, {toRed, v}, {kWhite, v + 3}, {kSky, w}});
+}
+
+void layOutF(Panels& p)
+{
+    const int w = p.w;
+    const int m = p.w / 2;
+    const int u = p.w * 32 / 100;
+    const int v = p.w * 45 / 100;
+    const int r1 = p.h * 43 / 100;
+    const int r2 = 3 * p.h / 5;
+    const int r3 = p.h * 65 / 100;
+    const Ink fromBlue = shadeLeft(kBlue);
+    const Ink toGreen = shadeRight(kGreen);
+    const Ink toSky = shadeRight(kSky);
+    p.band(r1 - 1, {{kRed, m - 1}, {kWhite, m + 1}, {fromBlue, m + 6}, {kBlue, w}});
+    p.band(r1 + 1, {{kWhite, m + 1}, {fromBlue, m + 6}, {kBlue, w}});
+    p.band(r2 - 1, {{kGreen, v - 6}, {toGreen, v - 1}, {kWhite, v + 1}, {kBlue, w}});
+    p.band(r2 + 1,
+        {{kGreen, u - 6}, {toGreen, u - 1}, {kWhite, v - 6}, {kGreyRight, v - 1}, {kWhite, v + 1},
+            {kBlue, w}});
+    p.band(r3 - 1,
+        {{kGreen, u - 6}, {toGreen, u - 1}, {kWhite, u + 1}, {kSky, v - 6}, {toSky, v - 1}, {kWhite, v + 1},
+            {kBlue, w}});
+    p.band(r3 + 1,
+        {{kGreen, u - 6}, {toGreen, u - 1}, {kWhite, u + 1}, {kSky, v - 6}, {toSky, v - 1}, {kWhite, w}});
+    p.band(p.h, {{kGreen, u - 6}, {toGreen, u - 1}, {kWhite, u + 1}, {kSky, w}});
+}
+
+template <void (*kLayOut)(Panels&)> i32 panels(const Frame& f)
+{
+    Panels layout(f.dst.extent());
+    kLayOut(layout);
+    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
+        pixels::widest([=, &layout, src = f.src, dst = f.dst] {
+            for (int y = top; y < end; ++y)
+                layout.drawRow(src.row(y).data(), dst.row(y).data(), y);
+        });
+    });
+    return kAmOk;
+}
+
+constexpr EffectRow kRows[] = {
+    {89, panels<layOutA>, nullptr, Source::kept},
+    {90, panels<layOutB>, nullptr, Source::kept},
+    {91, panels<layOutC>, nullptr, Source::kept},
+    {92, panels<layOutD>, nullptr, Source::kept},
+    {93, panels<layOutE>, nullptr, Source::kept},
+    {94, panels<layOutF>, nullptr, Source::kept},
+};
+static_assert(idsAscend(kRows));
+
+} // namespace
+
+std::span<const EffectRow> panelLooks() { return kRows; }
+
+} // namespace KEXSDK::am

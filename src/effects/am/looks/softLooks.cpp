@@ -1,0 +1,120 @@
+// Soft noise over grey, and a soft focus.
+#include "effects/am/data/storedCurves.h"
+#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amScratch.h"
+#include "effects/am/loops/HalfStepBlur.h"
+#include "effects/am/loops/pencil.h"
+#include "effects/am/loops/rowPasses.h"
+#include "pixels/Random.h"
+#include "pixels/columns.h"
+
+namespace KEXSDK::am {
+
+namespace {
+
+using pixels::Bgra;
+using pixels::ByteTable;
+namespace rows = pixels::rows;
+
+// The blue channel with noise, averaged over three columns.
+class NoisyGrey {
+public:
+    NoisyGrey(pixels::ConstView src, pixels::RandomGenerator random) : src_(src), random_(random) { }
+
+    void makeRow(int y, u8* to) const
+    {
+        std::array<u16, kMaxExtent> noise;
+        GreyRow noisy;
+        const int width = src_.width();
+        pixels::RandomGenerator random = random_;
+        random.skip(u32(y) * u32(width));
+        random.fill(noise.data(), width);
+        pixels::widest([=, from = src_.row(y).data(), n = noise.data(), grey = noisy.data()] {
+            pixels::eachIndex(0, width,
+                [=](int x) { grey[x] = u8((185 * pixels::load(from + x).b + 71 * (n[x] & 255)) >> 8); });
+            pixels::eachIndex(
+                1, width - 1, [=](int x) { to[x] = u8((grey[x - 1] + grey[x] + grey[x + 1]) / 3); });
+        });
+        const int last = width - 1;
+        to[0] = width > 1 ? u8((noisy[0] + noisy[1]) / 2) : noisy[0];
+        if (last > 0)
+            to[last] = u8((noisy[std::size_t(last - 1)] + noisy[std::size_t(last)]) / 2);
+    }
+
+private:
+    pixels::ConstView src_;
+    pixels::RandomGenerator random_;
+};
+
+// Rows that do not count are zero.
+template <int kCount> void averageRows(GreyRows greys, const Bgra* from, Bgra* to, int width)
+{
+    pixels::widest([=] {
+        pixels::mapColumns(from, to, 0, width, [=](int x, Bgra p) {
+            return pixels::grey(p, u8((greys.below[x] + greys.row[x] + greys.above[x]) / kCount));
+        });
+    });
+}
+
+i32 noisyBlackAndWhite(const Frame& f)
+{
+    static constexpr GreyRow kNothing{};
+    const NoisyGrey noisy(f.src, pixels::threadRandom());
+    pixels::threadRandom().skip(u32(f.dst.width()) * u32(f.dst.height()));
+    const int height = f.dst.height();
+    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
+        std::array<GreyRow, 3> held;
+        const auto make = [&](int y) -> const u8* {
+            if (y < 0 || y >= height)
+                return kNothing.data();
+            u8* const to = held[std::size_t(y % 3)].data();
+            noisy.makeRow(y, to);
+            return to;
+        };
+        GreyRows greys{nullptr, make(top - 1), make(top)};
+        for (int y = top; y < end; ++y) {
+            greys = {greys.row, greys.above, make(y + 1)};
+            const int count = 1 + (y > 0) + (y < height - 1);
+            const auto average = count == 3 ? averageRows<3> : count == 2 ? averageRows<2> : averageRows<1>;
+            average(greys, f.src.row(y).data(), f.dst.row(y).data(), f.dst.width());
+        }
+    });
+    return kAmOk;
+}
+
+constexpr ByteTable kFuzzy = curveThrough({0, 97, 175, 223, 255});
+
+// The blurred picture laid over the sharp one. The scratch buffer holds what an effect changed in place has
+// kept there twice.
+i32 softFocus(const Frame& f)
+{
+    const int width = f.dst.width();
+    if (!ensureScratchA(f.block, i64(width) * f.dst.height() * 4))
+        return kAmNoTemporary;
+    const pixels::View temporary(static_cast<u8*>(f.block.scratchA), f.dst.extent());
+    HalfStepBlur(f.src, temporary, 4 + (f.dataSize >> 21)).eachRow([&](int y, pixels::View blurred) {
+        const pixels::View to = f.dst.rows(y, y + 1);
+        pixels::mapTables(blurred, blurred, {kFuzzy, kFuzzy, kFuzzy});
+        rows::map2(f.src.rows(y, y + 1), blurred, to, [](Bgra sharp, Bgra soft) -> Bgra {
+            const auto overlaid = [](int o, int t) {
+                const int light = 255 - ((255 - o) * (255 - t) >> 7);
+                return u8(t >= 128 ? light : o * t >> 7);
+            };
+            return {overlaid(sharp.b, soft.b), overlaid(sharp.g, soft.g), overlaid(sharp.r, soft.r), sharp.a};
+        });
+        pixels::mapTables(to, to, {kFuzzy, kFuzzy, kFuzzy});
+    });
+    return kAmOk;
+}
+
+constexpr EffectRow kRows[] = {
+    {73, noisyBlackAndWhite, nullptr, Source::kept},
+    {77, softFocus, nullptr, Source::kept},
+};
+static_assert(idsAscend(kRows));
+
+} // namespace
+
+std::span<const EffectRow> softLooks() { return kRows; }
+
+} // namespace KEXSDK::am
