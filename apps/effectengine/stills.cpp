@@ -52,8 +52,8 @@ StillGraph::StillGraph(const host::GraphDescription& description, std::span<cons
 
 void StillGraph::begin()
 {
-    // A result does not depend on what was made before it. Random tables that all of the process shares are made
-    // with its first nodes, by the same generator: the first picture's state after that is everyone's.
+    // A result does not depend on what was made before it. Random tables that all of the process shares are
+    // made with its first nodes, by the same generator: the first picture's state after that is everyone's.
     pixels::threadRandom() = pixels::RandomGenerator();
     graph_.emplace(description_, pictures_[0].width(), pictures_[0].height());
     static const pixels::RandomGenerator start = pixels::threadRandom();
@@ -67,7 +67,8 @@ CEffectImage* StillGraph::at(const host::FrameTime& time)
 {
     last_ = time;
     const long long frame = std::llround(std::max(0.0, time.seconds) * time.frameRate);
-    const long long before = facts_.fromStart.empty() ? std::min<long long>(facts_.historyFrames, frame) : frame;
+    const long long before =
+        facts_.fromStart.empty() ? std::min<long long>(facts_.historyFrames, frame) : frame;
     if (before > 0 && frame + 1 < seen_)
         begin();
     for (long long i = std::max(seen_, frame - before); i < frame; ++i) {

@@ -6,12 +6,12 @@
 #include <optional>
 #include <span>
 
-/// A graph over pictures, at one moment or at several. Effects with a history have seen the pictures before, at
-/// the frame rate and for as many frames as they depend on.
+/// A graph over pictures, at one moment or at several. Effects with a history have seen the pictures before,
+/// at the frame rate and for as many frames as they depend on.
 class StillGraph {
 public:
-    /// Needs a running engine. The pictures are the graph's sources in their order, all of one size; they must
-    /// outlive this object, which leaves them as they are. Throws GraphError.
+    /// Needs a running engine. The pictures are the graph's sources in their order, all of one size; they
+    /// must outlive this object, which leaves them as they are. Throws GraphError.
     StillGraph(const host::GraphDescription& description, std::span<const host::Image> pictures);
 
     /// The picture at a moment; it belongs to the graph and holds until the next call. Moments in ascending

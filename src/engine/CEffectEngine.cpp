@@ -43,10 +43,10 @@ bool CEffectEngine::initOgreEnvirenment()
 
 void CEffectEngine::initAmEffects()
 {
-    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog()) {
-        amIdByGuid_[row.guid] = row.id;
-        if (row.texture)
-            amTextureByGuid_[row.guid] = row.texture;
+    for (const auto& [effect, family] : KEXSDK::amCatalog()) {
+        amIdByGuid_[effect->entry.guid] = effect->id;
+        if (effect->texture)
+            amTextureByGuid_[effect->entry.guid] = effect->texture;
     }
 }
 

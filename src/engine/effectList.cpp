@@ -82,7 +82,7 @@ std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid
     if (node)
         return node->described();
     std::vector<const KEXSDK::ParamInfo*> params{&KEXSDK::kEnable, &KEXSDK::kGlobalTime, &KEXSDK::kTotalTime};
-    if (const KEXSDK::AmCatalogRow* row = KEXSDK::findAmRow(guid)) {
+    if (const KEXSDK::am::EffectRow* row = KEXSDK::findAmRow(guid)) {
         for (const KEXSDK::ParamInfo& param : KEXSDK::amParameters(row->id))
             params.push_back(&param);
     }

@@ -118,8 +118,9 @@ class RendererCommand final : public Ogre::ParamCommand {
     void doSet(void* target, const String& name) override
     {
         auto known = Ogre::ParticleSystemManager::getSingleton().getRendererFactoryIterator();
-        if (known.current() != known.end()
-            && std::any_of(known.begin(), known.end(), [&](const auto& entry) { return entry.first == name; }))
+        if (known.current() != known.end() && std::any_of(known.begin(), known.end(), [&](const auto& entry) {
+                return entry.first == name;
+            }))
             static_cast<Ogre::ParticleSystem*>(target)->setRenderer(name);
         else
             log("Particle script: there is no renderer \"" + name + "\".");

@@ -1,7 +1,7 @@
 // Every effect of the library at odd sizes, with every field of the block at its ends and beyond.
 #include "am/AmFixture.h"
 #include "effects/am/library/amDefaults.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/looks/brokenTelevision.h"
 #include "pixels/widest.h"
 
@@ -22,7 +22,7 @@ std::vector<i32> differentEffects()
     const am::EffectRow* last = nullptr;
     for (i32 id = am::kFilters.first; id <= am::kBlends.last; ++id) {
         const am::EffectRow* const row = am::findEffect(id);
-        if (row && !(last && last->run == row->run && last->prepare == row->prepare))
+        if (row && !(last && last->apply == row->apply && last->prepare == row->prepare))
             ids.push_back(id);
         last = row;
     }

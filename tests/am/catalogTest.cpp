@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <set>
+#include <stdexcept>
 
 namespace {
 
@@ -15,11 +17,12 @@ TEST(AmCatalog, Holds155DistinctGuidsInTheirOrder)
     std::set<std::string> guids;
     std::set<i32> ids;
     u64 digest = 0xcbf29ce484222325; // FNV-1a over every letter of the table
-    for (const AmCatalogRow& row : amCatalog()) {
-        guids.insert(row.guid);
-        ids.insert(row.id);
-        const std::string line = std::to_string(row.id) + '|' + row.name + '|' + row.guid + '|'
-            + (row.texture ? row.texture : "") + '\n';
+    for (const auto& [effect, family] : amCatalog()) {
+        const auto& [place, name, guid] = effect->entry;
+        guids.insert(guid);
+        ids.insert(effect->id);
+        const std::string line = std::to_string(effect->id) + '|' + name + '|' + guid + '|'
+            + (effect->texture ? effect->texture : "") + '\n';
         for (const char c : line)
             digest = (digest ^ u8(c)) * 0x100000001b3;
     }
@@ -28,9 +31,55 @@ TEST(AmCatalog, Holds155DistinctGuidsInTheirOrder)
     EXPECT_EQ(digest, 0x91cbe16c9e7f3fa3u);
 }
 
+TEST(AmCatalog, TablesThatDoNotHoldTogetherAreRefused)
+{
+    using namespace am;
+    constexpr const char* kGuid = "040AC214-A380-4129-8F48-9B9623CDF3F4";
+    constexpr const char* kOther = "CA4F3A55-8308-406f-AD90-6652AD8A9027";
+    constexpr Effect kNothing = [](const Frame&) -> i32 { return kAmOk; };
+    const auto listed = [=](i32 id, int place, const char* name, const char* guid) {
+        return EffectRow{.id = id,
+            .entry = {.place = place, .name = name, .guid = guid},
+            .shown = {.title = "Title", .summary = "A sentence."},
+            .apply = kNothing};
+    };
+    const EffectRow first = listed(3, 0, "First", kGuid);
+    const EffectRow second = listed(5, 1, "Second", kOther);
+    const EffectRow unlisted{.id = 4, .apply = kNothing};
+    const auto soundWith = [&](auto change) {
+        std::array rows{first, unlisted, second};
+        change(rows[0], rows[1], rows[2]);
+        return isSound(rows);
+    };
+    using Row = EffectRow&;
+    EXPECT_TRUE(soundWith([](Row, Row, Row) {}));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.id = c.last = 4; })) << "an id twice";
+    EXPECT_FALSE(soundWith([](Row, Row b, Row) { b.last = 5; })) << "a run over the next row";
+    EXPECT_FALSE(soundWith([](Row a, Row, Row c) { c.entry.place = a.entry.place; }));
+    EXPECT_FALSE(soundWith([](Row a, Row, Row c) { c.entry.name = a.entry.name; }));
+    EXPECT_FALSE(soundWith([](Row a, Row, Row c) { c.entry.guid = a.entry.guid; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.entry.guid = "CA4F3A55-8308-406f-AD90-6652AD8A902"; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.entry.guid = "CA4F3A55_8308_406f_AD90_6652AD8A9027"; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.shown.title = nullptr; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.shown.summary = "No sentence"; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.apply = nullptr; }));
+    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.last = 6; })) << "one entry for two ids";
+    EXPECT_FALSE(soundWith([](Row, Row b, Row) { b.texture = "a.png"; })) << "a texture without an entry";
+
+    const auto fitWith = [&](const EffectRow& other) {
+        const Table tables[] = {{Family::look, {&second, 1}}, {Family::filter, {&other, 1}}};
+        return collect(tables).catalogue.front().effect == &other;
+    };
+    EXPECT_TRUE(fitWith(first)) << "sorted by place";
+    EXPECT_THROW(fitWith(listed(5, 0, "First", kGuid)), std::logic_error) << "an id twice";
+    EXPECT_THROW(fitWith(listed(3, 0, "First", kOther)), std::logic_error) << "a GUID twice";
+    EXPECT_THROW(fitWith(listed(3, 1, "First", kGuid)), std::logic_error) << "a place twice";
+    EXPECT_THROW(fitWith(listed(3, 2, "First", kGuid)), std::logic_error) << "place 0 left out";
+}
+
 TEST(AmCatalog, IsSearchedByTheExactGuid)
 {
-    const AmCatalogRow* row = findAmRow("1C3593CE-611E-4718-A571-AC16D0675F57");
+    const am::EffectRow* row = findAmRow("1C3593CE-611E-4718-A571-AC16D0675F57");
     ASSERT_TRUE(row);
     EXPECT_EQ(row->id, 2052);
     EXPECT_STREQ(row->texture, "AncientCanvas.png");

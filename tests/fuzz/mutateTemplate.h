@@ -1,4 +1,5 @@
-// Mutations of particle templates: the odd numbers, cut sections and repeated blocks that people's files hold.
+// Mutations of particle templates: the odd numbers, cut sections and repeated blocks that people's files
+// hold.
 #pragma once
 
 #include <array>
@@ -30,8 +31,8 @@ private:
         "1e999", "-1e30", "1e30", "1e38", "3.4e38", "1e-30", "1e-45", "0.001", "1000000000", "4294967295",
         "4294967296", "-2147483648", "65535", "65536", "16383", "16384", "1e6", "0.5", "60000", "180", "360",
         "1e-6", "10 20", "1 2 3", "nan nan nan", "inf 0 0 1", "-0"};
-    static constexpr std::array<std::string_view, 10> kTypes{"Point", "Box", "Cylinder", "Ellipsoid",
-        "HollowEllipsoid", "Ring", "Ranged", "Nothing", "", "point"};
+    static constexpr std::array<std::string_view, 10> kTypes{
+        "Point", "Box", "Cylinder", "Ellipsoid", "HollowEllipsoid", "Ring", "Ranged", "Nothing", "", "point"};
     static constexpr std::array<std::string_view, 12> kAffectors{"LinearForce", "ColourFader", "ColourFader2",
         "ColourImage", "ColourInterpolator", "DeflectorPlane", "DirectionRandomiser", "Rotator", "Scaler",
         "MassForce", "MaxVelocity", "Nothing"};
@@ -62,7 +63,10 @@ private:
         return lines;
     }
 
-    std::size_t pick(std::size_t count) { return std::uniform_int_distribution<std::size_t>(0, count - 1)(random_); }
+    std::size_t pick(std::size_t count)
+    {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random_);
+    }
     template <class List> std::string one(const List& list) { return std::string(list[pick(list.size())]); }
     std::size_t at(const std::vector<std::string>& lines) { return pick(lines.size()); }
 

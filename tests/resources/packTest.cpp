@@ -50,9 +50,9 @@ struct Decoded {
 std::set<std::string> catalogueTextures()
 {
     std::set<std::string> names;
-    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog())
-        if (row.texture)
-            names.insert(row.texture);
+    for (const auto& [effect, family] : KEXSDK::amCatalog())
+        if (effect->texture)
+            names.insert(effect->texture);
     return names;
 }
 
@@ -199,16 +199,17 @@ private:
 
 TEST_F(PackEffects, NoTextureDrownsThePhotographOrLeavesItUntouched)
 {
-    for (const KEXSDK::AmCatalogRow& row : KEXSDK::amCatalog()) {
-        if (!row.texture)
+    for (const auto& [effect, family] : KEXSDK::amCatalog()) {
+        if (!effect->texture)
             continue;
-        const Shown shown = show(row.guid);
-        EXPECT_GT(shown.changed, 3) << row.name << " does nothing";
-        if (std::string_view(row.name) == "Classic")
+        const auto& [place, name, guid] = effect->entry;
+        const Shown shown = show(guid);
+        EXPECT_GT(shown.changed, 3) << name << " does nothing";
+        if (std::string_view(name) == "Classic")
             continue; // a drawing: areas turn to paper
-        EXPECT_GT(shown.contrast(), 50) << row.name;
-        EXPECT_GT(shown.brightest(), 110) << row.name << " is too dark";
-        EXPECT_LT(shown.darkest(), 150) << row.name << " is too bright";
+        EXPECT_GT(shown.contrast(), 50) << name;
+        EXPECT_GT(shown.brightest(), 110) << name << " is too dark";
+        EXPECT_LT(shown.darkest(), 150) << name << " is too bright";
     }
 }
 

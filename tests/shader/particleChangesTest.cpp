@@ -1,4 +1,5 @@
-// Particle scenes whose attributes change while they run, at any rate of frames; and templates that ask too much.
+// Particle scenes whose attributes change while they run, at any rate of frames; and templates that ask too
+// much.
 #include "shader/ShaderEngine.h"
 
 #include <algorithm>
@@ -74,7 +75,8 @@ TEST_F(ChangingParticles, OneChangedAttributeLeavesTheClocksOfTheOthersAlone)
     scene(0, "Box", std::string(kBox) + "emission_rate 100\ntime_to_live 0.2\n");
     scene(1, "Box",
         std::string(kBox)
-            + "emission_rate 100\ntime_to_live 0.2\nduration_min 0.2\nduration_max 0.4\nrepeat_delay_min 0.1\n"
+            + "emission_rate 100\ntime_to_live 0.2\nduration_min 0.2\nduration_max 0.4\nrepeat_delay_min "
+              "0.1\n"
               "repeat_delay_max 0.3\n");
     start();
     auto ending = node(0);
@@ -152,7 +154,8 @@ TEST_F(ChangingParticles, ColourRangesStandOverAColourThatChanges)
 
 TEST_F(ChangingParticles, SizesReachEveryTypeOfEmitter)
 {
-    const char* const types[] = {"Point", "Box", "Cylinder", "Ellipsoid", "HollowEllipsoid", "Ring", "Ranged"};
+    const char* const types[] = {
+        "Point", "Box", "Cylinder", "Ellipsoid", "HollowEllipsoid", "Ring", "Ranged"};
     int number = 0;
     for (const char* type : types) {
         const std::string area = type == std::string("Point") || type == std::string("Ranged")
@@ -262,7 +265,8 @@ TEST_F(ChangingParticles, AScriptThatCannotBeReadLeavesTheOthersAlone)
     files.write("Particles/a.material", "material a\n{\ntechnique\n{\npass\n{\n");
     files.write("Particles/z.particle",
         system("t1", "Point", "emission_rate nan\nvelocity -inf\ntime_to_live -1\nangle nan\n")
-            + system("t2", "Ring", "inner_width 7\n", "quota 4000000000\nrenderer nothing\nparticle_width -1\n"));
+            + system(
+                "t2", "Ring", "inner_width 7\n", "quota 4000000000\nrenderer nothing\nparticle_width -1\n"));
     for (const int number : {1, 2})
         describe(number, R"("PU": "t)" + std::to_string(number) + R"(")");
     start(true);
@@ -275,10 +279,9 @@ TEST_F(ChangingParticles, AScriptThatCannotBeReadLeavesTheOthersAlone)
     const std::string log = files.read("Ogre.log");
     for (const char* line :
         {"The script a.particle cannot", "The script b.particle cannot", "The script d.particle cannot",
-            "The script e.particle cannot", "The script f.particle cannot",
-            "The script g.particle cannot", "\"emission_rate nan\" is left out",
-            "\"time_to_live -1\" is taken as \"0\"", "\"quota 4000000000\" is taken as \"16383\"",
-            "no renderer \"nothing\""})
+            "The script e.particle cannot", "The script f.particle cannot", "The script g.particle cannot",
+            "\"emission_rate nan\" is left out", "\"time_to_live -1\" is taken as \"0\"",
+            "\"quota 4000000000\" is taken as \"16383\"", "no renderer \"nothing\""})
         EXPECT_NE(log.find(line), std::string::npos) << line;
 }
 

@@ -1,9 +1,9 @@
 // Signals to work that does not look for them.
 #include "effectengine/Interruption.h"
+
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/wait.h>
 
 #include <chrono>
@@ -60,7 +60,8 @@ TEST(Interruption, WorkThatAsksUnwinds)
         stopIfAsked();
     });
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
-    EXPECT_TRUE(std::filesystem::exists(files.path() + "kept")) << "its owner removes it, or has given it a name";
+    EXPECT_TRUE(std::filesystem::exists(files.path() + "kept"))
+        << "its owner removes it, or has given it a name";
 }
 
 } // namespace

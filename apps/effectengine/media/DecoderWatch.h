@@ -8,13 +8,14 @@
 
 namespace media {
 
-/// Decoders answer for most damage, but tell of some, such as reference pictures that are not there, only in the
-/// library's log. This gathers the errors of the log by the packet at fault, as far as it has a time; decoders work on several threads, so
-/// they come at any time up to the one at which the packet's own frame comes.
+/// Decoders answer for most damage, but tell of some, such as reference pictures that are not there, only in
+/// the library's log. This gathers the errors of the log by the packet at fault, as far as it has a time;
+/// decoders work on several threads, so they come at any time up to the one at which the packet's own frame
+/// comes.
 class DecoderWatch {
 public:
-    /// Makes every watch of the process hear its decoder. The library's own lines on stderr end; the tool says what
-    /// matters.
+    /// Makes every watch of the process hear its decoder. The library's own lines on stderr end; the tool
+    /// says what matters.
     static void listen();
 
     /// To be called before each packet is sent to a decoder whose `opaque` is this.

@@ -16,9 +16,9 @@ struct FrameTable {
         std::int64_t shown;   ///< when it is shown
     };
     std::vector<std::int64_t> times; ///< ascending
-    std::vector<Key> keys;           ///< those where a decoder knows all that one does that has read everything
-    std::int64_t lastDuration = 0;   ///< of the last frame; 0 unknown
-    bool numbers = false; ///< whether times tell frames apart, and the file leads to each key
+    std::vector<Key> keys;         ///< those where a decoder knows all that one does that has read everything
+    std::int64_t lastDuration = 0; ///< of the last frame; 0 unknown
+    bool numbers = false;          ///< whether times tell frames apart, and the file leads to each key
 
     long long count() const { return (long long)(times.size()); }
     /// The number of the frame at this time, or of the one before it; -1 before the first.

@@ -91,8 +91,7 @@ bool ParameterSets::take(const AVPacket& packet)
 {
     Sets own;
     std::size_t size = 0;
-    if (const std::uint8_t* const header =
-            av_packet_get_side_data(&packet, AV_PKT_DATA_NEW_EXTRADATA, &size))
+    if (const std::uint8_t* const header = av_packet_get_side_data(&packet, AV_PKT_DATA_NEW_EXTRADATA, &size))
         readHeader({header, size}, own);
     if (isNumbered(codec_))
         readUnits({packet.data, std::size_t(packet.size)}, own);
@@ -104,7 +103,8 @@ bool ParameterSets::take(const AVPacket& packet)
     });
 }
 
-// The header of MP4 and Matroska is a list of sets with two bytes of length; in other containers it is like packets.
+// The header of MP4 and Matroska is a list of sets with two bytes of length; in other containers it is like
+// packets.
 void ParameterSets::readHeader(Data header, Sets& sets)
 {
     if (!isNumbered(codec_)) {
@@ -161,8 +161,7 @@ void ParameterSets::readPrefixed(Data data, Sets& sets) const
 {
     const auto prefix = std::size_t(lengthBytes_);
     while (data.size() > prefix) {
-        const std::size_t length =
-            std::min<std::size_t>(bigEndian(data.first(prefix)), data.size() - prefix);
+        const std::size_t length = std::min<std::size_t>(bigEndian(data.first(prefix)), data.size() - prefix);
         add(data.subspan(prefix, length), sets);
         data = data.subspan(prefix + length);
     }
@@ -174,8 +173,8 @@ void ParameterSets::add(Data unit, Sets& sets) const
         return;
     const bool hevc = codec_ == AV_CODEC_ID_HEVC;
     const int kind = hevc ? unit[0] >> 1 & 63 : unit[0] & 31;
-    const auto isSet = hevc ? kind >= kHevcVideo && kind <= kHevcPicture
-                            : kind == kH264Sequence || kind == kH264Picture;
+    const auto isSet =
+        hevc ? kind >= kHevcVideo && kind <= kHevcPicture : kind == kH264Sequence || kind == kH264Picture;
     if (!isSet)
         return;
     while (unit.size() > 2 && unit.back() == 0) // padding in front of the next start code

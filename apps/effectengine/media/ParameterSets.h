@@ -10,16 +10,17 @@
 
 namespace media {
 
-/// Follows the parameter sets through a stream. A file's header holds some; packets bring others, also under the
-/// numbers of earlier ones, and they stay until they are replaced. A decoder that begins at a later keyframe has
-/// missed those, and some differences (a chroma offset, say) give wrong pictures without any error.
+/// Follows the parameter sets through a stream. A file's header holds some; packets bring others, also under
+/// the numbers of earlier ones, and they stay until they are replaced. A decoder that begins at a later
+/// keyframe has missed those, and some differences (a chroma offset, say) give wrong pictures without any
+/// error.
 class ParameterSets {
 public:
     explicit ParameterSets(const AVCodecParameters& stream);
 
-    /// Takes over the packet's sets. Answers whether a decoder that knows only the header and begins with this
-    /// packet then holds the same sets as one that has read everything. True for other codecs as long as no packet
-    /// replaces the header.
+    /// Takes over the packet's sets. Answers whether a decoder that knows only the header and begins with
+    /// this packet then holds the same sets as one that has read everything. True for other codecs as long as
+    /// no packet replaces the header.
     bool take(const AVPacket& packet);
 
 private:

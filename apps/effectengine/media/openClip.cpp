@@ -47,7 +47,8 @@ bool hasAlphaBeside(const AVStream& stream)
 {
     const AVCodecID codec = stream.codecpar->codec_id;
     const AVDictionaryEntry* const mode = av_dict_get(stream.metadata, "alpha_mode", nullptr, 0);
-    return (codec == AV_CODEC_ID_VP8 || codec == AV_CODEC_ID_VP9) && mode && std::string_view(mode->value) == "1";
+    return (codec == AV_CODEC_ID_VP8 || codec == AV_CODEC_ID_VP9) && mode
+        && std::string_view(mode->value) == "1";
 }
 
 Input openClip(const fs::path& file, const std::string& pictureRate)

@@ -1,7 +1,8 @@
 // The picture on paper: faded on canvas, drawn with a pencil, as an old print.
 #include "effects/am/blends/blendKernels.h"
 #include "effects/am/blends/oldPhoto.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/loops/pencil.h"
 
 #include <cmath>
@@ -185,15 +186,30 @@ i32 sketchUnderTexture(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {2203, oldPhoto, nullptr, Source::kept, Second::alike},
-    {2204, canvas, nullptr, Source::any, Second::alike},
-    {2205, classic, nullptr, Source::kept, Second::alike},
-    {2206, sketchUnderTexture, nullptr, Source::kept, Second::alike},
+    {.id = 2203,
+        .entry = {.place = 143, .name = "RQ_OLD_PHOTO", .guid = "43E461FF-BEB3-4ef1-974A-93812CB8D210"},
+        .shown = {.title = "Old Photo", .summary = "A blurred photo under the picture of an old print."},
+        .texture = "oldtime.png",
+        .alpha = Alpha::computed,
+        .needsCopy = true,
+        .apply = oldPhoto},
+    {.id = 2204,
+        .entry = {.place = 144, .name = "Canvas", .guid = "B23034C1-24C4-4504-9776-6805CFBD7F02"},
+        .shown = {.title = "Canvas", .summary = "The grey photo on canvas, fading towards the corners."},
+        .texture = "sketch.png",
+        .apply = canvas},
+    {.id = 2205,
+        .entry = {.place = 145, .name = "Classic", .guid = "49D37319-8F37-4593-BBAF-9FF0A6307C01"},
+        .shown = {.title = "Classic Sketch", .summary = "Pencil lines on grained paper."},
+        .texture = "sketch.png",
+        .needsCopy = true,
+        .apply = classic},
+    {.id = 2206, .needsCopy = true, .apply = sketchUnderTexture},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::texture, kRows};
 
 } // namespace
-
-std::span<const EffectRow> paperLooks() { return kRows; }
 
 } // namespace KEXSDK::am

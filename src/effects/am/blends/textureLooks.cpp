@@ -1,7 +1,8 @@
 // Looks that are made of a picture's greys, curves or brightened colours, and of a texture.
 #include "effects/am/blends/blendKernels.h"
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 
 namespace KEXSDK::am {
 
@@ -185,41 +186,111 @@ i32 focusColour(const Frame& f)
     return kAmOk;
 }
 
-constexpr EffectRow withCopy(i32 id, Effect run, Second second = Second::alike)
-{
-    return {id, run, nullptr, Source::kept, second};
-}
-
-constexpr EffectRow direct(i32 id, Effect run) { return {id, run, nullptr, Source::any, Second::alike}; }
-
 constexpr EffectRow kRows[] = {
-    direct(2063, eachPair<greyWithTexture<y4, multiplied>>),
-    direct(2064, screenedWithColour<multiplied>),
-    direct(2065, screenedWithColour<multiplied>),
-    direct(2066, screenedWithColour<multiplied>),
-    direct(2067, twoTones),
-    direct(2068, twoTones),
-    direct(2069, twoTones),
-    direct(2070, twoTones),
-    direct(2186, greyLinearBurn),
-    direct(2187, screenedWithColour<burnt>),
-    direct(2188, screenedWithColour<burnt>),
-    direct(2189, screenedWithColour<burnt>),
-    withCopy(2193, colourTune<kSunSet, partly<multiplied, 154>>, Second::any),
-    withCopy(2194, colourTune<kVivid, partly<tuneOverlay, 128>>, Second::any),
-    withCopy(2195, colourTune<kGarden, partly<tuneOverlay, 128>>, Second::any),
-    withCopy(2196, colourTune<kDanGui, tuneOverlay>, Second::any),
-    withCopy(2197, colourTune<kSunSet, tuneOverlay>, Second::any),
-    direct(2198, lumbraLomo),
-    direct(2199, eachPair<greyWithTexture<y8, added>>),
-    withCopy(2200, eachPair<blended<brightenedScreen>>),
-    withCopy(2201, focusColour, Second::any),
-    withCopy(2202, asTable<overlaid>),
+    {.id = 2063,
+        .entry = {.place = 124, .name = "OldTV", .guid = "C10ECCE1-538A-4754-9E3B-561D2A147709"},
+        .shown = {.title = "Old Television", .summary = "Grey picture multiplied with a screen texture."},
+        .texture = "OldTV.png",
+        .apply = eachPair<greyWithTexture<y4, multiplied>>},
+    {.id = 2064, .defaults = {.red = 225, .green = 55, .blue = 36}, .apply = screenedWithColour<multiplied>},
+    {.id = 2065,
+        .entry = {.place = 125, .name = "StencilPoster", .guid = "104E99A6-F91B-46ae-B90B-A61394982ADC"},
+        .shown = {.title = "Stencil Poster",
+            .summary = "Brightens towards the first frame's colour and multiplies with a stencil."},
+        .texture = "StencilPosterRed.png",
+        .reads = {.colour = true},
+        .defaults = {.red = 50, .green = 235, .blue = 70},
+        .apply = screenedWithColour<multiplied>},
+    {.id = 2066, .defaults = {.red = 40, .green = 70, .blue = 235}, .apply = screenedWithColour<multiplied>},
+    {.id = 2067, .defaults = {.variant = 3}, .apply = twoTones},
+    {.id = 2068, .defaults = {.variant = 2}, .apply = twoTones},
+    {.id = 2069, .defaults = {.variant = 1}, .apply = twoTones},
+    {.id = 2070, .apply = twoTones},
+    {.id = 2186,
+        .entry = {.place = 149, .name = "BurntPaper", .guid = "FD25B45B-3871-4290-B3B9-1704BB08B2DE"},
+        .shown = {.title = "Burnt Paper", .summary = "The grey picture on burnt paper."},
+        .texture = "burntpaper.png",
+        .apply = greyLinearBurn},
+    {.id = 2187, .defaults = {.red = 245, .green = 40, .blue = 70}, .apply = screenedWithColour<burnt>},
+    {.id = 2188,
+        .entry = {.place = 148, .name = "LinearBurn", .guid = "0F67BDD5-F850-4c8f-88D1-60B581451CC7"},
+        .shown = {.title = "Coloured Burn",
+            .summary = "Brightens towards the first frame's colour and burns with a texture."},
+        .texture = "LinearBurn.png",
+        .reads = {.colour = true},
+        .defaults = {.red = 205, .green = 155, .blue = 36},
+        .apply = screenedWithColour<burnt>},
+    {.id = 2189, .defaults = {.red = 40, .green = 81, .blue = 143}, .apply = screenedWithColour<burnt>},
+    {.id = 2193,
+        .entry = {.place = 133, .name = "SunSet", .guid = "6DE84CB8-C186-4419-8E88-6EE3B2967660"},
+        .shown = {.title = "Sunset", .summary = "Evening colours with a tinted circle."},
+        .texture = "ColorTuneCircle00.png",
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = colourTune<kSunSet, partly<multiplied, 154>>},
+    {.id = 2194,
+        .entry = {.place = 134, .name = "Vivid", .guid = "9E2DC6CF-BDC2-4368-99DD-DBB8A42A8298"},
+        .shown = {.title = "Vivid", .summary = "Strong colours with a tinted circle."},
+        .texture = "ColorTuneCircle00.png",
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = colourTune<kVivid, partly<tuneOverlay, 128>>},
+    {.id = 2195,
+        .entry = {.place = 135, .name = "Garden", .guid = "6C614395-EEA7-4d86-B3B5-2C475429B4B5"},
+        .shown = {.title = "Garden", .summary = "Green colours with a tinted circle."},
+        .texture = "ColorTuneCircle01.png",
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = colourTune<kGarden, partly<tuneOverlay, 128>>},
+    {.id = 2196,
+        .entry = {.place = 136, .name = "DanGui", .guid = "81D46CE2-7D13-4a85-9EE1-DFEE0C44FE3D"},
+        .shown = {.title = "DanGui", .summary = "Soft golden colours with a tinted circle."},
+        .texture = "ColorTuneCircle01.png",
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = colourTune<kDanGui, tuneOverlay>},
+    {.id = 2197,
+        .entry = {.place = 137, .name = "September", .guid = "637B6036-9E00-4f91-ACEA-AA1ABF1E82C5"},
+        .shown = {.title = "September", .summary = "Autumn colours with a tinted circle."},
+        .texture = "ColorTuneCircle01.png",
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = colourTune<kSunSet, tuneOverlay>},
+    {.id = 2198,
+        .entry = {.place = 138, .name = "Lumbra_Lomo", .guid = "2C052C3B-F0BD-4d5c-A8C0-5C86389DD7CB"},
+        .shown = {.title = "Lumbra Lomo", .summary = "Dark rim and hard contrast."},
+        .texture = "dark.png",
+        .apply = lumbraLomo},
+    {.id = 2199,
+        .entry = {.place = 139, .name = "Charcoal", .guid = "F24A2C3E-214F-4f9f-ADD9-C8221CC5B637"},
+        .shown = {.title = "Charcoal", .summary = "The grey picture over charcoal strokes."},
+        .texture = "sketch_black.png",
+        .apply = eachPair<greyWithTexture<y8, added>>},
+    {.id = 2200,
+        .entry = {.place = 140, .name = "ColorFense", .guid = "84966D50-730C-4f9b-B10F-B4C94112B77E"},
+        .shown = {.title = "Colour Fence", .summary = "Brightened colours behind charcoal strokes."},
+        .texture = "sketch_black.png",
+        .needsCopy = true,
+        .apply = eachPair<blended<brightenedScreen>>},
+    {.id = 2201,
+        .entry = {.place = 141, .name = "FocusColor", .guid = "DA82B39B-F380-46c6-9445-3E096905D4E3"},
+        .shown = {.title = "Focus Colour", .summary = "Colour inside a mask, grey around it."},
+        .texture = "pc_focusColor.png",
+        .reads = {.position = true},
+        .needsCopy = true,
+        .second = Second::any,
+        .apply = focusColour},
+    {.id = 2202,
+        .entry = {.place = 142, .name = "Radio Explike FX", .guid = "2FFCED76-6277-41a5-B1AD-4BB27C8D44D3"},
+        .shown = {.title = "Radial Light", .summary = "Overlays a radial texture."},
+        .texture = "radial3.png",
+        .needsCopy = true,
+        .apply = asTable<overlaid>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::texture, kRows};
 
 } // namespace
-
-std::span<const EffectRow> textureLooks() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,5 +1,6 @@
 // Flips, mirrors and mosaic cells: whole pixels move, with their alpha.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 
 #include <cstring>
 
@@ -196,17 +197,43 @@ i32 mosaic(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {2, mosaic},
-    {19, flipLR},
-    {20, flipTB},
-    {21, flipAll},
-    {22, mirrorLR},
-    {23, mirrorTB},
+    {.id = 2,
+        .entry = {.place = 2, .name = "AmMosaic", .guid = "AEA88997-7954-4974-8E58-457073A0BC99"},
+        .shown = {.title = "Mosaic Cells", .summary = "Square cells of one colour."},
+        .reads = {.percent = "cell size, 100 for 13 pixels"},
+        .defaults = {.usageMask = 1},
+        .alpha = Alpha::computed,
+        .apply = mosaic},
+    {.id = 19,
+        .entry = {.place = 19, .name = "FlipLR", .guid = "CD9DCD75-DC0E-4f7a-8484-52778D9FB202"},
+        .shown = {.title = "Flip Left and Right", .summary = "Swaps left and right."},
+        .alpha = Alpha::computed,
+        .apply = flipLR},
+    {.id = 20,
+        .entry = {.place = 20, .name = "FlipTB", .guid = "7ADBCFB3-ACCF-4c5c-B188-A7537AED400D"},
+        .shown = {.title = "Flip Top and Bottom", .summary = "Swaps top and bottom."},
+        .alpha = Alpha::computed,
+        .apply = flipTB},
+    {.id = 21,
+        .entry = {.place = 21, .name = "FlipAll", .guid = "9B6A315E-2CEA-42b0-ABB2-A20FB790A433"},
+        .shown = {.title = "Half Turn", .summary = "Turns the picture by 180 degrees."},
+        .alpha = Alpha::computed,
+        .apply = flipAll},
+    {.id = 22,
+        .entry = {.place = 22, .name = "MirrorLR", .guid = "4D34F72D-3307-4f4a-9BED-72E6B7B8FF99"},
+        .shown = {.title = "Mirror Left Half", .summary = "Mirrors the left half onto the right one."},
+        .alpha = Alpha::computed,
+        .apply = mirrorLR},
+    {.id = 23,
+        .entry = {.place = 23, .name = "MirrorTB", .guid = "BE80CF63-1E35-4b1f-92A3-B1FACD636AEA"},
+        .shown = {.title = "Mirror Bottom Half", .summary = "Mirrors the bottom half onto the top one."},
+        .alpha = Alpha::computed,
+        .apply = mirrorTB},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::filter, kRows};
 
 } // namespace
-
-std::span<const EffectRow> geometryFilters() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,5 +1,6 @@
 // A relief, a spot of light, and one colour kept among greys.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "pixels/columns.h"
 #include "pixels/numbers.h"
 
@@ -167,14 +168,31 @@ i32 getColor(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {6, emboss},
-    {24, sunShine},
-    {63, getColor},
+    {.id = 6,
+        .entry = {.place = 6, .name = "Emboss", .guid = "83BECB59-BA1F-4a4d-9CE1-B918E7F026B0"},
+        .shown = {.title = "Grey Emboss", .summary = "A grey relief, lit from the side."},
+        .reads = {.percent = "width of the relief's edges"},
+        .apply = emboss},
+    {.id = 24,
+        .entry = {.place = 24, .name = "SunShine", .guid = "E05DAB18-F084-445b-BEA6-9EE4D7E5249B"},
+        .shown = {.title = "Sunshine", .summary = "A round light that fades towards its rim."},
+        .reads = {.percent = "brightness of the light",
+            .radius = "size of the light, 100 fills the picture's height",
+            .position = true},
+        .defaults = {.usageMask = 7},
+        .apply = sunShine},
+    {.id = 63,
+        .entry = {.place = 62, .name = "GetColor", .guid = "309BBE5F-12C8-4ded-9689-A69896691A87"},
+        .shown = {.title = "Keep One Colour",
+            .summary = "Keeps the main colour around a point and makes the rest grey."},
+        .reads = {.radius = "size of the window whose colour is kept", .pick = true},
+        .defaults = {.radius = 30, .usageMask = 67},
+        .apply = getColor},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::filter, kRows};
 
 } // namespace
-
-std::span<const EffectRow> lightFilters() { return kRows; }
 
 } // namespace KEXSDK::am

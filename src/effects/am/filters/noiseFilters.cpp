@@ -1,5 +1,6 @@
 // Speckles, scatter and film grain.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amTables.h"
 #include "pixels/Random.h"
 #include "pixels/numbers.h"
@@ -255,14 +256,33 @@ i32 filmGrain(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {1, noise},
-    {3, scatter},
-    {4, filmGrain},
+    {.id = 1,
+        .entry = {.place = 1, .name = "AmNoise", .guid = "EA2DCED2-D88D-402c-9D70-108FAA8C76D8"},
+        .shown = {.title = "Noise", .summary = "Scatters light grey speckles."},
+        .reads = {.percent = "speckles; 100 greys a quarter"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .apply = noise},
+    {.id = 3,
+        .entry = {.place = 3, .name = "AmPlash", .guid = "4E7B2717-D7A7-4725-83FF-E3705512F8E8"},
+        .shown = {.title = "Scatter", .summary = "Moves every pixel a little at random."},
+        .reads = {.percent = "distance, 100 for 10 pixels"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .alpha = Alpha::computed,
+        .apply = scatter},
+    {.id = 4,
+        .entry = {.place = 4, .name = "FilmGrain", .guid = "6EEFFABB-4894-446c-8187-3D9D9922E3A9"},
+        .shown = {.title = "Film Grain", .summary = "Grain of one brightness for all channels."},
+        .reads = {.percent = "amount of grain"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .apply = filmGrain},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::filter, kRows};
 
 } // namespace
-
-std::span<const EffectRow> noiseFilters() { return kRows; }
 
 } // namespace KEXSDK::am

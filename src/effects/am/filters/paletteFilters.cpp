@@ -1,5 +1,6 @@
 // Reduction to a few colours: a table gives the nearest one for every 5-bit colour.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 
 #include <array>
@@ -190,13 +191,19 @@ template <const auto& kPalette> i32 quantise(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {57, quantise<kScreenColours>},
-    {58, quantise<kPosterColours>},
+    {.id = 57,
+        .entry = {.place = 57, .name = "Tcvga", .guid = "43976442-24D1-415c-B8BD-E571AE3D235F"},
+        .shown = {.title = "Sixteen Colours", .summary = "The nearest of 16 screen colours."},
+        .apply = quantise<kScreenColours>},
+    {.id = 58,
+        .entry = {.place = 58, .name = "Cartoon", .guid = "F0A59856-167B-4164-A721-39F5330C6F94"},
+        .shown = {.title = "Cartoon", .summary = "The nearest of 97 poster colours."},
+        .apply = quantise<kPosterColours>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::filter, kRows};
 
 } // namespace
-
-std::span<const EffectRow> paletteFilters() { return kRows; }
 
 } // namespace KEXSDK::am

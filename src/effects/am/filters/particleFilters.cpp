@@ -1,5 +1,6 @@
 // Stars, snow and bubbles: sets of particles that go on from frame to frame, drawn as discs.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "pixels/Random.h"
 #include "pixels/columns.h"
@@ -261,14 +262,38 @@ i32 bubble(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {60, star},
-    {61, snow},
-    {62, bubble},
+    {.id = 60,
+        .entry = {.place = 60, .name = "Star", .guid = "9F0E5279-EA88-427a-BC51-219E916EA8E7"},
+        .shown = {.title = "Twinkling Stars", .summary = "White points that twinkle."},
+        .reads = {.percent = "number of stars"},
+        .random = true,
+        .history = {History::kFromStart},
+        .apply = star},
+    {.id = 61,
+        .entry = {.place = 0, .name = "Snow", .guid = "A1080F1E-9F4E-41ee-B0C2-4E9BD4D49B0D"},
+        .shown = {.title = "Snow", .summary = "Falling snow flakes."},
+        .reads = {.percent = "number of flakes",
+            .radius = "size of the flakes",
+            .direction = "0 up, 1 down, 2 right, 3 left"},
+        .defaults = {.direction = 1, .usageMask = 35},
+        .random = true,
+        .history = {History::kFromStart},
+        .apply = snow},
+    {.id = 62,
+        .entry = {.place = 61, .name = "Bubble", .guid = "FD40DFF8-3C71-416a-970D-0531586C5DA2"},
+        .shown = {.title = "Bubbles", .summary = "Coloured bubbles that drift."},
+        .reads = {.percent = "number of bubbles",
+            .radius = "size of the bubbles",
+            .direction = "0 down, 1 up, 2 left, 3 right"},
+        .defaults = {.usageMask = 35},
+        .random = true,
+        .history = {History::kFromStart},
+        .apply = bubble},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::filter, kRows};
 
 } // namespace
-
-std::span<const EffectRow> particleFilters() { return kRows; }
 
 } // namespace KEXSDK::am

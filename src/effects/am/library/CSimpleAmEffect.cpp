@@ -14,7 +14,6 @@ namespace KEXSDK {
 namespace {
 
 constexpr float kFramesPerSecond = 25.0f;
-constexpr i32 kVignetteRadius = 95;
 
 // Region bounds are whole pixels in the block and shares of the picture in the parameters.
 i32 asPixels(float share, u32 extent) { return pixels::truncated(float(extent) * share); }
@@ -24,21 +23,6 @@ float asShare(i32 bound, u32 extent)
 {
     const float share = float(bound) / float(extent);
     return asPixels(share, extent) < bound ? std::nextafter(share, 2 * share) : share;
-}
-
-// Displacement maps depend on the parameters; what else is kept follows the parameters by itself.
-u32 rebuiltOnChange(i32 id)
-{
-    struct Row {
-        i32 first;
-        i32 last;
-        u32 bits;
-    };
-    constexpr Row kRows[] = {{1032, 1032, kAmDirtyMap | kAmDirtyMap2}, {1033, 1035, kAmDirtyAll}};
-    for (const Row& row : kRows)
-        if (id >= row.first && id <= row.last)
-            return row.bits;
-    return 0;
 }
 
 } // namespace
@@ -91,14 +75,15 @@ void CSimpleAmEffect::declareParams()
 
 void CSimpleAmEffect::updateParams()
 {
-    if (paramsChanged)
-        params->dirty |= rebuiltOnChange(params->id);
+    const am::EffectRow* const effect = am::findEffect(params->id);
+    if (effect && paramsChanged)
+        params->dirty |= effect->rebuiltOnChange;
     params->posX = getParamInt("PositionX", 0);
     params->posY = getParamInt("PositionY", 0);
     params->pickX = getParamFloat("DecolorPosX", 0) / 100;
     params->pickY = getParamFloat("DecolorPosY", 0) / 100;
     params->direction = getParamInt("Direction", 0);
-    params->percent = getParamInt(params->id == kVignetteRadius ? "Radius" : "Percent", 0);
+    params->percent = getParamInt(effect && effect->radiusIsPercent ? "Radius" : "Percent", 0);
     params->red = u8(getParamInt("Red", 0));
     params->green = u8(getParamInt("Gleen", 0));
     params->blue = u8(getParamInt("Blue", 0));

@@ -1,7 +1,7 @@
 // The three families of ids, and the block that each id starts with.
 #pragma once
 
-#include "effects/am/library/amTypes.h"
+#include "effects/am/library/amRow.h"
 
 namespace KEXSDK::am {
 

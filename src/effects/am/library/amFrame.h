@@ -1,4 +1,4 @@
-// What an effect of the library is called with, and the rows that the families are tables of.
+// What an effect of the library is called with, and how a kernel becomes one.
 #pragma once
 
 #include "effects/am/library/amTypes.h"
@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <span>
 
 namespace KEXSDK::am {
 
@@ -23,36 +22,6 @@ struct Frame {
 
     bool inPlace() const { return src.bytes() == dst.bytes(); }
 };
-
-/// Answers an AmResult. One that fails does so before it writes to dst.
-using Effect = i32 (*)(const Frame&);
-
-/// What an effect's src may be.
-enum class Source {
-    any,  ///< effects that read a pixel before they write it
-    kept, ///< never the rows of dst: when the picture is changed in place, src is a copy in scratch B,
-          ///< and scratch A holds another one
-};
-
-/// What size an effect's second picture may have.
-enum class Second {
-    any,   ///< effects without one, and those that look at its size themselves
-    alike, ///< the first picture's, or the effect is refused
-};
-
-struct EffectRow {
-    i32 id;
-    Effect run;
-    void (*prepare)(AmEffectParams&) = nullptr; ///< settings that the id forces upon its block
-    Source source = Source::any;
-    Second second = Second::any;
-};
-
-/// Tables are searched by id.
-constexpr bool idsAscend(std::span<const EffectRow> rows)
-{
-    return std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, &EffectRow::id) == rows.end();
-}
 
 /// Rows [top, end) of src to dst, for effects that then change some pixels there.
 inline void copyRows(const Frame& frame, int top, int end)

@@ -1,8 +1,8 @@
-// Defaults, checks and dispatch.
+// Checks, and the way from a block to its effect.
 #include "effects/am/library/amLibrary.h"
 
 #include "effects/am/library/amDefaults.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
 
@@ -14,6 +14,7 @@ namespace {
 
 using am::EffectRow;
 using am::Frame;
+using am::Second;
 
 // Whether the rows that a descriptor speaks of can be read.
 bool isReadable(const AmImageDesc* image)
@@ -47,60 +48,32 @@ i64 copySize(const Frame& frame)
     return std::max<i64>(frame.dataSize, i64(frame.dst.width()) * frame.dst.height() * 4);
 }
 
-i32 apply(Frame frame)
+// Ids of the second family find the picture in scratch B, those that have no effect as well.
+i32 apply(Frame frame, const AmImageDesc* second)
 {
-    const EffectRow* const row = am::findEffect(frame.block.id);
-    if (!row)
-        return kAmUnknown;
-    if (row->second == am::Second::alike && frame.second.extent() != frame.dst.extent())
-        return kAmBadImage;
-    if (row->source == am::Source::kept && frame.inPlace()) {
-        AmEffectParams& block = frame.block;
-        const i64 bytes = copySize(frame);
-        if (!am::ensureScratchB(block, bytes) || !am::ensureScratchA(block, bytes))
-            return kAmNoMemory;
-        copyInto(block.scratchA, frame.dst);
-        frame.src = copyInto(block.scratchB, frame.dst);
-    }
-    if (row->prepare)
-        row->prepare(frame.block);
-    return row->run(frame);
-}
-
-i32 AmApplyFilter(const Frame& frame) { return apply(frame); }
-
-// Every one of these works from the copy in scratch B.
-i32 AmApplyLocal(Frame frame)
-{
-    if (frame.inPlace()) {
-        if (!am::ensureScratchB(frame.block, copySize(frame)))
-            return kAmNoMemory;
-        frame.src = copyInto(frame.block.scratchB, frame.dst);
-    }
-    return apply(frame);
-}
-
-i32 AmApplyBlend(Frame frame, const AmImageDesc* second)
-{
-    constexpr i32 kMergeColor = 2049;
-    if (frame.block.id != kMergeColor) {
+    AmEffectParams& block = frame.block;
+    const EffectRow* const row = am::findEffect(block.id);
+    if (am::kBlends.contains(block.id) && !(row && row->second == Second::none)) {
         if (!isReadable(second))
             return kAmBadImage;
         frame.second = viewOf(*second);
+        if (row && row->second == Second::alike && frame.second.extent() != frame.dst.extent())
+            return kAmBadImage;
     }
-    return apply(frame);
-}
-
-i32 dispatch(const Frame& frame, const AmImageDesc* second)
-{
-    const i32 id = frame.block.id;
-    if (am::kFilters.contains(id))
-        return AmApplyFilter(frame);
-    if (am::kLocals.contains(id))
-        return AmApplyLocal(frame);
-    if (am::kBlends.contains(id))
-        return AmApplyBlend(frame, second);
-    return kAmUnknown;
+    const bool copiesTwice = row && row->needsCopy;
+    if (frame.inPlace() && (copiesTwice || am::kLocals.contains(block.id))) {
+        const i64 bytes = copySize(frame);
+        if (!am::ensureScratchB(block, bytes) || (copiesTwice && !am::ensureScratchA(block, bytes)))
+            return kAmNoMemory;
+        if (copiesTwice)
+            copyInto(block.scratchA, frame.dst);
+        frame.src = copyInto(block.scratchB, frame.dst);
+    }
+    if (!row)
+        return kAmUnknown;
+    if (row->prepare)
+        row->prepare(block);
+    return row->apply(frame);
 }
 
 } // namespace
@@ -150,7 +123,7 @@ i32 AmApplyEffectFrom(
     }
     const Frame frame{
         .src = source, .dst = viewOf(*image), .second = {}, .block = *block, .dataSize = image->dataSize};
-    const i32 result = dispatch(frame, second);
+    const i32 result = apply(frame, second);
     if (result != kAmOk)
         pixels::rows::copy(source, frame.dst);
     return result;

@@ -1,6 +1,7 @@
 // Flames over the picture: seeded along one side, spread and cooled row by row.
 #include "effects/am/data/firePalette.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
 #include "pixels/Random.h"
@@ -129,10 +130,20 @@ i32 frames(const Frame& f)
     return kAmOk;
 }
 
-constexpr EffectRow kRows[] = {{1037, frames}};
+constexpr EffectRow kRows[] = {
+    {.id = 1037,
+        .entry = {.place = 103, .name = "Frames", .guid = "0F0C071F-ADEF-4035-9F09-FEF186FADDF3"},
+        .shown = {.title = "Fire", .summary = "Flames over the picture."},
+        .reads = {.percent = "opacity of the flames", .direction = "0 from the top, 1 from the bottom"},
+        .defaults = {.usageMask = 33},
+        .random = true,
+        .history = {History::kFromStart},
+        .apply = frames},
+};
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> fireFilters() { return kRows; }
 
 } // namespace KEXSDK::am

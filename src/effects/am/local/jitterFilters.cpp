@@ -1,5 +1,6 @@
 // Rows and columns that lost their place: random walks, ripples and scattered pixels.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/fetchColumns.h"
 #include "effects/am/loops/walkRows.h"
@@ -163,14 +164,28 @@ i32 jitter(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {1025, jitter},
-    {1030, shake},
-    {1031, ripple},
+    {.id = 1025, .defaults = {.usageMask = 1}, .apply = jitter},
+    {.id = 1030,
+        .entry = {.place = 96, .name = "Shake", .guid = "8A6488D5-926F-4956-ACC6-4969C602D33C"},
+        .shown = {.title = "Shake", .summary = "Shakes rows and columns at random."},
+        .reads = {.percent = "unrest, as it is at the first frame"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .alpha = Alpha::computed,
+        .apply = shake},
+    {.id = 1031,
+        .entry = {.place = 97, .name = "Ripple", .guid = "93A5CE9C-12A6-4860-A5DE-E79004D0D053"},
+        .shown = {.title = "Ripple", .summary = "Small waves of random height."},
+        .reads = {.percent = "length and height of the waves, as they are at the first frame"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .alpha = Alpha::computed,
+        .apply = ripple},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> jitterFilters() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,6 +1,7 @@
 // Sharpening, blurring, edges and pencil drawings: a pixel's new colour follows from the 3x3 pixels around
 // it.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/neighbours.h"
 #include "effects/am/loops/pencil.h"
@@ -153,18 +154,43 @@ i32 colourSketch(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {1026, sharp},
-    {1027, blur},
-    {1028, sketch},
-    {1029, neon},
-    {1038, pencil},
-    {1039, colourPencil},
-    {1040, colourSketch},
+    {.id = 1026,
+        .entry = {.place = 92, .name = "Sharp", .guid = "6D784E7B-8337-4578-BCAB-DA6C4B4E6BE3"},
+        .shown = {.title = "Sharpen", .summary = "Sharpens with the eight neighbours."},
+        .apply = sharp},
+    {.id = 1027,
+        .entry = {.place = 93, .name = "Blur2", .guid = "1FF3A847-984D-4239-95A5-3874F722C46E"},
+        .shown = {.title = "Soft Blur", .summary = "Blurs with the eight neighbours."},
+        .apply = blur},
+    {.id = 1028,
+        .entry = {.place = 95, .name = "Sketch", .guid = "49BBB715-2B1E-4cf3-9A35-3C35ADFE0382"},
+        .shown = {.title = "Edge Sketch", .summary = "Dark edges on a light ground."},
+        .reads = {.percent = "darkness of the ground"},
+        .defaults = {.usageMask = 1},
+        .apply = sketch},
+    {.id = 1029,
+        .entry = {.place = 94, .name = "Neon", .guid = "F338F0FA-9820-4b05-B118-72353D92B889"},
+        .shown = {.title = "Neon", .summary = "Bright coloured edges on black."},
+        .reads = {.percent = "least brightness of every channel"},
+        .defaults = {.usageMask = 1},
+        .apply = neon},
+    {.id = 1038,
+        .entry = {.place = 105, .name = "SketchB", .guid = "04E1E803-CB09-49cf-91C9-071B1BF67315"},
+        .shown = {.title = "Pencil", .summary = "Grey pencil lines on white."},
+        .apply = pencil},
+    {.id = 1039,
+        .entry = {.place = 106, .name = "ColorSketchB", .guid = "374A5455-21B3-46a0-85AB-46791911E835"},
+        .shown = {.title = "Coloured Pencil", .summary = "Coloured pencil lines on white."},
+        .apply = colourPencil},
+    {.id = 1040,
+        .entry = {.place = 107, .name = "ColorSketch", .guid = "2D0FCDC7-956B-469f-8E05-7B36CC2933FF"},
+        .shown = {.title = "Colour Sketch", .summary = "Light colours with darker outlines."},
+        .apply = colourSketch},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> stencilFilters() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,6 +1,7 @@
 // A sharp band between rows that are blurred the more the farther away they lie.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/columns.h"
@@ -260,10 +261,18 @@ i32 tiltShift(const Frame& f)
     return kAmOk;
 }
 
-constexpr EffectRow kRows[] = {{1041, tiltShift}};
+constexpr EffectRow kRows[] = {
+    {.id = 1041,
+        .entry = {.place = 104, .name = "TiltShift", .guid = "20F6C8C9-FF17-469d-B102-EDA9EC540C6B"},
+        .shown = {.title = "Tilt-Shift", .summary = "Blurs above and below a sharp band."},
+        .reads = {.percent = "contrast; softness, as it is at the first frame", .band = true},
+        .defaults = {.top = 40, .bottom = 60, .usageMask = 8},
+        .apply = tiltShift},
+};
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> tiltFilters() { return kRows; }
 
 } // namespace KEXSDK::am

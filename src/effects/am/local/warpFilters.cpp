@@ -1,5 +1,6 @@
 // Tunnel, lens, pinch and whirl: where every pixel comes from is computed once, and kept.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/fetchColumns.h"
 #include "pixels/numbers.h"
@@ -178,15 +179,43 @@ template <class Warp> i32 warp(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {1032, warp<Tunnel>},
-    {1033, warp<Enlarge>},
-    {1034, warp<Narrow>},
-    {1035, warp<Whirl>},
+    {.id = 1032,
+        .entry = {.place = 98, .name = "Tunnel", .guid = "ED8A19BD-37E7-49e4-B6FA-D25095C41D44"},
+        .shown = {.title = "Tunnel", .summary = "Stretches the rim of a circle outwards."},
+        .reads = {.radius = "size of the clear circle", .position = true},
+        .defaults = {.usageMask = 6},
+        .rebuiltOnChange = kAmDirtyMap | kAmDirtyMap2,
+        .alpha = Alpha::computed,
+        .apply = warp<Tunnel>},
+    {.id = 1033,
+        .entry = {.place = 99, .name = "Enlarge", .guid = "22F62993-FF48-4182-B70E-29A6CDBD05AA"},
+        .shown = {.title = "Enlarge", .summary = "A lens that magnifies the centre."},
+        .reads = {.percent = "strength of the lens", .position = true},
+        .defaults = {.usageMask = 4},
+        .rebuiltOnChange = kAmDirtyAll,
+        .alpha = Alpha::computed,
+        .apply = warp<Enlarge>},
+    {.id = 1034,
+        .entry = {.place = 100, .name = "Narrow", .guid = "07992914-52E9-4e8f-A022-01BE34F9C4F0"},
+        .shown = {.title = "Narrow", .summary = "Pinches the picture towards the centre."},
+        .reads = {.percent = "strength of the pinch", .position = true},
+        .defaults = {.usageMask = 4},
+        .rebuiltOnChange = kAmDirtyAll,
+        .alpha = Alpha::computed,
+        .apply = warp<Narrow>},
+    {.id = 1035,
+        .entry = {.place = 101, .name = "Whirl", .guid = "44650ECB-CC5A-4de9-8840-825573599B94"},
+        .shown = {.title = "Whirl", .summary = "Turns the picture around the centre, most there."},
+        .reads = {.percent = "turn at the centre, 100 for half a turn", .position = true},
+        .defaults = {.usageMask = 4},
+        .rebuiltOnChange = kAmDirtyAll,
+        .alpha = Alpha::computed,
+        .apply = warp<Whirl>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> warpFilters() { return kRows; }
 
 } // namespace KEXSDK::am

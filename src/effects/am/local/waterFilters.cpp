@@ -1,5 +1,6 @@
 // Drops on a water surface: waves run on from frame to frame and refract the picture.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
 #include "effects/am/loops/fetchColumns.h"
@@ -103,10 +104,21 @@ i32 raindrop(const Frame& f)
     return kAmOk;
 }
 
-constexpr EffectRow kRows[] = {{1036, raindrop}};
+constexpr EffectRow kRows[] = {
+    {.id = 1036,
+        .entry = {.place = 102, .name = "Raindrop", .guid = "9F471615-FA96-4296-9E58-E452E4BB6271"},
+        .shown = {.title = "Water Drops", .summary = "Drops fall on a water surface over the picture."},
+        .reads = {.percent = "depth of the drops", .radius = "size of the drops"},
+        .defaults = {.usageMask = 1},
+        .random = true,
+        .history = {History::kFromStart},
+        .alpha = Alpha::computed,
+        .apply = raindrop},
+};
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> waterFilters() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,5 +1,6 @@
 // Blurs along the rays from a centre: the mean of the picture at many sizes.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/columns.h"
 #include "pixels/gather.h"
@@ -220,10 +221,17 @@ i32 explosion(const Frame& f)
     return kAmOk;
 }
 
-constexpr EffectRow kRows[] = {{1042, explosion}};
+constexpr EffectRow kRows[] = {
+    {.id = 1042,
+        .entry = {.place = 108, .name = "Explosion", .guid = "4B2A0059-EA66-4b03-BAD2-E8F8452FE446"},
+        .shown = {.title = "Explosion", .summary = "Blurs outwards from a centre."},
+        .reads = {.radius = "length of the blur", .position = true},
+        .apply = explosion},
+};
+static_assert(isSound(kRows));
+
+const Registered registered{Family::local, kRows};
 
 } // namespace
-
-std::span<const EffectRow> zoomBlurFilters() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,6 +1,7 @@
 // Looks that map every channel through a table.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/numbers.h"
@@ -57,21 +58,12 @@ template <const ByteTables& kTables> i32 throughCurves(const Frame& f)
     return kAmOk;
 }
 
-i32 throughOne(const Frame& f, const pixels::ByteTable& table)
+i32 sine(const Frame& f)
 {
-    pixels::mapTables(f.src, f.dst, {table, table, table});
+    const pixels::ByteTable curve = sineContrast(f.block.percent);
+    pixels::mapTables(f.src, f.dst, {curve, curve, curve});
     return kAmOk;
 }
-
-i32 exposure(const Frame& f)
-{
-    const int offset = percentOf(f.block) - 50;
-    return throughOne(f, pixels::tableOf([&](int i) {
-        return clampByte(pixels::roundHalfUp(255 * std::log(i + 1.0) / std::log(256.0)) + offset);
-    }));
-}
-
-i32 sine(const Frame& f) { return throughOne(f, sineContrast(f.block.percent)); }
 
 ByteTables cyanBlueCurves()
 {
@@ -160,34 +152,79 @@ i32 freshNew(const Frame& f)
     return kAmOk;
 }
 
-template <const ByteTables& kTables> constexpr EffectRow look(i32 id)
-{
-    return {id, throughCurves<kTables>, nullptr, Source::kept};
-}
-
 constexpr EffectRow kRows[] = {
-    {5, exposure},
-    {49, throughCurves<kJapaness>},
-    {50, cyanBlue},
-    {51, throughCurves<kLomoMovie>},
-    {52, throughCurves<kCrossProcess>},
-    {53, throughCurves<kRetro>},
-    {55, throughCurves<kCinnamon>},
-    {64, sine},
-    {65, fourSeason},
-    look<kSunFlower>(67),
-    look<kRomantic>(68),
-    look<kHoliday>(69),
-    {72, blackAndYellow},
-    look<kPurpleLomo>(74),
-    {79, freshNew},
-    look<kBlueTears>(80),
-    look<kPurpleLove>(81),
+    {.id = 49,
+        .entry = {.place = 49, .name = "Japaness", .guid = "30055315-346C-4ed0-BF83-572605B2CF59"},
+        .shown = {.title = "Japaness", .summary = "Light colours with lifted blue."},
+        .apply = throughCurves<kJapaness>},
+    {.id = 50,
+        .entry = {.place = 50, .name = "CyanBlue", .guid = "E07018F9-29D3-441c-8531-CEA677B10339"},
+        .shown = {.title = "Cyan Blue", .summary = "Moves the colours towards cyan and blue."},
+        .apply = cyanBlue},
+    {.id = 51,
+        .entry = {.place = 51, .name = "LomoMovie", .guid = "234F2F06-5AA0-4307-BEF2-D3CA03747E2E"},
+        .shown = {.title = "Lomo Movie", .summary = "Contrast with deep blue shadows."},
+        .apply = throughCurves<kLomoMovie>},
+    {.id = 52,
+        .entry = {.place = 52, .name = "CrossProcess", .guid = "0172CFF4-7FE5-46fe-91E6-6F6BFCD0D23F"},
+        .shown = {.title = "Cross Process", .summary = "Colours of film developed in the wrong bath."},
+        .apply = throughCurves<kCrossProcess>},
+    {.id = 53,
+        .entry = {.place = 53, .name = "Retro", .guid = "EFFE7C7D-AA0F-4cb0-8C1C-CDE05D04BC97"},
+        .shown = {.title = "Retro", .summary = "Warm lights over bluish shadows."},
+        .apply = throughCurves<kRetro>},
+    {.id = 55,
+        .entry = {.place = 55, .name = "Cinnamon", .guid = "971E3F12-8855-4a81-9C8F-3603A9F735DC"},
+        .shown = {.title = "Cinnamon", .summary = "Muted red over lifted blue."},
+        .apply = throughCurves<kCinnamon>},
+    {.id = 64, .apply = sine},
+    {.id = 65,
+        .entry = {.place = 63, .name = "FourSeason", .guid = "FB66DCAA-F85E-4be4-9470-9D6771AE26B8"},
+        .shown = {.title = "Four Seasons", .summary = "Four bands with a look each."},
+        .apply = fourSeason},
+    {.id = 67,
+        .entry = {.place = 65, .name = "SunFlower", .guid = "534C741C-4450-4ea4-9D8C-BD54AD7ED668"},
+        .shown = {.title = "Sunflower", .summary = "Golden lights and muted blue."},
+        .needsCopy = true,
+        .apply = throughCurves<kSunFlower>},
+    {.id = 68,
+        .entry = {.place = 66, .name = "Romantic", .guid = "06540EAC-C188-426e-952D-7DD97435F6F9"},
+        .shown = {.title = "Romantic", .summary = "Rosy shadows and soft lights."},
+        .needsCopy = true,
+        .apply = throughCurves<kRomantic>},
+    {.id = 69,
+        .entry = {.place = 67, .name = "Holiday", .guid = "8B086E1E-BB01-4f3e-934B-5DB4ADA2567F"},
+        .shown = {.title = "Holiday", .summary = "Faded sunny colours."},
+        .needsCopy = true,
+        .apply = throughCurves<kHoliday>},
+    {.id = 72,
+        .entry = {.place = 69, .name = "BW_Yellow", .guid = "BECC0DB2-67E8-4a9c-BFFB-B1AFD8351811"},
+        .shown = {.title = "Black and White, Yellow", .summary = "A contrasty grey tinted yellow."},
+        .apply = blackAndYellow},
+    {.id = 74,
+        .entry = {.place = 71, .name = "PurpleLomo", .guid = "56F86BED-AA95-4fb1-8DC8-49A5C15A7111"},
+        .shown = {.title = "Purple Lomo", .summary = "Contrast with purple shadows."},
+        .needsCopy = true,
+        .apply = throughCurves<kPurpleLomo>},
+    {.id = 79,
+        .entry = {.place = 76, .name = "FreshNew", .guid = "3F68EC3C-4003-488c-8BD4-4D6CA41E85C5"},
+        .shown = {.title = "Fresh and New", .summary = "Lifted colours with a blue cast."},
+        .apply = freshNew},
+    {.id = 80,
+        .entry = {.place = 77, .name = "BlueTears", .guid = "23ED6584-3EB2-4451-80CE-89D3529DE5C8"},
+        .shown = {.title = "Blue Tears", .summary = "Cold colours with strong blue."},
+        .needsCopy = true,
+        .apply = throughCurves<kBlueTears>},
+    {.id = 81,
+        .entry = {.place = 78, .name = "PurpleLove", .guid = "F944258F-0E51-4f7b-979F-91E3E826E4FC"},
+        .shown = {.title = "Purple Love", .summary = "Contrast with purple lights."},
+        .needsCopy = true,
+        .apply = throughCurves<kPurpleLove>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> curveLooks() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,6 +1,7 @@
 // A broken television picture and a kaleidoscope.
 #include "effects/am/data/jitter.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/looks/brokenTelevision.h"
 #include "pixels/Random.h"
@@ -196,14 +197,27 @@ i32 kaleidoscope(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {96, badSignal, nullptr, Source::kept},
-    {97, kaleidoscope, nullptr, Source::kept},
+    {.id = 96,
+        .entry = {.place = 90, .name = "Bad_TVSignal", .guid = "9B5EFE7A-C286-406e-A286-681142AC8B66"},
+        .shown = {.title = "Broken Television", .summary = "A rolling, jittering television picture."},
+        .random = true,
+        .shared = true,
+        .history = {History::kFromStart},
+        .alpha = Alpha::loose,
+        .needsCopy = true,
+        .apply = badSignal},
+    {.id = 97,
+        .entry = {.place = 91, .name = "Kaleidoscope", .guid = "A5394086-2AE7-4df3-B85B-0D69E4594338"},
+        .shown = {.title = "Kaleidoscope", .summary = "A triangle of the picture mirrored all around."},
+        .alpha = Alpha::computed,
+        .needsCopy = true,
+        .apply = kaleidoscope},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> distortionLooks() { return kRows; }
 
 void restartTelevision()
 {

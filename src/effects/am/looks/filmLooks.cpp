@@ -1,6 +1,7 @@
 // Looks of old film: stored curves under damage, and brightness that walks through a random table.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amTables.h"
 #include "effects/am/looks/filmDamage.h"
 #include "effects/am/loops/walkRows.h"
@@ -198,18 +199,46 @@ i32 greyRetro(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {44, oldMovie},
-    {45, year1839},
-    {46, year1920},
-    {47, damagedThroughCurves<kSeventies>},
-    {48, siena},
-    {54, greyRetro},
-    {56, damagedThroughCurves<kXPro>},
+    {.id = 44,
+        .entry = {.place = 44, .name = "OldMovie", .guid = "E4076D5F-116B-4dad-B1CE-EF9736498734"},
+        .shown = {.title = "Old Movie", .summary = "Flickering sepia with dust and scratches."},
+        .random = true,
+        .apply = oldMovie},
+    {.id = 45,
+        .entry = {.place = 45, .name = "1839", .guid = "8D52123A-ADC8-42ad-B644-BBE48EAD44E7"},
+        .shown = {.title = "1839", .summary = "The uneven brown of an early photograph."},
+        .random = true,
+        .apply = year1839},
+    {.id = 46,
+        .entry = {.place = 46, .name = "1920", .guid = "8CF2F56C-27AD-4cdd-8ACC-D697ED36170C"},
+        .shown = {.title = "1920", .summary = "Uneven grey with dust and scratches."},
+        .random = true,
+        .apply = year1920},
+    {.id = 47,
+        .entry = {.place = 47, .name = "70s", .guid = "1A09570B-8B15-444b-A074-33685EE7E086"},
+        .shown = {.title = "Seventies", .summary = "Faded warm colours with dust and scratches."},
+        .random = true,
+        .apply = damagedThroughCurves<kSeventies>},
+    {.id = 48,
+        .entry = {.place = 48, .name = "Siena", .guid = "8AFBAC44-E0E6-4cf0-99BC-398F544F9400"},
+        .shown = {.title = "Siena", .summary = "Earth colours with grainy red, dust and scratches."},
+        .random = true,
+        .apply = siena},
+    {.id = 54,
+        .entry = {.place = 54, .name = "GrayRetro", .guid = "65C00650-633C-45f0-809D-6A605FAEE1A4"},
+        .shown = {.title = "Grey Retro", .summary = "Grey with a streaky unevenness."},
+        .random = true,
+        .apply = greyRetro},
+    {.id = 56,
+        .entry = {.place = 56, .name = "XPro", .guid = "9B6C332D-A124-44fa-B1B9-F0ECE06FE088"},
+        .shown = {.title = "XPro", .summary = "Hard contrast with cold shadows, dust and scratches."},
+        .random = true,
+        .apply = damagedThroughCurves<kXPro>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> filmLooks() { return kRows; }
 
 } // namespace KEXSDK::am

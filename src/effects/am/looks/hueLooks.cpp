@@ -1,5 +1,6 @@
 // Rainbows, which replace the hue, and a look that changes the lightness apart from the colour.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "pixels/columns.h"
 #include "pixels/numbers.h"
 
@@ -172,14 +173,26 @@ i32 aibao(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {86, allHues, nullptr, Source::kept},
-    {87, aibao, nullptr, Source::kept},
-    {88, warmHues, nullptr, Source::kept},
+    {.id = 86,
+        .entry = {.place = 80, .name = "Rainbow", .guid = "B8418684-23EF-4e0d-94C4-6F5F3FA62666"},
+        .shown = {.title = "Rainbow", .summary = "All hues from bottom to top."},
+        .needsCopy = true,
+        .apply = allHues},
+    {.id = 87,
+        .entry = {.place = 81, .name = "Aibao", .guid = "EE53FABA-42CD-486e-AAF7-A3549401CA9E"},
+        .shown = {.title = "Aibao", .summary = "Flattened lightness with kept colours."},
+        .needsCopy = true,
+        .apply = aibao},
+    {.id = 88,
+        .entry = {.place = 82, .name = "Rainbow2", .guid = "986D9EB4-F480-4757-B661-10C87DB2EFCB"},
+        .shown = {.title = "Warm Rainbow", .summary = "Pure warm hues from bottom to top."},
+        .needsCopy = true,
+        .apply = warmHues},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> hueLooks() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,5 +1,6 @@
 // Tinted panels with lines between them.
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "pixels/columns.h"
 
 #include <array>
@@ -255,17 +256,41 @@ template <void (*kLayOut)(Panels&)> i32 panels(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {89, panels<layOutA>, nullptr, Source::kept},
-    {90, panels<layOutB>, nullptr, Source::kept},
-    {91, panels<layOutC>, nullptr, Source::kept},
-    {92, panels<layOutD>, nullptr, Source::kept},
-    {93, panels<layOutE>, nullptr, Source::kept},
-    {94, panels<layOutF>, nullptr, Source::kept},
+    {.id = 89,
+        .entry = {.place = 83, .name = "Jigsaw_A", .guid = "52535B89-F700-43c1-992F-C7CB8D3FCE48"},
+        .shown = {.title = "Panels A", .summary = "Two interlocking tinted pieces with white lines."},
+        .needsCopy = true,
+        .apply = panels<layOutA>},
+    {.id = 90,
+        .entry = {.place = 84, .name = "Jigsaw_B", .guid = "89AD1E6D-CF9D-4280-BE45-9D4DF7874E18"},
+        .shown = {.title = "Panels B", .summary = "Four tinted panels with black lines, offset like bricks."},
+        .needsCopy = true,
+        .apply = panels<layOutB>},
+    {.id = 91,
+        .entry = {.place = 85, .name = "Jigsaw_C", .guid = "269A3DB6-D705-43c3-BC2C-57D28FEB23B6"},
+        .shown = {.title = "Panels C", .summary = "Four tinted quarters with black lines."},
+        .needsCopy = true,
+        .apply = panels<layOutC>},
+    {.id = 92,
+        .entry = {.place = 86, .name = "Jigsaw_D", .guid = "590333AC-70B7-43b4-B854-AA12815C8A55"},
+        .shown = {.title = "Panels D", .summary = "Tinted panels around a framed window."},
+        .needsCopy = true,
+        .apply = panels<layOutD>},
+    {.id = 93,
+        .entry = {.place = 87, .name = "Jigsaw_E", .guid = "EADA816C-CC38-4964-AE9D-6030F9A1E705"},
+        .shown = {.title = "Panels E", .summary = "Overlapping tinted panels with shaded edges."},
+        .needsCopy = true,
+        .apply = panels<layOutE>},
+    {.id = 94,
+        .entry = {.place = 88, .name = "Jigsaw_F", .guid = "AB623CB4-A037-4734-ABE3-E11528C2F878"},
+        .shown = {.title = "Panels F", .summary = "Stepped tinted panels with shaded edges."},
+        .needsCopy = true,
+        .apply = panels<layOutF>},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> panelLooks() { return kRows; }
 
 } // namespace KEXSDK::am

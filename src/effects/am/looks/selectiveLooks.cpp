@@ -1,6 +1,7 @@
 // Partial desaturation, selective colour correction and luma-keyed light.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/numbers.h"
 
@@ -189,15 +190,31 @@ i32 vintageGloaming(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {71, eachPixel<simpleElegant>, nullptr, Source::kept},
-    {75, freshness, nullptr, Source::kept},
-    {76, eachPixel<beautiful>, nullptr, Source::kept},
-    {78, vintageGloaming, nullptr, Source::kept},
+    {.id = 71,
+        .entry = {.place = 68, .name = "SimpleElegent", .guid = "94C674C7-B853-4b72-A035-46412DA6B447"},
+        .shown = {.title = "Simple Elegance", .summary = "Partly desaturated colours."},
+        .needsCopy = true,
+        .apply = eachPixel<simpleElegant>},
+    {.id = 75,
+        .entry = {.place = 72, .name = "Freshness", .guid = "740E5BD0-1BAD-4688-AF49-946FAE0F2E7A"},
+        .shown = {.title = "Freshness", .summary = "Light airy colours with lifted blue."},
+        .needsCopy = true,
+        .apply = freshness},
+    {.id = 76,
+        .entry = {.place = 73, .name = "BeautifyImg", .guid = "D3FFB279-0581-4c3c-8CAC-CB2E1D148614"},
+        .shown = {.title = "Beautify", .summary = "Brightens and corrects skin colours."},
+        .needsCopy = true,
+        .apply = eachPixel<beautiful>},
+    {.id = 78,
+        .entry = {.place = 75, .name = "Vintage_Gloaming", .guid = "08ECFF4C-CD36-4c89-9D4D-F515451BB2DB"},
+        .shown = {.title = "Vintage Gloaming", .summary = "Evening colours with corrected reds."},
+        .needsCopy = true,
+        .apply = vintageGloaming},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> selectiveLooks() { return kRows; }
 
 } // namespace KEXSDK::am

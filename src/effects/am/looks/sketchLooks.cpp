@@ -1,6 +1,7 @@
 // Looks that see a pixel with its eight neighbours: pencil sketches, outlines, sharpened colours.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/loops/pencil.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/columns.h"
@@ -184,15 +185,33 @@ i32 comic(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {66, photoWithSketch, placeSketch, Source::kept},
-    {83, shadow, nullptr, Source::kept},
-    {84, wash, nullptr, Source::kept},
-    {85, comic, nullptr, Source::kept},
+    {.id = 66,
+        .entry = {.place = 64, .name = "PhotoWithSkecth", .guid = "FC9825B7-ADE7-41ba-8B83-B6C8085E2E39"},
+        .shown = {.title = "Photo with Sketch",
+            .summary = "A pencil sketch in a tilted frame inside the photo."},
+        .prepare = placeSketch,
+        .needsCopy = true,
+        .apply = photoWithSketch},
+    {.id = 83,
+        .entry = {.place = 109, .name = "Shadow", .guid = "D4A1FDF7-FD14-490e-8D29-177AEC4DED39"},
+        .shown = {.title = "Shadow", .summary = "A pencil sketch laid over the grey picture."},
+        .needsCopy = true,
+        .apply = shadow},
+    {.id = 84,
+        .entry = {.place = 110, .name = "Wash", .guid = "647304F8-B2DC-4200-B8B2-E8FF95020A44"},
+        .shown = {.title = "Wash", .summary = "Bright colours with dark outlines."},
+        .needsCopy = true,
+        .apply = wash},
+    {.id = 85,
+        .entry = {.place = 111, .name = "Comic", .guid = "BAC37FE1-0A77-4dca-9C45-2FDFE66F3D46"},
+        .shown = {.title = "Comic", .summary = "Sharpened and brightened like a printed comic."},
+        .needsCopy = true,
+        .apply = comic},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> sketchLooks() { return kRows; }
 
 } // namespace KEXSDK::am

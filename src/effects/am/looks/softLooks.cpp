@@ -1,6 +1,7 @@
 // Soft noise over grey, and a soft focus.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/HalfStepBlur.h"
 #include "effects/am/loops/pencil.h"
@@ -108,13 +109,22 @@ i32 softFocus(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {73, noisyBlackAndWhite, nullptr, Source::kept},
-    {77, softFocus, nullptr, Source::kept},
+    {.id = 73,
+        .entry = {.place = 70, .name = "BW_Noise", .guid = "3E3535CE-7881-4e9e-A1EE-D5220E323EB7"},
+        .shown = {.title = "Black and White, Noise", .summary = "Grey with soft noise."},
+        .random = true,
+        .needsCopy = true,
+        .apply = noisyBlackAndWhite},
+    {.id = 77,
+        .entry = {.place = 74, .name = "FuzzyImg", .guid = "004AF9BF-A233-4f3a-A14F-2E475C732091"},
+        .shown = {.title = "Soft Focus", .summary = "A glow from a blurred overlay."},
+        .needsCopy = true,
+        .apply = softFocus},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> softLooks() { return kRows; }
 
 } // namespace KEXSDK::am

@@ -1,6 +1,7 @@
 // Dark rims.
 #include "effects/am/data/storedCurves.h"
-#include "effects/am/library/amFilters.h"
+#include "effects/am/library/amFrame.h"
+#include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/columns.h"
@@ -171,13 +172,25 @@ i32 vignetteRadius(const Frame& f)
 }
 
 constexpr EffectRow kRows[] = {
-    {82, aegean, fixRadius, Source::kept},
-    {95, vignetteRadius},
+    {.id = 82,
+        .entry = {.place = 79, .name = "Aegean", .guid = "154FD34E-0DF8-481f-A99C-4913DDC4938A"},
+        .shown = {.title = "Aegean", .summary = "Dark rim, light centre and sea colours."},
+        .reads = {.position = true},
+        .prepare = fixRadius,
+        .needsCopy = true,
+        .apply = aegean},
+    {.id = 95,
+        .entry = {.place = 89, .name = "VignetteRadius", .guid = "B708C1BB-39A4-410b-A622-8FBC323FD2D7"},
+        .shown = {.title = "Black Vignette", .summary = "A black rim around a circle."},
+        .reads = {.radius = "size of the clear circle"},
+        .radiusIsPercent = true,
+        .alpha = Alpha::computed,
+        .apply = vignetteRadius},
 };
-static_assert(idsAscend(kRows));
+static_assert(isSound(kRows));
+
+const Registered registered{Family::look, kRows};
 
 } // namespace
-
-std::span<const EffectRow> vignetteLooks() { return kRows; }
 
 } // namespace KEXSDK::am
