@@ -81,6 +81,13 @@ TEST(AmNode, ParametersReachTheBlockBeforeEveryRun)
     node.setParamFloatValue("Percent", 90); // of another type: reads as 0
     node.updateParams();
     EXPECT_EQ(b.percent, 0);
+
+    CEffectImage input(640, 480, 0, 32, nullptr);
+    node.setInputImage(&input, 0);
+    node.evaluate(nullptr);
+    EXPECT_FALSE(node.setParamFloatValue("Radius", 90)); // refused: the stored value stays
+    node.updateParams();
+    EXPECT_EQ(b.radius, 7);
 }
 
 TEST(AmNode, TheRoundVignetteTakesItsStrengthFromTheRadius)

@@ -6,8 +6,10 @@
 #include "effects/am/library/amLibrary.h"
 #include "pixels/numbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
+#include <string_view>
 
 namespace KEXSDK {
 
@@ -16,13 +18,72 @@ namespace {
 constexpr float kFramesPerSecond = 25.0f;
 
 // Region bounds are whole pixels in the block and shares of the picture in the parameters.
-i32 asPixels(float share, u32 extent) { return pixels::truncated(float(extent) * share); }
+i32 asPixels(float share, int extent) { return pixels::truncated(float(extent) * share); }
 
 // One that comes back as the bound: the nearest may lie just below it.
-float asShare(i32 bound, u32 extent)
+float asShare(i32 bound, int extent)
 {
     const float share = float(bound) / float(extent);
     return asPixels(share, extent) < bound ? std::nextafter(share, 2 * share) : share;
+}
+
+using Block = AmEffectParams;
+using pixels::Extent;
+
+// A parameter and the field of the block that it fills, for a node of the given size. Values are integers or
+// floats; a double holds either exactly.
+struct Parameter {
+    const char* name;
+    ParamType type;
+    double (*declared)(const Block&, Extent);
+    void (*fill)(Block&, double value, Extent);
+};
+
+template <class Field> void assign(Field& field, i32 value) { field = Field(value); }
+
+template <auto kField> constexpr Parameter integer(const char* name)
+{
+    return {name, ParamType::integer, [](const Block& b, Extent) { return double(b.*kField); },
+        [](Block& b, double value, Extent) { assign(b.*kField, i32(value)); }};
+}
+
+template <float Block::*kField> constexpr Parameter hundredths(const char* name)
+{
+    return {name, ParamType::real, [](const Block& b, Extent) { return double(b.*kField * 100); },
+        [](Block& b, double value, Extent) { b.*kField = float(value) / 100; }};
+}
+
+template <i32 Block::*kField, int Extent::*kSide> constexpr Parameter shareOf(const char* name)
+{
+    return {name, ParamType::real,
+        [](const Block& b, Extent size) { return double(asShare(b.*kField, size.*kSide)); },
+        [](Block& b, double value, Extent size) { b.*kField = asPixels(float(value), size.*kSide); }};
+}
+
+// In the order of their declaration.
+constexpr Parameter kParameters[] = {
+    integer<&Block::posX>("PositionX"),
+    integer<&Block::posY>("PositionY"),
+    hundredths<&Block::pickX>("DecolorPosX"),
+    hundredths<&Block::pickY>("DecolorPosY"),
+    integer<&Block::direction>("Direction"),
+    integer<&Block::percent>("Percent"),
+    integer<&Block::red>("Red"),
+    integer<&Block::green>("Gleen"),
+    integer<&Block::blue>("Blue"),
+    integer<&Block::radius>("Radius"),
+    shareOf<&Block::left, &Extent::width>("LeftPos"),
+    shareOf<&Block::top, &Extent::height>("TopPos"),
+    shareOf<&Block::right, &Extent::width>("RightPos"),
+    shareOf<&Block::bottom, &Extent::height>("BottomPos"),
+};
+
+// 0 when another type is stored.
+double numberIn(const ParamVariant& stored, ParamType type)
+{
+    if (!stored.holds(type))
+        return 0;
+    return type == ParamType::integer ? double(stored.value.integer) : double(stored.value.real);
 }
 
 } // namespace
@@ -49,49 +110,44 @@ void CSimpleAmEffect::setup(i32 id, const char* texturePath)
     if (AmCreateParams(&params, id) != kAmOk)
         throw std::bad_alloc();
     params->frameRate = kFramesPerSecond;
+    effect_ = am::findEffect(id);
     declareParams();
 }
 
 void CSimpleAmEffect::declareParams()
 {
+    static_assert(std::size(kParameters) == kParameterCount);
     // Described first: the values that follow are the block's, for this node's size.
     for (const ParamInfo& info : amParameters(params->id))
         declare(info);
-    setParamIntValue("PositionX", params->posX);
-    setParamIntValue("PositionY", params->posY);
-    setParamFloatValue("DecolorPosX", params->pickX * 100);
-    setParamFloatValue("DecolorPosY", params->pickY * 100);
-    setParamIntValue("Direction", params->direction);
-    setParamIntValue("Percent", params->percent);
-    setParamIntValue("Red", params->red);
-    setParamIntValue("Gleen", params->green);
-    setParamIntValue("Blue", params->blue);
-    setParamIntValue("Radius", params->radius);
-    setParamFloatValue("LeftPos", asShare(params->left, width()));
-    setParamFloatValue("TopPos", asShare(params->top, height()));
-    setParamFloatValue("RightPos", asShare(params->right, width()));
-    setParamFloatValue("BottomPos", asShare(params->bottom, height()));
+    for (const Parameter& parameter : kParameters) {
+        const double value = parameter.declared(*params, extent());
+        if (parameter.type == ParamType::integer)
+            setParamIntValue(parameter.name, i32(value));
+        else
+            setParamFloatValue(parameter.name, float(value));
+    }
+}
+
+bool CSimpleAmEffect::setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value)
+{
+    const ParamVariant* const taken = value.get();
+    if (!CSimpleEffect::setParamVariant(name, value))
+        return false;
+    const auto found = std::ranges::find(kParameters, std::string_view(name), &Parameter::name);
+    if (found != std::end(kParameters))
+        stored_[std::size_t(found - kParameters)] = taken;
+    return true;
 }
 
 void CSimpleAmEffect::updateParams()
 {
-    const am::EffectRow* const effect = am::findEffect(params->id);
-    if (effect && paramsChanged)
-        params->dirty |= effect->rebuiltOnChange;
-    params->posX = getParamInt("PositionX", 0);
-    params->posY = getParamInt("PositionY", 0);
-    params->pickX = getParamFloat("DecolorPosX", 0) / 100;
-    params->pickY = getParamFloat("DecolorPosY", 0) / 100;
-    params->direction = getParamInt("Direction", 0);
-    params->percent = getParamInt(effect && effect->radiusIsPercent ? "Radius" : "Percent", 0);
-    params->red = u8(getParamInt("Red", 0));
-    params->green = u8(getParamInt("Gleen", 0));
-    params->blue = u8(getParamInt("Blue", 0));
-    params->radius = getParamInt("Radius", 0);
-    params->left = asPixels(getParamFloat("LeftPos", 0), width());
-    params->top = asPixels(getParamFloat("TopPos", 0), height());
-    params->right = asPixels(getParamFloat("RightPos", 0), width());
-    params->bottom = asPixels(getParamFloat("BottomPos", 0), height());
+    if (effect_ && paramsChanged)
+        params->dirty |= effect_->rebuiltOnChange;
+    for (std::size_t i = 0; i < stored_.size(); ++i)
+        kParameters[i].fill(*params, numberIn(*stored_[i], kParameters[i].type), extent());
+    if (effect_ && effect_->radiusIsPercent)
+        params->percent = params->radius;
 }
 
 void CSimpleAmEffect::run()

@@ -1,9 +1,10 @@
 // The filter node behind every id of the numeric effect library.
 #pragma once
 
-#include "effects/am/library/amTypes.h"
+#include "effects/am/library/amRow.h"
 #include "model/CSimpleEffect.h"
 
+#include <array>
 #include <memory>
 
 namespace KEXSDK {
@@ -22,6 +23,9 @@ public:
     u32 getInputCount() override { return 1; }
     void run() override;
 
+    /// Remembers where the values of the block's parameters lie: every run reads them.
+    bool setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value) override;
+
     /// Called by the constructor: loads the texture, makes the block, declares the parameters.
     virtual void setup(i32 id, const char* texturePath);
     /// Called by every run: copies the parameters into the block and marks what must be rebuilt.
@@ -31,11 +35,16 @@ protected:
     AmEffectParams* params = nullptr;
 
 private:
+    static constexpr std::size_t kParameterCount = 14;
+
+    pixels::Extent extent() const { return {int(width()), int(height())}; }
     void declareParams();
     AmImageDesc describe(const CEffectImage& image) const;
 
     /// The texture, or transparent black in its place; empty for ids without a texture.
     std::unique_ptr<CEffectImage> texture_;
+    const am::EffectRow* effect_ = nullptr; ///< null for ids without an effect
+    std::array<const ParamVariant*, kParameterCount> stored_{};
 };
 
 } // namespace KEXSDK
