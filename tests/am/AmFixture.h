@@ -1,23 +1,68 @@
 // Pictures and blocks for tests of the numeric effect library.
 #pragma once
 
+#include "effects/am/library/amCatalog.h"
 #include "effects/am/library/amLibrary.h"
 #include "pixels/Random.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <ostream>
 #include <random>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace test {
 
 using pixels::Bgra;
 
+/// Ids by command-line name, without the "am-" in front.
+inline const std::map<std::string, i32>& amIds()
+{
+    static const auto all = [] {
+        std::map<std::string, i32> ids;
+        for (const KEXSDK::EffectInfo& info : KEXSDK::amEffectInfos())
+            ids.emplace(info.name.substr(3), KEXSDK::findAmRow(info.guid)->id);
+        return ids;
+    }();
+    return all;
+}
+
+/// An effect: its name in amIds(), or its number where it has no name. Failures print the name.
+class Am {
+public:
+    constexpr Am(const char* name) : name_(name) { }
+    constexpr Am(i32 id) : id_(id) { }
+
+    operator i32() const
+    {
+        const auto found = name_ ? amIds().find(name_) : amIds().end();
+        if (name_ && found == amIds().end())
+            throw std::invalid_argument(std::string("no effect am-") + name_);
+        return name_ ? found->second : id_;
+    }
+
+    friend std::ostream& operator<<(std::ostream& out, Am effect)
+    {
+        const auto found =
+            std::ranges::find(amIds(), i32(effect), [](const auto& entry) { return entry.second; });
+        return found == amIds().end() ? out << i32(effect) : out << found->first;
+    }
+
+private:
+    const char* name_ = nullptr;
+    i32 id_ = 0;
+};
+/// For lists that hold names and numbers.
+using Ams = std::initializer_list<Am>;
+
 /// A block with an owner.
 class AmBlock {
 public:
-    explicit AmBlock(i32 id) { EXPECT_EQ(KEXSDK::AmCreateParams(&block_, id), KEXSDK::kAmOk); }
+    explicit AmBlock(Am id) { EXPECT_EQ(KEXSDK::AmCreateParams(&block_, id), KEXSDK::kAmOk); }
     ~AmBlock() { EXPECT_EQ(KEXSDK::AmReleaseParams(block_), KEXSDK::kAmOk); }
     AmBlock(const AmBlock&) = delete;
     AmBlock& operator=(const AmBlock&) = delete;
@@ -120,7 +165,7 @@ inline i32 apply(AmBlock& block, AmPicture& picture)
 /// The picture after one run of an id, with the thread's generator seeded.
 template <class Set = void (*)(KEXSDK::AmEffectParams&)>
 AmPicture applied(
-    i32 id, AmPicture picture, Set set = [](KEXSDK::AmEffectParams&) {}, u32 seed = 1)
+    Am id, AmPicture picture, Set set = [](KEXSDK::AmEffectParams&) {}, u32 seed = 1)
 {
     AmBlock block(id);
     block->frameRate = 25;

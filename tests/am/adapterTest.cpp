@@ -15,10 +15,11 @@ namespace {
 
 using namespace KEXSDK;
 using pixels::Bgra;
+using test::Am;
 
 class Node : public CSimpleAmEffect {
 public:
-    Node(i32 id, u32 width = 640, u32 height = 480, const char* texture = nullptr)
+    Node(Am id, u32 width = 640, u32 height = 480, const char* texture = nullptr)
         : CSimpleAmEffect(id, width, height, texture)
     {
     }
@@ -27,7 +28,7 @@ public:
 
 TEST(AmNode, DeclaresFourteenParametersWithTheValuesOfTheBlock)
 {
-    Node node(61);
+    Node node("snow");
     EXPECT_EQ(node.GetParamCount(), 3u + 14u);
     for (const char* name : {"PositionX", "PositionY", "Percent", "Radius"})
         EXPECT_EQ(node.getParamInt(name, -1), 50) << name;
@@ -41,12 +42,12 @@ TEST(AmNode, DeclaresFourteenParametersWithTheValuesOfTheBlock)
     EXPECT_EQ(node.getParamFloat("BottomPos", -1), 100.0f / 480);
     EXPECT_EQ(node.block().frameRate, 25.0f);
     EXPECT_EQ(node.getInputCount(), 1u);
-    EXPECT_EQ(Node(2050).getInputCount(), 1u);
+    EXPECT_EQ(Node("merge-image").getInputCount(), 1u);
 }
 
 TEST(AmNode, ParametersReachTheBlockBeforeEveryRun)
 {
-    Node node(11);
+    Node node("gray-scale");
     node.setParamIntValue("PositionX", 1);
     node.setParamIntValue("PositionY", -2);
     node.setParamFloatValue("DecolorPosX", 2550);
@@ -92,7 +93,7 @@ TEST(AmNode, ParametersReachTheBlockBeforeEveryRun)
 
 TEST(AmNode, TheRoundVignetteTakesItsStrengthFromTheRadius)
 {
-    Node node(95);
+    Node node("vignette-radius");
     node.setParamIntValue("Radius", 70);
     node.setParamIntValue("Percent", 20);
     node.updateParams();
@@ -102,7 +103,7 @@ TEST(AmNode, TheRoundVignetteTakesItsStrengthFromTheRadius)
 
 TEST(AmNode, ChangedParametersMarkTheDisplacementMaps)
 {
-    const auto marked = [](i32 id) {
+    const auto marked = [](Am id) {
         Node node(id, 8, 8);
         CEffectImage input(8, 8, 0, 32, nullptr);
         node.setInputImage(&input, 0);
@@ -114,11 +115,11 @@ TEST(AmNode, ChangedParametersMarkTheDisplacementMaps)
         node.updateParams();
         return node.block().dirty;
     };
-    EXPECT_EQ(marked(1032), 12u);
-    for (const i32 id : {1033, 1034, 1035})
+    EXPECT_EQ(marked("tunnel"), 12u);
+    for (const Am id : {"enlarge", "narrow", "whirl"})
         EXPECT_EQ(marked(id), 0xFFFFFFFFu);
-    EXPECT_EQ(marked(1036), 0u);
-    EXPECT_EQ(marked(11), 0u);
+    EXPECT_EQ(marked("raindrop"), 0u);
+    EXPECT_EQ(marked("gray-scale"), 0u);
 }
 
 TEST(AmNode, AppliesTheEffectToACopyOfItsInput)
@@ -127,7 +128,7 @@ TEST(AmNode, AppliesTheEffectToACopyOfItsInput)
     for (int y = 0; y < 17; ++y)
         for (Bgra& p : input.view().row(y))
             p = {1, 2, 3, 4};
-    Node node(14, 33, 17);
+    Node node("negative", 33, 17);
     EXPECT_FALSE(node.evaluate(nullptr)) << "no input";
     node.setInputImage(&input, 0);
     ASSERT_TRUE(node.evaluate(nullptr));
@@ -141,7 +142,7 @@ TEST(AmNode, AppliesTheEffectToACopyOfItsInput)
     ASSERT_TRUE(unknown.evaluate(nullptr));
     EXPECT_EQ(unknown.getOutputImage()->view().at(5, 5), (Bgra{254, 253, 252, 4}));
 
-    Node other(14, 32, 17);
+    Node other("negative", 32, 17);
     other.setInputImage(&input, 0);
     ASSERT_TRUE(other.evaluate(nullptr));
     EXPECT_EQ(other.getOutputImage()->view().at(0, 0), (Bgra{0, 0, 0, 0})) << "an input of another size";
@@ -177,7 +178,7 @@ TEST(AmNode, DescribesWhatItStores)
 TEST(AmNode, ABandIsTheBlocksAtAnyHeight)
 {
     for (u32 height = 1; height <= 4096; height += height < 1000 ? 1 : 101) {
-        Node node(1041, 8, height);
+        Node node("tilt-shift", 8, height);
         EXPECT_FLOAT_EQ(node.getParamFloat("TopPos", 0), 40.0f / float(height));
         EXPECT_FLOAT_EQ(node.getParamFloat("BottomPos", 0), 60.0f / float(height));
         CEffectImage input(8, height, 0, 32, nullptr);
@@ -194,16 +195,16 @@ TEST_F(AmTextures, AMissingTextureLeavesInputOneEmptyAndIsTransparentBlack)
 {
     CEffectImage input(8, 8, 0, 32, nullptr);
     input.view().at(3, 3) = {9, 8, 7, 6};
-    const auto outcome = [&](i32 id) {
+    const auto outcome = [&](Am id) {
         Node node(id, 8, 8, "NoSuchTexture.png");
         EXPECT_EQ(node.getInputImage(1), nullptr);
         node.setInputImage(&input, 0);
         EXPECT_TRUE(node.evaluate(nullptr));
         return node.getOutputImage()->view().at(3, 3);
     };
-    EXPECT_EQ(outcome(2050), (Bgra{9, 8, 7, 6})) << "laid over by its alpha";
-    EXPECT_EQ(outcome(2052), (Bgra{0, 0, 0, 6})) << "multiplied";
-    EXPECT_EQ(outcome(2150), (Bgra{9, 8, 7, 6})) << "screened";
+    EXPECT_EQ(outcome("merge-image"), (Bgra{9, 8, 7, 6})) << "laid over by its alpha";
+    EXPECT_EQ(outcome("ancient-canvas"), (Bgra{0, 0, 0, 6})) << "multiplied";
+    EXPECT_EQ(outcome("screen"), (Bgra{9, 8, 7, 6})) << "screened";
 }
 
 TEST_F(AmTextures, AHostMayPutAPictureOfItsOwnInTheTexturesPlace)
@@ -213,7 +214,7 @@ TEST_F(AmTextures, AHostMayPutAPictureOfItsOwnInTheTexturesPlace)
     CEffectImage light(8, 8, 0, 32, nullptr);
     light.view().at(3, 3) = {1, 2, 250, 0};
     CEffectImage small(4, 4, 0, 32, nullptr);
-    Node node(2097, 8, 8, "NoSuchTexture.png");
+    Node node("shine1", 8, 8, "NoSuchTexture.png");
     node.setInputImage(&input, 0);
     const auto result = [&] {
         EXPECT_TRUE(node.evaluate(nullptr));
@@ -233,8 +234,8 @@ TEST(AmTextureLog, AMissingTextureIsOneWarning)
     ASSERT_TRUE(test::inChild([&] { // the log opens once per process
         test::useNoGraphics();
         bool ok = logging::open(file.string());
-        Node(2052, 8, 8, "NoSuchTexture.png");
-        Node(2049, 8, 8);
+        Node("ancient-canvas", 8, 8, "NoSuchTexture.png");
+        Node("merge-color", 8, 8);
         return ok;
     }));
     std::ifstream log(file);

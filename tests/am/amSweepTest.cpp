@@ -12,13 +12,14 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
 
 // Of neighbours that share all their code, the first.
-std::vector<i32> differentEffects()
+std::vector<Am> differentEffects()
 {
-    std::vector<i32> ids;
+    std::vector<Am> ids;
     const am::EffectRow* last = nullptr;
     for (i32 id = am::kFilters.first; id <= am::kBlends.last; ++id) {
         const am::EffectRow* const row = am::findEffect(id);
@@ -32,7 +33,7 @@ std::vector<i32> differentEffects()
 constexpr pixels::Extent kSizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 3}, {7, 5}, {33, 17}, {64, 48}};
 
 // Two runs of a block on a picture with padding, in place and from elsewhere: the same bytes, nothing beside.
-template <class Set> std::vector<pixels::Bgra> run(i32 id, pixels::Extent size, Set set)
+template <class Set> std::vector<pixels::Bgra> run(Am id, pixels::Extent size, Set set)
 {
     AmPicture source(size.width, size.height, 20);
     source.fillWithNoise(u32(id));
@@ -70,7 +71,7 @@ TEST(AmSweep, EveryEffectBearsEveryFieldAtEverySize)
         std::numeric_limits<i32>::max()};
     constexpr float kReals[] = {0, 50, 100, -1, 1e30f, -1e30f, std::numeric_limits<float>::infinity(),
         std::numeric_limits<float>::quiet_NaN()};
-    for (const i32 id : differentEffects()) {
+    for (const Am id : differentEffects()) {
         for (const auto size : kSizes) {
             SCOPED_TRACE(testing::Message() << id << " at " << size.width << " x " << size.height);
             for (const i32 value : kValues) {
@@ -92,7 +93,7 @@ TEST(AmSweep, EveryEffectBearsEveryFieldAtEverySize)
 
 TEST(AmSweep, ThreadsAndVectorsNeverShowInTheBytes)
 {
-    for (const i32 id : differentEffects()) {
+    for (const Am id : differentEffects()) {
         const auto with = [&](std::size_t threads, pixels::VectorLevel vectors) {
             const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
             pixels::limitVectors(vectors);

@@ -7,8 +7,10 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
+using test::Ams;
 using test::Bgra;
 using Row = std::vector<Bgra>;
 
@@ -31,7 +33,7 @@ Row blended(AmBlock& block, AmPicture picture, const AmPicture& texture)
     return picture.row(0);
 }
 
-Row blended(i32 id, const AmPicture& picture, const AmPicture& texture)
+Row blended(Am id, const AmPicture& picture, const AmPicture& texture)
 {
     AmBlock block(id);
     return blended(block, picture, texture);
@@ -40,46 +42,46 @@ Row blended(i32 id, const AmPicture& picture, const AmPicture& texture)
 TEST(AmBlends, EveryModeMakesItsColoursAndKeepsAlpha)
 {
     struct Expected {
-        i32 id;
+        Am id;
         Bgra dark;
         Bgra light;
     };
     constexpr Expected kRows[] = {
-        {2050, {28, 59, 108, 40}, {129, 1, 255, 7}},
-        {2052, {3, 11, 30, 40}, {100, 0, 100, 7}},
-        {2061, {3, 11, 30, 40}, {100, 0, 100, 7}},
-        {2063, {5, 11, 20, 40}, {75, 0, 150, 7}},
+        {"merge-image", {28, 59, 108, 40}, {129, 1, 255, 7}},
+        {"ancient-canvas", {3, 11, 30, 40}, {100, 0, 100, 7}},
+        {"water-drop3", {3, 11, 30, 40}, {100, 0, 100, 7}},
+        {"old-tv", {5, 11, 20, 40}, {75, 0, 150, 7}},
         {2064, {11, 37, 223, 40}, {104, 0, 236, 7}},
-        {2065, {18, 120, 72, 40}, {108, 0, 130, 7}},
+        {"stencil-poster", {18, 120, 72, 40}, {108, 0, 130, 7}},
         {2066, {56, 44, 63, 40}, {125, 0, 124, 7}},
         {2067, {0, 0, 0, 40}, {128, 0, 255, 7}},
         {2068, {0, 0, 250, 40}, {128, 0, 255, 7}},
         {2069, {0, 130, 0, 40}, {128, 0, 255, 7}},
         {2070, {60, 0, 0, 40}, {128, 0, 255, 7}},
-        {2072, {5, 21, 59, 40}, {200, 45, 200, 7}},
+        {"color-explosion", {5, 21, 59, 40}, {200, 45, 200, 7}},
         {2078, {5, 21, 59, 40}, {200, 45, 200, 7}},
-        {2081, {5, 25, 246, 40}, {200, 0, 255, 7}},
+        {"old-film", {5, 25, 246, 40}, {200, 0, 255, 7}},
         {2090, {31, 117, 249, 40}, {221, 120, 255, 7}},
         {2096, {70, 150, 255, 40}, {255, 150, 255, 7}},
         {2104, {70, 150, 255, 40}, {255, 150, 255, 7}},
-        {2107, {13, 40, 255, 40}, {255, 150, 255, 7}},
-        {2110, {10, 20, 30, 40}, {128, 0, 100, 7}},
+        {"merge-light", {13, 40, 255, 40}, {255, 150, 255, 7}},
+        {"dark", {10, 20, 30, 40}, {128, 0, 100, 7}},
         {2113, {10, 20, 30, 40}, {128, 0, 100, 7}},
         {2116, {68, 140, 250, 40}, {227, 150, 255, 7}},
         {2166, {68, 140, 250, 40}, {227, 150, 255, 7}},
-        {2169, {4, 20, 84, 40}, {200, 88, 159, 7}},
+        {"soft-light", {4, 20, 84, 40}, {200, 88, 159, 7}},
         {2174, {4, 20, 84, 40}, {200, 88, 159, 7}},
-        {2177, {0, 0, 25, 40}, {73, 0, 100, 7}},
+        {"merge-linear", {0, 0, 25, 40}, {73, 0, 100, 7}},
         {2178, {0, 0, 28, 40}, {149, 48, 100, 7}},
         {2179, {0, 0, 27, 40}, {136, 22, 100, 7}},
-        {2186, {0, 0, 19, 40}, {29, 0, 194, 7}},
+        {"burnt-paper", {0, 0, 19, 40}, {29, 0, 194, 7}},
         {2187, {0, 0, 241, 40}, {88, 0, 248, 7}},
-        {2188, {0, 38, 205, 40}, {80, 0, 224, 7}},
+        {"linear-burn", {0, 38, 205, 40}, {80, 0, 224, 7}},
         {2189, {0, 0, 59, 40}, {103, 0, 124, 7}},
-        {2191, {0, 25, 255, 40}, {201, 0, 255, 7}},
-        {2199, {82, 152, 255, 40}, {255, 141, 255, 7}},
-        {2200, {72, 145, 251, 40}, {255, 211, 255, 7}},
-        {2202, {5, 21, 59, 40}, {200, 45, 200, 7}},
+        {"linear-light", {0, 25, 255, 40}, {201, 0, 255, 7}},
+        {"charcoal", {82, 152, 255, 40}, {255, 141, 255, 7}},
+        {"color-fense", {72, 145, 251, 40}, {255, 211, 255, 7}},
+        {"radio-explike-fx", {5, 21, 59, 40}, {200, 45, 200, 7}},
     };
     const AmPicture picture{kDark, kLight};
     const AmPicture texture{{60, 130, 250, 90}, {128, 0, 255, 255}};
@@ -109,11 +111,11 @@ TEST(AmBlends, ModesThatAreTablesByDefinitionHaveTheirVeryBytes)
             texture.view().at(b, a) = {u8(b), u8(b), u8(b), u8(a)};
         }
     }
-    const auto agrees = [&](i32 id, auto entry) {
+    const auto agrees = [&](Am id, auto entry) {
         AmPicture result = picture;
         AmBlock block(id);
         EXPECT_EQ(apply(block, result, texture), kAmOk);
-        EXPECT_EQ(block->dirty & kAmDirtyTable, id == 2200 ? 1u : 0u) << "the table's mark";
+        EXPECT_EQ(block->dirty & kAmDirtyTable, id == Am("color-fense") ? 1u : 0u) << "the table's mark";
         for (int a = 0; a < 256; ++a)
             for (int b = 0; b < 256; ++b)
                 if (const u8 v = u8(entry(a, b)); result.at(b, a) != Bgra{v, v, v, u8(b)})
@@ -121,18 +123,18 @@ TEST(AmBlends, ModesThatAreTablesByDefinitionHaveTheirVeryBytes)
         return testing::AssertionSuccess();
     };
     EXPECT_TRUE(agrees(2075, overlay));
-    EXPECT_TRUE(agrees(2202, overlay));
-    EXPECT_TRUE(agrees(2081, hardLight));
-    EXPECT_TRUE(agrees(2169, softLight));
-    EXPECT_TRUE(agrees(2107, dodge));
-    EXPECT_TRUE(agrees(2200, brighten));
+    EXPECT_TRUE(agrees("radio-explike-fx", overlay));
+    EXPECT_TRUE(agrees("old-film", hardLight));
+    EXPECT_TRUE(agrees("soft-light", softLight));
+    EXPECT_TRUE(agrees("merge-light", dodge));
+    EXPECT_TRUE(agrees("color-fense", brighten));
 }
 
 TEST(AmBlends, SomeTexturesChangeNothing)
 {
     AmPicture picture(16, 16);
     picture.fillWithNoise(1);
-    const auto unchanged = [&](i32 id, Bgra colour, i32 percentage) {
+    const auto unchanged = [&](Am id, Bgra colour, i32 percentage) {
         AmPicture texture(16, 16);
         texture.fill(colour);
         AmPicture result = picture;
@@ -141,37 +143,37 @@ TEST(AmBlends, SomeTexturesChangeNothing)
         EXPECT_EQ(apply(block, result, texture), kAmOk);
         return result.pixels() == picture.pixels();
     };
-    EXPECT_TRUE(unchanged(2050, {1, 2, 3, 0}, 50)) << "transparent";
-    EXPECT_TRUE(unchanged(2052, {255, 255, 255, 0}, 50)) << "white, multiplied";
-    EXPECT_TRUE(unchanged(2150, {0, 0, 0, 0}, 50)) << "black, screened";
-    EXPECT_TRUE(unchanged(2177, {1, 2, 3, 4}, 0)) << "faded to white";
-    EXPECT_TRUE(unchanged(2177, {1, 2, 3, 4}, -9)) << "faded to white";
-    EXPECT_FALSE(unchanged(2177, {1, 2, 3, 4}, 1));
+    EXPECT_TRUE(unchanged("merge-image", {1, 2, 3, 0}, 50)) << "transparent";
+    EXPECT_TRUE(unchanged("ancient-canvas", {255, 255, 255, 0}, 50)) << "white, multiplied";
+    EXPECT_TRUE(unchanged("screen", {0, 0, 0, 0}, 50)) << "black, screened";
+    EXPECT_TRUE(unchanged("merge-linear", {1, 2, 3, 4}, 0)) << "faded to white";
+    EXPECT_TRUE(unchanged("merge-linear", {1, 2, 3, 4}, -9)) << "faded to white";
+    EXPECT_FALSE(unchanged("merge-linear", {1, 2, 3, 4}, 1));
 }
 
 TEST(AmBlends, TheColourWashNeedsNoTexture)
 {
     AmPicture picture{kDark, kLight};
-    EXPECT_EQ(
-        test::applied(2049, picture, [](AmEffectParams& b) { b.alpha = 0; }).row(0), (Row{kDark, kLight}));
+    EXPECT_EQ(test::applied("merge-color", picture, [](AmEffectParams& b) { b.alpha = 0; }).row(0),
+        (Row{kDark, kLight}));
     const auto flat = [](AmEffectParams& b) { b.alpha = 255, b.red = 200, b.green = 100, b.blue = 0; };
-    EXPECT_EQ(test::applied(2049, picture, flat).row(0), (Row{{0, 99, 199, 40}, {0, 100, 199, 7}}));
+    EXPECT_EQ(test::applied("merge-color", picture, flat).row(0), (Row{{0, 99, 199, 40}, {0, 100, 199, 7}}));
 }
 
 TEST(AmBlends, ColourTunesBendTheirCurvesAndThenBlend)
 {
     struct Expected {
-        i32 id;
+        Am id;
         Bgra at64;
         Bgra at192;
         Bgra curve64; ///< without a texture of the same size
     };
     constexpr Expected kRows[] = {
-        {2193, {45, 44, 101, 5}, {142, 83, 228, 5}, {83, 63, 103, 5}},
-        {2194, {20, 44, 143, 5}, {208, 212, 242, 5}, {28, 44, 97, 5}},
-        {2195, {48, 59, 140, 5}, {212, 164, 240, 5}, {66, 59, 95, 5}},
-        {2196, {39, 108, 208, 5}, {216, 196, 255, 5}, {85, 107, 107, 5}},
-        {2197, {38, 63, 201, 5}, {204, 166, 255, 5}, {83, 63, 103, 5}},
+        {"sun-set", {45, 44, 101, 5}, {142, 83, 228, 5}, {83, 63, 103, 5}},
+        {"vivid", {20, 44, 143, 5}, {208, 212, 242, 5}, {28, 44, 97, 5}},
+        {"garden", {48, 59, 140, 5}, {212, 164, 240, 5}, {66, 59, 95, 5}},
+        {"dan-gui", {39, 108, 208, 5}, {216, 196, 255, 5}, {85, 107, 107, 5}},
+        {"september", {38, 63, 201, 5}, {204, 166, 255, 5}, {83, 63, 103, 5}},
     };
     const AmPicture picture{{64, 64, 64, 5}, {192, 192, 192, 5}};
     const AmPicture texture{{60, 130, 250, 90}, {128, 0, 255, 255}};
@@ -181,7 +183,7 @@ TEST(AmBlends, ColourTunesBendTheirCurvesAndThenBlend)
         EXPECT_EQ(blended(row.id, picture, other).front(), row.curve64) << row.id;
     }
     const AmPicture white{{255, 255, 255, 5}, {255, 255, 255, 5}};
-    EXPECT_EQ(blended(2198, white, {{64, 64, 64, 0}, {192, 192, 192, 0}}),
+    EXPECT_EQ(blended("lumbra-lomo", white, {{64, 64, 64, 0}, {192, 192, 192, 0}}),
         (Row{{53, 18, 41, 5}, {249, 227, 237, 5}}));
 }
 
@@ -192,17 +194,18 @@ TEST(AmBlends, ATextureThatDoesNotFitIsRefused)
     const auto before = picture.pixels();
     AmPicture texture(8, 4);
     const AmImageDesc desc = picture.desc();
-    const auto result = [&](i32 id, auto spoil) {
+    const auto result = [&](Am id, auto spoil) {
         AmBlock block(id);
         AmImageDesc second = texture.desc();
         spoil(second);
         return AmApplyEffect(block.get(), &desc, &second);
     };
-    for (const i32 id : {2050, 2063, 2065, 2081, 2177, 2198, 2200, 2202, 2203, 2204, 2205, 2206}) {
+    for (const Am id : Ams{"merge-image", "old-tv", "stencil-poster", "old-film", "merge-linear",
+             "lumbra-lomo", "color-fense", "radio-explike-fx", "rq-old-photo", "canvas", "classic", 2206}) {
         EXPECT_EQ(result(id, [](AmImageDesc& d) { d.width = 7; }), -3) << id;
         EXPECT_EQ(result(id, [](AmImageDesc& d) { d.height = 5; }), -3) << id;
     }
-    for (const i32 id : {2052, 2193, 2201}) {
+    for (const Am id : {"ancient-canvas", "sun-set", "focus-color"}) {
         EXPECT_EQ(result(id, [](AmImageDesc& d) { d.data = nullptr; }), -3) << id;
         EXPECT_EQ(result(id, [](AmImageDesc& d) { d.stride = 28; }), -3) << id;
         EXPECT_EQ(result(id, [](AmImageDesc& d) { d.width = 0; }), -3) << id;
@@ -215,7 +218,7 @@ TEST(AmBlendState, TheHardLightsFadeFollowsThePercentage)
 {
     const AmPicture picture{kLight};
     const AmPicture texture{{60, 130, 250, 90}};
-    AmBlock block(2081);
+    AmBlock block("old-film");
     const Row full = blended(block, picture, texture);
     EXPECT_EQ(block->dirty & 3, 2u);
     block->percent = 60;
@@ -231,7 +234,7 @@ TEST(AmBlendState, TheLinearBurnKeepsItsFirstPercentageForASize)
 {
     const AmPicture picture{kLight, kLight};
     const AmPicture texture{{60, 130, 250, 90}, {60, 130, 250, 90}};
-    AmBlock block(2177);
+    AmBlock block("merge-linear");
     const Row full = blended(block, picture, texture);
     EXPECT_EQ(block->dirty & 3, 0u);
     block->percent = 0;
@@ -250,7 +253,7 @@ TEST(AmBlendState, ColourScreensKeepTheirFirstColour)
 {
     const AmPicture picture{kDark};
     const AmPicture texture{{60, 130, 250, 90}};
-    for (const i32 id : {2065, 2188}) {
+    for (const Am id : {"stencil-poster", "linear-burn"}) {
         AmBlock block(id);
         const Row first = blended(block, picture, texture);
         block->red = block->green = block->blue = 255;
@@ -261,11 +264,12 @@ TEST(AmBlendState, ColourScreensKeepTheirFirstColour)
     }
 }
 
-constexpr i32 kWithCopy[] = {2193, 2194, 2195, 2196, 2197, 2200, 2201, 2202, 2203, 2205, 2206};
+constexpr Am kWithCopy[] = {"sun-set", "vivid", "garden", "dan-gui", "september", "color-fense",
+    "focus-color", "radio-explike-fx", "rq-old-photo", "classic", 2206};
 
 TEST(AmBlendState, InPlaceTheSourceStaysInBothCopies)
 {
-    for (const i32 id : kWithCopy) {
+    for (const Am id : kWithCopy) {
         AmPicture picture(33, 17, 8);
         picture.fillWithNoise(4);
         const auto before = picture.pixels();
@@ -287,9 +291,9 @@ TEST(AmBlendState, WithoutMemoryThePictureStays)
     picture.fillWithNoise(4);
     const auto before = picture.pixels();
     AmPicture texture(33, 17);
-    std::vector<i32> ids{2065, 2081, 2177, 2188, 2204};
+    std::vector<Am> ids{"stencil-poster", "old-film", "merge-linear", "linear-burn", "canvas"};
     ids.insert(ids.end(), std::begin(kWithCopy), std::end(kWithCopy));
-    for (const i32 id : ids) {
+    for (const Am id : ids) {
         AmBlock block(id);
         am::setAllocationGate([](std::size_t) { return false; });
         EXPECT_EQ(apply(block, picture, texture), kAmNoMemory) << id;

@@ -5,13 +5,15 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
+using test::Ams;
 using test::apply;
 
 TEST(AmBlockDefaults, EveryFamilyStartsFromTheCommonValues)
 {
-    for (const i32 id : {11, 1026, 2190}) {
+    for (const Am id : Ams{"gray-scale", "sharp", 2190}) {
         AmBlock block(id);
         EXPECT_EQ(block->size, 176u);
         EXPECT_EQ(block->id, id);
@@ -38,37 +40,38 @@ TEST(AmBlockDefaults, EveryFamilyStartsFromTheCommonValues)
 
 TEST(AmBlockDefaults, SomeIdsStartDifferently)
 {
-    for (const i32 id : {1, 2, 3, 4, 5, 12, 1025, 1028, 1029, 1030, 1031, 1036})
+    for (const Am id : Ams{"noise", "mosaic", "plash", "film-grain", "exposure", "binary", 1025, "sketch",
+             "neon", "shake", "ripple", "raindrop"})
         EXPECT_EQ(AmBlock(id)->usageMask, 1) << id;
-    EXPECT_EQ(AmBlock(24)->usageMask, 7);
-    EXPECT_EQ(AmBlock(1026)->usageMask, 0);
-    EXPECT_EQ(AmBlock(1032)->usageMask, 6);
-    EXPECT_EQ(AmBlock(1035)->usageMask, 4);
-    EXPECT_EQ(AmBlock(61)->direction, 1);
-    EXPECT_EQ(AmBlock(62)->direction, 0);
-    EXPECT_EQ(AmBlock(62)->usageMask, 35);
-    EXPECT_EQ(AmBlock(63)->radius, 30);
-    EXPECT_EQ(AmBlock(1041)->top, 40);
-    EXPECT_EQ(AmBlock(1041)->bottom, 60);
+    EXPECT_EQ(AmBlock("sun-shine")->usageMask, 7);
+    EXPECT_EQ(AmBlock("sharp")->usageMask, 0);
+    EXPECT_EQ(AmBlock("tunnel")->usageMask, 6);
+    EXPECT_EQ(AmBlock("whirl")->usageMask, 4);
+    EXPECT_EQ(AmBlock("snow")->direction, 1);
+    EXPECT_EQ(AmBlock("bubble")->direction, 0);
+    EXPECT_EQ(AmBlock("bubble")->usageMask, 35);
+    EXPECT_EQ(AmBlock("get-color")->radius, 30);
+    EXPECT_EQ(AmBlock("tilt-shift")->top, 40);
+    EXPECT_EQ(AmBlock("tilt-shift")->bottom, 60);
     EXPECT_EQ(AmBlock(2070)->variant, 0);
     EXPECT_EQ(AmBlock(2067)->variant, 3);
     EXPECT_EQ(AmBlock(2068)->variant, 2);
-    for (const i32 id : {2078, 2081, 2089, 2093, 2177, 2180, 2184})
+    for (const Am id : Ams{2078, "old-film", 2089, 2093, "merge-linear", 2180, 2184})
         EXPECT_EQ(AmBlock(id)->percent, 100) << id;
     for (const i32 id : {2079, 2094, 2179, 2185})
         EXPECT_EQ(AmBlock(id)->percent, 50) << id;
     EXPECT_EQ(AmBlock(2092)->percent, 60);
     EXPECT_EQ(AmBlock(2178)->percent, 40);
 
-    const auto colour = [](i32 id) {
+    const auto colour = [](Am id) {
         AmBlock block(id);
         return std::array<int, 4>{block->red, block->green, block->blue, block->alpha};
     };
     using Colour = std::array<int, 4>;
-    EXPECT_EQ(colour(2049), (Colour{0, 255, 255, 128}));
+    EXPECT_EQ(colour("merge-color"), (Colour{0, 255, 255, 128}));
     EXPECT_EQ(colour(2064), (Colour{225, 55, 36, 0}));
     EXPECT_EQ(colour(2066), (Colour{40, 70, 235, 0}));
-    EXPECT_EQ(colour(2188), (Colour{205, 155, 36, 0}));
+    EXPECT_EQ(colour("linear-burn"), (Colour{205, 155, 36, 0}));
 }
 
 TEST(AmCodes, BlocksExistOnlyForTheThreeFamilies)
@@ -85,7 +88,7 @@ TEST(AmCodes, BrokenBlocksAndPicturesAreRefusedUntouched)
 {
     AmPicture picture{{1, 2, 3, 4}};
     const AmImageDesc desc = picture.desc();
-    AmBlock block(14);
+    AmBlock block("negative");
     EXPECT_EQ(AmApplyEffect(nullptr, &desc, nullptr), -5);
     block->size = 172;
     EXPECT_EQ(AmApplyEffect(block.get(), &desc, nullptr), -5);
@@ -122,10 +125,10 @@ TEST(AmCodes, IdsWithoutAnEffectLeaveThePicture)
         EXPECT_EQ(AmApplyEffect(block.get(), &desc, &secondDesc), -1) << id;
         EXPECT_EQ(picture.pixels(), before);
     }
-    AmBlock moved(1);
+    AmBlock moved("noise");
     moved->id = 500;
     EXPECT_EQ(apply(moved, picture), -1);
-    AmBlock textured(2050);
+    AmBlock textured("merge-image");
     EXPECT_EQ(apply(textured, picture), -3);
     EXPECT_EQ(picture.pixels(), before);
 }
@@ -151,7 +154,8 @@ TEST_F(AmMemory, WithoutItBlocksAreNotMadeAndEffectsLeaveThePicture)
     AmPicture picture(40, 30);
     picture.fillWithNoise(1);
     const auto before = picture.pixels();
-    for (const i32 id : {50, 57, 58, 60, 61, 62, 66, 82, 83, 97, 1026}) {
+    for (const Am id : {"cyan-blue", "tcvga", "cartoon", "star", "snow", "bubble", "photo-with-skecth",
+             "aegean", "shadow", "kaleidoscope", "sharp"}) {
         AmBlock block(id);
         am::setAllocationGate([](std::size_t) { return false; });
         EXPECT_EQ(apply(block, picture), -6) << id;
@@ -175,7 +179,8 @@ TEST_F(AmMemory, WithoutItBlocksAreNotMadeAndEffectsLeaveThePicture)
 
 TEST_F(AmMemory, ChangedInPlaceManyLooksKeepTheSourceTwice)
 {
-    for (const i32 id : {66, 67, 71, 73, 78, 81, 84, 88, 89, 94, 97}) {
+    for (const Am id : {"photo-with-skecth", "sun-flower", "simple-elegent", "bw-noise", "vintage-gloaming",
+             "purple-love", "wash", "rainbow2", "jigsaw-a", "jigsaw-f", "kaleidoscope"}) {
         AmPicture picture(5, 2, 12);
         picture.fillWithNoise(u32(id));
         const auto before = picture.pixels();
@@ -192,7 +197,7 @@ TEST_F(AmMemory, ChangedInPlaceManyLooksKeepTheSourceTwice)
         EXPECT_EQ(std::memcmp(block->scratchA, before.data(), 40), 0) << id;
         EXPECT_EQ(std::memcmp(block->scratchB, before.data(), 40), 0) << id;
     }
-    for (const i32 id : {72, 79, 95}) {
+    for (const Am id : {"bw-yellow", "fresh-new", "vignette-radius"}) {
         AmPicture picture(5, 2);
         AmBlock block(id);
         EXPECT_EQ(apply(block, picture), 0) << id;
@@ -207,7 +212,7 @@ TEST_F(AmMemory, SoftFocusNamesItsTemporaryPicture)
     source.fillWithNoise(2);
     AmPicture picture(8, 4);
     const AmImageDesc desc = picture.desc();
-    AmBlock block(77);
+    AmBlock block("fuzzy-img");
     am::setAllocationGate([](std::size_t) { return false; });
     EXPECT_EQ(AmApplyEffectFrom(source.view(), block.get(), &desc, nullptr), -2);
     EXPECT_EQ(picture.pixels(), source.pixels());
@@ -215,8 +220,9 @@ TEST_F(AmMemory, SoftFocusNamesItsTemporaryPicture)
 
 TEST_F(AmMemory, SteadyFramesAllocateNothing)
 {
-    for (const i32 id : {50, 57, 60, 61, 62, 66, 67, 73, 77, 82, 83, 97, 1025, 1026, 1030, 1031, 1033, 1036,
-             1037, 1041, 1042}) {
+    for (const Am id : Ams{"cyan-blue", "tcvga", "star", "snow", "bubble", "photo-with-skecth", "sun-flower",
+             "bw-noise", "fuzzy-img", "aegean", "shadow", "kaleidoscope", 1025, "sharp", "shake", "ripple",
+             "enlarge", "raindrop", "frames", "tilt-shift", "explosion"}) {
         AmBlock block(id);
         AmPicture picture(40, 30);
         EXPECT_EQ(apply(block, picture), 0);
@@ -228,7 +234,7 @@ TEST_F(AmMemory, SteadyFramesAllocateNothing)
 
 TEST_F(AmMemory, ScratchBuffersOnlyGrow)
 {
-    AmBlock block(61);
+    AmBlock block("snow");
     AmPicture wide(500, 2);
     AmPicture narrow(100, 2);
     EXPECT_EQ(apply(block, wide), 0);
@@ -241,7 +247,7 @@ TEST_F(AmMemory, ScratchBuffersOnlyGrow)
 
 TEST(AmDirtyBits, AnotherSizeIsRecordedAndMarked)
 {
-    AmBlock block(11);
+    AmBlock block("gray-scale");
     AmPicture picture(4, 3);
     block->dirty = 0;
     EXPECT_EQ(apply(block, picture), 0);
@@ -255,7 +261,7 @@ TEST(AmDirtyBits, AnotherSizeIsRecordedAndMarked)
 
 TEST(AmDirtyBits, TablesAreRebuiltOnlyWhenTheirBitIsSet)
 {
-    AmBlock block(57);
+    AmBlock block("tcvga");
     AmPicture white(8, 1);
     const auto quantised = [&] {
         white.fill({255, 255, 255, 1});
@@ -273,11 +279,12 @@ TEST(AmDirtyBits, TablesAreRebuiltOnlyWhenTheirBitIsSet)
 TEST(AmDirtyBits, MapsAreMadeForASizeAndKeptUntilABitIsSet)
 {
     struct Row {
-        i32 id;
+        Am id;
         u32 kept; ///< bits that the effect leaves alone
         u32 renews;
     };
-    for (const Row& row : {Row{66, ~1u, 1}, {82, ~33u, 1}, {82, ~33u, 32}, {83, ~1u, 1}, {97, ~32u, 32}}) {
+    for (const Row& row : {Row{"photo-with-skecth", ~1u, 1}, {"aegean", ~33u, 1}, {"aegean", ~33u, 32},
+             {"shadow", ~1u, 1}, {"kaleidoscope", ~32u, 32}}) {
         AmBlock block(row.id);
         AmPicture source(40, 30);
         source.fillWithNoise(4);
@@ -303,8 +310,10 @@ TEST(AmDirtyBits, ABufferInheritedFromAnotherIdStaysHarmless)
 {
     // A caller may change the id of a living block: whatever the buffer holds must not lead outside.
     AmPicture picture(40, 30);
-    for (const i32 next : {60, 61, 62, 57, 58, 50, 66, 82, 83, 97, 1030, 1031, 1032, 1036, 1037, 1041}) {
-        AmBlock block(58);
+    for (const Am next :
+        {"star", "snow", "bubble", "tcvga", "cartoon", "cyan-blue", "photo-with-skecth", "aegean", "shadow",
+            "kaleidoscope", "shake", "ripple", "tunnel", "raindrop", "frames", "tilt-shift"}) {
+        AmBlock block("cartoon");
         EXPECT_EQ(apply(block, picture), 0);
         std::memset(block->scratchC, 0x7E, std::size_t(block->scratchCCapacity));
         block->dirty = 0;

@@ -11,6 +11,7 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
 using test::applied;
@@ -40,7 +41,7 @@ AmPicture nine(std::array<u8, 9> greys)
     return picture;
 }
 
-int centreOf(i32 id, std::array<u8, 9> greys, i32 strength = 50)
+int centreOf(Am id, std::array<u8, 9> greys, i32 strength = 50)
 {
     AmPicture out = applied(id, nine(greys), percent(strength));
     const Bgra p = out.at(1, 1);
@@ -50,30 +51,30 @@ int centreOf(i32 id, std::array<u8, 9> greys, i32 strength = 50)
 
 TEST(AmNeighbours, SharpAndBlurWeighTheNine)
 {
-    EXPECT_EQ(centreOf(1026, {10, 10, 10, 10, 20, 10, 10, 10, 10}), 100);
-    EXPECT_EQ(centreOf(1026, {50, 60, 70, 80, 59, 40, 70, 60, 90}), 11);
-    EXPECT_EQ(centreOf(1026, {9, 9, 9, 9, 200, 9, 9, 9, 9}), 255);
-    EXPECT_EQ(centreOf(1026, {90, 9, 9, 9, 5, 9, 9, 9, 9}), 0);
-    EXPECT_EQ(centreOf(1027, {255, 255, 255, 255, 255, 255, 255, 255, 255}), 255);
-    EXPECT_EQ(centreOf(1027, {16, 0, 0, 0, 0, 0, 0, 0, 0}), 1);
-    EXPECT_EQ(centreOf(1027, {0, 16, 0, 0, 0, 0, 0, 0, 0}), 2);
-    EXPECT_EQ(centreOf(1027, {0, 0, 0, 0, 17, 0, 0, 16, 0}), 6);
+    EXPECT_EQ(centreOf("sharp", {10, 10, 10, 10, 20, 10, 10, 10, 10}), 100);
+    EXPECT_EQ(centreOf("sharp", {50, 60, 70, 80, 59, 40, 70, 60, 90}), 11);
+    EXPECT_EQ(centreOf("sharp", {9, 9, 9, 9, 200, 9, 9, 9, 9}), 255);
+    EXPECT_EQ(centreOf("sharp", {90, 9, 9, 9, 5, 9, 9, 9, 9}), 0);
+    EXPECT_EQ(centreOf("blur2", {255, 255, 255, 255, 255, 255, 255, 255, 255}), 255);
+    EXPECT_EQ(centreOf("blur2", {16, 0, 0, 0, 0, 0, 0, 0, 0}), 1);
+    EXPECT_EQ(centreOf("blur2", {0, 16, 0, 0, 0, 0, 0, 0, 0}), 2);
+    EXPECT_EQ(centreOf("blur2", {0, 0, 0, 0, 17, 0, 0, 16, 0}), 6);
 }
 
 TEST(AmNeighbours, EdgesAreTwoGradientsLimitedTogether)
 {
-    EXPECT_EQ(centreOf(1028, {9, 9, 9, 9, 9, 9, 9, 9, 9}, 50), 230);
-    EXPECT_EQ(centreOf(1028, {9, 9, 9, 9, 9, 9, 9, 9, 9}, 101), 205);
-    EXPECT_EQ(centreOf(1028, {0, 0, 0, 7, 7, 7, 10, 10, 10}, 0), 235);
-    EXPECT_EQ(centreOf(1028, {0, 0, 200, 0, 0, 200, 0, 0, 200}, 100), 78);
-    EXPECT_EQ(centreOf(1029, {9, 9, 9, 9, 9, 9, 9, 9, 9}, 30), 30);
-    EXPECT_EQ(centreOf(1029, {10, 10, 10, 7, 7, 7, 0, 0, 0}, 30), 40);
-    EXPECT_EQ(centreOf(1029, {0, 30, 40, 30, 0, 60, 60, 60, 50}, 0), 220);
-    EXPECT_EQ(centreOf(1029, {0, 0, 200, 0, 0, 200, 0, 0, 200}, 0), 255);
+    EXPECT_EQ(centreOf("sketch", {9, 9, 9, 9, 9, 9, 9, 9, 9}, 50), 230);
+    EXPECT_EQ(centreOf("sketch", {9, 9, 9, 9, 9, 9, 9, 9, 9}, 101), 205);
+    EXPECT_EQ(centreOf("sketch", {0, 0, 0, 7, 7, 7, 10, 10, 10}, 0), 235);
+    EXPECT_EQ(centreOf("sketch", {0, 0, 200, 0, 0, 200, 0, 0, 200}, 100), 78);
+    EXPECT_EQ(centreOf("neon", {9, 9, 9, 9, 9, 9, 9, 9, 9}, 30), 30);
+    EXPECT_EQ(centreOf("neon", {10, 10, 10, 7, 7, 7, 0, 0, 0}, 30), 40);
+    EXPECT_EQ(centreOf("neon", {0, 30, 40, 30, 0, 60, 60, 60, 50}, 0), 220);
+    EXPECT_EQ(centreOf("neon", {0, 0, 200, 0, 0, 200, 0, 0, 200}, 0), 255);
 }
 
 // All pairs of a centre and a brightest neighbour, 3 x 3 pixels each, and what becomes of the centre.
-template <class Expected> void eachPair(i32 id, Expected expected)
+template <class Expected> void eachPair(Am id, Expected expected)
 {
     AmPicture picture(3 * 256, 3 * 256);
     for (int y = 0; y < 3 * 256; ++y)
@@ -90,11 +91,11 @@ template <class Expected> void eachPair(i32 id, Expected expected)
 
 TEST(AmNeighbours, PencilsDodgeByTheBrightestOfTheNine)
 {
-    eachPair(1038, [](int c, int around) {
+    eachPair("sketch-b", [](int c, int around) {
         const u32 most = u32(std::max(c, around));
         return most == 0 ? 255 : int(std::min(16777216 / most * u32(c) >> 16, 255u));
     });
-    eachPair(1039, [](int c, int around) {
+    eachPair("color-sketch-b", [](int c, int around) {
         const u32 most = u32(std::max(c, around));
         return most == 0 ? 0 : int(16777216 / (most + 8) * u32(c) >> 16);
     });
@@ -102,7 +103,7 @@ TEST(AmNeighbours, PencilsDodgeByTheBrightestOfTheNine)
 
 TEST(AmNeighbours, ColourSketchLightensByTheExcessOfTheBrightest)
 {
-    eachPair(1040, [](int c, int around) {
+    eachPair("color-sketch", [](int c, int around) {
         const int excess = std::max(around - c, 0);
         int root = 1;
         while ((root + 1) * (root + 1) <= c + 1)
@@ -110,7 +111,7 @@ TEST(AmNeighbours, ColourSketchLightensByTheExcessOfTheBrightest)
         const int weight = 3584 * (root + 1) / (excess + 2 + 2 * root) / 10;
         return c == 255 ? 255 : c + ((255 - c) * weight >> 8);
     });
-    EXPECT_EQ(centreOf(1040, {9, 9, 9, 9, 100, 9, 9, 9, 9}), 100 + (155 * 179 >> 8));
+    EXPECT_EQ(centreOf("color-sketch", {9, 9, 9, 9, 100, 9, 9, 9, 9}), 100 + (155 * 179 >> 8));
 }
 
 TEST(AmNeighbours, BordersAreKeptOrBlack)
@@ -125,16 +126,16 @@ TEST(AmNeighbours, BordersAreKeptOrBlack)
     };
     const auto kept = [&](int x, int y) { return source.at(x, y); };
     const auto black = [&](int x, int y) { return pixels::grey(source.at(x, y), 0); };
-    for (const i32 id : {1026, 1027, 1028, 1038, 1036}) {
+    for (const Am id : {"sharp", "blur2", "sketch", "sketch-b", "raindrop"}) {
         AmPicture out = applied(id, source);
         border(out, kept);
     }
-    for (const i32 id : {1029, 1039}) {
+    for (const Am id : {"neon", "color-sketch-b"}) {
         AmPicture out = applied(id, source);
         border(out, black);
         EXPECT_EQ(out.at(20, 20).a, source.at(20, 20).a);
     }
-    AmPicture out = applied(1040, source);
+    AmPicture out = applied("color-sketch", source);
     border(out, [&](int x, int y) { return y == 0 || y == 29 ? kept(x, y) : black(x, y); });
 }
 
@@ -151,7 +152,7 @@ AmPicture numbered(int width, int height)
 TEST(AmWarps, TunnelStretchesTheRimOfItsCircle)
 {
     AmPicture source = numbered(300, 200);
-    AmPicture out = applied(1032, source, [](AmEffectParams& b) { b.radius = 100; });
+    AmPicture out = applied("tunnel", source, [](AmEffectParams& b) { b.radius = 100; });
     for (int y = 0; y < 200; ++y)
         for (int x = 0; x < 300; ++x)
             if ((x - 150) * (x - 150) + (y - 100) * (y - 100) <= 100 * 100) {
@@ -159,7 +160,7 @@ TEST(AmWarps, TunnelStretchesTheRimOfItsCircle)
             }
     EXPECT_EQ(out.at(290, 100), source.at(250, 100));
     EXPECT_EQ(out.at(0, 0), source.at(150 - 83, 100 - 55)); // 180 away
-    out = applied(1032, source, [](AmEffectParams& b) { b.posX = 100, b.posY = 0, b.radius = 0; });
+    out = applied("tunnel", source, [](AmEffectParams& b) { b.posX = 100, b.posY = 0, b.radius = 0; });
     EXPECT_EQ(out.at(0, 0), source.at(298, 0));
     EXPECT_EQ(out.at(299, 199), source.at(299, 2)) << "2 from the centre, which lies beside the picture";
 }
@@ -168,24 +169,24 @@ TEST(AmWarps, LensesKeepTheirCentreAndTheFarthestCorner)
 {
     AmPicture source = numbered(400, 300); // the corners are exactly 250 away
     for (const i32 strength : {0, 1, 50, 100}) {
-        AmPicture out = applied(1033, source, percent(strength));
+        AmPicture out = applied("enlarge", source, percent(strength));
         EXPECT_EQ(out.at(200, 150), source.at(200, 150));
         EXPECT_EQ(out.at(0, 0), source.at(0, 0)) << strength;
-        out = applied(1035, source, percent(strength));
+        out = applied("whirl", source, percent(strength));
         EXPECT_EQ(out.at(200, 150), source.at(200, 150));
         EXPECT_EQ(out.at(0, 0), source.at(0, 0)) << strength;
-        out = applied(1034, source, percent(strength));
+        out = applied("narrow", source, percent(strength));
         for (const int d : {-1, 0, 1})
             EXPECT_EQ(out.at(200 + d, 150), source.at(200 + d, 150));
     }
-    AmPicture out = applied(1033, source, percent(100));
+    AmPicture out = applied("enlarge", source, percent(100));
     EXPECT_EQ(out.at(300, 150), source.at(200 + 100 * 100 / 250, 150));
-    out = applied(1033, source, percent(0)); // flattened by 250
+    out = applied("enlarge", source, percent(0)); // flattened by 250
     EXPECT_EQ(out.at(300, 150), source.at(200 + 100 * 350 / 500, 150));
-    out = applied(1034, source, percent(100)); // 0.4 ^ 0.5 * 0.5 / 0.4 = 0.79057
+    out = applied("narrow", source, percent(100)); // 0.4 ^ 0.5 * 0.5 / 0.4 = 0.79057
     EXPECT_EQ(out.at(300, 150), source.at(200 + 79, 150));
     EXPECT_EQ(out.at(100, 150), source.at(200 - 79, 150)) << "towards the centre";
-    out = applied(1035, source, percent(100)); // pi times 0.992 squared: (-2.9980, 0.1474) for 3 columns
+    out = applied("whirl", source, percent(100)); // pi times 0.992 squared: (-2.9980, 0.1474) for 3 columns
     EXPECT_EQ(out.at(203, 150), source.at(200 - 2, 150));
     EXPECT_EQ(out.at(300, 150), source.at(200 + 42, 150 + 90)); // pi times 0.36: 64.8 degrees
 }
@@ -231,7 +232,7 @@ TEST(AmWarps, RowsMayLieFarApart)
     const pixels::View far(static_cast<u8*>(memory), {9, 3}, kStride);
     for (int y = 0; y < 3; ++y)
         std::ranges::copy(near.row(y), far.row(y).begin());
-    for (const i32 id : {1030, 1031, 1032, 1033, 1034, 1035, 1036}) {
+    for (const Am id : {"shake", "ripple", "tunnel", "enlarge", "narrow", "whirl", "raindrop"}) {
         AmBlock block(id);
         AmPicture out(9, 3);
         const AmImageDesc desc = out.desc();
@@ -248,7 +249,7 @@ TEST(AmWarps, ANodeRebuildsItsMapAfterEveryChange)
     AmPicture source = numbered(50, 40);
     for (int y = 0; y < 40; ++y)
         std::ranges::copy(source.row(y), image.view().row(y).begin());
-    for (const i32 id : {1032, 1033, 1034, 1035}) {
+    for (const Am id : {"tunnel", "enlarge", "narrow", "whirl"}) {
         CSimpleAmEffect node(id, 50, 40, nullptr);
         node.setInputImage(&image, 0);
         const auto result = [&](const char* name, int value) {
@@ -257,7 +258,7 @@ TEST(AmWarps, ANodeRebuildsItsMapAfterEveryChange)
             const pixels::View view = node.getOutputImage()->view();
             return std::vector<u8>(view.bytes(), view.bytes() + 50 * 40 * 4);
         };
-        const char* const strength = id == 1032 ? "Radius" : "Percent";
+        const char* const strength = id == Am("tunnel") ? "Radius" : "Percent";
         const auto weak = result(strength, 20);
         EXPECT_NE(result(strength, 90), weak) << id;
         EXPECT_NE(result("PositionX", 10), result("PositionX", 80)) << id;
@@ -269,10 +270,10 @@ TEST(AmWarps, ANodeRebuildsItsMapAfterEveryChange)
 TEST(AmLocalCaches, OffsetsAndKernelsAreBuiltExactlyWhenTheirBitsAreSet)
 {
     struct Case {
-        i32 id;
+        Am id;
         u32 bits;
     };
-    for (const Case c : {Case{1030, 2}, {1031, 2}, {1041, 33}}) {
+    for (const Case c : {Case{"shake", 2}, {"ripple", 2}, {"tilt-shift", 33}}) {
         AmPicture picture(64, 48);
         AmBlock block(c.id);
         const auto isBuilt = [&](u32 dirty) {
@@ -292,7 +293,7 @@ TEST(AmLocalCaches, OffsetsAndKernelsAreBuiltExactlyWhenTheirBitsAreSet)
 
 TEST(AmLocalCaches, ANewSizeCalmsTheWaterAndAGrownPlaneHasNoFire)
 {
-    for (const auto& [id, bit] : {std::pair{1036, 32u}, {1037, 1u}}) {
+    for (const auto& [id, bit] : {std::pair{Am("raindrop"), 32u}, {Am("frames"), 1u}}) {
         AmBlock block(id);
         AmPicture small(40, 30);
         AmPicture large(50, 40);
@@ -315,18 +316,19 @@ TEST(AmLocalCaches, ANewSizeCalmsTheWaterAndAGrownPlaneHasNoFire)
 TEST(AmTiltShift, KeepsItsBandAndOnlyRaisesContrastThere)
 {
     AmPicture source = noise(64, 100);
-    AmPicture out = applied(1041, source);
+    AmPicture out = applied("tilt-shift", source);
     AmPicture curve = applied(64, source);
     for (int y = 0; y < 100; ++y)
         EXPECT_EQ(out.row(y) == curve.row(y), y > 50 - 18 && y < 50 + 18) << y; // a level takes 40 / 5 rows
     const auto whole = [](AmEffectParams& b) { b.top = 0, b.bottom = 100; };
-    EXPECT_EQ(applied(1041, source, whole).pixels(), curve.pixels());
+    EXPECT_EQ(applied("tilt-shift", source, whole).pixels(), curve.pixels());
 }
 
 TEST(AmLocalMemory, WithoutItThePictureIsThePlainCopy)
 {
     AmPicture source = noise(64, 48);
-    for (const i32 id : {1030, 1031, 1032, 1033, 1034, 1035, 1036, 1037, 1041}) {
+    for (const Am id :
+        {"shake", "ripple", "tunnel", "enlarge", "narrow", "whirl", "raindrop", "frames", "tilt-shift"}) {
         AmBlock block(id);
         AmPicture out(64, 48);
         const AmImageDesc desc = out.desc();

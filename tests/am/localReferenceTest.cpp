@@ -8,6 +8,7 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
 using test::Bgra;
@@ -24,7 +25,7 @@ AmPicture noise(int width, int height)
 // Some frames of an effect, each followed by expect(source, result, random), where random stands as it did
 // before the frame and has to reach where it stands after it.
 template <class Set, class Expect>
-void eachFrame(i32 id, int frames, int width, int height, Set set, Expect expect)
+void eachFrame(Am id, int frames, int width, int height, Set set, Expect expect)
 {
     SCOPED_TRACE(testing::Message() << id << " at " << width << " x " << height);
     AmBlock block(id);
@@ -62,7 +63,7 @@ TEST(AmLocalReference, ShakeWalksOnFromPixelToPixel)
 {
     for (const auto& [w, h] : {std::pair{1, 9}, {70, 33}, {301, 40}}) {
         bool first = true;
-        eachFrame(1030, 3, w, h, test::percent(100),
+        eachFrame("shake", 3, w, h, test::percent(100),
             [&, w = w, h = h](auto& block, AmPicture& source, AmPicture& expected, auto& random) {
                 const auto walk = tableOf(block);
                 if (first)
@@ -86,7 +87,7 @@ TEST(AmLocalReference, RippleWalksOnFromPixelToPixel)
 {
     for (const auto& [w, h] : {std::pair{1, 9}, {70, 33}, {301, 40}}) {
         bool first = true;
-        eachFrame(1031, 3, w, h, test::percent(80),
+        eachFrame("ripple", 3, w, h, test::percent(80),
             [&, w = w, h = h](auto& block, AmPicture& source, AmPicture& expected, auto& random) {
                 const auto ripple = tableOf(block);
                 if (first)
@@ -132,7 +133,7 @@ TEST(AmLocalReference, WaterTakesTurnsWithItsTwoPlanes)
         int current = 0;
         bool first = true;
         const auto set = [](AmEffectParams& b) { b.percent = 60, b.radius = 100; };
-        eachFrame(1036, 6, w, h, set,
+        eachFrame("raindrop", 6, w, h, set,
             [&, w = w, h = h](auto& block, AmPicture& source, AmPicture& expected, auto& random) {
                 const auto at = [w = w](std::vector<i32>& plane, int x, int y) -> i32& {
                     return plane[std::size_t(y * w + x)];
@@ -197,8 +198,8 @@ TEST(AmLocalReference, FireSweepsThreeTimesFromRowToRow)
         std::vector<u32> plane(std::size_t(n), 0);
         const auto cell = [&](int k) -> u32& { return plane[std::size_t(k)]; };
         const auto set = [=](AmEffectParams& b) { b.percent = 90, b.direction = c.direction; };
-        eachFrame(
-            1037, 8, c.w, c.h, set, [&](auto& block, AmPicture& source, AmPicture& expected, auto& random) {
+        eachFrame("frames", 8, c.w, c.h, set,
+            [&](auto& block, AmPicture& source, AmPicture& expected, auto& random) {
                 int s = 0;
                 for (int x = 0; x < c.w; ++x) {
                     int index = random.next() & 0x1FF;
@@ -278,15 +279,16 @@ TEST(AmLocalReference, TiltShiftIsTheWeightedMean)
         const auto set = [=](AmEffectParams& b) {
             b.percent = c.percent, b.top = c.top, b.bottom = c.bottom;
         };
-        eachFrame(1041, 2, c.w, c.h, set, [=](auto& block, AmPicture& source, AmPicture& expected, auto&) {
-            expected = tiltShiftPlainly(block, source, c.levels);
-        });
+        eachFrame(
+            "tilt-shift", 2, c.w, c.h, set, [=](auto& block, AmPicture& source, AmPicture& expected, auto&) {
+                expected = tiltShiftPlainly(block, source, c.levels);
+            });
     }
 }
 
 TEST(AmLocalReference, TheTiltShiftKernelsAreGaussians)
 {
-    AmBlock block(1041);
+    AmBlock block("tilt-shift");
     block->percent = 50;
     AmPicture picture(64, 4);
     ASSERT_EQ(test::apply(block, picture), 0);
@@ -309,7 +311,7 @@ TEST(AmLocalReference, ExplosionIsTheMeanOfAllSamples)
              {64, 48, 100, 50, 50}, {321, 40, 100, 100, 0}, {1000, 24, 50, 30, 50}, {1920, 8, 100, 50, 50},
              {64, 48, 500, 50, 50}, {330, 20, 500, 10, 90}, {1920, 6, 500, 50, 50}, {700, 12, 237, 90, 0}}) {
         const auto set = [=](AmEffectParams& b) { b.radius = c.radius, b.posX = c.posX, b.posY = c.posY; };
-        eachFrame(1042, 1, c.w, c.h, set, [=](auto&, AmPicture& source, AmPicture& expected, auto&) {
+        eachFrame("explosion", 1, c.w, c.h, set, [=](auto&, AmPicture& source, AmPicture& expected, auto&) {
             const int n = std::max((c.radius * c.w) >> 10, 5);
             const int step = (n << 16) / (std::max(c.w, c.h) * (n - 1));
             const int cx = c.posX * c.w / 100;

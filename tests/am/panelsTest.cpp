@@ -4,6 +4,7 @@
 
 namespace {
 
+using test::Am;
 using test::AmPicture;
 using test::applied;
 using test::Bgra;
@@ -23,18 +24,18 @@ u64 digest(AmPicture picture)
 TEST(AmPanels, EveryLayoutIsItsOwn)
 {
     struct Look {
-        i32 id;
+        Am id;
         u64 large;
         u64 small;
     };
     // Of numbered pictures of 96 x 72 and of 13 x 11, where panels overlap and vanish.
     constexpr Look kLooks[] = {
-        {89, 0x6de3d020dda6f81d, 0x31e9675c6105c6f2},
-        {90, 0x05d7c15b72e0db5a, 0xad30136bed2e2d22},
-        {91, 0x701d44bb9a8b3b9a, 0xf44f396d14db8c53},
-        {92, 0xcbfa01b17f74c8e3, 0x9d71059868563bde},
-        {93, 0x9237e1390f7f28fc, 0x4c2c8e5bcb3038bb},
-        {94, 0xfc95652de22e62f4, 0xf38bd81dd1470950},
+        {"jigsaw-a", 0x6de3d020dda6f81d, 0x31e9675c6105c6f2},
+        {"jigsaw-b", 0x05d7c15b72e0db5a, 0xad30136bed2e2d22},
+        {"jigsaw-c", 0x701d44bb9a8b3b9a, 0xf44f396d14db8c53},
+        {"jigsaw-d", 0xcbfa01b17f74c8e3, 0x9d71059868563bde},
+        {"jigsaw-e", 0x9237e1390f7f28fc, 0x4c2c8e5bcb3038bb},
+        {"jigsaw-f", 0xfc95652de22e62f4, 0xf38bd81dd1470950},
     };
     for (const Look& look : kLooks) {
         EXPECT_EQ(digest(applied(look.id, numbered(96, 72))), look.large) << look.id;
@@ -46,7 +47,7 @@ TEST(AmPanels, LinesTintsAndShadowsLieWhereTheyShould)
 {
     AmPicture black(96, 72);
     black.fill({0, 0, 0, 9});
-    AmPicture cross = applied(91, [] {
+    AmPicture cross = applied("jigsaw-c", [] {
         AmPicture white(96, 72);
         white.fill({255, 255, 255, 9});
         return white;
@@ -57,7 +58,7 @@ TEST(AmPanels, LinesTintsAndShadowsLieWhereTheyShould)
             EXPECT_EQ((cross.at(x, y) == Bgra{0, 0, 0, 9}), onCross) << x << ", " << y;
         }
 
-    AmPicture window = applied(92, black);
+    AmPicture window = applied("jigsaw-d", black);
     constexpr Bgra kGreen{7, 59, 21, 9};
     constexpr Bgra kWhite{255, 255, 255, 9};
     for (const int y : {0, 17}) {
@@ -74,7 +75,7 @@ TEST(AmPanels, LinesTintsAndShadowsLieWhereTheyShould)
         EXPECT_EQ(window.row(y), Row(96, {103, 62, 9, 9}));
 
     // Where a line crosses the shadows beside others, they are grey.
-    AmPicture crossing = applied(93, black);
+    AmPicture crossing = applied("jigsaw-e", black);
     EXPECT_EQ(crossing.at(45 + 2, 34), (Bgra{102, 102, 102, 9}));
     EXPECT_EQ(crossing.at(45 + 6, 34), (Bgra{245, 245, 245, 9}));
     EXPECT_EQ(crossing.at(71 - 5, 34), (Bgra{245, 245, 245, 9}));
@@ -85,13 +86,13 @@ TEST(AmRims, AegeanRaisesItsCentreAndDarkensItsRim)
 {
     AmPicture picture(20, 20);
     picture.fill({100, 100, 100, 9});
-    AmPicture out = applied(82, picture);
+    AmPicture out = applied("aegean", picture);
     // 126 through the curves, then a tenth of yellow screened over red and green.
     EXPECT_EQ(out.at(10, 10), (Bgra{126, 154, 163, 9}));
     EXPECT_EQ(out.at(0, 10), (Bgra{100, 112, 92, 9}));
     EXPECT_EQ(out.at(0, 0), (Bgra{71, 60, 39, 9}));
 
-    test::AmBlock block(82);
+    test::AmBlock block("aegean");
     block->radius = 3;
     block->posX = block->posY = 0;
     EXPECT_EQ(test::apply(block, picture), KEXSDK::kAmOk);
@@ -113,16 +114,17 @@ TEST(AmRims, TheBlackVignetteIsClearThenFadesThenBlack)
     half[7] = half[13] = {37, 75, 150, 9};
     for (int x = 8; x <= 12; ++x)
         half[std::size_t(x)] = {50, 100, 200, 9};
-    EXPECT_EQ(applied(95, row).row(0), half);
+    EXPECT_EQ(applied("vignette-radius", row).row(0), half);
 
     Row least(21, kBlack);
     least[9] = least[11] = {0, 0, 0, 9};
     least[10] = {50, 100, 200, 9};
-    EXPECT_EQ(applied(95, row, test::percent(0)).row(0), least);
+    EXPECT_EQ(applied("vignette-radius", row, test::percent(0)).row(0), least);
     least[9] = least[11] = kBlack;
-    EXPECT_EQ(applied(95, row, test::percent(-1000)).row(0), least) << "a radius is never below 0";
+    EXPECT_EQ(applied("vignette-radius", row, test::percent(-1000)).row(0), least)
+        << "a radius is never below 0";
     for (const int wide : {150, 10000, 1 << 30})
-        EXPECT_EQ(applied(95, row, test::percent(wide)).row(0), row.row(0));
+        EXPECT_EQ(applied("vignette-radius", row, test::percent(wide)).row(0), row.row(0));
 }
 
 class AmTelevision : public testing::Test {
@@ -133,7 +135,7 @@ protected:
 TEST_F(AmTelevision, RollsFiveRowsFurtherWithEachPictureOfAnyNode)
 {
     for (int frame = 0; frame < 20; ++frame) {
-        AmPicture out = applied(96, numbered(200, 60));
+        AmPicture out = applied("bad-tv-signal", numbered(200, 60));
         for (int y = 0; y < 60; ++y) {
             const int from = (5 * frame + y) % 60;
             if (from < 10 || from >= 50) {
@@ -160,7 +162,7 @@ TEST_F(AmTelevision, APatternOfShiftsIsDrawnForAPicture)
     for (u32 seed = 1; seed < 40; ++seed) {
         KEXSDK::am::restartTelevision();
         AmPicture out = applied(
-            96, numbered(200, 30), [](KEXSDK::AmEffectParams&) {}, seed);
+            "bad-tv-signal", numbered(200, 30), [](KEXSDK::AmEffectParams&) {}, seed);
         std::vector<int> shifts;
         for (int y = 10; y < 15; ++y) {
             const Row row = out.row(y);
@@ -177,7 +179,7 @@ TEST_F(AmTelevision, APatternOfShiftsIsDrawnForAPicture)
 TEST_F(AmTelevision, FasterFilmKeepsItsPatternLonger)
 {
     // At 72 frames per second a pattern lasts three pictures, and a picture rolls by one row.
-    test::AmBlock block(96);
+    test::AmBlock block("bad-tv-signal");
     block->frameRate = 72;
     pixels::threadRandom().seed(1);
     for (int frame = 0; frame < 6; ++frame) {
@@ -192,7 +194,7 @@ TEST_F(AmTelevision, FasterFilmKeepsItsPatternLonger)
 
 TEST(AmKaleidoscope, TurnsTheTriangleAroundItsCorners)
 {
-    AmPicture out = applied(97, numbered(60, 40));
+    AmPicture out = applied("kaleidoscope", numbered(60, 40));
     struct Fetch {
         int x, y, fromX, fromY;
     };

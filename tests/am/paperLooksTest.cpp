@@ -6,6 +6,7 @@
 namespace {
 
 using namespace KEXSDK;
+using test::Am;
 using test::AmBlock;
 using test::AmPicture;
 using test::Bgra;
@@ -25,7 +26,7 @@ AmPicture blended(AmBlock& block, AmPicture picture, AmPicture texture)
     return picture;
 }
 
-AmPicture blended(i32 id, const AmPicture& picture, const AmPicture& texture)
+AmPicture blended(Am id, const AmPicture& picture, const AmPicture& texture)
 {
     AmBlock block(id);
     return blended(block, picture, texture);
@@ -41,7 +42,7 @@ TEST(AmFocus, ShowsColourWhereTheMaskIsWhiteAndReadsItUpsideDown)
     mask.view().at(1, 0) = {255, 0, 0, 0};
     mask.view().at(2, 2).b = 128;
     mask.view().at(5, 5).b = 255; // beyond the window of 5 x 5
-    AmPicture result = blended(2201, picture, mask);
+    AmPicture result = blended("focus-color", picture, mask);
     const auto mixed = [](int share) {
         const auto of = [&](int c) { return u8((c * share + 82 * (256 - share)) >> 8); };
         return Bgra{of(10), of(20), of(230), 3};
@@ -60,7 +61,7 @@ TEST(AmFocus, TheWindowMayReachBeyondThePicture)
     const AmPicture picture = flat(9, 9, kColour);
     const AmPicture mask = flat(6, 6, {255, 0, 0, 0});
     const auto coloured = [&](i32 x, i32 y) {
-        AmBlock block(2201);
+        AmBlock block("focus-color");
         block->posX = x;
         block->posY = y;
         const auto pixels = blended(block, picture, mask).pixels();
@@ -71,7 +72,7 @@ TEST(AmFocus, TheWindowMayReachBeyondThePicture)
     EXPECT_EQ(coloured(100, 50), 10) << "the focus is column 9, the first one outside";
     EXPECT_EQ(coloured(200, 50), 0);
     EXPECT_EQ(coloured(-2'000'000'000, 50), 0);
-    const auto all = blended(2201, picture, flat(1, 1, {255, 0, 0, 0})).pixels();
+    const auto all = blended("focus-color", picture, flat(1, 1, {255, 0, 0, 0})).pixels();
     EXPECT_EQ(std::ranges::count(all, kGrey), 81) << "a mask without a middle";
 }
 
@@ -80,7 +81,7 @@ TEST(AmCanvas, FadesFromThePictureToTheTexture)
     // The farthest corner is 28 away: full within 5, nothing from 19 on.
     const AmPicture white = flat(41, 41, {255, 255, 255, 9});
     const AmPicture black = flat(41, 41, {0, 0, 0, 255});
-    AmBlock block(2204);
+    AmBlock block("canvas");
     AmPicture result = blended(block, white, black);
     const auto level = [&](int x) { return int(result.at(x, 20).g); };
     EXPECT_EQ(result.at(20, 20), (Bgra{239, 239, 239, 9}));
@@ -101,7 +102,7 @@ TEST(AmCanvas, BuildsItsMaskWhenTheSizeChangesAndOnlyThen)
 {
     const AmPicture white = flat(41, 41, {255, 255, 255, 9});
     const AmPicture black = flat(41, 41, {0, 0, 0, 255});
-    AmBlock block(2204);
+    AmBlock block("canvas");
     const auto middle = [&](int width) {
         AmPicture result =
             blended(block, flat(width, 41, {255, 255, 255, 9}), flat(width, 41, {0, 0, 0, 255}));
@@ -117,7 +118,7 @@ TEST(AmCanvas, BuildsItsMaskWhenTheSizeChangesAndOnlyThen)
     block->dirty |= 32;
     EXPECT_EQ(middle(39), 239);
 
-    AmBlock moved(2177); // its mark is consumed, but it has no mask
+    AmBlock moved("merge-linear"); // its mark is consumed, but it has no mask
     blended(moved, white, black);
     moved->id = 2204;
     EXPECT_EQ(blended(moved, white, black).at(20, 20), (Bgra{239, 239, 239, 9}));
@@ -129,14 +130,14 @@ TEST(AmPencil, DrawsLinesOnTheGrainOfThePaper)
     picture.view().at(3, 1) = {50, 50, 50, 6};
     AmPicture paper = flat(5, 4, {128, 0, 0, 0});
     paper.view().at(1, 1).b = 0;
-    AmPicture result = blended(2205, picture, paper);
+    AmPicture result = blended("classic", picture, paper);
     const auto greyOf = [](int v) { return Bgra{u8(v), u8(v), u8(v), 6}; };
     EXPECT_EQ(result.row(0), (std::vector<Bgra>(5, greyOf(255))));
     EXPECT_EQ(result.row(3), (std::vector<Bgra>(5, greyOf(255))));
     EXPECT_EQ(
         result.row(1), (std::vector<Bgra>{greyOf(255), greyOf(99), greyOf(255), greyOf(128), greyOf(255)}));
     const AmPicture black = flat(3, 3, {0, 0, 0, 6});
-    EXPECT_EQ(blended(2205, black, flat(3, 3, {255, 0, 0, 0})).at(1, 1), greyOf(255));
+    EXPECT_EQ(blended("classic", black, flat(3, 3, {255, 0, 0, 0})).at(1, 1), greyOf(255));
 }
 
 TEST(AmPencil, TheSketchShowsOnlyThroughWhitePaper)
@@ -185,7 +186,7 @@ TEST(AmOldPhoto, HasTheBytesOfThePlainSums)
             }
         return both;
     };
-    AmPicture result = blended(2203, picture, texture);
+    AmPicture result = blended("rq-old-photo", picture, texture);
     for (int c = 0; c < 3; ++c) {
         const Plane soft = blurred(c);
         for (int y = 0; y < kHeight; ++y)
@@ -201,7 +202,7 @@ TEST(AmOldPhoto, HasTheBytesOfThePlainSums)
             }
     }
     // All weights together are 1011 of 1024.
-    EXPECT_EQ(blended(2203, flat(3, 3, {255, 255, 255, 1}), flat(3, 3, {0, 0, 0, 0})).at(1, 1),
+    EXPECT_EQ(blended("rq-old-photo", flat(3, 3, {255, 255, 255, 1}), flat(3, 3, {0, 0, 0, 0})).at(1, 1),
         (Bgra{250, 250, 250, 255}));
 }
 

@@ -32,7 +32,7 @@ protected:
     }
     void SetUp() override
     {
-        AmBlock first(60); // the first block of a process seeds the generator with the time
+        AmBlock first("star"); // the first block of a process seeds the generator with the time
         pixels::threadRandom().seed(3);
     }
 };
@@ -80,7 +80,7 @@ using AmStars = AmParticles;
 
 TEST_F(AmSnow, OnePercentOf640PixelsAreSixFlakesThatFall)
 {
-    AmBlock block(61);
+    AmBlock block("snow");
     block->frameRate = 25;
     block->percent = 1;
     frame(block);
@@ -107,7 +107,7 @@ TEST_F(AmSnow, DirectionsMoveFlakesUpDownRightAndLeft)
         int dx, dy;
     };
     for (const Row row : {Row{-3, 0, 1}, {0, 0, 1}, {1, 0, -1}, {2, 1, 0}, {3, -1, 0}, {99, -1, 0}}) {
-        AmBlock block(61);
+        AmBlock block("snow");
         block->frameRate = 50; // half a step per frame
         block->direction = row.direction;
         frame(block, 1024, 1024);
@@ -127,7 +127,7 @@ TEST_F(AmSnow, DirectionsMoveFlakesUpDownRightAndLeft)
 
 TEST_F(AmSnow, AFlakeIsBrightestInItsMiddle)
 {
-    AmBlock block(61);
+    AmBlock block("snow");
     block->frameRate = 25;
     block->percent = 1;
     block->radius = 0;
@@ -146,7 +146,7 @@ TEST_F(AmSnow, AFlakeIsBrightestInItsMiddle)
 
 TEST_F(AmBubbles, AreColouredRingsOfTheirDraws)
 {
-    AmBlock block(62);
+    AmBlock block("bubble");
     block->frameRate = 25;
     block->percent = 1;
     block->radius = 100;
@@ -170,7 +170,7 @@ TEST_F(AmBubbles, AreColouredRingsOfTheirDraws)
 
 TEST_F(AmBubbles, ARadiusBelowFourMakesTheSmallestOnes)
 {
-    AmBlock block(62);
+    AmBlock block("bubble");
     block->frameRate = 25;
     block->radius = 3;
     frame(block);
@@ -180,7 +180,7 @@ TEST_F(AmBubbles, ARadiusBelowFourMakesTheSmallestOnes)
 
 TEST_F(AmStars, KeepTheirPlacesWhileTheyTwinkle)
 {
-    AmBlock block(60);
+    AmBlock block("star");
     block->frameRate = 25;
     frame(block);
     const auto before = particles(block, 1280);
@@ -196,7 +196,7 @@ TEST_F(AmStars, KeepTheirPlacesWhileTheyTwinkle)
 
 TEST_F(AmStars, DoNotTwinkleAboveTheFastestRate)
 {
-    AmBlock block(60);
+    AmBlock block("star");
     block->frameRate = 400;
     const auto first = frame(block).pixels();
     EXPECT_EQ(frame(block).pixels(), first);
