@@ -1,6 +1,6 @@
 // The grain of old film: a walk through the noise table, from pixel to pixel and from row to row.
 #include "am/AmFixture.h"
-#include "effects/am/amTables.h"
+#include "effects/am/library/amTables.h"
 
 #include <ranges>
 
@@ -10,7 +10,7 @@ using test::AmPicture;
 using test::applied;
 using test::Bgra;
 
-constexpr i32 kSiena = 48;
+constexpr test::Am kSiena = "siena";
 
 bool isPlain(AmPicture& picture)
 {

@@ -12,7 +12,6 @@ namespace KEXSDK::am {
 namespace {
 
 using pixels::Bgra;
-using pixels::clampByte;
 namespace rows = pixels::rows;
 
 constexpr int kDegreesPerSector = 60;

@@ -15,7 +15,6 @@ namespace {
 
 using pixels::Bgra;
 using pixels::ByteTable;
-using pixels::clampByte;
 using pixels::Point;
 namespace rows = pixels::rows;
 
