@@ -257,7 +257,6 @@ TEST_F(ChangingParticles, AScriptThatCannotBeReadLeavesTheOthersAlone)
     scene(0, "Point", "emission_rate 25\nvelocity 9\n");
     files.write("Particles/a.particle", system("a", "Nothing", ""));
     files.write("Particles/b.particle", "particle_system b\n{\nemitter Point\n{\nemitter Box\n{\n}\n}\n}\n");
-    files.write("Particles/u.particle", "particle_system t0\n{\n}\n");
     files.write("Particles/d.particle", "import * from \"d.particle\"\n");
     files.write("Particles/e.particle", "particle_system e\n" + std::string(100'000, '{'));
     files.write("Particles/f.particle", "emitter Point\n{\n}\n");
