@@ -111,6 +111,46 @@ bool diskIsFull(const fs::path& directory, PictureSize size)
     return result == ENOSPC || result == EDQUOT;
 }
 
+PictureSize upright(PictureSize stored, int orientation)
+{
+    return host::turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
+}
+
+// None when it cannot be read.
+std::vector<u8> contentsOf(const fs::path& file)
+{
+    std::error_code error;
+    const auto size = fs::file_size(file, error);
+    if (error)
+        return {};
+    std::vector<u8> bytes(size);
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(size));
+    bytes.resize(std::size_t(stream.gcount()));
+    return bytes;
+}
+
+pixels::View viewOf(const host::Image& image)
+{
+    return {image.bytes().data(), {int(image.width()), int(image.height())}};
+}
+
+void addMetadata(
+    const fs::path& written, PictureSize size, const host::PhotoMetadata& metadata, const fs::path& target)
+{
+    if (metadata.exif.empty() && metadata.profile.empty())
+        return;
+    std::vector<u8> bytes = contentsOf(written);
+    if (!host::addPhotoMetadata(bytes, metadata, size.width, size.height))
+        warn(target.string() + ": the EXIF data or the colour profile is too large for this kind of file");
+    errno = 0;
+    std::ofstream stream(written, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    stream.close();
+    if (!stream)
+        throwCannotWrite(target, errno ? errno : EIO);
+}
+
 } // namespace
 
 std::string lowerExtension(const fs::path& file)
@@ -141,8 +181,10 @@ PictureSize sizeOf(const fs::path& file)
     std::ifstream stream = openPicture(file);
     const pictures::Decoded header = pictures::inspect(stream);
     checkDecoded(file, stream, header, "not a picture that can be decoded");
-    return {header.width, header.height};
+    return upright({header.width, header.height}, metadataOf(file).orientation);
 }
+
+host::PhotoMetadata metadataOf(const fs::path& file) { return host::readPhotoMetadata(contentsOf(file)); }
 
 PictureSize parseSize(const std::string& text)
 {
@@ -174,13 +216,15 @@ host::Image loadPicture(const fs::path& file, PictureSize size)
     std::ifstream stream = openPicture(file);
     pictures::Decoded picture = pictures::decode(stream);
     checkDecoded(file, stream, picture, "damaged or cut short");
-    if (!pictures::scale(picture, size.width, size.height))
+    const int orientation = metadataOf(file).orientation;
+    const PictureSize stored = upright(size, orientation); // swapping the sides undoes itself
+    if (!pictures::scale(picture, stored.width, stored.height))
         throw ToolError(ExitCode::internal, "not enough memory to scale " + file.string());
     host::Image image(size.width, size.height);
-    const std::size_t stride = std::size_t{size.width} * 4;
-    for (std::size_t row = 0; row < size.height; ++row)
-        std::memcpy(image.bytes().data() + row * stride,
-            picture.pixels.get() + (size.height - 1 - row) * stride, stride);
+    const std::ptrdiff_t stride = std::ptrdiff_t{stored.width} * 4;
+    const pixels::View topRowFirst(picture.pixels.get() + (stored.height - 1) * stride,
+        {int(stored.width), int(stored.height)}, -stride);
+    host::turnUpright(topRowFirst, orientation, viewOf(image));
     return image;
 }
 
@@ -198,7 +242,7 @@ void checkOutput(const fs::path& file)
         throw ToolError(ExitCode::cannotWrite, "no permission to write in " + directory.string());
 }
 
-void savePicture(CEffectImage* image, const fs::path& file)
+void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMetadata& metadata)
 {
     PartialFile partial(file);
     PictureSize size{};
@@ -212,5 +256,6 @@ void savePicture(CEffectImage* image, const fs::path& file)
     if (!pictures::save(partial.path(), topFirst.data(), size.width, size.height)
         || !holdsPicture(partial.path(), size))
         throwCannotWrite(file, diskIsFull(directoryOf(file), size) ? ENOSPC : EIO);
+    addMetadata(partial.path(), size, metadata, file);
     partial.keep();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/Host.h"
+#include "host/photoMetadata.h"
 
 #include <filesystem>
 
@@ -10,8 +11,12 @@ struct PictureSize {
     unsigned height;
 };
 
-/// Width and height from a file's header. Throws ToolError: missing, unreadable, or no picture.
+/// Width and height of the upright picture, from a file's header. Throws ToolError: missing, unreadable, or
+/// no picture.
 PictureSize sizeOf(const std::filesystem::path& file);
+
+/// What a file carries beside its pixels; nothing when it cannot be read.
+host::PhotoMetadata metadataOf(const std::filesystem::path& file);
 
 /// "WIDTHxHEIGHT" of a command line. Throws ToolError.
 PictureSize parseSize(const std::string& text);
@@ -19,7 +24,7 @@ PictureSize parseSize(const std::string& text);
 /// The size at which the engine can hold the picture: its own, or the largest of the same shape.
 PictureSize fitted(PictureSize size);
 
-/// Throws ToolError.
+/// The picture, turned upright. Throws ToolError.
 host::Image loadPicture(const std::filesystem::path& file, PictureSize size);
 
 /// Throws ToolError when the name's extension is no kind of picture that can be written, or the directory
@@ -40,4 +45,6 @@ void makeDirectory(const std::filesystem::path& directory);
 
 /// Writes beside the target, checks what was written, then renames. Throws ToolError; the target is then as
 /// it was before.
-void savePicture(CEffectImage* image, const std::filesystem::path& file);
+/// @param metadata  goes into files of kinds that have room for it
+void savePicture(
+    CEffectImage* image, const std::filesystem::path& file, const host::PhotoMetadata& metadata = {});

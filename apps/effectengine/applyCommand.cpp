@@ -23,6 +23,7 @@ struct Options {
     std::string size;
     std::optional<double> time; ///< empty: the middle
     double total = host::FrameTime{}.total;
+    bool strip = false;
     int processes = 0; ///< 0: one for each processor
     PictureListOptions list;
     ProgressKind progress = ProgressKind::automatic;
@@ -62,7 +63,8 @@ public:
             pictures.push_back(loadPicture(file, size));
         StillGraph graph(description_, pictures);
         const double time = options_.time.value_or(options_.total / 2);
-        savePicture(graph.at({.seconds = time, .total = options_.total}), job.out);
+        savePicture(graph.at({.seconds = time, .total = options_.total}), job.out,
+            options_.strip ? host::PhotoMetadata() : metadataOf(job.in));
         if (advise)
             std::ranges::for_each(graph.idleEffects(), warn);
     }
@@ -132,6 +134,9 @@ void addApplyCommand(CLI::App& tool, const SessionOptions& session)
         ->type_name("SECONDS");
     command->add_option("--total", options->total, "duration of the effect (default 5)")
         ->type_name("SECONDS");
+    command->add_flag("--strip", options->strip,
+        "leave out the photograph's EXIF data (date, camera, place) and colour profile, which PNG and JPEG "
+        "carry");
     command->add_option("-j,--jobs", options->processes, "processes for many pictures (default: processors)")
         ->check(CLI::Range(1, 1024))
         ->type_name("N");

@@ -43,6 +43,16 @@ bool isOnePicture(const fs::path& out)
     return canBeWritten(out) && out.string().find('%') == std::string::npos;
 }
 
+// With the profile of one, the colours of the other would be wrong.
+host::PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
+{
+    host::PhotoMetadata common;
+    common.profile = metadataOf(from).profile;
+    if (common.profile != metadataOf(to).profile)
+        common.profile.clear();
+    return common;
+}
+
 void joinClips(const Options& options, const SessionOptions& session)
 {
     ClipTransitionOptions clips;
@@ -86,18 +96,19 @@ void transition(const Options& options, const SessionOptions& sessionOptions)
     pictures.push_back(loadPicture(options.from, size));
     pictures.push_back(loadPicture(options.to, size));
     StillGraph graph(description, pictures);
+    const host::PhotoMetadata metadata = commonProfile(options.from, options.to);
     const auto frameAt = [&](double progress) {
         return graph.at({.seconds = progress * kDuration, .total = kDuration});
     };
     if (options.frames == 0) {
-        savePicture(frameAt(at), options.out);
+        savePicture(frameAt(at), options.out, metadata);
         return;
     }
     // The first frame shows FROM and the last one TO.
     for (int i = 0; i < options.frames; ++i) {
         const fs::path file = frameFile(options.out, i);
         checkOutput(file);
-        savePicture(frameAt(options.frames == 1 ? 0.0 : double(i) / (options.frames - 1)), file);
+        savePicture(frameAt(options.frames == 1 ? 0.0 : double(i) / (options.frames - 1)), file, metadata);
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include "effectengine/ToolError.h"
 #include "effectengine/media/openClip.h"
+#include "host/photoMetadata.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -25,6 +26,21 @@ Orientation orientationOf(const AVStream& stream)
     if (std::abs(m[0]) >= std::abs(m[1]))
         return {false, m[0] < 0, m[4] < 0};
     return {true, m[3] < 0, m[1] < 0};
+}
+
+// Photographs note it in the file's bytes, which are the packet. The first one counts for all.
+Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::path& file)
+{
+    const std::string_view format = pictures.iformat->name;
+    if (format != "image2" && !format.ends_with("_pipe"))
+        return {};
+    const Input input = openClip(file); // the first packet of the other one is for the decoder
+    const Packet packet = makePacket();
+    if (av_read_frame(input.get(), packet.get()) < 0)
+        return {};
+    const host::Turn turn =
+        host::turnOf(host::readPhotoMetadata({packet->data, std::size_t(packet->size)}).orientation);
+    return {turn.swapsSides, turn.mirrorsColumns, turn.mirrorsRows};
 }
 
 } // namespace
@@ -63,6 +79,8 @@ void ClipReader::describe()
     AVStream& stream = *input_->streams[stream_];
     const AVCodecParameters& stored = *stream.codecpar;
     info_.orientation = orientationOf(stream);
+    if (info_.orientation.upright())
+        info_.orientation = orientationOfPictures(*input_, info_.file);
     info_.width = stored.width;
     info_.height = stored.height;
     info_.sampleAspect = av_guess_sample_aspect_ratio(input_.get(), &stream, nullptr);
