@@ -170,8 +170,10 @@ void TovOgreEffectBase::destroyCamera()
         cameraNode_->detachAllObjects();
         sceneManager().getRootSceneNode()->removeAndDestroyChild(cameraNode_);
     }
-    if (camera_)
+    if (camera_) {
+        camera_->_notifyAttached(nullptr); // to a node that did not come to know of it
         sceneManager().destroyCamera(camera_);
+    }
     camera_ = nullptr;
     cameraNode_ = nullptr;
 }

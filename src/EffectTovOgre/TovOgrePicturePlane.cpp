@@ -78,8 +78,10 @@ void TovOgrePicturePlane::release()
         node_->detachAllObjects();
         parent_->removeAndDestroyChild(node_);
     }
-    if (entity_)
+    if (entity_) {
+        entity_->_notifyAttached(nullptr); // to a node that did not come to know of it
         parent_->getCreator()->destroyEntity(entity_);
+    }
     // Known by name even when their making was cut short.
     auto& meshes = Ogre::MeshManager::getSingleton();
     if (const auto mesh = meshes.getByName(meshName_, Ogre::RGN_DEFAULT))

@@ -262,7 +262,7 @@ bool ClipReader::feed()
     } while (result >= 0 && (packet_->stream_index != stream_ || packet_->size == 0));
     drained_ = result < 0;
     breaksOff_ = drained_ && result != AVERROR_EOF;
-    watch_.mark(*decoder_, *packet_);
+    DecoderWatch::mark(*decoder_, *packet_);
     if (avcodec_send_packet(decoder_.get(), drained_ ? nullptr : packet_.get()) < 0)
         failed_ = true;
     return true;
