@@ -16,7 +16,7 @@ enum class ExitCode {
     cannotWrite = 5,  ///< the output cannot be written
     effectFailed = 6, ///< an effect could not be made or run
     diskFull = 7,     ///< the output's file system has no room
-    noGraphics = 8,   ///< the graphics system, which also reads pictures, did not start
+    noGraphics = 8,   ///< the graphics system did not start
 };
 
 /// Ends the tool with one line on stderr.
