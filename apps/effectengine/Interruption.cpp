@@ -1,6 +1,7 @@
 // Signals become a flag.
 #include "effectengine/Interruption.h"
 
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,12 +29,14 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 struct Interrupted { };
 
-constexpr unsigned kPatienceSeconds = 1;
+/// With the time that ending takes, within a second of the first signal; more signals put nothing off.
+constexpr itimerval kPatience{{0, 0}, {0, 800'000}};
+constexpr itimerval kNone{};
 
 extern "C" void remember(int signal)
 {
-    received.store(signal);
-    alarm(kPatienceSeconds);
+    if (received.exchange(signal) == 0)
+        setitimer(ITIMER_REAL, &kPatience, nullptr);
 }
 
 extern "C" void endByForce(int)
@@ -63,7 +66,7 @@ public:
     }
     ~Handlers()
     {
-        alarm(0);
+        setitimer(ITIMER_REAL, &kNone, nullptr);
         sigaction(SIGALRM, &alarmBefore_, nullptr);
         for (std::size_t i = 0; i < kSignals.size(); ++i)
             sigaction(kSignals[i], &before_[i], nullptr);

@@ -2,6 +2,7 @@
 #include "effectengine/PartialFile.h"
 
 #include "effectengine/ToolError.h"
+#include "platform/files.h"
 
 #include <unistd.h>
 
@@ -14,7 +15,7 @@
 namespace fs = std::filesystem;
 
 PartialFile::PartialFile(fs::path target)
-    : target_(std::move(target)),
+    : target_(files::behindLinks(std::move(target))),
       path_(target_.parent_path()
           / ("." + target_.stem().string() + "." + std::to_string(getpid()) + target_.extension().string())),
       leftover_(path_)
@@ -28,9 +29,24 @@ PartialFile::~PartialFile()
         fs::remove(path_, ignored);
 }
 
+void PartialFile::write(std::span<const unsigned char> bytes) const
+{
+    errno = 0;
+    std::ofstream stream(path_, std::ios::binary);
+    stream.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    stream.close();
+    if (!stream)
+        throwCannotWrite(target_, errno ? errno : EIO);
+}
+
 void PartialFile::keep()
 {
     std::error_code error;
+    if (const fs::file_status before = fs::status(target_, error); fs::is_regular_file(before)) {
+        if (access(target_.c_str(), W_OK) != 0)
+            throwCannotWrite(target_, errno);
+        fs::permissions(path_, before.permissions(), error);
+    }
     fs::rename(path_, target_, error);
     if (error)
         throwCannotWrite(target_, error.value());
@@ -49,12 +65,7 @@ bool isOfEndedProcess(std::string_view rest)
 void writeTextFile(const fs::path& file, const std::string& text)
 {
     PartialFile partial(file);
-    errno = 0;
-    std::ofstream stream(partial.path(), std::ios::binary);
-    stream << text;
-    stream.close();
-    if (!stream)
-        throwCannotWrite(file, errno ? errno : EIO);
+    partial.write({reinterpret_cast<const unsigned char*>(text.data()), text.size()});
     partial.keep();
 }
 

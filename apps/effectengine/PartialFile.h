@@ -4,10 +4,12 @@
 #include "effectengine/Interruption.h"
 
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
 
-/// Names a hidden file beside the target, with the target's extension, and removes it unless kept.
+/// Names a hidden file beside the target, with the target's extension, and removes it unless kept. A target
+/// that is a link stays one; what it leads to is replaced.
 class PartialFile {
 public:
     explicit PartialFile(std::filesystem::path target);
@@ -19,7 +21,11 @@ public:
     const std::filesystem::path& path() const { return path_; }
     const std::filesystem::path& target() const { return target_; }
 
-    /// The written file takes the target's name, replacing what was there. Throws ToolError.
+    /// Makes the bytes all there is in the file. Throws ToolError.
+    void write(std::span<const unsigned char> bytes) const;
+
+    /// The written file takes the target's name, and the permissions of what was there. Throws ToolError,
+    /// also when that was protected.
     void keep();
 
 private:

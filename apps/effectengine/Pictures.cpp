@@ -37,8 +37,8 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
     {"#?", "a Radiance file"},
     {"P5", "a PGM file"},
     {"P6", "a PPM file"},
-    {"II*", "a TIFF file"},
-    {"MM", "a TIFF file"},
+    {std::string_view("II*\0", 4), "a TIFF file"},
+    {std::string_view("MM\0*", 4), "a TIFF file"},
     {"RIFF", "a WebP file, or sound or video"},
     {"\xFF\x0A", "a JPEG XL file"},
     {"%PDF", "a PDF file"},
@@ -46,7 +46,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
     {"<?xml", "an XML file"},
 }};
 
-/// What a file seems to be by its first bytes, for people.
+/// What a file seems to be by its first bytes, for people; empty for one that begins like nothing known.
 std::string kindByBytes(std::istream& file)
 {
     char head[16] = {};
@@ -61,7 +61,7 @@ std::string kindByBytes(std::istream& file)
             return "begins like " + std::string(name);
     if (bytes.size() > 11 && bytes.substr(4, 4) == "ftyp")
         return "begins like a HEIC, AVIF or MP4 file";
-    return "begins like no picture";
+    return {};
 }
 
 std::ifstream openPicture(const fs::path& file)
@@ -84,31 +84,13 @@ void checkDecoded(
     if (picture.outcome == Outcome::tooLarge)
         throw ToolError(ExitCode::unreadable,
             file.string() + " is too large a picture: " + std::to_string(picture.width) + " x "
-                + std::to_string(picture.height) + " pixels");
-    if (picture.outcome == Outcome::unreadable)
-        throw ToolError(
-            ExitCode::unreadable, std::string(what) + ": " + file.string() + " " + kindByBytes(stream));
-}
-
-bool holdsPicture(const fs::path& file, PictureSize size)
-{
-    std::ifstream stream(file, std::ios::binary);
-    const pictures::Decoded header = pictures::inspect(stream);
-    return header.outcome == pictures::Decoded::Outcome::picture && header.width == size.width
-        && header.height == size.height;
-}
-
-// A failed save leaves no file to ask, so ask the disk for the picture's room once more.
-bool diskIsFull(const fs::path& directory, PictureSize size)
-{
-    std::string probe = (directory / ".effectengine-XXXXXX").string();
-    const int file = mkstemp(probe.data());
-    if (file < 0)
-        return errno == ENOSPC || errno == EDQUOT;
-    const int result = posix_fallocate(file, 0, off_t(size.width) * size.height * 4);
-    close(file);
-    unlink(probe.c_str());
-    return result == ENOSPC || result == EDQUOT;
+                + std::to_string(picture.height) + " pixels; sides end at "
+                + std::to_string(pictures::kMaxSide));
+    if (picture.outcome == Outcome::unreadable) {
+        const std::string kind = kindByBytes(stream);
+        throw ToolError(ExitCode::unreadable,
+            std::string(what) + ": " + file.string() + (kind.empty() ? "" : " " + kind));
+    }
 }
 
 PictureSize upright(PictureSize stored, int orientation)
@@ -133,22 +115,6 @@ std::vector<u8> contentsOf(const fs::path& file)
 pixels::View viewOf(const host::Image& image)
 {
     return {image.bytes().data(), {int(image.width()), int(image.height())}};
-}
-
-void addMetadata(
-    const fs::path& written, PictureSize size, const host::PhotoMetadata& metadata, const fs::path& target)
-{
-    if (metadata.exif.empty() && metadata.profile.empty())
-        return;
-    std::vector<u8> bytes = contentsOf(written);
-    if (!host::addPhotoMetadata(bytes, metadata, size.width, size.height))
-        warn(target.string() + ": the EXIF data or the colour profile is too large for this kind of file");
-    errno = 0;
-    std::ofstream stream(written, std::ios::binary);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-    stream.close();
-    if (!stream)
-        throwCannotWrite(target, errno ? errno : EIO);
 }
 
 } // namespace
@@ -244,18 +210,24 @@ void checkOutput(const fs::path& file)
 
 void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMetadata& metadata)
 {
-    PartialFile partial(file);
     PictureSize size{};
     GetImageWidth(image, &size.width);
     GetImageHeight(image, &size.height);
-    const std::span<unsigned char> bytes = host::bytesOf(image);
+    const std::span<unsigned char> pixels = host::bytesOf(image);
     const std::size_t stride = std::size_t{size.width} * 4;
-    std::vector<unsigned char> topFirst(bytes.size());
+    std::vector<u8> topFirst(pixels.size());
     for (std::size_t row = 0; row < size.height; ++row)
-        std::memcpy(topFirst.data() + row * stride, bytes.data() + (size.height - 1 - row) * stride, stride);
-    if (!pictures::save(partial.path(), topFirst.data(), size.width, size.height)
-        || !holdsPicture(partial.path(), size))
-        throwCannotWrite(file, diskIsFull(directoryOf(file), size) ? ENOSPC : EIO);
-    addMetadata(partial.path(), size, metadata, file);
+        std::memcpy(topFirst.data() + row * stride, pixels.data() + (size.height - 1 - row) * stride, stride);
+    const auto kind = pictures::kindOf(file.string());
+    std::vector<u8> bytes;
+    if (kind)
+        bytes = pictures::encode(*kind, topFirst.data(), size.width, size.height);
+    if (bytes.empty())
+        throw ToolError(
+            ExitCode::cannotWrite, "cannot write " + file.string() + ": its kind holds no such picture");
+    if (!host::addPhotoMetadata(bytes, metadata, size.width, size.height))
+        warn(file.string() + ": the EXIF data or the colour profile is too large for this kind of file");
+    PartialFile partial(file);
+    partial.write(bytes);
     partial.keep();
 }

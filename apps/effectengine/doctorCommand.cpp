@@ -1,5 +1,6 @@
 // doctor: is everything there that the engine can use, and what to do where it is not.
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "effectengine/Pictures.h"
 #include "effectengine/Session.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
@@ -82,7 +83,7 @@ void examineGraphics(Examination& examination, const fs::path& logs)
 {
     if (!gpuAvailable()) {
         examination.bad(ExitCode::noGraphics, "graphics",
-            "OpenGL did not start; pictures cannot be read either",
+            "OpenGL did not start; effects that need it are missing",
             "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
             "keeps "
             "the log that says why");
@@ -135,13 +136,15 @@ void examinePictures(Examination& examination, const fs::path& directory)
     std::string kinds;
     for (const char* const kind : {"png", "jpg", "bmp", "tga"}) {
         const std::string file = (directory / (std::string("picture.") + kind)).string();
-        SaveImage(image.handle(), file.c_str());
-        if (host::Image::load(file, 4, 4))
+        if (reportingFailure([&] {
+                savePicture(image.handle(), file);
+                loadPicture(file, {4, 4});
+            })
+            == ExitCode::success)
             kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
         else
             examination.bad(ExitCode::cannotWrite, "pictures",
-                std::string(kind) + " cannot be written and read",
-                "see the graphics system above, and the room in " + directory.string());
+                std::string(kind) + " cannot be written and read", "see the room in " + directory.string());
     }
     examination.good("pictures", kinds);
 }

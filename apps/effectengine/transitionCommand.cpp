@@ -1,4 +1,5 @@
 // transition: one frame, or a strip of frames, between two pictures; or one clip running into another.
+#include "effectengine/Interruption.h"
 #include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
@@ -68,10 +69,8 @@ void joinClips(const Options& options, const SessionOptions& session)
     runClipTransition(clips, session);
 }
 
-void transition(const Options& options, const SessionOptions& sessionOptions)
+void showPictures(const Options& options, const SessionOptions& sessionOptions)
 {
-    if (options.frames == 0 && !isOnePicture(options.out))
-        return joinClips(options, sessionOptions);
     const double at = options.at.value_or(kMiddle);
     if (at > 1)
         throw ToolError(ExitCode::usage, "--at takes a picture's progress, 0 to 1");
@@ -106,10 +105,19 @@ void transition(const Options& options, const SessionOptions& sessionOptions)
     }
     // The first frame shows FROM and the last one TO.
     for (int i = 0; i < options.frames; ++i) {
+        stopIfAsked();
         const fs::path file = frameFile(options.out, i);
         checkOutput(file);
         savePicture(frameAt(options.frames == 1 ? 0.0 : double(i) / (options.frames - 1)), file, metadata);
     }
+}
+
+void transition(const Options& options, const SessionOptions& sessionOptions)
+{
+    if (options.frames == 0 && !isOnePicture(options.out))
+        joinClips(options, sessionOptions); // looks after signals itself
+    else
+        interruptibly([&] { showPictures(options, sessionOptions); });
 }
 
 } // namespace

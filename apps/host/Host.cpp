@@ -5,10 +5,24 @@ namespace host {
 
 namespace {
 
+const char* meaningOf(unsigned result)
+{
+    switch (result) {
+    case EFFECTENGINE_BAD_ARGUMENT:
+        return "was called with a bad argument";
+    case EFFECTENGINE_INIT_FAILED:
+        return "could not start the engine";
+    case EFFECTENGINE_ALREADY_INITIALIZED:
+        return "met an engine that runs already";
+    default:
+        return "failed";
+    }
+}
+
 void require(unsigned result, const std::string& what)
 {
     if (result != EFFECTENGINE_OK)
-        throw Failure(what + " failed with result " + std::to_string(result));
+        throw Failure(what + " " + meaningOf(result));
 }
 
 } // namespace

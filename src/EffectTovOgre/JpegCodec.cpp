@@ -61,8 +61,9 @@ void convertInks(u8* row, u32 width, bool inverted)
     }
 }
 
-/// @param result  its pixels are the caller's even after a failure
-bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size)
+/// @param result      its pixels are the caller's even after a failure
+/// @param headerOnly  the outcome is a picture then, without pixels
+bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, bool headerOnly)
 {
     jpeg_decompress_struct jpeg;
     Errors errors;
@@ -81,6 +82,11 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size)
     result.height = jpeg.image_height;
     if (tooLarge(result.width, result.height)) {
         result.outcome = Decoded::Outcome::tooLarge;
+        jpeg_destroy_decompress(&jpeg);
+        return true;
+    }
+    if (headerOnly) {
+        result.outcome = Decoded::Outcome::picture;
         jpeg_destroy_decompress(&jpeg);
         return true;
     }
@@ -136,9 +142,7 @@ bool writeJpeg(
     return true;
 }
 
-} // namespace
-
-Decoded decodeJpeg(std::istream& file)
+Decoded readFile(std::istream& file, bool headerOnly)
 {
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
@@ -149,10 +153,17 @@ Decoded decodeJpeg(std::istream& file)
     file.seekg(0);
     file.read(reinterpret_cast<char*>(bytes.data()), size);
     Decoded result;
-    if (file.gcount() != size || !readJpeg(result, bytes.data(), static_cast<unsigned long>(size)))
+    if (file.gcount() != size
+        || !readJpeg(result, bytes.data(), static_cast<unsigned long>(size), headerOnly))
         return {};
     return result;
 }
+
+} // namespace
+
+Decoded decodeJpeg(std::istream& file) { return readFile(file, false); }
+
+Decoded inspectJpeg(std::istream& file) { return readFile(file, true); }
 
 std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height, JpegQuality quality)
 {

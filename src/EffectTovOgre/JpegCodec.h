@@ -8,6 +8,8 @@ namespace pictures {
 
 /// Parts of a damaged file that cannot be made out are grey; a file that ends too early is unreadable.
 Decoded decodeJpeg(std::istream& file);
+/// The size alone, as inspect() answers.
+Decoded inspectJpeg(std::istream& file);
 
 struct JpegQuality {
     int percent = 92;

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <istream>
 #include <sstream>
+#include <string_view>
 
 namespace pictures {
 
@@ -100,6 +101,39 @@ u8* readPixels(Source& source, int* width, int* height)
     return stbi_load_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
 }
 
+/// Whether a file of so many bytes can hold that many pixels: a few bytes may declare a picture that takes
+/// seconds and a gigabyte. Only for large pictures, with the most that each kind packs into a byte. (A GIF of
+/// one pixel may lie on a canvas of any size.)
+bool canHold(std::istream& stream, u64 pixels)
+{
+    constexpr u64 kLarge = 1 << 24;
+    if (pixels <= kLarge)
+        return true;
+    char head[4] = {};
+    stream.clear();
+    stream.seekg(0, std::ios::end);
+    const u64 bytes = u64(std::max<std::streamoff>(0, stream.tellg()));
+    stream.seekg(0);
+    stream.read(head, sizeof head);
+    const std::string_view start(head, sizeof head);
+    const auto most = [&]() -> u64 {
+        if (start.starts_with("\x89PNG"))
+            return 8 * 1032; // one bit a pixel, and deflate's best
+        if (start.starts_with("GIF8"))
+            return kMaxPixels;
+        if (start.starts_with("BM"))
+            return 8; // runs are not read
+        if (start.starts_with("P5") || start.starts_with("P6"))
+            return 1;
+        if (start.starts_with("#?"))
+            return 127; // of four runs, which repeat over two bytes each
+        if (start.starts_with("\x53\x80\xF6\x34"))
+            return 1 << 16; // PIC: a run's length has two bytes
+        return 128;         // TGA, Photoshop: runs of 128
+    };
+    return pixels / most() <= bytes;
+}
+
 /// Only the size; a picture outcome without pixels.
 Decoded sizeIn(std::istream& stream)
 {
@@ -121,6 +155,8 @@ Decoded decodeWhole(std::istream& stream)
     if (result.outcome != Decoded::Outcome::picture)
         return result;
     result.outcome = Decoded::Outcome::unreadable;
+    if (!canHold(stream, u64{result.width} * result.height))
+        return result;
     stream.clear();
     stream.seekg(0);
     int width = 0, height = 0;
@@ -170,7 +206,15 @@ Deadline::Deadline(u64 pixels)
 
 bool Deadline::isOver() const { return std::chrono::steady_clock::now() > end_; }
 
-Decoded inspect(std::istream& file) { return sizeIn(file); }
+Decoded inspect(std::istream& file)
+{
+    char head[2] = {};
+    file.read(head, sizeof head);
+    const bool isJpeg = std::string_view(head, sizeof head) == "\xFF\xD8";
+    file.clear();
+    file.seekg(0);
+    return isJpeg ? inspectJpeg(file) : sizeIn(file);
+}
 
 Decoded decode(std::istream& file)
 {

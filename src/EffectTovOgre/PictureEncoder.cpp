@@ -1,6 +1,7 @@
 // Writing picture files: PNG through its library, BMP and TGA directly.
 #include "EffectTovOgre/JpegCodec.h"
 #include "EffectTovOgre/PictureCodecs.h"
+#include "platform/files.h"
 
 #include <fcntl.h>
 #include <png.h>
@@ -137,16 +138,6 @@ bool writeInto(int file, const std::vector<u8>& bytes)
     return close(file) == 0 && written;
 }
 
-/// Where a name leads: itself, unless it is a link, which may lead to a file that is not there yet.
-std::string behindLinks(const std::string& path)
-{
-    std::error_code error;
-    std::filesystem::path target = path;
-    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, error); ++links)
-        target = target.parent_path() / std::filesystem::read_symlink(target, error);
-    return target.string();
-}
-
 /// A template for mkostemp.
 std::string hiddenBeside(const std::filesystem::path& target)
 {
@@ -216,7 +207,7 @@ bool save(const std::string& path, const u8* pixels, u32 width, u32 height)
     }
     if (exists && access(path.c_str(), W_OK) != 0)
         return false; // a file that is protected is not replaced either
-    const std::string target = behindLinks(path);
+    const std::string target = files::behindLinks(path).string();
     std::string hidden = hiddenBeside(target);
     const int file = mkostemp(hidden.data(), O_CLOEXEC);
     if (file < 0)

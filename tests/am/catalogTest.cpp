@@ -56,7 +56,6 @@ TEST(AmCatalog, TablesThatDoNotHoldTogetherAreRefused)
     EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.entry.guid = "CA4F3A55_8308_406f_AD90_6652AD8A9027"; }));
     EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.shown.title = nullptr; }));
     EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.shown.summary = "No sentence"; }));
-    EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.apply = nullptr; }));
     EXPECT_FALSE(soundWith([](Row, Row, Row c) { c.last = 6; })) << "one entry for two ids";
     EXPECT_FALSE(soundWith([](Row, Row b, Row) { b.texture = "a.png"; })) << "a texture without an entry";
 
@@ -65,6 +64,9 @@ TEST(AmCatalog, TablesThatDoNotHoldTogetherAreRefused)
         return collect(tables).catalogue.front().effect == &other;
     };
     EXPECT_TRUE(fitWith(first)) << "sorted by place";
+    EffectRow empty = first;
+    empty.apply = nullptr;
+    EXPECT_THROW(fitWith(empty), std::logic_error) << "no function";
     EXPECT_THROW(fitWith(listed(5, 0, "First", kGuid)), std::logic_error) << "an id twice";
     EXPECT_THROW(fitWith(listed(3, 0, "First", kOther)), std::logic_error) << "a GUID twice";
     EXPECT_THROW(fitWith(listed(3, 1, "First", kGuid)), std::logic_error) << "a place twice";

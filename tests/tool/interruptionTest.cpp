@@ -51,6 +51,19 @@ TEST(Interruption, WorkThatNeverAsksEndsWithinASecondAndLeavesNoPartialFile)
     }
 }
 
+TEST(Interruption, PressingAgainPutsNothingOff)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    const int status = statusAfter(SIGINT, [] {
+        for (;;) {
+            std::this_thread::sleep_for(50ms);
+            raise(SIGINT);
+        }
+    });
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s);
+}
+
 TEST(Interruption, WorkThatAsksUnwinds)
 {
     const test::TemporaryDirectory files;

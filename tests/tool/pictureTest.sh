@@ -23,13 +23,24 @@ printf 'RIFF\x24\0\0\0WEBPVP8 %0100d' 0 >photo.webp
 printf '\0\0\0\x18ftypheic%0100d' 0 >photo.heic
 : >empty.png
 head -c 300 /dev/zero >zeros.tga
+printf '8BPS\0\1\0\0\0\0\0\0\0\3\0\0\x40\0\0\0\x40\0\0\x08\0\3%0200d' 0 >bomb.psd
+timeout 3 "$tool" apply am-negative bomb.psd out.png 2>err.txt
+[ $? -eq 4 ] && grep -q 'damaged or cut short: bomb.psd' err.txt || fail "a declared size alone takes room: $(cat err.txt)"
 mkfifo pipe.png
 expect 4 'photo.webp begins like a WebP file' "$tool" apply am-negative photo.webp out.png
 expect 4 'photo.heic begins like a HEIC' "$tool" apply am-negative photo.heic out.png
 expect 4 'empty.png is empty' "$tool" apply am-negative empty.png out.png
-expect 4 'zeros.tga begins like no picture' "$tool" apply am-negative zeros.tga out.png
+expect 4 'not a picture that can be decoded: zeros.tga' "$tool" apply am-negative zeros.tga out.png
 expect 4 'not a regular file' "$tool" apply am-negative pipe.png out.png
 [ ! -e out.png ] || fail "a failure wrote a picture"
+
+# A link stays a link, a file keeps its permissions, and a protected one its contents.
+"$tool" apply am-negative in.ppm real.png
+ln -s real.png link.png
+chmod 640 real.png
+expect 0 '' "$tool" apply equalize in.ppm link.png
+[ -L link.png ] && [ "$(stat -c %a real.png)" = 640 ] || fail "the link or the permissions are lost"
+cmp -s real.png with.png && fail "the link's target was not written"
 
 # A signal ends the tool, even while it waits for somebody else's pipe.
 mkfifo graph.json

@@ -28,6 +28,8 @@ Collection collect(std::span<const Table> tables)
     Collection all;
     for (const auto& [family, rows] : tables) {
         for (const EffectRow& row : rows) {
+            if (!row.apply)
+                fail("no function", row);
             all.byId.push_back(&row);
             if (row.isListed())
                 all.catalogue.push_back({&row, family});

@@ -1,0 +1,15 @@
+// Names of files.
+#include "platform/files.h"
+
+namespace files {
+
+std::filesystem::path behindLinks(std::filesystem::path path)
+{
+    constexpr int kMostLinks = 40; // as the system follows
+    std::error_code error;
+    for (int links = 0; links < kMostLinks && std::filesystem::is_symlink(path, error); ++links)
+        path = path.parent_path() / std::filesystem::read_symlink(path, error);
+    return path;
+}
+
+} // namespace files
