@@ -215,9 +215,9 @@ TEST_F(GlslProgramsTest, DialectsOfGlslDraw)
         "textureCoord); }",
         "#version 430 compatibility\n#extension GL_ARB_gpu_shader5 : enable\nin vec2 textureCoord;"
         "uniform sampler2D mSamples[2]; void main() { gl_FragColor = texture(mSamples[0], textureCoord)"
-        " + 0.0 * texture(mSamples[1], textureCoord); }",
+        " + min(texture(mSamples[1], textureCoord), 0.0); }",
         "#version 130\nin vec2 textureCoord; uniform sampler2D mSample0; uniform sampler3D cube;"
-        "void main() { gl_FragColor = texture(mSample0, textureCoord) + 0.0 * texture(cube, vec3(0)); }",
+        "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }",
     };
     for (const char* const program : programs) {
         GpuEffect effect = effectOf(4, 4, program);
@@ -246,7 +246,7 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
         {"#version 400\nsubroutine vec4 Paint(); subroutine(Paint) vec4 red() { return vec4(1); }"
          "subroutine uniform Paint paint;",
             "paint()", "subroutine"},
-        {"#version 120\nuniform float huge[100000000];", "vec4(huge[99999999])", ""},
+        {"#version 120\nuniform float huge[100000];", "vec4(huge[99999])", ""},
         {"#version 120\nuniform float none[0];", "vec4(none[0])", ""},
         {"#version 999", "vec4(1)", ""},
         {"uniform", "vec4(1)", ""},
@@ -271,7 +271,7 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
     // Nor is anything drawn while two kinds of samplers meet in one unit.
     GpuEffect effect = effectOf(4, 4,
         "#version 130\nin vec2 textureCoord; uniform sampler2D mSample0; uniform sampler3D cube;"
-        "void main() { gl_FragColor = texture(mSample0, textureCoord) + 0.0 * texture(cube, vec3(0)); }");
+        "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }");
     effect->setIntParam(ShaderParameter::fragment, "cube", 0);
     EXPECT_EQ(draw(effect), -1);
     effect->setIntParam(ShaderParameter::fragment, "cube", 1);
