@@ -30,15 +30,6 @@ std::string nextInstanceName()
     return "PS_" + std::to_string(++count);
 }
 
-/// While it lives, OGRE's random numbers are those of a sequence.
-class RandomNumbers {
-public:
-    explicit RandomNumbers(MyRandomValueProvider& sequence) { Ogre::Math::SetRandomValueProvider(&sequence); }
-    RandomNumbers(const RandomNumbers&) = delete;
-    RandomNumbers& operator=(const RandomNumbers&) = delete;
-    ~RandomNumbers() { Ogre::Math::SetRandomValueProvider(nullptr); }
-};
-
 /// The 32-bit words of a number or an array; none of anything else.
 std::span<const u32> wordsOf(const ParamVariant& value)
 {
@@ -77,7 +68,7 @@ void TovOgrePaticalUniverseEffect::createScene()
     if (!hasParticles())
         return;
     sequence_.reset();
-    const RandomNumbers drawn(sequence_);
+    const RandomNumbersOf drawn(sequence_);
     try {
         scene_.emplace(sceneManager(), effectSceneNode(), instanceName_, particleTemplate);
     } catch (const std::exception& error) { // OGRE's own among them
@@ -92,7 +83,7 @@ void TovOgrePaticalUniverseEffect::restartScene() { scene_.reset(); }
 void TovOgrePaticalUniverseEffect::applyShaderParameters()
 {
     if (scene_ && paramsChanged) {
-        const RandomNumbers drawn(sequence_);
+        const RandomNumbersOf drawn(sequence_);
         setAttributes();
     }
     TovOgreEffectBase::applyShaderParameters();
@@ -148,7 +139,7 @@ void TovOgrePaticalUniverseEffect::renderFrame()
         return;
     }
     if (currentFrame_ != previousFrame_ && camera()) {
-        const RandomNumbers drawn(sequence_);
+        const RandomNumbersOf drawn(sequence_);
         try {
             scene_->advance(frameDuration_, *camera());
         } catch (const std::exception& error) { // a picture that an affector reads may be missing
