@@ -8,9 +8,9 @@
 
 namespace host {
 
-/// Why the graph must run from frame 0 on, a line per node: it remembers everything, or goes on drawing
-/// random numbers. Empty when it can begin anywhere. (A node that remembers a few frames draws only its
-/// tables, which the seed holds.)
+/// Why the graph must run from frame 0 on, a line per node: it remembers everything, goes on drawing
+/// random numbers, or has keyframes for attributes of particles. Empty when it can begin anywhere. (A node
+/// that remembers a few frames draws only its tables, which the seed holds.)
 std::vector<std::string> startBound(const GraphDescription& graph);
 
 /// Stands for all frames.

@@ -6,6 +6,7 @@
 #include "host/EffectGraph.h"
 #include "support/EngineFixture.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -103,6 +104,29 @@ TEST_F(Parts, AreRefusedForEffectsThatRememberEverythingOrDrawOn)
     EXPECT_EQ(host::startBound(graphOf({"am-noise"})),
         std::vector<std::string>{"node am-noise (am-noise) draws new random numbers from frame to frame"});
     EXPECT_EQ(host::preRollOf(graphOf({"am-noise"})), host::kAllFrames);
+    EXPECT_EQ(host::preRollOf(graphOf({"camcorder"})), host::kAllFrames)
+        << "its light blinks by frames shown";
+}
+
+TEST_F(Parts, AreRefusedWhereAttributesOfParticlesMove)
+{
+    listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
+    const auto scenes = listEffects();
+    const auto scene = std::ranges::find(scenes, "particles", &KEXSDK::EffectInfo::family);
+    ASSERT_NE(scene, scenes.end());
+    const auto params = describeParameters(scene->guid);
+    const auto attribute =
+        std::ranges::find_if(params, [](const auto* param) { return param->name[0] == ':'; });
+    ASSERT_NE(attribute, params.end());
+    for (const bool moves : {false, true}) {
+        host::GraphDescription graph = graphOf({scene->name.c_str()});
+        std::vector<host::Keyframe> keyframes{{.time = 0, .value = std::vector<double>{1}}};
+        if (moves)
+            keyframes.push_back({.time = 1, .value = std::vector<double>{2}});
+        graph.nodes[0].parameters.emplace_back(**attribute, host::TimeUnit::seconds, keyframes);
+        EXPECT_EQ(host::preRollOf(graph) == host::kAllFrames, moves);
+    }
+    listShaderEffectsOf("");
 }
 
 } // namespace
