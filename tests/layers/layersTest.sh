@@ -24,7 +24,7 @@ offence() {
     }
 }
 offence 'ee_base does not link the layer of model' src/pixels/numbers.h '#include "model/Param.h"'
-offence 'ee_effects does not link the layer of EffectTovOgre' src/effects/am/amFrame.h ' # include <EffectTovOgre/GpuEffect.h>'
+offence 'ee_effects does not link the layer of EffectTovOgre' src/effects/am/library/amFrame.h ' # include <EffectTovOgre/GpuEffect.h>'
 offence 'ee_model does not link the layer of effects/lut' src/model/Param.h '#include "../effects/lut/LutFile.h"'
 offence 'pixels does not stand before core' src/core/Clock.h '#include "pixels/numbers.h"'
 offence 'its layer does not link OGRE' src/engine/effectList.cpp '#include <OgreRoot.h>'
