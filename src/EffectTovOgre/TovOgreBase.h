@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Ogre {
 class LogManager;
@@ -85,8 +86,8 @@ public:
     };
     Counters counters;
 
-    /// Trial links of the programs that OGRE knows, by the names of both.
-    std::map<std::string, GlslLink> links;
+    /// Trial links of the programs that OGRE knows, by its numbers of both.
+    std::map<std::pair<unsigned long long, unsigned long long>, GlslLink> links;
 
     /// One line of OGRE's log, at its normal level.
     static void log(const std::string& message);

@@ -207,6 +207,8 @@ void TovOgrePicturePlane::bind()
 {
     bindPictures();
     bindPrograms();
+    // OGRE would do so in the midst of drawing, and take what did not come to an end there for complete.
+    material_->load();
     shader_.sendValues();
 }
 

@@ -13,6 +13,8 @@
 #include <OgreRoot.h>
 
 #include <algorithm>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -39,6 +41,13 @@ ProgramPtr find(const std::string& name)
     return manager().getByName(name, Ogre::ResourceGroupManager::AUTODETECT_RESOURCE_GROUP_NAME);
 }
 
+/// OGRE's number of the program, which no later one of that name has; 0 when there is none.
+Ogre::ResourceHandle handleOf(const std::string& name)
+{
+    const ProgramPtr program = find(name);
+    return program ? program->getHandle() : 0;
+}
+
 /// Loads a program that nobody knows yet.
 ///
 /// OGRE preprocesses a text in its own way and then looks for uniforms by their spelling; for what GLSL
@@ -58,31 +67,54 @@ ProgramPtr findOrMake(const std::string& name, const std::string& text, bool isF
 {
     if (ProgramPtr known = find(name))
         return known;
-    ProgramPtr made = manager().createProgram(
-        name, Ogre::RGN_DEFAULT, "glsl", isFragment ? Ogre::GPT_FRAGMENT_PROGRAM : Ogre::GPT_VERTEX_PROGRAM);
     try {
+        const ProgramPtr made = manager().createProgram(name, Ogre::RGN_DEFAULT, "glsl",
+            isFragment ? Ogre::GPT_FRAGMENT_PROGRAM : Ogre::GPT_VERTEX_PROGRAM);
         load(*made, text, isFragment);
+        return made;
     } catch (...) { // half a program is not to be found by the next one to ask
-        manager().remove(made);
+        if (const ProgramPtr half = find(name))
+            manager().remove(half);
         throw;
     }
-    return made;
 }
 
-/// OpenGL's number of the program that OGRE draws the pair with; 0 when it could not link it.
-u32 linkedProgram(Ogre::GpuProgram& vertex, Ogre::GpuProgram& fragment,
-    const Ogre::GpuProgramParametersSharedPtr& fragmentParameters)
-{
-    Ogre::RenderSystem& system = *Ogre::Root::getSingleton().getRenderSystem();
-    system.bindGpuProgram(vertex._getBindingDelegate());
-    system.bindGpuProgram(fragment._getBindingDelegate());
-    system.bindGpuProgramParameters(Ogre::GPT_FRAGMENT_PROGRAM, fragmentParameters, Ogre::GPV_ALL);
-    GLint linked = 0;
-    glGetIntegerv(GL_CURRENT_PROGRAM, &linked);
-    system.unbindGpuProgram(Ogre::GPT_FRAGMENT_PROGRAM);
-    system.unbindGpuProgram(Ogre::GPT_VERTEX_PROGRAM);
-    return u32(linked);
-}
+/// While it lives, OGRE draws with a pair of programs. One left bound that has ended would be taken for the
+/// next one that has its address.
+class BoundPair {
+public:
+    BoundPair(Ogre::GpuProgram& vertex, Ogre::GpuProgram& fragment)
+    {
+        try {
+            system_.bindGpuProgram(vertex._getBindingDelegate());
+            system_.bindGpuProgram(fragment._getBindingDelegate());
+        } catch (...) {
+            unbind();
+            throw;
+        }
+    }
+    BoundPair(const BoundPair&) = delete;
+    BoundPair& operator=(const BoundPair&) = delete;
+    ~BoundPair() { unbind(); }
+
+    /// OpenGL's number of the program that OGRE links from the two; 0 when it cannot.
+    u32 linkedProgram(const Ogre::GpuProgramParametersSharedPtr& fragmentParameters)
+    {
+        system_.bindGpuProgramParameters(Ogre::GPT_FRAGMENT_PROGRAM, fragmentParameters, Ogre::GPV_ALL);
+        GLint linked = 0;
+        glGetIntegerv(GL_CURRENT_PROGRAM, &linked);
+        return u32(linked);
+    }
+
+private:
+    void unbind()
+    {
+        system_.unbindGpuProgram(Ogre::GPT_FRAGMENT_PROGRAM);
+        system_.unbindGpuProgram(Ogre::GPT_VERTEX_PROGRAM);
+    }
+
+    Ogre::RenderSystem& system_ = *Ogre::Root::getSingleton().getRenderSystem();
+};
 
 std::span<const float> numbers(const Ogre::Vector2& value) { return {value.ptr(), 2}; }
 std::span<const float> numbers(const Ogre::Vector3& value) { return {value.ptr(), 3}; }
@@ -101,6 +133,9 @@ std::string TovOgreShader::setShaderProgram(const char* text, bool isFragment, b
         const ProgramPtr known = find(program.name);
         program.text = known ? known->getSource() : glslText::complete(text, isSourceText);
         return {};
+    } catch (const std::bad_alloc&) { // no fault of the program's
+        program = {};
+        throw;
     } catch (const std::exception& error) { // a file that is missing, or may not be read
         program = {};
         const auto* const ogre = dynamic_cast<const Ogre::Exception*>(&error);
@@ -111,23 +146,21 @@ std::string TovOgreShader::setShaderProgram(const char* text, bool isFragment, b
 std::string TovOgreShader::link()
 {
     auto& links = TovOgreBase::getInstance().links;
-    const std::string key = programName(false) + "\n" + programName(true);
-    auto known = links.find(key);
+    auto known = links.find({handleOf(programName(false)), handleOf(programName(true))});
     if (known == links.end()) {
-        const auto textOf = [&](bool isFragment) -> const std::string& {
-            return programs_[isFragment].name.empty() ? kDefaultSources[isFragment]
-                                                      : programs_[isFragment].text;
-        };
         GlslLink tried = GlslLink::of(textOf(false), textOf(true));
         if (!tried.message.empty()) { // not remembered: the file may be corrected
             programs_ = {};
             return tried.message;
         }
         createPrograms();
-        tried.drawWith(linkedProgram(*find(programName(false)), *find(programName(true)), parameters(true)));
+        tried.drawWith(linkedProgram());
         if (tried.program == 0)
             return "The program cannot be linked by the rendering library.";
-        known = links.emplace(key, std::move(tried)).first;
+        known = links
+                    .emplace(std::pair(handleOf(programName(false)), handleOf(programName(true))),
+                        std::move(tried))
+                    .first;
     } else {
         createPrograms();
     }
@@ -140,11 +173,21 @@ std::string TovOgreShader::link()
     return {};
 }
 
+u32 TovOgreShader::linkedProgram()
+{
+    const ProgramPtr fragment = find(programName(true));
+    try {
+        return BoundPair(*find(programName(false)), *fragment).linkedProgram(parameters(true));
+    } catch (...) {
+        // OGRE keeps what it has linked of the two, and would take it for complete. Another program of that
+        // text is another pair.
+        manager().remove(fragment);
+        throw;
+    }
+}
+
 void TovOgreShader::createPrograms()
 {
-    const auto textOf = [&](bool isFragment) -> const std::string& {
-        return programs_[isFragment].name.empty() ? kDefaultSources[isFragment] : programs_[isFragment].text;
-    };
     programs_[false].parameters = createVertexProgram(textOf(false), programName(false));
     programs_[true].parameters = createFragmentProgram(textOf(true), programName(true));
 }
@@ -162,6 +205,11 @@ Ogre::GpuProgramParametersSharedPtr TovOgreShader::createFragmentProgram(
     const std::string& text, const std::string& name)
 {
     return findOrMake(name, text, true)->createParameters();
+}
+
+const std::string& TovOgreShader::textOf(bool isFragment) const
+{
+    return programs_[isFragment].name.empty() ? kDefaultSources[isFragment] : programs_[isFragment].text;
 }
 
 const std::string& TovOgreShader::programName(bool isFragment) const

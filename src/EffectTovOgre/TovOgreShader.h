@@ -84,6 +84,8 @@ private:
     };
 
     void createPrograms();
+    u32 linkedProgram();
+    const std::string& textOf(bool isFragment) const;
     bool hasOwn(u32 programType) const;
     template <class T> void store(u32 programType, const char* name, std::span<const T> values);
 

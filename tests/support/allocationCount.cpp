@@ -1,13 +1,15 @@
 // operator new that counts.
 #include "support/allocationCount.h"
 
+#include <execinfo.h>
 #include <link.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <new>
+#include <string_view>
 #include <thread>
 
 namespace {
@@ -19,22 +21,41 @@ std::atomic<long> untilFailure{0};
 std::atomic<std::thread::id> spared;
 
 struct Module {
+    enum class Kind { program, renderingLibrary, standardLibrary };
+
     std::uintptr_t begin;
     std::uintptr_t end;
+    Kind kind;
 };
 std::array<Module, 16> modules{};
 std::size_t moduleCount = 0;
 
 int noteModule(dl_phdr_info* info, std::size_t, void*)
 {
-    const bool isOurs = !info->dlpi_name[0] || std::strstr(info->dlpi_name, "libOgre")
-        || std::strstr(info->dlpi_name, "RenderSystem_GL") || std::strstr(info->dlpi_name, "Plugin_");
-    for (int i = 0; isOurs && i < info->dlpi_phnum; ++i)
+    const std::string_view name = info->dlpi_name;
+    const auto isNamed = [&](const char* part) { return name.find(part) != std::string_view::npos; };
+    Module::Kind kind = Module::Kind::program;
+    if (isNamed("libstdc++"))
+        kind = Module::Kind::standardLibrary;
+    else if (isNamed("libOgre") || isNamed("RenderSystem_GL") || isNamed("Plugin_"))
+        kind = Module::Kind::renderingLibrary;
+    else if (!name.empty())
+        return 0;
+    for (int i = 0; i < info->dlpi_phnum; ++i)
         if (const auto& part = info->dlpi_phdr[i];
             part.p_type == PT_LOAD && (part.p_flags & PF_X) && moduleCount < modules.size())
             modules[moduleCount++] = {
-                info->dlpi_addr + part.p_vaddr, info->dlpi_addr + part.p_vaddr + part.p_memsz};
+                info->dlpi_addr + part.p_vaddr, info->dlpi_addr + part.p_vaddr + part.p_memsz, kind};
     return 0;
+}
+
+const Module* moduleOf(const void* code)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(code);
+    const auto end = modules.begin() + moduleCount;
+    const auto found = std::find_if(
+        modules.begin(), end, [&](const Module& m) { return address >= m.begin && address < m.end; });
+    return found == end ? nullptr : &*found;
 }
 
 } // namespace
@@ -46,6 +67,8 @@ std::size_t allocationCount() { return allocations.load(); }
 void failAllocation(long number)
 {
     moduleCount = 0;
+    void* first[1];
+    backtrace(first, 1); // which loads a library
     dl_iterate_phdr(noteModule, nullptr);
     spared = std::this_thread::get_id();
     untilFailure = number;
@@ -65,15 +88,24 @@ const bool test::kCountsAllocations = true;
 
 namespace {
 
+bool isCounted(const void* caller)
+{
+    const Module* module = moduleOf(caller);
+    if (!module || module->kind != Module::Kind::standardLibrary)
+        return module;
+    std::array<void*, 24> frames;
+    const auto end = frames.begin() + backtrace(frames.data(), int(frames.size()));
+    auto frame = std::find(frames.begin(), end, caller);
+    for (; frame != end && module && module->kind == Module::Kind::standardLibrary; ++frame)
+        module = moduleOf(*frame);
+    return module && module->kind == Module::Kind::program;
+}
+
 bool isToFail(const void* caller)
 {
     if (untilFailure.load(std::memory_order_relaxed) <= 0 || spared.load() == std::this_thread::get_id())
         return false;
-    for (std::size_t i = 0; i < moduleCount; ++i)
-        if (const auto address = reinterpret_cast<std::uintptr_t>(caller);
-            address >= modules[i].begin && address < modules[i].end)
-            return --untilFailure == 0;
-    return false;
+    return isCounted(caller) && --untilFailure == 0;
 }
 
 void* counted(std::size_t size, std::size_t alignment, const void* caller)

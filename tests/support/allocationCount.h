@@ -12,8 +12,9 @@ extern const bool kCountsAllocations;
 std::size_t allocationCount();
 
 /// Makes one of the allocations that follow throw std::bad_alloc: the one with that number, from 1 on, of
-/// those that this program and the rendering library ask for on other threads. Those of drivers and
-/// compilers, which do not bear it, are not counted.
+/// those that this program and the rendering library ask for on other threads. What cannot bear it is not
+/// counted: drivers and compilers, and the rendering library's strings (the destructors of its log's streams
+/// make some, and an entity that cannot copy its name is destroyed without the mesh that this needs).
 void failAllocation(long number);
 
 /// Ends that. @return whether there were as many
