@@ -387,11 +387,17 @@ void TovOgreEffectBase::render(KEXSDK::_ImageParam** output, u8* buffer, u32 cha
     if (!problem_.empty())
         return;
     const bool firstFrame = !sceneCreated_;
-    prepareFrame();
-    if (firstFrame && hasParticles() && !pictureOnly_)
-        drawThroughFrames(0, currentFrame_);
-    else
-        stepFrames();
+    try {
+        prepareFrame();
+        if (firstFrame && hasParticles() && !pictureOnly_)
+            drawThroughFrames(0, currentFrame_);
+        else
+            stepFrames();
+    } catch (...) { // in the midst of a step, perhaps
+        sceneCreated_ = false;
+        random_.reset();
+        throw;
+    }
     if (!camera_) // the window was closed meanwhile
         return;
     output_->sharedBuffer = renderTexture_;

@@ -5,6 +5,7 @@
 #include "core/Log.h"
 
 #include <exception>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -71,6 +72,8 @@ void TovOgrePaticalUniverseEffect::createScene()
     const RandomNumbersOf drawn(sequence_);
     try {
         scene_.emplace(sceneManager(), effectSceneNode(), instanceName_, particleTemplate);
+    } catch (const std::bad_alloc&) { // no fault of the template's
+        throw;
     } catch (const std::exception& error) { // OGRE's own among them
         return leaveOut(error.what());
     }
@@ -142,6 +145,8 @@ void TovOgrePaticalUniverseEffect::renderFrame()
         const RandomNumbersOf drawn(sequence_);
         try {
             scene_->advance(frameDuration_, *camera());
+        } catch (const std::bad_alloc&) {
+            throw;
         } catch (const std::exception& error) { // a picture that an affector reads may be missing
             leaveOut(error.what());
         }

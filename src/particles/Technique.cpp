@@ -69,11 +69,11 @@ bool isNear(const Ogre::Vector3& vector)
 
 Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const std::string& name,
     const std::string& templateName)
-    : manager_(manager),
-      system_(manager.createParticleSystem(name, templateName)),
-      node_(parent.createChildSceneNode(name)),
-      iterationInterval_(system_->getIterationInterval())
+    : Technique(manager) // from here on the destructor takes away what there is
 {
+    system_ = manager.createParticleSystem(name, templateName);
+    node_ = parent.createChildSceneNode(name);
+    iterationInterval_ = system_->getIterationInterval();
     // OGRE's default for templates without a quota holds, too.
     system_->setParticleQuota(std::min(system_->getParticleQuota(), std::size_t(kLargestQuota)));
     system_->setEmittedEmitterQuota(
@@ -103,8 +103,10 @@ Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const
 Technique::~Technique()
 {
     hide();
-    manager_.destroyParticleSystem(system_);
-    node_->getParentSceneNode()->removeAndDestroyChild(node_);
+    if (system_)
+        manager_.destroyParticleSystem(system_);
+    if (node_)
+        node_->getParentSceneNode()->removeAndDestroyChild(node_);
 }
 
 // OGRE updates every system with each frame that anything draws. Without any time to pass that would still
@@ -160,9 +162,15 @@ void Technique::loseWhatIsNowhere()
 
 void Technique::show()
 {
-    if (!shown_)
+    if (shown_)
+        return;
+    shown_ = true; // also when it gets in by half
+    try {
         node_->attachObject(system_);
-    shown_ = true;
+    } catch (...) {
+        hide();
+        throw;
+    }
 }
 
 void Technique::hide()

@@ -53,18 +53,20 @@ public:
     void applyAttributes();
 
 private:
+    explicit Technique(Ogre::SceneManager& manager) : manager_(manager) { }
+
     void standStill();
     void loseWhatIsNowhere();
     void limitParticles(std::size_t quota);
     void limitVelocity(float limit);
 
     Ogre::SceneManager& manager_;
-    Ogre::ParticleSystem* system_;
-    Ogre::SceneNode* node_;
+    Ogre::ParticleSystem* system_ = nullptr;
+    Ogre::SceneNode* node_ = nullptr;
     std::vector<std::optional<EmitterAttributes>> emitters_; ///< empty for a type that is not this layer's
     MaxVelocityAffector* speedLimit_ = nullptr;              ///< made when it is first needed
     QuotaAffector* quotaLimit_ = nullptr;                    ///< the same
-    float iterationInterval_;
+    float iterationInterval_ = 0;
     bool shown_ = false;
     bool begun_ = false; ///< time has passed
     Settings template_;  ///< without any attribute

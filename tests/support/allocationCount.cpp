@@ -19,6 +19,7 @@ std::atomic<std::size_t> allocations{0};
 // Which allocation is to fail: 0 for none.
 std::atomic<long> untilFailure{0};
 std::atomic<std::thread::id> spared;
+bool renderingLibraryFails = false;
 
 struct Module {
     enum class Kind { program, renderingLibrary, standardLibrary };
@@ -64,8 +65,9 @@ namespace test {
 
 std::size_t allocationCount() { return allocations.load(); }
 
-void failAllocation(long number)
+void failAllocation(long number, bool inRenderingLibrary)
 {
+    renderingLibraryFails = inRenderingLibrary;
     moduleCount = 0;
     void* first[1];
     backtrace(first, 1); // which loads a library
@@ -92,7 +94,7 @@ bool isCounted(const void* caller)
 {
     const Module* module = moduleOf(caller);
     if (!module || module->kind != Module::Kind::standardLibrary)
-        return module;
+        return module && (module->kind == Module::Kind::program || renderingLibraryFails);
     std::array<void*, 24> frames;
     const auto end = frames.begin() + backtrace(frames.data(), int(frames.size()));
     auto frame = std::find(frames.begin(), end, caller);
