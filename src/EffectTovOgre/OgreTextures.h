@@ -3,13 +3,34 @@
 
 #include "core/Types.h"
 
+#include <OgreRenderSystem.h>
+#include <OgreRenderTarget.h>
+#include <OgreRoot.h>
 #include <OgreTextureManager.h>
+
+#include <string>
+#include <vector>
 
 struct TextureSize {
     u32 width;
     u32 height;
     u32 depth = 1;
 };
+
+/// Takes the render targets of a texture without memory of its own out of OGRE's list. A target that did not
+/// get into all of the list outlives its buffer, and OGRE's end would destroy it through that: it is given up
+/// instead.
+inline void detachTargetsOf(const std::string& textureName)
+{
+    Ogre::RenderSystem& system = *Ogre::Root::getSingleton().getRenderSystem();
+    std::vector<std::string> names;
+    for (auto targets = system.getRenderTargetIterator(); targets.hasMoreElements();)
+        if (const std::string& name = targets.getNext()->getName();
+            name.starts_with("rtt/") && name.ends_with("/" + textureName))
+            names.push_back(name);
+    for (const std::string& name : names)
+        system.detachRenderTarget(name);
+}
 
 /// A texture without mipmaps. When it cannot be made nothing is left under its name, which the next attempt
 /// would find taken. Throws what OGRE throws.
@@ -23,6 +44,7 @@ inline Ogre::TexturePtr makeTexture(const std::string& name, Ogre::TextureType t
     } catch (...) {
         if (const auto half = textures.getByName(name, Ogre::RGN_DEFAULT))
             textures.remove(half);
+        detachTargetsOf(name);
         throw;
     }
 }
@@ -39,6 +61,8 @@ inline void resizeTexture(Ogre::Texture& texture, TextureSize size, Ogre::PixelF
     try {
         texture.createInternalResources();
     } catch (...) {
+        texture.freeInternalResources();
+        detachTargetsOf(texture.getName());
         texture.setWidth(0);
         throw;
     }
