@@ -102,24 +102,42 @@ CEffectImage* EffectGraph::imageFor(const std::string& input) const
     return std::ranges::find(nodes_, input, [](const Running& r) { return r.node->id; })->output;
 }
 
+namespace {
+
+double secondsOf(const GraphNode& node, const FrameTime& time)
+{
+    return node.window ? std::clamp(time.seconds - node.window->start, 0.0, node.window->duration)
+                       : time.seconds;
+}
+
+} // namespace
+
 // A time that the description sets itself is left alone.
 void EffectGraph::setTimes(Running& running, const FrameTime& time)
 {
     const GraphNode& node = *running.node;
-    double seconds = time.seconds;
-    double total = time.total;
-    if (node.window) {
-        seconds = std::clamp(time.seconds - node.window->start, 0.0, node.window->duration);
-        total = node.window->duration;
-    }
     const auto set = [&](const char* name, double value) {
         const auto named = [&](const ParameterTrack& t) { return std::string_view(t.info().name) == name; };
         if (std::ranges::none_of(node.parameters, named))
             running.filter.set(name, float(value));
     };
     set(kEffectFrameRate, time.frameRate);
-    set(kEffectTotalTime, total);
-    set(kEffectCurrentTime, seconds);
+    set(kEffectTotalTime, node.window ? node.window->duration : time.total);
+    set(kEffectCurrentTime, secondsOf(node, time));
+}
+
+// Particle scenes simulate what has passed before their first frame, and so many frames at a time alone.
+void EffectGraph::approach(Running& running, const FrameTime& time)
+{
+    constexpr double kFrames = 2500; // well below what one request goes through, with what scenes begin with
+    const double wanted = secondsOf(*running.node, time) * time.frameRate;
+    for (double frame = kFrames; frame < wanted; frame += kFrames) {
+        FrameTime before = time;
+        before.seconds = time.seconds - (wanted - frame) / time.frameRate;
+        setTimes(running, before);
+        running.filter.run();
+    }
+    setTimes(running, time);
 }
 
 CEffectImage* EffectGraph::run(const FrameTime& time, std::vector<std::string>* unchanged)
@@ -140,14 +158,14 @@ CEffectImage* EffectGraph::run(const FrameTime& time, std::vector<std::string>* 
                     "there is no picture for its input " + running.node->inputs[i]);
             SetInputImage(running.filter.handle(), image, i);
         }
-        if (evaluate(running, unchanged != nullptr) == Change::none && unchanged)
+        if (evaluate(running, time, unchanged != nullptr) == Change::none && unchanged)
             unchanged->push_back(running.node->id);
     }
     return nodes_.back().output;
 }
 
 /// Effects may write to their inputs, so these are asked before.
-EffectGraph::Change EffectGraph::evaluate(Running& running, bool compare)
+EffectGraph::Change EffectGraph::evaluate(Running& running, const FrameTime& time, bool compare)
 {
     std::vector<CEffectImage*> inputs;
     for (const std::string& input : running.node->inputs)
@@ -157,6 +175,8 @@ EffectGraph::Change EffectGraph::evaluate(Running& running, bool compare)
         std::ranges::copy(bytesOf(inputs[0]), std::back_inserter(before));
     const bool opaque = running.node->effect->alpha == KEXSDK::Alpha::loose && areOpaque(inputs);
     try {
+        if (!running.output && running.node->effect->needsGpu)
+            approach(running, time);
         running.output = running.filter.run();
     } catch (const Failure& failure) {
         fail(GraphFault::effectFailed, *running.node, failure.what());

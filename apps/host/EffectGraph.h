@@ -48,7 +48,8 @@ private:
     enum class Change { none, some };
 
     Running make(const GraphNode& node) const;
-    Change evaluate(Running& running, bool compare);
+    Change evaluate(Running& running, const FrameTime& time, bool compare);
+    void approach(Running& running, const FrameTime& time);
     void setTimes(Running& running, const FrameTime& time);
     CEffectImage* imageFor(const std::string& input) const;
 

@@ -4,6 +4,7 @@
 #include "effects/shader/ShaderDescriptor.h"
 #include "effects/shader/descriptorFiles.h"
 #include "engine/effectList.h"
+#include "host/EffectGraph.h"
 #include "host/Host.h"
 #include "support/TemporaryDirectory.h"
 
@@ -331,6 +332,25 @@ TEST_F(ShaderPack, TheTriangleBlurSpreadsAPointEvenly)
     for (std::size_t i = 0; i < blurred.size(); i += 4)
         sum += blurred[i];
     EXPECT_NEAR(sum, 9 * 255, 9 * 25);
+}
+
+// A chunk from late in a long clip begins there at once.
+TEST_F(ShaderPack, AGraphThatBeginsLateShowsAParticleSceneAsItIsThen)
+{
+    host::GraphDescription description;
+    description.append("particles-sparks");
+    description.finish();
+    const auto showAt = [&](std::initializer_list<double> times) {
+        host::EffectGraph graph(description, kWidth, kHeight);
+        graph.setSource(*first);
+        Bytes shown;
+        for (const double seconds : times) {
+            const auto bytes = host::bytesOf(graph.run({.seconds = seconds, .total = 1000}));
+            shown.assign(bytes.begin(), bytes.end());
+        }
+        return shown;
+    };
+    EXPECT_TRUE(showAt({450}) == showAt({90, 180, 270, 360, 450}));
 }
 
 } // namespace
