@@ -97,7 +97,9 @@ Leftover::Place* Leftover::take()
 Leftover::Leftover(const std::filesystem::path& file) : place_(nullptr)
 {
     const std::string& path = file.native();
-    if (path.size() >= sizeof Place::path || !(place_ = take()))
+    if (path.size() < sizeof Place::path)
+        place_ = take();
+    if (!place_)
         return;
     place_->process = getpid();
     *std::ranges::copy(path, place_->path).out = '\0';

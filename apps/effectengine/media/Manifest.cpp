@@ -57,7 +57,7 @@ std::optional<RenderedFrame> frameOf(const Json::Value& value)
 
 } // namespace
 
-Manifest::Manifest(fs::path file, Json::Value settings)
+Manifest::Manifest(fs::path file, const Json::Value& settings)
     : file_(std::move(file)),
       journalFile_(file_.string() + ".partial")
 {

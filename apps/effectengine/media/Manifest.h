@@ -25,7 +25,7 @@ struct RenderedFrame {
 class Manifest {
 public:
     /// @param settings  everything that the pixels depend on
-    Manifest(std::filesystem::path file, Json::Value settings);
+    Manifest(std::filesystem::path file, const Json::Value& settings);
 
     /// Takes over what an earlier run noted. Throws ToolError when it ran with other settings, or when its
     /// notes cannot be read.
