@@ -43,7 +43,8 @@ template <class Get> std::string report(GLint length, Get get)
 {
     std::string text(std::size_t(std::max(length, 1)), '\0');
     get(GLsizei(text.size()), text.data());
-    text = oneLine(text.c_str());
+    text.erase(std::min(text.find('\0'), text.size()));
+    text = oneLine(std::move(text));
     return text.empty() ? "failed" : text;
 }
 

@@ -410,16 +410,15 @@ void TovOgreEffectBase::stepFrames()
 {
     const u32 now = currentFrame_;
     const u32 before = previousFrame_;
-    if (pictureOnly_ || !hasParticles()) {
-        renderFrame();
-    } else if (now < before) {
+    const bool moves = !pictureOnly_ && hasParticles();
+    if (moves && now < before) {
         sceneCreated_ = false; // until the new one is complete
         restartScene();
         createScene();
         sceneCreated_ = true;
         random_.reset();
         drawThroughFrames(0, now);
-    } else if (now - before >= 2) {
+    } else if (moves && now - before >= 2) {
         drawThroughFrames(before + 1, now);
     } else {
         renderFrame();

@@ -153,7 +153,7 @@ void render(
         || (options.alpha == AlphaChoice::automatic && clip.mayBeTransparent());
     Json::Value settings = settingsOf(options, description, size, range, count, *sessionOptions.seed);
     settings["alpha"] = alpha;
-    Manifest manifest(manifestFile(options, directory, range), std::move(settings));
+    Manifest manifest(manifestFile(options, directory, range), settings);
     if (options.resume)
         manifest.load();
     std::set<long long> missing = missingFrames(manifest, directory, range);
