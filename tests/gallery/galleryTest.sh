@@ -59,14 +59,18 @@ expect 0 '' "$tool" gallery two photo.png -e hue-shift
 expect 0 '' "$tool" gallery upright '<b>&".png' -e hue-shift
 grep -q '<title>Effects on &lt;b&gt;&amp;&quot;.png</title>' upright/index.html || fail "the title: $(grep title upright/index.html)"
 
-# Ctrl-C leaves nothing.
+# Ctrl-C leaves nothing to be seen. What a process that had to be ended by force left, the next one removes.
 setsid env --default-signal=INT "$tool" gallery stopped photo.png -j 2 2>err.txt &
 job=$!
 sleep 1
 kill -INT -- "-$job"
 wait "$job"
 [ $? -gt 128 ] || fail "not ended by SIGINT"
-[ ! -e stopped ] || fail "an interrupted gallery stays: $(ls -A stopped)"
+[ ! -e stopped ] || [ -z "$(ls stopped)" ] || fail "an interrupted gallery stays: $(ls stopped)"
+sleep 1 # its workers end as well
+mkdir -p stopped/.effectengine-99999999/pages
+expect 0 '' "$tool" gallery stopped two.bmp -e hue-shift
+[ -e stopped/index.html ] && [ -z "$(ls -A stopped | grep effectengine-)" ] || fail "leftovers: $(ls -A stopped)"
 
 [ "$failures" -eq 0 ] && echo "all of the gallery's promises hold"
 exit "$((failures > 0))"
