@@ -10,7 +10,6 @@ namespace {
 
 using pixels::Bgra;
 using pixels::ConstView;
-using pixels::Extent;
 using pixels::View;
 namespace rows = pixels::rows;
 

@@ -57,8 +57,8 @@ private:
 
 // Eight columns at once. GCC makes of these whatever registers there are.
 constexpr int kLanes = 8;
-using Lanes = u32 [[gnu::vector_size(4 * kLanes)]];
-using SignedLanes = i32 [[gnu::vector_size(4 * kLanes)]];
+using Lanes [[gnu::vector_size(4 * kLanes)]] = u32;
+using SignedLanes [[gnu::vector_size(4 * kLanes)]] = i32;
 constexpr SignedLanes kLaneNumbers{0, 1, 2, 3, 4, 5, 6, 7};
 
 constexpr int scaled(int distance, int scale) { return distance * scale >> 8; }
