@@ -5,7 +5,6 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,7 +13,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <span>
@@ -98,12 +96,13 @@ PictureSize upright(PictureSize stored, int orientation)
     return host::turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
 }
 
-// None when it cannot be read.
+// None when it cannot be read, or is larger than any file that carries metadata is decoded from.
 std::vector<u8> contentsOf(const fs::path& file)
 {
+    constexpr std::uintmax_t kLargest = 1 << 30;
     std::error_code error;
     const auto size = fs::file_size(file, error);
-    if (error)
+    if (error || size > kLargest)
         return {};
     std::vector<u8> bytes(size);
     std::ifstream stream(file, std::ios::binary);

@@ -15,6 +15,22 @@ namespace test {
 
 using Bgra = std::array<unsigned char, 4>;
 
+/// A script with the material "sprite", which particles of scenes are drawn with.
+inline constexpr const char* kSpriteMaterial = R"(
+material sprite
+{
+    technique
+    {
+        pass
+        {
+            lighting off
+            depth_write off
+            scene_blend alpha_blend
+        }
+    }
+}
+)";
+
 /// Write the files, call start(), take filters by the number of their descriptors.
 class ShaderEngine : public testing::Test {
 protected:

@@ -7,21 +7,6 @@
 
 namespace {
 
-constexpr const char* kMaterial = R"(
-material sprite
-{
-    technique
-    {
-        pass
-        {
-            lighting off
-            depth_write off
-            scene_blend alpha_blend
-        }
-    }
-}
-)";
-
 /// A particle system of one emitter.
 std::string system(const std::string& name, const std::string& emitter, const std::string& parameters,
     const std::string& settings = "quota 500\nparticle_width 1.5\nparticle_height 1.5\n")
@@ -36,7 +21,7 @@ protected:
     static constexpr int kHeight = 64;
     using Picture = std::vector<unsigned char>;
 
-    void SetUp() override { files.write("Particles/sprite.material", kMaterial); }
+    void SetUp() override { files.write("Particles/sprite.material", test::kSpriteMaterial); }
 
     /// The descriptor of that number shows the template "t" + number.
     void scene(int number, const std::string& emitter, const std::string& parameters)

@@ -24,21 +24,6 @@ TEST(AttributePath, SelectsByLettersWithTwoDigits)
         EXPECT_EQ(parseAttributePath(malformed), AttributePath{}) << malformed;
 }
 
-constexpr const char* kMaterial = R"(
-material sprite
-{
-    technique
-    {
-        pass
-        {
-            lighting off
-            depth_write off
-            scene_blend alpha_blend
-        }
-    }
-}
-)";
-
 constexpr const char* kTemplates = R"(
 particle_system plain
 {
@@ -153,7 +138,7 @@ protected:
 
     void SetUp() override
     {
-        files.write("Particles/sprite.material", kMaterial);
+        files.write("Particles/sprite.material", test::kSpriteMaterial);
         files.write("Particles/templates.particle", std::string(kTemplates) + kFlood);
         describe(0, R"("PU": "plain")");
         describe(1, R"("PU": "still")");

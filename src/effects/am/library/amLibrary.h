@@ -8,7 +8,7 @@ namespace KEXSDK {
 
 /// Makes a block with the defaults of an id of 1..97, 1025..1043 or 2049..2206, whether or not an effect
 /// stands behind it. The first call of the process seeds the calling thread's random generator with the
-/// current second and fills amRandomBytes; it must not race with another.
+/// current second and fills amRandomBytes; others wait for it.
 /// @return kAmOk, kAmOutOfRange, or kAmUnknown for a null pointer or without memory
 i32 AmCreateParams(AmEffectParams** out, i32 id);
 
