@@ -8,6 +8,9 @@
 
 namespace pixels {
 
+/// The engine's pictures have sides of 1 to this many pixels.
+inline constexpr int kLargestSide = 4096;
+
 struct Extent {
     int width;
     int height;

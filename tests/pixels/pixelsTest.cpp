@@ -1,14 +1,19 @@
 // Numbers, tables and row loops that every effect stands on.
+#include "pixels/Buffer.h"
 #include "pixels/ByteTables.h"
 #include "pixels/QuadraticCurve.h"
 #include "pixels/Random.h"
+#include "pixels/Scratch.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
+#include <new>
 #include <numeric>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -131,6 +136,51 @@ TEST(Rows, EveryRowIsVisitedOnceHoweverManyThereAre)
             [](int& left, int right) { left += right; });
         EXPECT_EQ(sum, size.height * (size.height - 1) / 2);
     }
+}
+
+TEST(Scratch, GrowsWithoutMovingAndIsUsedAgain)
+{
+    std::thread([] { // a thread without scratch memory as yet
+        const auto fill = [](const Scratch<int>& values, int value) { std::ranges::fill(values, value); };
+        const auto holds = [](const Scratch<int>& values, int value) {
+            return std::ranges::count(values, value) == std::ptrdiff_t(values.size());
+        };
+        const void* first = nullptr;
+        for (int round = 0; round < 2; ++round) {
+            const Scratch<int> small(1000);
+            fill(small, 1);
+            const Scratch<int> large(1'000'000);
+            fill(large, 2);
+            {
+                const Scratch<int> inner(3'000'000);
+                fill(inner, 3);
+            }
+            const Scratch<int> last(2'000'000);
+            fill(last, 4);
+            EXPECT_TRUE(holds(small, 1) && holds(large, 2) && holds(last, 4));
+            EXPECT_EQ(std::size_t(large.data()) % 64, 0u);
+            if (round == 0)
+                first = small.data();
+            EXPECT_EQ(small.data(), first);
+        }
+        const Scratch<u8> none(0);
+        EXPECT_EQ(none.begin(), none.end());
+    })
+        .join();
+}
+
+TEST(Scratch, WithoutMemoryThrowsAndLeavesWhatIsHeld)
+{
+    std::thread([] {
+        const Scratch<u8> held(100);
+        std::ranges::fill(held, u8(7));
+        limitBuffers(1 << 20);
+        EXPECT_THROW(Scratch<u8>(std::size_t(2) << 20), std::bad_alloc);
+        limitBuffers(std::numeric_limits<std::size_t>::max());
+        const Scratch<u8> after(std::size_t(2) << 20);
+        std::ranges::fill(after, u8(9));
+        EXPECT_EQ(std::ranges::count(held, u8(7)), 100);
+    }).join();
 }
 
 TEST(ByteTables, VectorAndPlainLookUpsAgreeAndKeepAlpha)
