@@ -109,7 +109,8 @@ void describe(const DescribeOptions& options)
         return;
     }
     printFacts(effect);
-    std::printf("%-20s %-9s %-8s %-12s %s\n", "parameter", "type", "default", "advised", "meaning");
+    std::printf(
+        "%-20s %-20s %-9s %-8s %-12s %s\n", "parameter", "title", "type", "default", "advised", "meaning");
     for (const KEXSDK::ParamInfo* param : describeParameters(effect.guid)) {
         char range[48] = "";
         if (param->low < param->high)
@@ -119,8 +120,8 @@ void describe(const DescribeOptions& options)
             meaning += std::string(" (") + param->unit + ")";
         if (*param->choices)
             meaning += std::string(": ") + param->choices;
-        std::printf("%-20s %-9s %-8s %-12s %s\n", param->name, host::typeName(param->type),
-            valueText(*param).c_str(), range, meaning.c_str());
+        std::printf("%-20s %-20s %-9s %-8s %-12s %s\n", param->name, titleOf(*param).c_str(),
+            host::typeName(param->type), valueText(*param).c_str(), range, meaning.c_str());
     }
 }
 

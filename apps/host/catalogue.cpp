@@ -46,6 +46,7 @@ Json::Value parameterEntry(const ParamInfo& param)
 {
     Json::Value json;
     json["name"] = param.name;
+    json["title"] = titleOf(param);
     json["type"] = typeName(param.type);
     json["help"] = param.help;
     json["unit"] = param.unit;

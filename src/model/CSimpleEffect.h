@@ -9,9 +9,12 @@
 namespace KEXSDK {
 
 // Parameters that every node carries, or that animated effects read.
-inline constexpr Param<int> kEnable{"kex_effect_enable", 1, {0, 1}, "0 passes input 0 through"};
-inline constexpr Param<float> kGlobalTime{"u_global_time", 0.0f, {0, 3600}, "time within the effect"};
-inline constexpr Param<float> kTotalTime{"u_total_time", 5.0f, {0, 3600}, "duration of the effect"};
+inline constexpr auto kEnable =
+    Param<int>{"kex_effect_enable", 1, {0, 1}, "0 passes input 0 through"}.titled("Enabled");
+inline constexpr auto kGlobalTime =
+    Param<float>{"u_global_time", 0.0f, {0, 3600}, "time within the effect"}.titled("Time");
+inline constexpr auto kTotalTime =
+    Param<float>{"u_total_time", 5.0f, {0, 3600}, "duration of the effect"}.titled("Duration");
 
 /// Every effect is such a node. It never owns its inputs or the nodes it is connected to; they must
 /// outlive its evaluations. One thread evaluates a graph at a time.

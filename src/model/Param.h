@@ -6,6 +6,7 @@
 
 #include <array>
 #include <optional>
+#include <string>
 #include <type_traits>
 
 namespace KEXSDK {
@@ -36,22 +37,38 @@ struct ParamInfo {
     /// For an undeclared number whose absence acts: what a host stores unless its user says otherwise, so
     /// that the effect leaves the picture alone.
     std::optional<double> hostDefault{};
+    const char* title = ""; ///< for people; empty where the words of the name say it (titleOf)
+};
+
+/// What people read: the title, or the words of the name, each with a capital; "Vignette Amount" for
+/// "u_vignette_amount", "Block Size" for "BlockSize".
+std::string titleOf(const ParamInfo& info);
+
+/// What the kinds of declared parameters share.
+template <class Self> struct DeclaredParam : ParamInfo {
+    constexpr Self titled(const char* text) const
+    {
+        Self copy = static_cast<const Self&>(*this);
+        copy.title = text;
+        return copy;
+    }
 };
 
 /// A number. `get(param)` on the node answers the stored value, or `fallback` when the name is missing or
 /// holds another type.
-template <class T> struct Param : ParamInfo {
+template <class T> struct Param : DeclaredParam<Param<T>> {
     static_assert(std::is_same_v<T, int> || std::is_same_v<T, float>);
     T fallback{};
 
     constexpr Param(const char* paramName, T initial, Range<T> advised, const char* text)
-        : ParamInfo{paramName, std::is_same_v<T, int> ? ParamType::integer : ParamType::real, text}
+        : DeclaredParam<Param>{
+            {paramName, std::is_same_v<T, int> ? ParamType::integer : ParamType::real, text}}
     {
-        low = double(advised.low);
-        high = double(advised.high);
-        value[0] = double(initial);
+        this->low = double(advised.low);
+        this->high = double(advised.high);
+        this->value[0] = double(initial);
     }
-    constexpr T initial() const { return T(value[0]); }
+    constexpr T initial() const { return T(this->value[0]); }
 
     constexpr Param in(const char* unitName) const
     {
@@ -85,24 +102,24 @@ private:
 };
 
 /// An array that the host sets; effects check its length when they read it.
-template <class T> struct ArrayParam : ParamInfo {
-    constexpr ArrayParam(const char* paramName, std::array<double, kMaxElements> example, u32 count,
-        Range<T> advised, const char* text, const char* unitName = "")
-        : ParamInfo{paramName, std::is_same_v<T, int> ? ParamType::integerArray : ParamType::realArray, text,
-            unitName}
+template <class T> struct ArrayParam : DeclaredParam<ArrayParam<T>> {
+    constexpr ArrayParam(const char* paramName, std::array<double, ParamInfo::kMaxElements> example,
+        u32 count, Range<T> advised, const char* text, const char* unitName = "")
+        : DeclaredParam<ArrayParam>{{paramName,
+            std::is_same_v<T, int> ? ParamType::integerArray : ParamType::realArray, text, unitName}}
     {
-        low = double(advised.low);
-        high = double(advised.high);
-        elements = count;
-        declared = false;
-        value = example;
+        this->low = double(advised.low);
+        this->high = double(advised.high);
+        this->elements = count;
+        this->declared = false;
+        this->value = example;
     }
 };
 
 /// A file that the host names.
-struct PathParam : ParamInfo {
+struct PathParam : DeclaredParam<PathParam> {
     constexpr PathParam(const char* paramName, const char* text)
-        : ParamInfo{paramName, ParamType::filePath, text}
+        : DeclaredParam<PathParam>{{paramName, ParamType::filePath, text}}
     {
         declared = false;
     }

@@ -28,7 +28,7 @@ inline const char* faultOf(const shader::ShaderDescriptor& descriptor)
         if (!(param.low <= param.high))
             return "a range the wrong way round";
         std::size_t texts = 0;
-        for (const char* text : {param.help, param.unit, param.choices})
+        for (const char* text : {param.help, param.unit, param.choices, param.title})
             texts += std::strlen(text);
         if (texts > (1u << 21))
             return "texts longer than any file";

@@ -101,10 +101,12 @@ def check(browser, page, shots):
     if shots:
         browser.screenshot(shots / "cards.png")
 
-    # Search looks at names, summaries, GUIDs and parameters, and wants every word.
+    # Search looks at names, titles, summaries, GUIDs and parameters, and wants every word.
     browser.type("#search", "HUE angle")
     assert visible(browser) == ["hue-shift"], visible(browser)
     assert browser.run("return document.getElementById('count').textContent") == "1 effect"
+    browser.run("const s = document.getElementById('search'); s.value = 'Vibrance'; s.dispatchEvent(new Event('input'))")
+    assert visible(browser) == ["light-room"], visible(browser)
     browser.run("const s = document.getElementById('search'); s.value = 'no such'; s.dispatchEvent(new Event('input'))")
     assert visible(browser) == []
     browser.run("const s = document.getElementById('search'); s.value = ''; s.dispatchEvent(new Event('input'))")

@@ -93,7 +93,7 @@ TEST(Descriptor, TellsWhatAnEffectNeedsAndReads)
         "HISTORY": 2, "ALPHA": "computed", "RANDOM": true,
         "PARAMS": [
             {"name": "Strength", "type": "float", "default": 0.5, "range": [0, 2], "help": "how much",
-             "unit": "percent"},
+             "unit": "percent", "title": "Share"},
             {"name": "Mode", "type": "integer", "default": 1, "choices": ["off", "mix"]},
             {"name": "Tint", "type": "floats", "default": [1, 0.5, 0.25]},
             {"name": "Free", "type": "integers", "count": 2}
@@ -113,8 +113,9 @@ TEST(Descriptor, TellsWhatAnEffectNeedsAndReads)
 
     ASSERT_EQ(descriptor->params.size(), 4u);
     const ParamInfo& strength = descriptor->params[0];
-    EXPECT_EQ(
-        std::string(strength.name) + "/" + strength.help + "/" + strength.unit, "Strength/how much/percent");
+    EXPECT_EQ(std::string(strength.name) + "/" + strength.help + "/" + strength.unit + "/" + strength.title,
+        "Strength/how much/percent/Share");
+    EXPECT_STREQ(descriptor->params[1].title, "");
     EXPECT_TRUE(strength.declared);
     EXPECT_EQ(strength.value[0], 0.5);
     EXPECT_EQ(strength.high, 2);
@@ -131,7 +132,7 @@ TEST(Descriptor, AMemberOfTheWrongTypeCountsAsAbsent)
     const auto descriptor = shader::parseDescriptor(R"({
         "SHADER": 5, "INPUTS": "2", "PU": [], "TEXTURES": "paper.png", "PARAMS": [
             {"name": "A", "type": "float", "default": "0.5", "range": [2, 1]},
-            {"name": "B", "type": "integer", "default": 1.5},
+            {"name": "B", "type": "integer", "default": 1.5, "title": 7},
             {"name": "C", "type": "matrix"}, {"name": 4, "type": "float"}, {"name": "u_offset", "type": "floats"},
             {"name": "A", "type": "integer"}]})");
     ASSERT_TRUE(descriptor);
@@ -142,6 +143,7 @@ TEST(Descriptor, AMemberOfTheWrongTypeCountsAsAbsent)
     EXPECT_EQ(descriptor->params[0].type, ParamType::real);
     EXPECT_FALSE(descriptor->params[0].declared);
     EXPECT_FALSE(descriptor->params[1].declared);
+    EXPECT_STREQ(descriptor->params[1].title, "");
     for (const char* inputs : {"-1", "17", "1e9", "null", "{}", "1.5"})
         EXPECT_EQ(shader::parseDescriptor(std::string("{\"INPUTS\":") + inputs + "}")->inputs, 1u) << inputs;
     for (const char* lead : {"-1", "61", "1e300", "\"5\"", "null", "[3]"})
@@ -152,13 +154,14 @@ TEST(Descriptor, TextsWithControlCharactersCountAsAbsent)
 {
     const auto descriptor = shader::parseDescriptor(
         R"({"SHADER": "x.frag\n2026 ERROR", "PU": "a\u0000b", "TITLE": "\u001b[31mred", "SUMMARY": "grün",
-            "PARAMS": [{"name": "a", "type": "float", "default": 1, "help": "two\nlines", "unit": "mm"}]})");
+            "PARAMS": [{"name": "a", "type": "float", "default": 1, "help": "two\nlines", "unit": "mm", "title": "a\tb"}]})");
     ASSERT_TRUE(descriptor);
     EXPECT_EQ(descriptor->shader, "");
     EXPECT_EQ(descriptor->particleTemplate, "");
     EXPECT_EQ(descriptor->facts.title, "");
     EXPECT_EQ(descriptor->facts.summary, "grün");
     EXPECT_STREQ(descriptor->params.at(0).help, "");
+    EXPECT_STREQ(descriptor->params.at(0).title, "");
     EXPECT_STREQ(descriptor->params.at(0).unit, "mm");
 }
 

@@ -27,8 +27,8 @@ check "the guide has a program" test -s res/Shader/tint.frag
 "$tool" --resources res list --search Tint >out.txt
 check "it is listed" grep -q '^tint  *colour ' out.txt
 "$tool" --resources res describe tint >out.txt
-check "defaults of numbers" grep -q '^Strength  *float  *0.5 ' out.txt
-check "defaults of arrays" grep -q '^colour  *floats  *1,0.5,0 ' out.txt
+check "defaults of numbers" grep -q '^Strength  *Strength  *float  *0.5 ' out.txt
+check "defaults of arrays" grep -q '^colour  *Tint Colour  *floats  *1,0.5,0 ' out.txt
 check "choices" grep -q '0 mix, 1 multiply' out.txt
 check "without resources there are only the library's own" "$tool" list
 

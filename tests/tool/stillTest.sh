@@ -66,7 +66,7 @@ grep -q '"u_temperature" : 11500' plain.json || fail "the preset leaves the whit
 "$tool" apply light-room -p u_temperature=0 in.png still.bmp
 cmp -s still.bmp in.bmp && fail "a white balance of 0 is a value as well"
 expect 0 '' "$tool" describe light-room
-grep -Eq '^u_temperature +integer +11500 ' out.txt || fail "describe: $(grep u_temp out.txt)"
+grep -Eq '^u_temperature +Temperature +integer +11500 ' out.txt || fail "describe: $(grep u_temp out.txt)"
 expect 0 '' "$tool" describe --json light-room
 grep -q '"hostDefault" : 11500' out.txt || fail "the catalogue: $(cat out.txt)"
 

@@ -83,12 +83,12 @@ std::string parameterTable(const Json::Value& effect)
         if (initial.empty())
             initial =
                 "to be set" + (parameter.isMember("example") ? ", say " + numbers(parameter["example"]) : "");
-        rows += "<tr><td><code>" + text(parameter["name"]) + "</code></td><td>" + text(parameter["type"])
-            + "</td><td>" + initial + "</td><td>" + advised + "</td><td>" + meaning + "</td></tr>\n";
+        rows += "<tr><td>" + text(parameter["title"]) + "</td><td><code>" + text(parameter["name"])
+            + "</code></td><td>" + text(parameter["type"]) + "</td><td>" + initial + "</td><td>" + advised
+            + "</td><td>" + meaning + "</td></tr>\n";
     }
-    return "<table>\n<thead><tr><th>Name</th><th>Type</th><th>Default</th><th>Advised</th><th>Meaning</th></"
-           "tr>"
-           "</thead>\n<tbody>\n"
+    return "<table>\n<thead><tr><th>Title</th><th>Name</th><th>Type</th><th>Default</th>"
+           "<th>Advised</th><th>Meaning</th></tr></thead>\n<tbody>\n"
         + rows + "</tbody>\n</table>\n";
 }
 

@@ -69,7 +69,7 @@ function card(effect) {
   const item = make("li", {}, link);
   effect.item = item;
   effect.words = [effect.name, effect.title, effect.summary, effect.guid, effect.family,
-    ...ownParameters(effect).map(parameter => parameter.name)].join("\n").toLowerCase();
+    ...ownParameters(effect).flatMap(parameter => [parameter.title, parameter.name])].join("\n").toLowerCase();
   return item;
 }
 
@@ -215,8 +215,11 @@ function detail(effect) {
   body.append(make("div", {class: "top"},
     make("figure", {class: "stage"}, picture, buttons),
     make("div", {}, make("p", {}, effect.summary), facts(effect), text)));
-  for (const parameter of ownParameters(effect))
-    body.append(make("h3", {}, parameter.name), make("p", {}, describe(effect, parameter)), sweep(parameter));
+  for (const parameter of ownParameters(effect)) {
+    const name = parameter.name === parameter.title ? [] : [" ", make("code", {}, parameter.name)];
+    body.append(make("h3", {}, parameter.title, ...name), make("p", {}, describe(effect, parameter)),
+      sweep(parameter));
+  }
   const first = buttons.children[effect.pictures.loop && !still.matches ? 1 : 0];
   first?.click();
   return body;
@@ -225,13 +228,13 @@ function detail(effect) {
     const found = effect.pictures.sweeps.find(candidate => candidate.name === parameter.name);
     if (!found)
       return "";
-    const steps = make("div", {class: "steps", role: "group", "aria-label": parameter.name});
+    const steps = make("div", {class: "steps", role: "group", "aria-label": parameter.title});
     found.labels.forEach((label, i) => {
       const cells = found.labels.length;
       const button = make("button", {type: "button", "aria-pressed": "false"},
         strip(found.file, cells, i), label);
       button.addEventListener("click", () => show(
-        strip(found.file, cells, i, `${effect.title}, ${parameter.name} ${label}`), button,
+        strip(found.file, cells, i, `${effect.title}, ${parameter.title} ${label}`), button,
         {[parameter.name]: found.values[i]}));
       stepButtons.push(button);
       steps.append(button);

@@ -10,16 +10,21 @@ namespace KEXSDK {
 namespace {
 
 // The curve named R shapes the green byte and the one named G the blue byte; hosts know them that way.
-constexpr auto kR =
-    Param<int>{"R", 100, {1, 200}, "green level that the curve lifts to full scale"}.in("percent");
-constexpr auto kG =
-    Param<int>{"G", 100, {1, 200}, "blue level that the curve lifts to full scale"}.in("percent");
-constexpr auto kB =
-    Param<int>{"B", 50, {1, 200}, "red level that the curve lifts to full scale"}.in("percent");
-constexpr auto kIsLeft =
-    Param<int>{"IsLeft", 0, {0, 1}, "which half stays as it is"}.choosing("0 right, 1 left");
+constexpr auto kR = Param<int>{"R", 100, {1, 200}, "green level that the curve lifts to full scale"}
+                        .titled("Green Level")
+                        .in("percent");
+constexpr auto kG = Param<int>{"G", 100, {1, 200}, "blue level that the curve lifts to full scale"}
+                        .titled("Blue Level")
+                        .in("percent");
+constexpr auto kB = Param<int>{"B", 50, {1, 200}, "red level that the curve lifts to full scale"}
+                        .titled("Red Level")
+                        .in("percent");
+constexpr auto kIsLeft = Param<int>{"IsLeft", 0, {0, 1}, "which half stays as it is"}
+                             .titled("Kept Half")
+                             .choosing("0 right, 1 left");
 constexpr auto kIsSplit =
-    Param<int>{"IsSplit", 1, {0, 1}, "leave one half as it is, to compare"}.choosing("0 off, 1 on");
+    Param<int>{"IsSplit", 1, {0, 1}, "leave one half as it is, to compare"}.titled("Split").choosing(
+        "0 off, 1 on");
 
 pixels::ByteTable curveTable(int percent)
 {

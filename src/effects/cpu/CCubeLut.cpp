@@ -18,7 +18,8 @@
 namespace KEXSDK {
 namespace {
 
-constexpr PathParam kCubeLutFile{"CubeLutFile", "lookup table, a .cube or .3dl file"};
+constexpr auto kCubeLutFile =
+    PathParam{"CubeLutFile", "lookup table, a .cube or .3dl file"}.titled("Lookup Table");
 constexpr const char* kSetterTag = "CCubeLut::setParamVariant";
 
 class CCubeLut final : public CPureCEffect {

@@ -10,8 +10,8 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kX = Param<int>{"X", 50, {0, 100}, "centre, from the left"}.in("percent");
-constexpr auto kY = Param<int>{"Y", 50, {0, 100}, "centre, from the bottom"}.in("percent");
+constexpr auto kX = Param<int>{"X", 50, {0, 100}, "centre, from the left"}.titled("Centre X").in("percent");
+constexpr auto kY = Param<int>{"Y", 50, {0, 100}, "centre, from the bottom"}.titled("Centre Y").in("percent");
 constexpr Param<float> kRadius{"Radius", 1.0f, {0, 20}, "radius of the lens, in hundreds of pixels"};
 
 class CFishEye final : public CPureCEffect {

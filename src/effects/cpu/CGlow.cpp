@@ -7,7 +7,8 @@ namespace KEXSDK {
 namespace {
 
 constexpr auto kBlur =
-    Param<int>{"Blur", 10, {0, 100}, "reach of the glow, 100 for half of the longer side"}.in("percent");
+    Param<int>{"Blur", 10, {0, 100}, "reach of the glow, 100 for half of the longer side"}.titled("Reach").in(
+        "percent");
 
 // A vector lane has no room for the 64-bit product of a general division.
 constexpr u32 dividedBy255(u32 x) { return x * 0x8081u >> 23; }

@@ -9,13 +9,17 @@
 namespace KEXSDK {
 namespace {
 
-constexpr ArrayParam<float> kMouse{
-    "iMouse", {320, 240}, 2, {0, 4096}, "centre of the spot: column, row from the bottom", "pixels"};
-constexpr ArrayParam<float> kColor{"Color", {1, 0.9, 0.3}, 3, {0, 1}, "colour of the spot: red, green, blue"};
+constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, 4096},
+    "centre of the spot: column, row from the bottom", "pixels"}
+                            .titled("Centre");
+constexpr auto kColor =
+    ArrayParam<float>{"Color", {1, 0.9, 0.3}, 3, {0, 1}, "colour of the spot: red, green, blue"}.titled(
+        "Colour");
 constexpr auto kRadius =
     Param<float>{"Radius", 0.5f, {0, 2}, "size of the spot; 4 spans the picture's width"}.undeclared();
 constexpr auto kOpacity = Param<float>{"Opacity", 0.6f, {0, 1}, "strength of the spot"}.undeclared();
-constexpr auto kSpotEnable = Param<float>{"Enable", 1.0f, {0, 1}, "the spot is drawn above 0.5"}.undeclared();
+constexpr auto kSpotEnable =
+    Param<float>{"Enable", 1.0f, {0, 1}, "the spot is drawn above 0.5"}.titled("Show Spot").undeclared();
 constexpr auto kSoftness = Param<float>{"Softness", 0.0f, {0, 1}, "kept for hosts; no effect"}.undeclared();
 
 class CHightLight final : public CPureCEffect {

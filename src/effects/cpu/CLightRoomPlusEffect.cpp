@@ -17,11 +17,13 @@ namespace KEXSDK {
 namespace {
 
 constexpr auto kClarity = Param<float>{"clarity", 0, {-100, 100}, "local contrast"};
-constexpr auto kSharpen = Param<float>{"sharpen", 0, {0, 100}, "sharpness of edges"};
-constexpr auto kColorEnable =
-    Param<int>{"LightRoomColorEnable", 1, {0, 1}, "run the colour steps"}.choosing("0 off, 1 on");
-constexpr ArrayParam<float> kResolution{
-    "u_resolution", {640, 480}, 2, {1, 4096}, "size of the picture, for the vignette on the GPU", "pixels"};
+constexpr auto kSharpen = Param<float>{"sharpen", 0, {0, 100}, "sharpness of edges"}.titled("Sharpness");
+constexpr auto kColorEnable = Param<int>{"LightRoomColorEnable", 1, {0, 1}, "run the colour steps"}
+                                  .titled("Colour Steps")
+                                  .choosing("0 off, 1 on");
+constexpr auto kResolution = ArrayParam<float>{"u_resolution", {640, 480}, 2, {1, 4096},
+    "size of the picture, for the vignette on the GPU", "pixels"}
+                                 .titled("Picture Size");
 
 // The host adds these; a missing one counts as 0. Haze removal changes the input picture itself, so the
 // value that shows the effect is none.
@@ -29,9 +31,10 @@ constexpr auto kDehaze =
     Param<float>{"dehaze", 0, {0, 100}, "take haze off; the input itself changes"}.undeclared();
 constexpr auto kDistort =
     Param<float>{"distort", 10, {-100, 100}, "lens: above 0 the middle grows, below 0 the corners"}
+        .titled("Lens Distortion")
         .undeclared();
 constexpr auto kDiffuse =
-    Param<float>{"diffuse", 20, {-100, 100}, "glow; above 0 it softens too"}.undeclared();
+    Param<float>{"diffuse", 20, {-100, 100}, "glow; above 0 it softens too"}.titled("Diffusion").undeclared();
 constexpr auto kTemperature = Param<int>{"u_temperature", 14000, {0, 23000},
     "white balance: 11500 is neutral, less is cooler, more is warmer"}
                                   .storedByHosts(11500);
@@ -39,13 +42,17 @@ constexpr auto kTint = Param<float>{"u_tint", 5, {-100, 100}, "green below 0, ma
 constexpr auto kExposure = Param<float>{"u_exposure", 10, {-100, 100}, "exposure"}.undeclared();
 constexpr auto kBrightness = Param<float>{"u_brightness", 5, {-100, 100}, "brightness"}.undeclared();
 constexpr auto kContrast = Param<float>{"u_contrast", 10, {-100, 100}, "contrast"}.undeclared();
-constexpr auto kVibrance = Param<float>{"u_vib", 0, {-100, 100}, "vibrance, on the GPU only"}.undeclared();
+constexpr auto kVibrance =
+    Param<float>{"u_vib", 0, {-100, 100}, "vibrance, on the GPU only"}.titled("Vibrance").undeclared();
 constexpr auto kSaturation =
     Param<float>{"u_sat", 70, {-100, 100}, "saturation; colours grow paler up to 50 and deeper from there"}
+        .titled("Saturation")
         .undeclared();
-constexpr auto kHighLight =
-    Param<float>{"u_highLight", 0, {-100, 100}, "highlights, on the GPU only"}.undeclared();
-constexpr auto kShadow = Param<float>{"u_shadow", 0, {-100, 100}, "shadows, on the GPU only"}.undeclared();
+constexpr auto kHighLight = Param<float>{"u_highLight", 0, {-100, 100}, "highlights, on the GPU only"}
+                                .titled("Highlights")
+                                .undeclared();
+constexpr auto kShadow =
+    Param<float>{"u_shadow", 0, {-100, 100}, "shadows, on the GPU only"}.titled("Shadows").undeclared();
 constexpr auto kWhiteLevel =
     Param<float>{"u_whiteLevel", 0, {-100, 100}, "white level, on the GPU only"}.undeclared();
 constexpr auto kBlackLevel =

@@ -6,11 +6,14 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kRadius =
-    Param<int>{"Radius", 100, {4, 400}, "size of a drop, four times its radius"}.in("pixels");
-constexpr Param<int> kDensity{
-    "Desity", 2, {1, 10}, "a drop falls after 11 - n frames; from 10 on in every frame"};
-constexpr Param<int> kHeight{"Height", 321, {0, 2000}, "height that a drop adds to the water"};
+constexpr auto kRadius = Param<int>{"Radius", 100, {4, 400}, "size of a drop, four times its radius"}
+                             .titled("Drop Size")
+                             .in("pixels");
+constexpr auto kDensity =
+    Param<int>{"Desity", 2, {1, 10}, "a drop falls after 11 - n frames; from 10 on in every frame"}.titled(
+        "Density");
+constexpr auto kHeight =
+    Param<int>{"Height", 321, {0, 2000}, "height that a drop adds to the water"}.titled("Drop Height");
 
 constexpr int kDamping = 3;
 

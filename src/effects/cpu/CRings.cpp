@@ -11,18 +11,22 @@
 namespace KEXSDK {
 namespace {
 
-constexpr ArrayParam<float> kMouse{
-    "iMouse", {320, 240}, 2, {0, 4096}, "centre of the rings: column, row from the bottom", "pixels"};
-constexpr ArrayParam<float> kColor{
-    "Color", {1, 0.9, 0.3}, 3, {0, 1}, "colour of the rings: red, green, blue"};
+constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, 4096},
+    "centre of the rings: column, row from the bottom", "pixels"}
+                            .titled("Centre");
+constexpr auto kColor =
+    ArrayParam<float>{"Color", {1, 0.9, 0.3}, 3, {0, 1}, "colour of the rings: red, green, blue"}.titled(
+        "Colour");
 constexpr auto kRadius =
     Param<float>{"Radius", 15.0f, {0, 50}, "how far the rings spread; 30 for about the width"}.undeclared();
 constexpr auto kOpacity = Param<float>{"Opacity", 0.6f, {0, 1}, "strength of the rings"}.undeclared();
 constexpr auto kRingsEnable =
-    Param<float>{"Enable", 1.0f, {0, 1}, "pixels are touched above 0.5"}.undeclared();
-constexpr auto kClicked = Param<float>{"clicked", 1.0f, {0, 1}, "rings are drawn above 0.5"}.undeclared();
-constexpr auto kProcess =
-    Param<float>{"process", 0.5f, {0, 1}, "progress; nothing shows at either end"}.undeclared();
+    Param<float>{"Enable", 1.0f, {0, 1}, "pixels are touched above 0.5"}.titled("Drawing").undeclared();
+constexpr auto kClicked =
+    Param<float>{"clicked", 1.0f, {0, 1}, "rings are drawn above 0.5"}.titled("Show Rings").undeclared();
+constexpr auto kProcess = Param<float>{"process", 0.5f, {0, 1}, "progress; nothing shows at either end"}
+                              .titled("Progress")
+                              .undeclared();
 
 /// The cosine for 0 <= x < 100, right to about one unit of the last place below 1. It is its own so that the
 /// rings are the same with every runtime library, and so that the loop vectorises.

@@ -7,7 +7,8 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kSplitSize = Param<int>{"SpliteSize", 3, {1, 16}, "screens across and down"}.readingAs(3);
+constexpr auto kSplitSize =
+    Param<int>{"SpliteSize", 3, {1, 16}, "screens across and down"}.titled("Split Size").readingAs(3);
 
 class CTVWallFilter final : public CPureCEffect {
 public:

@@ -9,8 +9,10 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kRadius = Param<int>{"Radius", 71, {1, 400}, "radius of a drop"}.in("pixels");
-constexpr Param<int> kHeight{"Height", 349, {0, 2000}, "steepness of a drop; steps of 32"};
+constexpr auto kRadius =
+    Param<int>{"Radius", 71, {1, 400}, "radius of a drop"}.titled("Drop Radius").in("pixels");
+constexpr auto kHeight =
+    Param<int>{"Height", 349, {0, 2000}, "steepness of a drop; steps of 32"}.titled("Drop Steepness");
 
 constexpr int kDamping = 4;
 

@@ -11,12 +11,15 @@ namespace shader {
 // What every shader effect reads once the host adds it.
 inline constexpr KEXSDK::Param<float> kRotate =
     KEXSDK::Param<float>{"stRotate", 0.0f, {-360, 360}, "turns the picture clockwise about its middle"}
+        .titled("Picture Rotation")
         .in("degrees")
         .undeclared();
-inline constexpr KEXSDK::ArrayParam<float> kScale{
-    "stScale", {1, 1}, 2, {-4, 4}, "enlarges the picture about its middle, across and down"};
-inline constexpr KEXSDK::ArrayParam<float> kTranslate{
-    "stTranslate", {0, 0}, 2, {-4096, 4096}, "moves the picture right and down", "pixels"};
+inline constexpr auto kScale = KEXSDK::ArrayParam<float>{"stScale", {1, 1}, 2, {-4, 4},
+    "enlarges the picture about its middle, across and down"}
+                                   .titled("Picture Scale");
+inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2, {-4096, 4096},
+    "moves the picture right and down", "pixels"}
+                                       .titled("Picture Shift");
 inline constexpr KEXSDK::Param<float> kFrameRate =
     KEXSDK::Param<float>{"u_frame_rate", 25.0f, {1, 240}, "steps of particle scenes"}
         .in("frames per second")

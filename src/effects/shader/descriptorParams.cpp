@@ -131,6 +131,7 @@ public:
             return;
         ParamInfo param{keep(name), *type, keep(entry["help"])};
         param.unit = keep(entry["unit"]);
+        param.title = keep(entry["title"]);
         readDefault(entry, param);
         const std::string choices = choicesText(entry["choices"]);
         param.choices = keep(choices);

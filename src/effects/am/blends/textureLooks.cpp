@@ -244,7 +244,7 @@ constexpr EffectRow kRows[] = {
         .apply = colourTune<kGarden, partly<tuneOverlay, 128>>},
     {.id = 2196,
         .entry = {.place = 136, .name = "DanGui", .guid = "81D46CE2-7D13-4a85-9EE1-DFEE0C44FE3D"},
-        .shown = {.title = "DanGui", .summary = "Soft golden colours with a tinted circle."},
+        .shown = {.title = "Dan Gui", .summary = "Soft golden colours with a tinted circle."},
         .texture = "ColorTuneCircle01.png",
         .needsCopy = true,
         .second = Second::any,

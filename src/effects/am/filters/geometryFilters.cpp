@@ -199,7 +199,7 @@ constexpr EffectRow kRows[] = {
     {.id = 2,
         .entry = {.place = 2, .name = "AmMosaic", .guid = "AEA88997-7954-4974-8E58-457073A0BC99"},
         .shown = {.title = "Mosaic Cells", .summary = "Square cells of one colour."},
-        .reads = {.percent = "cell size, 100 for 13 pixels"},
+        .reads = {.percent = {"Cell Size", "cell size, 100 for 13 pixels"}},
         .defaults = {.usageMask = 1},
         .alpha = Alpha::computed,
         .apply = mosaic},

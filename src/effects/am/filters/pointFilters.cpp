@@ -127,7 +127,8 @@ constexpr EffectRow kRows[] = {
     {.id = 5,
         .entry = {.place = 5, .name = "Exposure", .guid = "A73E6F11-FE9B-477e-BF7C-B9DB88003BD9"},
         .shown = {.title = "Exposure", .summary = "Logarithmic brightening with an offset."},
-        .reads = {.percent = "added to the logarithm, which brightens by itself; 50 adds nothing"},
+        .reads = {.percent = {"Exposure",
+                      "added to the logarithm, which brightens by itself; 50 adds nothing"}},
         .defaults = {.usageMask = 1},
         .apply = exposure},
     {.id = 7,
@@ -158,7 +159,7 @@ constexpr EffectRow kRows[] = {
         .entry = {.place = 12, .name = "Binary", .guid = "040AC214-A380-4129-8F48-9B9623CDF3F4"},
         .shown = {.title = "Black or White",
             .summary = "White where the picture is bright, black elsewhere."},
-        .reads = {.percent = "luma from which a pixel is white"},
+        .reads = {.percent = {"Threshold", "luma from which a pixel is white"}},
         .defaults = {.usageMask = 1},
         .apply = eachPixel<Binary>},
     {.id = 13,
@@ -286,7 +287,7 @@ constexpr EffectRow kRows[] = {
     {.id = 59,
         .entry = {.place = 59, .name = "Lnk", .guid = "1CF75407-3C18-4c3b-A5CC-E51C919E14AA"},
         .shown = {.title = "Ink Contrast", .summary = "Grey with more contrast, as of ink on paper."},
-        .reads = {.percent = "contrast"},
+        .reads = {.percent = {"Contrast", "contrast"}},
         .apply = eachPixel<Ink>},
 };
 static_assert(isSound(kRows));

@@ -2,6 +2,7 @@
 #include "effects/am/library/amCatalog.h"
 
 #include "effects/am/library/amDefaults.h"
+#include "model/nameWords.h"
 
 #include <algorithm>
 #include <map>
@@ -64,8 +65,10 @@ std::vector<ParamInfo> parametersOf(const am::EffectRow& row)
     if (reads.pick) {
         all.push_back(share(
             "DecolorPosX", "point to pick, hundredths of a percent of the width", b.pickX * 100, 10000));
+        all.back().title = "Picked Point X";
         all.push_back(share("DecolorPosY",
             "point to pick, hundredths of a percent of the height, from the bottom", b.pickY * 100, 10000));
+        all.back().title = "Picked Point Y";
     }
     if (reads.direction) {
         all.push_back(integer("Direction", "where the picture's additions move", b.direction, 3, ""));
@@ -73,17 +76,24 @@ std::vector<ParamInfo> parametersOf(const am::EffectRow& row)
     }
     if (reads.band) {
         all.push_back(bandBound("TopPos", "first row of the sharp band, from the bottom", b.top));
+        all.back().title = "Band Start";
         all.push_back(bandBound("BottomPos", "end of the sharp band, from the bottom", b.bottom));
+        all.back().title = "Band End";
     }
-    if (reads.percent)
-        all.push_back(integer("Percent", reads.percent, b.percent, 100));
+    if (reads.percent.help) {
+        all.push_back(integer("Percent", reads.percent.help, b.percent, 100));
+        all.back().title = reads.percent.title;
+    }
     if (reads.colour) {
         all.push_back(integer("Red", "colour, red", b.red, 255, ""));
         all.push_back(integer("Gleen", "colour, green", b.green, 255, ""));
+        all.back().title = "Green";
         all.push_back(integer("Blue", "colour, blue", b.blue, 255, ""));
     }
-    if (reads.radius)
-        all.push_back(integer("Radius", reads.radius, b.radius, 100));
+    if (reads.radius.help) {
+        all.push_back(integer("Radius", reads.radius.help, b.radius, 100));
+        all.back().title = reads.radius.title;
+    }
     return all;
 }
 
@@ -117,24 +127,14 @@ std::span<const ParamInfo> amParameters(i32 id)
 
 std::string amCommandName(std::string_view name)
 {
-    const auto between = [&](std::size_t i, char first, char last) {
-        return i < name.size() && name[i] >= first && name[i] <= last;
-    };
-    const auto upper = [&](std::size_t i) { return between(i, 'A', 'Z'); };
-    const auto lower = [&](std::size_t i) { return between(i, 'a', 'z'); };
-    if (name.starts_with("Am") && upper(2))
-        name.remove_prefix(2);
-    std::string typed = "am-";
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        if (!upper(i) && !lower(i) && !between(i, '0', '9')) {
-            typed += '-';
-            continue;
-        }
-        // A word starts where upper case follows lower case, and at the last capital of several.
-        const bool starts = upper(i) && i > 0 && (lower(i - 1) || (upper(i - 1) && lower(i + 1)));
-        if (starts && typed.back() != '-')
-            typed += '-';
-        typed += upper(i) ? char(name[i] - 'A' + 'a') : name[i];
+    std::vector<std::string_view> words = wordsOf(name);
+    if (words.front() == "Am")
+        words.erase(words.begin());
+    std::string typed = "am";
+    for (const std::string_view word : words) {
+        typed += '-';
+        for (const char c : word)
+            typed += c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
     }
     return typed;
 }

@@ -29,11 +29,17 @@ struct Shown {
     const char* summary = nullptr; ///< one sentence
 };
 
-/// The parameters that an effect reads: the help text of one whose meaning is the effect's own, otherwise
+/// What a parameter is in one effect.
+struct Meaning {
+    const char* title = nullptr;
+    const char* help = nullptr;
+};
+
+/// The parameters that an effect reads: what is told of one whose meaning is the effect's own, otherwise
 /// true.
 struct Reads {
-    const char* percent = nullptr;
-    const char* radius = nullptr;
+    Meaning percent{};
+    Meaning radius{};
     const char* direction = nullptr; ///< its choices, as in ParamInfo
     bool position = false;
     bool pick = false;

@@ -133,8 +133,9 @@ i32 frames(const Frame& f)
 constexpr EffectRow kRows[] = {
     {.id = 1037,
         .entry = {.place = 103, .name = "Frames", .guid = "0F0C071F-ADEF-4035-9F09-FEF186FADDF3"},
-        .shown = {.title = "Fire", .summary = "Flames over the picture."},
-        .reads = {.percent = "opacity of the flames", .direction = "0 from the top, 1 from the bottom"},
+        .shown = {.title = "Wall of Flames", .summary = "Flames over the picture."},
+        .reads = {.percent = {"Opacity", "opacity of the flames"},
+            .direction = "0 from the top, 1 from the bottom"},
         .defaults = {.usageMask = 33},
         .random = true,
         .history = {History::kFromStart},

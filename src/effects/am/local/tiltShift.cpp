@@ -265,7 +265,7 @@ constexpr EffectRow kRows[] = {
     {.id = 1041,
         .entry = {.place = 104, .name = "TiltShift", .guid = "20F6C8C9-FF17-469d-B102-EDA9EC540C6B"},
         .shown = {.title = "Tilt-Shift", .summary = "Blurs above and below a sharp band."},
-        .reads = {.percent = "contrast; softness, as it is at the first frame", .band = true},
+        .reads = {.percent = {"Contrast", "contrast; softness, as it is at the first frame"}, .band = true},
         .defaults = {.top = 40, .bottom = 60, .usageMask = 8},
         .apply = tiltShift},
 };

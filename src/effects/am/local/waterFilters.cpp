@@ -108,7 +108,7 @@ constexpr EffectRow kRows[] = {
     {.id = 1036,
         .entry = {.place = 102, .name = "Raindrop", .guid = "9F471615-FA96-4296-9E58-E452E4BB6271"},
         .shown = {.title = "Water Drops", .summary = "Drops fall on a water surface over the picture."},
-        .reads = {.percent = "depth of the drops", .radius = "size of the drops"},
+        .reads = {.percent = {"Depth", "depth of the drops"}, .radius = {"Drop Size", "size of the drops"}},
         .defaults = {.usageMask = 1},
         .random = true,
         .history = {History::kFromStart},

@@ -225,7 +225,7 @@ constexpr EffectRow kRows[] = {
     {.id = 1042,
         .entry = {.place = 108, .name = "Explosion", .guid = "4B2A0059-EA66-4b03-BAD2-E8F8452FE446"},
         .shown = {.title = "Explosion", .summary = "Blurs outwards from a centre."},
-        .reads = {.radius = "length of the blur", .position = true},
+        .reads = {.radius = {"Blur Length", "length of the blur"}, .position = true},
         .apply = explosion},
 };
 static_assert(isSound(kRows));

@@ -155,7 +155,7 @@ i32 freshNew(const Frame& f)
 constexpr EffectRow kRows[] = {
     {.id = 49,
         .entry = {.place = 49, .name = "Japaness", .guid = "30055315-346C-4ed0-BF83-572605B2CF59"},
-        .shown = {.title = "Japaness", .summary = "Light colours with lifted blue."},
+        .shown = {.title = "Japanese", .summary = "Light colours with lifted blue."},
         .apply = throughCurves<kJapaness>},
     {.id = 50,
         .entry = {.place = 50, .name = "CyanBlue", .guid = "E07018F9-29D3-441c-8531-CEA677B10339"},

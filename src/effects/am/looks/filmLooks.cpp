@@ -231,7 +231,7 @@ constexpr EffectRow kRows[] = {
         .apply = greyRetro},
     {.id = 56,
         .entry = {.place = 56, .name = "XPro", .guid = "9B6C332D-A124-44fa-B1B9-F0ECE06FE088"},
-        .shown = {.title = "XPro", .summary = "Hard contrast with cold shadows, dust and scratches."},
+        .shown = {.title = "X-Pro", .summary = "Hard contrast with cold shadows, dust and scratches."},
         .random = true,
         .apply = damagedThroughCurves<kXPro>},
 };

@@ -182,7 +182,7 @@ constexpr EffectRow kRows[] = {
     {.id = 95,
         .entry = {.place = 89, .name = "VignetteRadius", .guid = "B708C1BB-39A4-410b-A622-8FBC323FD2D7"},
         .shown = {.title = "Black Vignette", .summary = "A black rim around a circle."},
-        .reads = {.radius = "size of the clear circle"},
+        .reads = {.radius = {"Clear Circle Size", "size of the clear circle"}},
         .radiusIsPercent = true,
         .alpha = Alpha::computed,
         .apply = vignetteRadius},
