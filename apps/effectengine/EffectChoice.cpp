@@ -25,7 +25,9 @@ std::string lower(std::string text)
 void addChoiceOptions(CLI::App& command, EffectChoice& choice)
 {
     command.add_option("--kind", choice.kind, "only effects of this family")->type_name("FAMILY");
-    command.add_option("--search", choice.search, "only effects whose name, summary or GUID holds this text")
+    command
+        .add_option(
+            "--search", choice.search, "only effects whose name, title, summary or GUID holds this text")
         ->type_name("TEXT");
 }
 

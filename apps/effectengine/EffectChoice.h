@@ -9,7 +9,7 @@
 #include <vector>
 
 struct EffectChoice {
-    std::vector<std::string> names; ///< or GUIDs; empty stands for all
+    std::vector<std::string> names; ///< or titles or GUIDs; empty stands for all
     std::string kind;
     std::string search;
 };

@@ -17,12 +17,15 @@ struct GraphOptions::Values {
 GraphOptions::GraphOptions(CLI::App& command) : command_(command), values_(std::make_shared<Values>())
 {
     Values& v = *values_;
-    v.effectOption = command.add_option("-e,--effect", v.effects, "effect of a chain; repeat in order")
+    v.effectOption = command
+                         .add_option("-e,--effect", v.effects,
+                             "effect of a chain, by name, title or GUID; repeat in order")
                          ->allow_extra_args(false)
                          ->type_name("EFFECT");
-    v.parameterOption = command.add_option("-p,--param", v.parameters, "parameter of the effect before it")
-                            ->allow_extra_args(false)
-                            ->type_name("NAME=VALUE");
+    v.parameterOption =
+        command.add_option("-p,--param", v.parameters, "parameter of the effect before it, by name or title")
+            ->allow_extra_args(false)
+            ->type_name("NAME=VALUE");
     CLI::Option* const graph =
         command.add_option("--graph", v.graph, "JSON file with a graph of effects and keyframes")
             ->type_name("FILE")

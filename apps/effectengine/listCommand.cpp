@@ -146,10 +146,11 @@ void addDescribeCommand(CLI::App& tool)
 {
     const auto options = std::make_shared<DescribeOptions>();
     CLI::App* const command = tool.add_subcommand("describe", "Shows an effect and its parameters.");
-    command->add_option("EFFECT", options->effect, "name or GUID")->required();
+    command->add_option("EFFECT", options->effect, "name, title or GUID")->required();
     command->add_flag("--json", options->json, "as JSON, as in the catalogue");
     command->add_flag("--names", options->names, "the parameters' names alone, one a line");
     command->footer("Examples:\n"
-                    "  effectengine describe hue-shift");
+                    "  effectengine describe hue-shift\n"
+                    "  effectengine describe \"Black and White\"");
     command->callback([options] { describe(*options); });
 }

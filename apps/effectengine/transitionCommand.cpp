@@ -126,7 +126,7 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
 {
     const auto options = std::make_shared<Options>();
     CLI::App* const command = tool.add_subcommand("transition", "Shows one picture turning into another.");
-    command->add_option("NAME", options->name, "name or GUID of the transition")->required();
+    command->add_option("NAME", options->name, "name, title or GUID of the transition")->required();
     command->add_option("FROM", options->from, "picture or clip shown first")->required();
     command
         ->add_option("TO", options->to,

@@ -3,6 +3,7 @@
 
 #include "engine/effectList.h"
 #include "host/GraphError.h"
+#include "host/names.h"
 #include "host/nearest.h"
 
 #include <algorithm>
@@ -132,34 +133,35 @@ std::string sourceName(unsigned index)
     return index == 0 ? std::string(kSource) : std::string(kSource) + "-" + std::to_string(index + 1);
 }
 
-const EffectInfo& effectNamed(std::string_view nameOrGuid)
+const EffectInfo& effectNamed(std::string_view word)
 {
-    if (const EffectInfo* const effect = findEffect(nameOrGuid))
+    if (const EffectInfo* const effect = findEffect(word))
         return *effect;
-    const std::vector<EffectInfo> all = listEffects();
-    std::vector<std::string_view> names;
-    for (const EffectInfo& effect : all)
-        names.push_back(effect.name);
-    fail("no effect " + inQuotes(std::string(nameOrGuid)) + didYouMean(names, nameOrGuid)
+    std::vector<Named> all;
+    for (EffectInfo& effect : listEffects())
+        all.push_back({std::move(effect.name), std::move(effect.title)});
+    if (const auto index = meant(all, word))
+        return *findEffect(all[*index].name);
+    fail("no effect " + inQuotes(std::string(word)) + didYouMean(all, word)
         + " (effectengine list shows all)");
 }
 
-const ParamInfo& parameterNamed(const EffectInfo& effect, std::string_view name)
+const ParamInfo& parameterNamed(const EffectInfo& effect, std::string_view word)
 {
-    std::vector<std::string_view> names;
-    for (const ParamInfo* const info : describeParameters(effect.guid)) {
-        if (info->name == name)
-            return *info;
-        names.push_back(info->name);
-    }
-    fail("effect " + effect.name + " has no parameter " + inQuotes(std::string(name))
-        + didYouMean(names, name));
+    const auto params = describeParameters(effect.guid);
+    std::vector<Named> all;
+    for (const ParamInfo* const info : params)
+        all.push_back({info->name, titleOf(*info)});
+    if (const auto index = meant(all, word))
+        return *params[*index];
+    fail(
+        "effect " + effect.name + " has no parameter " + inQuotes(std::string(word)) + didYouMean(all, word));
 }
 
-GraphNode& GraphDescription::append(std::string_view nameOrGuid, const std::string& id)
+GraphNode& GraphDescription::append(std::string_view effect, const std::string& id)
 {
     GraphNode node;
-    node.effect = &effectNamed(nameOrGuid);
+    node.effect = &effectNamed(effect);
     const auto taken = [&](const std::string& name) {
         return sourceIndex(name) || std::ranges::find(nodes, name, &GraphNode::id) != nodes.end();
     };

@@ -48,11 +48,13 @@ public:
     std::vector<GraphNode> nodes;
     std::string output; ///< id of the node whose image is the result; append() sets it
 
-    /// Adds an effect by name or GUID that takes the output so far, or the source, as its first input and
-    /// becomes the output; further inputs take the host's second and later pictures. An empty id is chosen.
-    GraphNode& append(std::string_view nameOrGuid, const std::string& id = {});
+    /// Adds an effect, as effectNamed() finds it, that takes the output so far, or the source, as its first
+    /// input and becomes the output; further inputs take the host's second and later pictures. An empty id is
+    /// chosen.
+    GraphNode& append(std::string_view effect, const std::string& id = {});
 
-    /// "NAME=VALUE" for the output node. A second value for a name replaces the first.
+    /// "NAME=VALUE" for the output node, with a name as parameterNamed() takes it. A second value for a
+    /// parameter replaces the first.
     void setParameter(std::string_view assignment);
 
     /// Checks ids and connections, and sorts the nodes into an order of evaluation that keeps
@@ -76,11 +78,12 @@ public:
 std::optional<unsigned> sourceIndex(std::string_view input);
 std::string sourceName(unsigned index);
 
-/// The effect with this name or GUID. Throws GraphError that names the nearest one.
-const KEXSDK::EffectInfo& effectNamed(std::string_view nameOrGuid);
+/// The effect with this GUID, or with this name or title in any spelling (meant() in host/names.h). Throws
+/// GraphError: there is none, with the nearest one; the word can mean several.
+const KEXSDK::EffectInfo& effectNamed(std::string_view word);
 
-/// The parameter of an effect. Throws GraphError that names the nearest one.
-const KEXSDK::ParamInfo& parameterNamed(const KEXSDK::EffectInfo& effect, std::string_view name);
+/// The parameter of an effect with this name or title, as above.
+const KEXSDK::ParamInfo& parameterNamed(const KEXSDK::EffectInfo& effect, std::string_view word);
 
 /// A JSON file, finished. Paths in it count from its own directory. Throws GraphError.
 GraphDescription loadGraph(const std::filesystem::path& file);

@@ -186,8 +186,12 @@ void readNode(GraphDescription& graph, const Json::Value& json, const fs::path& 
     const Json::Value& parameters = json["parameters"];
     if (!parameters.isNull() && !parameters.isObject())
         fail("\"parameters\" must be an object");
-    for (const std::string& name : parameters.getMemberNames())
-        node.parameters.push_back(readTrack(parameterNamed(*node.effect, name), parameters[name], directory));
+    for (const std::string& name : parameters.getMemberNames()) {
+        const KEXSDK::ParamInfo& info = parameterNamed(*node.effect, name);
+        if (node.sets(info))
+            fail("parameter " + std::string(info.name) + " is set twice, once as \"" + name + '"');
+        node.parameters.push_back(readTrack(info, parameters[name], directory));
+    }
 }
 
 GraphDescription readGraph(const Json::Value& json, const fs::path& directory)

@@ -25,10 +25,20 @@ std::size_t editDistance(std::string_view a, std::string_view b)
 
 } // namespace
 
+std::string folded(std::string_view word)
+{
+    std::string text;
+    for (const char c : word) {
+        if (c != ' ' && c != '-' && c != '_')
+            text += c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+    }
+    return text;
+}
+
 std::string nearest(const std::vector<std::string_view>& candidates, std::string_view typed)
 {
-    const auto best =
-        std::ranges::min_element(candidates, {}, [&](std::string_view c) { return editDistance(c, typed); });
+    const auto best = std::ranges::min_element(
+        candidates, {}, [&](std::string_view c) { return editDistance(folded(c), folded(typed)); });
     return best == candidates.end() ? std::string() : std::string(*best);
 }
 

@@ -6,8 +6,8 @@
 
 namespace KEXSDK {
 
-/// "u", "white", "Level" of "u_whiteLevel"; "Cube", "LUT", "File" of "CubeLUTFile". Words are letters and digits of
-/// ASCII; everything else stands between them. They point into the name.
+/// "u", "white", "Level" of "u_whiteLevel"; "Cube", "LUT", "File" of "CubeLUTFile". Words are letters and
+/// digits of ASCII; everything else stands between them. They point into the name.
 std::vector<std::string_view> wordsOf(std::string_view name);
 
 } // namespace KEXSDK

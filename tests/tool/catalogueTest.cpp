@@ -3,6 +3,8 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
+#include "host/GraphDescription.h"
+#include "host/GraphError.h"
 #include "host/exampleValues.h"
 #include "host/jsonText.h"
 #include "support/GuardedFrame.h"
@@ -133,6 +135,51 @@ TEST_F(Catalogue, IsWhatTheRegistriesOfThisBuildHold)
         EXPECT_TRUE(names.insert(effect["name"].asString()).second) << effect["name"];
         EXPECT_TRUE(names.insert(effect["guid"].asString()).second) << effect["guid"];
     }
+}
+
+// Who a typed word means, or why it means nobody.
+template <class Find> std::string whoIs(const std::string& word, Find find)
+{
+    try {
+        return find(word);
+    } catch (const host::GraphError& error) {
+        return error.what();
+    }
+}
+
+std::string inCapitals(std::string text)
+{
+    for (char& c : text)
+        c = c == '-' ? '_' : char(std::toupper(c));
+    return text;
+}
+
+// Words with capitals, small ones in the middle of a title without.
+bool isTitle(const std::string& text)
+{
+    static const std::regex words(
+        "[A-Z0-9][A-Za-z0-9]*((-|,? ((and|of|on|or|per|the|to|with) )*)[A-Z0-9][A-Za-z0-9]*)*");
+    static const std::regex smallInCapitals(" (A|An|And|At|By|For|Of|On|Or|Per|The|To|With) ");
+    return std::regex_match(text, words) && !std::regex_search(text, smallInCapitals);
+}
+
+TEST_F(Catalogue, TitlesAreWordsThatMeanOneEffectOrParameter)
+{
+    eachEffect([](const Json::Value& effect) {
+        EXPECT_TRUE(isTitle(effect["title"].asString())) << effect["title"];
+        const auto effectOf = [](const std::string& word) { return host::effectNamed(word).name; };
+        for (const std::string& word : {effect["title"].asString(), inCapitals(effect["name"].asString())})
+            EXPECT_EQ(whoIs(word, effectOf), effect["name"].asString());
+        const auto parameterOf = [&](const std::string& word) -> std::string {
+            return host::parameterNamed(host::effectNamed(effect["guid"].asString()), word).name;
+        };
+        for (const Json::Value& parameter : effect["parameters"]) {
+            const std::string title = parameter["title"].asString();
+            EXPECT_TRUE(isTitle(title)) << title;
+            for (const std::string& word : {title, inCapitals(parameter["name"].asString())})
+                EXPECT_EQ(whoIs(word, parameterOf), parameter["name"].asString());
+        }
+    });
 }
 
 TEST_F(Catalogue, NamesTheInputsAndParametersThatNodesHave)

@@ -1,6 +1,7 @@
 // Graphs of effects from text: what is refused and why, what a frame gets, how often a node runs.
 #include "host/EffectGraph.h"
 #include "host/GraphError.h"
+#include "host/names.h"
 #include "support/EngineFixture.h"
 
 #include <gmock/gmock.h>
@@ -93,6 +94,44 @@ TEST_F(Graphs, FilesAndCommandLinesThatMeanTheSameGiveTheSamePicture)
         << "in any order";
     EXPECT_NE(typed, show(chain({"am-binary", "Percent=31", "hue-shift", "am-flip-lr"})));
     EXPECT_EQ(show(chain({"delay-grab", "Mode=by row"})), show(chain({"delay-grab", "Mode=3"})));
+}
+
+TEST_F(Graphs, NamesAndTitlesInAnySpellingMeanTheSame)
+{
+    const auto exact = chain({"tv-wall", "SpliteSize=4"});
+    for (const char* const effect : {"TV Wall", "tv_wall", "TVWALL"}) {
+        for (const char* const parameter : {"Split Size=4", "split-size=4", "SPLITESIZE=4"})
+            EXPECT_EQ(host::graphText(chain({effect, parameter})), host::graphText(exact))
+                << effect << parameter;
+    }
+    EXPECT_THAT(host::graphText(exact), HasSubstr("\"SpliteSize\" : 4"));
+    const char* const moving = R"({"keyframes": [{"time": 0, "value": 1}, {"time": 5, "value": 9}]}}})";
+    EXPECT_EQ(show(parsed(R"({"effect": "tv-wall", "parameters": {"SpliteSize": )" + std::string(moving))),
+        show(parsed(R"({"effect": "TV Wall", "parameters": {"split size": )" + std::string(moving))));
+    EXPECT_EQ(host::graphText(chain({"tv-wall", "Split Size=2", "SpliteSize=4"})), host::graphText(exact))
+        << "the later value replaces the earlier one";
+}
+
+TEST(Names, AnExactNameComesFirstAndAWordForSeveralIsRefused)
+{
+    const std::vector<host::Named> all{
+        {"radius", "Reach"}, {"Radius", "Radius"}, {"size", "Reach"}, {"--", "\u00c4"}};
+    EXPECT_EQ(host::meant(all, "radius"), 0u);
+    EXPECT_EQ(host::meant(all, "Radius"), 1u);
+    EXPECT_EQ(host::meant(all, "S-I_Z E"), 2u);
+    EXPECT_EQ(host::meant(all, "\u00c4"), 3u);
+    for (const char* const nobody : {"", " ", "-", "radii", "\u00e4"})
+        EXPECT_EQ(host::meant(all, nobody), std::nullopt) << nobody;
+    for (const auto& [word, message] :
+        {std::pair{"RADIUS", R"("RADIUS" can mean radius (Reach) or Radius (Radius))"},
+            std::pair{"reach", R"("reach" can mean radius (Reach) or size (Reach))"}}) {
+        try {
+            host::meant(all, word);
+            ADD_FAILURE() << word;
+        } catch (const GraphError& error) {
+            EXPECT_STREQ(error.what(), message);
+        }
+    }
 }
 
 TEST_F(Graphs, ANodeWithTwoUsersRunsOnceAFrame)
@@ -261,6 +300,8 @@ TEST(GraphFiles, SayWhatIsWrongAndWhere)
         {percent(R"({"keyframes": [{"time": NaN, "value": 1}]})"), "\"time\" must be a number"},
         {percent(R"({"keyframes": [{"time": 0, "value": 1, "interpolation": "bounce"}]})"), "not \"bounce\""},
         {node(R"("am-binary", "parameters": {"Percnt": 1})"), R"(did you mean "Percent"?)"},
+        {node(R"("am-binary", "parameters": {"treshold": 1})"), R"(did you mean "Threshold"?)"},
+        {node(R"("am-binary", "parameters": {"Percent": 1, "threshold": 2})"), "Percent is set twice"},
         {node(R"("highlight", "parameters": {"iMouse": [1]})"), "iMouse takes 2 numbers, not 1"},
         {node(R"("highlight", "parameters": {"Radius": -Infinity})"), "Radius takes a number"},
         {node(R"("cube-lut", "parameters": {"CubeLutFile": 7})"), "CubeLutFile takes a file, not 7"},

@@ -17,6 +17,8 @@ expect 0 '' "$tool" describe --json hue-shift
 grep -q '"name" : "Hue"' out.txt || fail "describe as JSON"
 expect 0 '' "$tool" describe hue-shift
 grep -q '^Hue .*95' out.txt || fail "describe shows the default"
+expect 0 '' "$tool" describe "tv WALL"
+grep -Eq '^SpliteSize +Split Size +integer' out.txt || fail "describe shows titles"
 expect 0 '' "$tool" --help
 grep -q 'Exit codes' out.txt || fail "help documents exit codes"
 
@@ -26,6 +28,10 @@ expect 0 '' "$tool" apply DEE5DFA9-F7FE-4cd1-9871-37A3C7673A1A in.bmp guid.bmp
 cmp -s grey.bmp guid.bmp || fail "name and GUID differ"
 expect 0 '' "$tool" apply -e hue-shift -p kex_effect_enable=0 -e black-and-white in.bmp chain.bmp
 cmp -s grey.bmp chain.bmp || fail "a parameter belongs to the effect before it"
+expect 0 '' "$tool" apply "Black and White" in.bmp title.bmp
+cmp -s grey.bmp title.bmp || fail "name and title differ"
+expect 0 '' "$tool" apply -e tv-wall -p "split size=2" --save-preset wall.json in.bmp wall.bmp
+grep -q '"SpliteSize" : 2' wall.json || fail "a preset holds exact names"
 for kind in png jpg jpeg tga PNG; do
     expect 0 '' "$tool" apply equalize in.bmp "out.$kind"
     expect 0 '' "$tool" apply blank "out.$kind" again.bmp
@@ -35,6 +41,7 @@ expect 0 '' "$tool" apply black-and-white --size 5x7 in.bmp sized.bmp
 
 expect 2 'did you mean "equalize"' "$tool" apply equalise in.bmp out.png
 expect 2 'no parameter "Hew"' "$tool" apply hue-shift -p Hew=1 in.bmp out.png
+expect 2 'did you mean "Split Size"' "$tool" apply tv-wall -p splitsise=1 in.bmp out.png
 for bad in Hue=nan Hue=1.5 Hue= Hue=1x Hue=99999999999; do
     expect 2 'takes a whole number' "$tool" apply hue-shift -p "$bad" in.bmp out.png
 done
