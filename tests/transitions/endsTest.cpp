@@ -4,7 +4,7 @@
 #include "effects/transitions/transitionTable.h"
 #include "pixels/Random.h"
 #include "pixels/widest.h"
-#include "transitions/Scene.h"
+#include "transitions/TransitionFixture.h"
 
 #include <tbb/global_control.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 using pixels::Bgra;
 
-class EveryTransition : public test::Scene {
+class EveryTransition : public test::TransitionFixture {
 protected:
     void SetUp() override { core::pinTime(1'700'000'000); }
     void TearDown() override

@@ -1,5 +1,5 @@
 // Facts about the transitions that take every pixel from where it lies.
-#include "transitions/Scene.h"
+#include "transitions/TransitionFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,7 +9,7 @@ using pixels::Bgra;
 using test::place;
 using Rows = std::vector<std::string>;
 
-class Geometric : public test::Scene { };
+class Geometric : public test::TransitionFixture { };
 
 TEST_F(Geometric, WhisksEnterInBandsOfTenFromAlternateSides)
 {

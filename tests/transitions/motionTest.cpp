@@ -1,7 +1,7 @@
 // Facts about the transitions that blend whole frames, draw random numbers, move or deform the pictures.
 #include "core/Clock.h"
 #include "pixels/Random.h"
-#include "transitions/Scene.h"
+#include "transitions/TransitionFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -14,7 +14,7 @@ using test::place;
 using testing::Each;
 using testing::ElementsAre;
 
-class Motion : public test::Scene {
+class Motion : public test::TransitionFixture {
 protected:
     void TearDown() override { core::pinTime(std::nullopt); }
 };

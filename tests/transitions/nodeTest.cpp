@@ -1,6 +1,6 @@
 // The table, and what the node does before any transition draws.
 #include "effects/transitions/transitionTable.h"
-#include "transitions/Scene.h"
+#include "transitions/TransitionFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +13,7 @@ namespace {
 using namespace std::string_literals;
 using testing::Each;
 
-class TransitionNode : public test::Scene { };
+class TransitionNode : public test::TransitionFixture { };
 
 TEST_F(TransitionNode, TheTableHolds63DifferentTransitions)
 {

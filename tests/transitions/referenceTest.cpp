@@ -1,7 +1,7 @@
 // Soft edges are drawn from segments, tables and shared half rows. Here every pixel is asked on its own.
 #include "pixels/numbers.h"
 #include "pixels/wordBlends.h"
-#include "transitions/Scene.h"
+#include "transitions/TransitionFixture.h"
 
 #include <cmath>
 #include <functional>
@@ -159,7 +159,7 @@ const Shape kShapes[] = {
     {"sweep-anti-clockwise", Blend::division, antiClockwise},
 };
 
-class Reference : public test::Scene { };
+class Reference : public test::TransitionFixture { };
 
 Bgra expected(const Shape& shape, const Where& where, Bgra from, Bgra to)
 {

@@ -20,7 +20,7 @@ inline pixels::Bgra place(int picture, int x, int v)
     return {u8(x), u8(v), u8(picture), u8(100 + picture)};
 }
 
-class Scene : public EngineWithoutGpu {
+class TransitionFixture : public EngineWithoutGpu {
 protected:
     /// A new node by its command name between `from` and `to` of one value each.
     void open(const std::string& name, int width, int height)

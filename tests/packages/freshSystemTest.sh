@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The packages on a fresh Debian of this machine's release: installed by apt with what they depend on, used, built
 # against, removed.
-#     freshSystem.sh DIRECTORY_OF_PACKAGES [ROOT]
+#     freshSystemTest.sh DIRECTORY_OF_PACKAGES [ROOT]
 # ROOT is an unpacked Debian to use and keep; without it debootstrap makes one for this run, from where this machine's
 # apt gets its packages. Says in one line why when it cannot run, and ends with 77.
 set -euo pipefail
