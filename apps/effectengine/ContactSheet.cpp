@@ -3,7 +3,7 @@
 
 #include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 
 #include <stb/stb_easy_font.h>
 

@@ -1,7 +1,7 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 
 #include <filesystem>
 #include <span>

@@ -1,7 +1,7 @@
 // Processes share one board: whoever is free takes the next piece, and notes how it went.
 #include "effectengine/Workers.h"
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

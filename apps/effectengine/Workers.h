@@ -21,7 +21,7 @@ public:
     Workers(std::size_t count, Name nameOf) : count_(count), nameOf_(std::move(nameOf)) { }
 
     /// Forks, so the process may have one thread only. With one process the pieces run in this one. A signal
-    /// ends the work after the pieces in hand (Interruption.h).
+    /// ends the work after the pieces in hand (interruption.h).
     /// @return success, or the exit code of the failed piece with the lowest number
     ExitCode run(int processes, const MakePiece& makePiece, Progress& progress) const;
 

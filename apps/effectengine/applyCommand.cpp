@@ -1,13 +1,13 @@
 // apply: pictures through one effect, a chain or a graph.
 #include "effectengine/GraphOptions.h"
-#include "effectengine/Interruption.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/Progress.h"
+#include "effectengine/StillGraph.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/Workers.h"
 #include "effectengine/commands.h"
+#include "effectengine/interruption.h"
+#include "effectengine/pictureFiles.h"
 #include "effectengine/pictureList.h"
-#include "effectengine/stills.h"
 
 #include <algorithm>
 #include <memory>

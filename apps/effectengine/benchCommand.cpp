@@ -1,9 +1,9 @@
 // bench: how fast effects are on this machine.
 #include "effectengine/EffectChoice.h"
-#include "effectengine/Interruption.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
+#include "effectengine/interruption.h"
+#include "effectengine/pictureFiles.h"
 #include "host/jsonText.h"
 #include "host/measure.h"
 

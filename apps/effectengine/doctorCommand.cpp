@@ -1,10 +1,10 @@
 // doctor: is everything there that the engine can use, and what to do where it is not.
 #include "EffectTovOgre/TovOgreRenderThread.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/Session.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
+#include "effectengine/pictureFiles.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 

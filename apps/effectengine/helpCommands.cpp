@@ -1,9 +1,9 @@
 // man and completion: what the tool says about itself, for other programs.
 #include "effectengine/PartialFile.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commandPages.h"
 #include "effectengine/commands.h"
+#include "effectengine/pictureFiles.h"
 #include "host/nearest.h"
 
 #include <cstdio>

@@ -1,8 +1,8 @@
 // Folders and names.
 #include "effectengine/pictureList.h"
 
-#include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/pictureFiles.h"
 
 #include <algorithm>
 #include <array>

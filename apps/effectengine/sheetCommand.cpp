@@ -1,12 +1,12 @@
 // sheet: effects side by side on the user's picture.
 #include "effectengine/ContactSheet.h"
 #include "effectengine/EffectChoice.h"
-#include "effectengine/Interruption.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/Progress.h"
+#include "effectengine/StillGraph.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
-#include "effectengine/stills.h"
+#include "effectengine/interruption.h"
+#include "effectengine/pictureFiles.h"
 #include "host/exampleValues.h"
 
 #include <algorithm>

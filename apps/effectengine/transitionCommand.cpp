@@ -1,10 +1,10 @@
 // transition: one frame, or a strip of frames, between two pictures; or one clip running into another.
-#include "effectengine/Interruption.h"
-#include "effectengine/Pictures.h"
+#include "effectengine/StillGraph.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
-#include "effectengine/stills.h"
+#include "effectengine/interruption.h"
+#include "effectengine/pictureFiles.h"
 
 #include <cstdio>
 #include <memory>

@@ -1,5 +1,5 @@
 // The viewfinder of a camcorder, with its recording light on or off.
-#include "Drawing.h"
+#include "drawing.h"
 #include "pieces.h"
 
 namespace artwork {

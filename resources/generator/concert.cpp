@@ -1,6 +1,6 @@
 // A concert: truss and coloured beams above, curtains at the sides, the crowd below.
-#include "Drawing.h"
-#include "Noise.h"
+#include "drawing.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

@@ -1,6 +1,6 @@
 // Paints the pictures of the resource pack.
-#include "PngFile.h"
 #include "pieces.h"
+#include "pngFile.h"
 
 #include <cstdio>
 #include <exception>

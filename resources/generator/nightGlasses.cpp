@@ -1,5 +1,5 @@
 // Night-vision goggles: two eyepieces, the mesh of the image tubes, sparks of single photons.
-#include "Noise.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

@@ -1,6 +1,6 @@
 // A telescopic sight: tube, coated glass, and a reticle with mil dots.
-#include "Drawing.h"
-#include "Noise.h"
+#include "drawing.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

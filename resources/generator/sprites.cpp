@@ -1,6 +1,6 @@
 // Sprites of particles: white or nearly so, for particles bring their colour, clear at the border.
-#include "Drawing.h"
-#include "Noise.h"
+#include "drawing.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

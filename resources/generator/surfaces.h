@@ -1,8 +1,8 @@
 // What several textures are made of: fibres, cloth, ragged edges, scratches.
 #pragma once
 
-#include "Drawing.h"
-#include "Noise.h"
+#include "drawing.h"
+#include "noise.h"
 
 namespace artwork {
 

@@ -1,5 +1,5 @@
 // A wooden Venetian blind, half open, before a window frame.
-#include "Noise.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

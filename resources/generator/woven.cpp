@@ -1,6 +1,6 @@
 // A frame of basket weave with a plaited rim.
-#include "Drawing.h"
-#include "Noise.h"
+#include "drawing.h"
+#include "noise.h"
 #include "pieces.h"
 
 namespace artwork {

@@ -1,10 +1,9 @@
 // The catalogue file against the engine: every effect is opened, asked and run.
-#include "host/catalogue.h"
-
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
 #include "host/GraphDescription.h"
 #include "host/GraphError.h"
+#include "host/catalogue.h"
 #include "host/exampleValues.h"
 #include "host/jsonText.h"
 #include "support/GuardedFrame.h"

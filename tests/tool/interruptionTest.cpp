@@ -1,5 +1,5 @@
 // Signals to work that does not look for them.
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 
 #include "support/TemporaryDirectory.h"
 

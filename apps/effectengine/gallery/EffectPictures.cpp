@@ -1,7 +1,7 @@
 // Runs of fresh nodes over the scene.
 #include "effectengine/gallery/EffectPictures.h"
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "host/exampleValues.h"
@@ -43,7 +43,7 @@ std::string sweepFile(const EffectInfo& effect, std::size_t parameter)
 // A fresh node that goes from frame to frame.
 class EffectPictures::Run {
 public:
-    Run(const EffectInfo& effect, const GalleryLayout& layout, Scene& scene)
+    Run(const EffectInfo& effect, const GalleryLayout& layout, GalleryScene& scene)
         : effect_(effect),
           size_(layout.work()),
           scene_(scene),
@@ -84,13 +84,13 @@ public:
 private:
     const EffectInfo& effect_;
     PictureSize size_;
-    Scene& scene_;
+    GalleryScene& scene_;
     host::Filter filter_;
     host::Image target_;
 };
 
 EffectPictures::EffectPictures(
-    const GalleryLayout& layout, Scene& scene, std::filesystem::path directory, bool sweeps)
+    const GalleryLayout& layout, GalleryScene& scene, std::filesystem::path directory, bool sweeps)
     : layout_(layout),
       scene_(scene),
       directory_(std::move(directory)),

@@ -1,7 +1,7 @@
 // The pictures of one effect: as it is, in motion, and along its parameters.
 #pragma once
 
-#include "effectengine/gallery/Scene.h"
+#include "effectengine/gallery/GalleryScene.h"
 #include "effectengine/gallery/Strip.h"
 #include "effectengine/gallery/sweepSteps.h"
 #include "host/Host.h"
@@ -30,7 +30,8 @@ std::string sweepFile(const KEXSDK::EffectInfo& effect, std::size_t parameter);
 class EffectPictures {
 public:
     /// Throws ToolError.
-    EffectPictures(const GalleryLayout& layout, Scene& scene, std::filesystem::path directory, bool sweeps);
+    EffectPictures(
+        const GalleryLayout& layout, GalleryScene& scene, std::filesystem::path directory, bool sweeps);
 
     /// Saves what the effects are shown on. Throws ToolError.
     void saveInputs();
@@ -62,7 +63,7 @@ private:
         const std::string& file);
 
     GalleryLayout layout_;
-    Scene& scene_;
+    GalleryScene& scene_;
     std::filesystem::path directory_;
     bool sweeps_;
 };

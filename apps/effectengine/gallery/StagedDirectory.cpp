@@ -2,7 +2,7 @@
 #include "effectengine/gallery/StagedDirectory.h"
 
 #include "effectengine/PartialFile.h"
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 // Small pictures side by side in one file: the frames of a loop, the steps of a sweep.
 #pragma once
 
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 #include "pixels/View.h"
 
 #include <filesystem>

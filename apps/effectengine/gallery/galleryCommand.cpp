@@ -1,6 +1,5 @@
 // gallery: a page that shows every effect on the user's picture.
 #include "effectengine/EffectChoice.h"
-#include "effectengine/Interruption.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/Progress.h"
 #include "effectengine/ToolError.h"
@@ -9,6 +8,7 @@
 #include "effectengine/gallery/StagedDirectory.h"
 #include "effectengine/gallery/effectPages.h"
 #include "effectengine/gallery/galleryPage.h"
+#include "effectengine/interruption.h"
 
 #include <algorithm>
 #include <fstream>
@@ -66,7 +66,7 @@ ExitCode makePictures(const Options& options, const SessionOptions& session,
         {
         }
         Session session;
-        Scene scene;
+        GalleryScene scene;
         EffectPictures pictures;
     };
     const int processors = std::max(1, int(std::thread::hardware_concurrency()));

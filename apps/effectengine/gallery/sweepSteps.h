@@ -1,7 +1,7 @@
 // The values that show what a parameter does.
 #pragma once
 
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 #include "host/ParameterTrack.h"
 
 #include <set>

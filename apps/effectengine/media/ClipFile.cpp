@@ -1,8 +1,8 @@
 // Encoding and multiplexing.
 #include "effectengine/media/ClipFile.h"
 
-#include "effectengine/Interruption.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/encoders.h"
 
 #include <limits>

@@ -1,10 +1,10 @@
 // Checks and conversions of the verbs for clips.
 #include "effectengine/media/ClipJob.h"
 
-#include "effectengine/Interruption.h"
-#include "effectengine/Pictures.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/encoders.h"
+#include "effectengine/pictureFiles.h"
 
 #include <algorithm>
 #include <cmath>

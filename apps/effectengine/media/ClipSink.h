@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effectengine/media/ClipReader.h"
-#include "effectengine/media/SoundTrack.h"
+#include "effectengine/media/SideTrack.h"
 
 #include <optional>
 #include <utility>

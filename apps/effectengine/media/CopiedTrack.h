@@ -1,7 +1,7 @@
 // A stream's packets, copied.
 #pragma once
 
-#include "effectengine/media/SoundTrack.h"
+#include "effectengine/media/SideTrack.h"
 
 namespace media {
 

@@ -1,7 +1,7 @@
 // Sound that leaves a filter graph and is encoded.
 #pragma once
 
-#include "effectengine/media/SoundTrack.h"
+#include "effectengine/media/SideTrack.h"
 
 #include <functional>
 

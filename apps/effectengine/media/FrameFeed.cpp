@@ -1,7 +1,7 @@
 // Skipping, pre-roll, conversion.
 #include "effectengine/media/FrameFeed.h"
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 #include "host/parts.h"
 
 namespace media {

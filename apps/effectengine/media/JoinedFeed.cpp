@@ -1,7 +1,7 @@
 // Which frames stand at a time.
 #include "effectengine/media/JoinedFeed.h"
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 
 #include <algorithm>
 

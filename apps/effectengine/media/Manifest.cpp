@@ -3,7 +3,7 @@
 
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
-#include "effectengine/media/PictureEncoder.h"
+#include "effectengine/media/NumberedPictureEncoder.h"
 
 #include <json/json.h>
 

@@ -1,7 +1,7 @@
 // Numbered pictures that appear together once all are complete.
 #pragma once
 
-#include "effectengine/media/PictureEncoder.h"
+#include "effectengine/media/NumberedPictureEncoder.h"
 
 namespace media {
 
@@ -21,7 +21,7 @@ private:
     std::filesystem::path pattern_;
     std::filesystem::path workplace_; ///< hidden directory beside the pictures
     std::vector<std::filesystem::path> names_;
-    PictureEncoder encoder_;
+    NumberedPictureEncoder encoder_;
 };
 
 } // namespace media

@@ -1,9 +1,9 @@
 // transition between clips: one runs into the other, pictures and sound.
-#include "effectengine/Interruption.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/JoinedFeed.h"
 #include "effectengine/media/encoders.h"
-#include "effectengine/media/overlap.h"
+#include "effectengine/media/threeStages.h"
 #include "pixels/rows.h"
 
 #include <algorithm>
@@ -95,7 +95,7 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     long long done = 0;
     long long number = 0;
 
-    overlap<JoinedIn, FrameOut>(ins, outs,
+    runThreeStages<JoinedIn, FrameOut>(ins, outs,
         {.produce = [&](JoinedIn& in) { return feed.next(in); },
             .process =
                 [&](JoinedIn& in, FrameOut& out) {

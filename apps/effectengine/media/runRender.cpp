@@ -1,11 +1,11 @@
 // render: a graph over a part of a clip, to numbered pictures, the same in one run or in many.
-#include "effectengine/Interruption.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/FrameFeed.h"
 #include "effectengine/media/Manifest.h"
-#include "effectengine/media/PictureEncoder.h"
-#include "effectengine/media/overlap.h"
+#include "effectengine/media/NumberedPictureEncoder.h"
+#include "effectengine/media/threeStages.h"
 #include "host/parts.h"
 
 #include <json/reader.h>
@@ -170,7 +170,7 @@ void render(
     const auto wanted = (long long)(missing.size());
     long long done = 0;
     std::map<long long, RenderedFrame> underWay;
-    PictureEncoder encoder(pattern, shapeOf(clip, size.width, size.height), {},
+    NumberedPictureEncoder encoder(pattern, shapeOf(clip, size.width, size.height), {},
         [&](long long number, std::span<const unsigned char> file) {
             writeWhole(numbered(pattern, number), file);
             manifest.add(underWay.at(number));
@@ -181,7 +181,7 @@ void render(
     FrameFeed feed(reader, size, range, host::preRollOf(description));
     feed.showOnly(std::move(missing));
 
-    overlap<FrameIn, FrameOut>(ins, outs,
+    runThreeStages<FrameIn, FrameOut>(ins, outs,
         {.produce = [&](FrameIn& in) { return feed.next(in); },
             .process =
                 [&](FrameIn& in, FrameOut& out) {

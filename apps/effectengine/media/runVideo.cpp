@@ -1,9 +1,9 @@
 // video: a clip through a graph of effects into another clip.
-#include "effectengine/Interruption.h"
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/FrameFeed.h"
 #include "effectengine/media/encoders.h"
-#include "effectengine/media/overlap.h"
+#include "effectengine/media/threeStages.h"
 #include "effectengine/media/yuvPixels.h"
 #include "host/parts.h"
 
@@ -141,7 +141,7 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     Progress progress(options.encoding.progress, "frames", expectedFrames(clip, range));
     long long done = 0;
 
-    overlap<FrameIn, FrameOut>(ins, outs,
+    runThreeStages<FrameIn, FrameOut>(ins, outs,
         {.produce = [&](FrameIn& in) { return feed.next(in); },
             .process =
                 [&](FrameIn& in, FrameOut& out) {

@@ -1,7 +1,7 @@
 // Frames before the one that is wanted, and what is said when nothing came of it.
-#include "effectengine/stills.h"
+#include "effectengine/StillGraph.h"
 
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 #include "model/CSimpleEffect.h"

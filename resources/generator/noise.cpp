@@ -1,5 +1,5 @@
 // Hashing of lattice points, and what is built on it.
-#include "Noise.h"
+#include "noise.h"
 
 #include <cmath>
 

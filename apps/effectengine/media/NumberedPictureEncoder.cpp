@@ -1,5 +1,5 @@
 // Picture codecs, and files written in one go.
-#include "effectengine/media/PictureEncoder.h"
+#include "effectengine/media/NumberedPictureEncoder.h"
 
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace media {
 
-PictureEncoder::PictureEncoder(
+NumberedPictureEncoder::NumberedPictureEncoder(
     const fs::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take)
     : encoder_(openEncoder(encoderOf(name, choice), shape, choice, false)),
       take_(std::move(take)),
@@ -23,20 +23,20 @@ PictureEncoder::PictureEncoder(
 {
 }
 
-void PictureEncoder::write(const AVFrame& frame, long long number)
+void NumberedPictureEncoder::write(const AVFrame& frame, long long number)
 {
     numbers_.push_back(number);
     require(avcodec_send_frame(encoder_.get(), &frame), "encoder");
     receive();
 }
 
-void PictureEncoder::finish()
+void NumberedPictureEncoder::finish()
 {
     require(avcodec_send_frame(encoder_.get(), nullptr), "encoder");
     receive();
 }
 
-void PictureEncoder::receive()
+void NumberedPictureEncoder::receive()
 {
     while (true) {
         const int result = avcodec_receive_packet(encoder_.get(), packet_.get());

@@ -10,13 +10,13 @@
 namespace media {
 
 /// Encodes several pictures at a time; they come out in the order in which they went in.
-class PictureEncoder {
+class NumberedPictureEncoder {
 public:
     /// Takes the finished picture with the number that it was given.
     using Take = std::function<void(long long number, std::span<const unsigned char> file)>;
 
     /// The kind of picture is that of the name's extension. Throws ToolError.
-    PictureEncoder(
+    NumberedPictureEncoder(
         const std::filesystem::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take);
 
     const AVCodecContext& encoder() const { return *encoder_; }

@@ -1,5 +1,5 @@
 // Inputs that are refilled before every frame.
-#include "effectengine/gallery/Scene.h"
+#include "effectengine/gallery/GalleryScene.h"
 
 #include "host/GraphDescription.h"
 #include "host/opacity.h"
@@ -41,7 +41,7 @@ GalleryLayout layoutFor(PictureSize picture)
     return {{width, height}, scale};
 }
 
-Scene::Scene(const GalleryLayout& layout, const std::filesystem::path& picture,
+GalleryScene::GalleryScene(const GalleryLayout& layout, const std::filesystem::path& picture,
     const std::optional<std::filesystem::path>& second)
     : work_(layout.work()),
       margin_{work_.width / kMarginShare, work_.height / kMarginShare},
@@ -55,7 +55,7 @@ Scene::Scene(const GalleryLayout& layout, const std::filesystem::path& picture,
     makeSecond(second);
 }
 
-void Scene::makeSecond(const std::optional<std::filesystem::path>& file)
+void GalleryScene::makeSecond(const std::optional<std::filesystem::path>& file)
 {
     if (file) {
         secondPicture_ = loadPicture(*file, work_);
@@ -69,13 +69,13 @@ void Scene::makeSecond(const std::optional<std::filesystem::path>& file)
         std::ranges::reverse(viewOf(secondPicture_).row(y));
 }
 
-bool Scene::isOpaque(unsigned inputs) const
+bool GalleryScene::isOpaque(unsigned inputs) const
 {
     CEffectImage* const pictures[] = {first_.handle(), second_.handle()};
     return host::areOpaque(std::span(pictures).first(std::min<std::size_t>(inputs, std::size(pictures))));
 }
 
-void Scene::show(std::optional<unsigned> frame)
+void GalleryScene::show(std::optional<unsigned> frame)
 {
     copy(secondPicture_, second_);
     if (!frame) {

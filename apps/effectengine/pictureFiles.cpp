@@ -1,5 +1,5 @@
 // Picture files through the engine's codecs, which need no graphics system.
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 
 #include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"

@@ -1,5 +1,5 @@
 // Quantising and writing.
-#include "PngFile.h"
+#include "pngFile.h"
 
 #include <png.h>
 

@@ -1,5 +1,5 @@
 // Signals become a flag.
-#include "effectengine/Interruption.h"
+#include "effectengine/interruption.h"
 
 #include <sys/time.h>
 #include <unistd.h>

@@ -22,7 +22,7 @@ std::vector<std::string> ownArguments()
     return arguments;
 }
 
-[[noreturn]] void handOver()
+[[noreturn]] void startClipsProgram()
 {
     const fs::path program =
         (fs::read_symlink("/proc/self/exe").parent_path() / EFFECTENGINE_CLIPS_PROGRAM).lexically_normal();
@@ -37,7 +37,7 @@ std::vector<std::string> ownArguments()
 
 } // namespace
 
-void runVideo(const VideoOptions&, const GraphOptions&, const SessionOptions&) { handOver(); }
-void runClipTransition(const ClipTransitionOptions&, const SessionOptions&) { handOver(); }
-void runRender(const RenderOptions&, const SessionOptions&) { handOver(); }
-void runCodecs() { handOver(); }
+void runVideo(const VideoOptions&, const GraphOptions&, const SessionOptions&) { startClipsProgram(); }
+void runClipTransition(const ClipTransitionOptions&, const SessionOptions&) { startClipsProgram(); }
+void runRender(const RenderOptions&, const SessionOptions&) { startClipsProgram(); }
+void runCodecs() { startClipsProgram(); }

@@ -1,7 +1,7 @@
 // What the effects of a gallery are shown on: the user's picture, still or moving, and a second one.
 #pragma once
 
-#include "effectengine/Pictures.h"
+#include "effectengine/pictureFiles.h"
 #include "model/EffectRegistry.h"
 
 #include <optional>
@@ -18,11 +18,11 @@ struct GalleryLayout {
 /// Cells of the picture's shape, 320 pixels wide or, for upright pictures, high.
 GalleryLayout layoutFor(PictureSize picture);
 
-class Scene {
+class GalleryScene {
 public:
     /// Without a second file the second picture is the first one mirrored, without colour. Needs a running
     /// engine. Throws ToolError.
-    Scene(const GalleryLayout& layout, const std::filesystem::path& picture,
+    GalleryScene(const GalleryLayout& layout, const std::filesystem::path& picture,
         const std::optional<std::filesystem::path>& second);
 
     /// The picture for an effect's input; the same memory for every effect.

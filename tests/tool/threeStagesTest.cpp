@@ -1,5 +1,5 @@
 // The three stages of a clip's way, without a clip.
-#include "effectengine/media/overlap.h"
+#include "effectengine/media/threeStages.h"
 
 #include <gtest/gtest.h>
 
@@ -13,13 +13,13 @@ struct Counted {
 
 constexpr int kPieces = 500;
 
-TEST(Overlap, HandsEveryPieceOnInOrderAndLeavesOutWhatIsNotToBeConsumed)
+TEST(ThreeStages, HandsEveryPieceOnInOrderAndLeavesOutWhatIsNotToBeConsumed)
 {
     std::vector<Counted> ins(3);
     std::vector<Counted> outs(2);
     std::vector<int> consumed;
     int next = 0;
-    media::overlap<Counted, Counted>(ins, outs,
+    media::runThreeStages<Counted, Counted>(ins, outs,
         {.produce =
                 [&](Counted& in) {
                     in.value = next;
@@ -38,7 +38,7 @@ TEST(Overlap, HandsEveryPieceOnInOrderAndLeavesOutWhatIsNotToBeConsumed)
     EXPECT_EQ(consumed, expected);
 }
 
-TEST(Overlap, EndsAllStagesWhenOneThrowsAndThrowsThatAgain)
+TEST(ThreeStages, EndsAllStagesWhenOneThrowsAndThrowsThatAgain)
 {
     for (const int failing : {0, 1, 2}) {
         std::vector<Counted> ins(3);
@@ -50,7 +50,7 @@ TEST(Overlap, EndsAllStagesWhenOneThrowsAndThrowsThatAgain)
             return true;
         };
         try {
-            media::overlap<Counted, Counted>(ins, outs,
+            media::runThreeStages<Counted, Counted>(ins, outs,
                 {.produce = [&](Counted&) { return step(0); },
                     .process = [&](Counted&, Counted&) { return step(1); },
                     .consume = [&](Counted&) { step(2); }});

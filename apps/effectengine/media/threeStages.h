@@ -70,7 +70,7 @@ template <class In, class Out> struct Stages {
 /// Runs the stages until produce() says that there is no more. What a stage throws ends the others, and is
 /// thrown again here once all threads have ended.
 template <class In, class Out>
-void overlap(std::vector<In>& ins, std::vector<Out>& outs, const Stages<In, Out>& stages)
+void runThreeStages(std::vector<In>& ins, std::vector<Out>& outs, const Stages<In, Out>& stages)
 {
     Handoff<In> freeIns;
     Handoff<In> readyIns;

@@ -1,5 +1,5 @@
 // Masks through cairo, and a stroke alphabet.
-#include "Drawing.h"
+#include "drawing.h"
 
 #include <memory>
 #include <stdexcept>
