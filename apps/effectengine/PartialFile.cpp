@@ -1,4 +1,4 @@
-// Writing beside, then renaming.
+// Writing under a hidden name beside the target, and renaming.
 #include "effectengine/PartialFile.h"
 
 #include "effectengine/ToolError.h"
@@ -62,11 +62,16 @@ bool isOfEndedProcess(std::string_view rest)
         && kill(process, 0) != 0 && errno == ESRCH;
 }
 
-void writeTextFile(const fs::path& file, const std::string& text)
+void writeFile(const fs::path& file, std::span<const unsigned char> bytes)
 {
     PartialFile partial(file);
-    partial.write({reinterpret_cast<const unsigned char*>(text.data()), text.size()});
+    partial.write(bytes);
     partial.keep();
+}
+
+void writeTextFile(const fs::path& file, const std::string& text)
+{
+    writeFile(file, {reinterpret_cast<const unsigned char*>(text.data()), text.size()});
 }
 
 void throwCannotWrite(const fs::path& file, int errorNumber)

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-/// Names a hidden file beside the target, with the target's extension, and removes it unless kept. A target
-/// that is a link stays one; what it leads to is replaced.
+/// Names a hidden file beside the target, with the target's extension, and removes it unless keep() was
+/// called. A target that is a link stays one; what it leads to is replaced.
 class PartialFile {
 public:
     explicit PartialFile(std::filesystem::path target);
@@ -17,15 +17,15 @@ public:
     PartialFile& operator=(const PartialFile&) = delete;
     ~PartialFile();
 
-    /// Where to write.
+    /// The hidden file, which the caller writes.
     const std::filesystem::path& path() const { return path_; }
     const std::filesystem::path& target() const { return target_; }
 
-    /// Makes the bytes all there is in the file. Throws ToolError.
+    /// Writes the whole contents of the hidden file. Throws ToolError.
     void write(std::span<const unsigned char> bytes) const;
 
-    /// The written file takes the target's name, and the permissions of what was there. Throws ToolError,
-    /// also when that was protected.
+    /// Gives the written file the target's name, and the permissions of the file that was there. Throws
+    /// ToolError, also when that file was protected.
     void keep();
 
 private:
@@ -35,11 +35,12 @@ private:
     bool kept_ = false;
 };
 
-/// Whether a name continues with the number of a process that is no more, and with nothing or a hyphen after
-/// it: what it left behind may go.
+/// Whether the rest of a name is the number of a process that has ended, alone or followed by a hyphen: what
+/// that process left behind may be removed.
 bool isOfEndedProcess(std::string_view rest);
 
-/// Writes a text as a whole. Throws ToolError; the target is then as it was before.
+/// Write a file as a whole. Throw ToolError; the target is then as it was before.
+void writeFile(const std::filesystem::path& file, std::span<const unsigned char> bytes);
 void writeTextFile(const std::filesystem::path& file, const std::string& text);
 
 /// Throws ToolError: diskFull when the error number says so, else cannotWrite.

@@ -1,9 +1,10 @@
-// Picture files through the engine's codecs, which need no graphics system.
+// Checks, loading and saving of picture files through the engine's codecs, which need no graphics system.
 #include "effectengine/pictureFiles.h"
 
 #include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
+#include "host/imageView.h"
 
 #include <unistd.h>
 
@@ -44,7 +45,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
     {"<?xml", "an XML file"},
 }};
 
-/// What a file seems to be by its first bytes, for people; empty for one that begins like nothing known.
+/// The name, for people, of the kind of file that the first bytes tell; empty for an unknown kind.
 std::string kindByBytes(std::istream& file)
 {
     char head[16] = {};
@@ -96,7 +97,7 @@ PictureSize upright(PictureSize stored, int orientation)
     return host::turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
 }
 
-// None when it cannot be read, or is larger than any file that carries metadata is decoded from.
+// All bytes of a file. None when it cannot be read, or is larger than any picture that can be decoded.
 std::vector<u8> contentsOf(const fs::path& file)
 {
     constexpr std::uintmax_t kLargest = 1 << 30;
@@ -109,11 +110,6 @@ std::vector<u8> contentsOf(const fs::path& file)
     stream.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(size));
     bytes.resize(std::size_t(stream.gcount()));
     return bytes;
-}
-
-pixels::View viewOf(const host::Image& image)
-{
-    return {image.bytes().data(), {int(image.width()), int(image.height())}};
 }
 
 } // namespace
@@ -193,11 +189,8 @@ host::Image loadPicture(const fs::path& file, PictureSize size)
     return image;
 }
 
-void checkOutput(const fs::path& file)
+void checkPlace(const fs::path& file)
 {
-    if (!canBeWritten(file))
-        throw ToolError(ExitCode::cannotWrite,
-            "cannot write " + file.string() + ": the name must end in .png, .jpg, .jpeg, .bmp or .tga");
     const fs::path directory = directoryOf(file);
     if (!fs::is_directory(directory))
         throw ToolError(ExitCode::cannotWrite, "no such directory: " + directory.string());
@@ -205,6 +198,14 @@ void checkOutput(const fs::path& file)
         throw ToolError(ExitCode::cannotWrite, "is a directory: " + file.string());
     if (access(directory.c_str(), W_OK) != 0)
         throw ToolError(ExitCode::cannotWrite, "no permission to write in " + directory.string());
+}
+
+void checkOutput(const fs::path& file)
+{
+    if (!canBeWritten(file))
+        throw ToolError(ExitCode::cannotWrite,
+            "cannot write " + file.string() + ": the name must end in .png, .jpg, .jpeg, .bmp or .tga");
+    checkPlace(file);
 }
 
 void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMetadata& metadata)
@@ -226,7 +227,5 @@ void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMet
             ExitCode::cannotWrite, "cannot write " + file.string() + ": its kind holds no such picture");
     if (!host::addPhotoMetadata(bytes, metadata, size.width, size.height))
         warn(file.string() + ": the EXIF data or the colour profile is too large for this kind of file");
-    PartialFile partial(file);
-    partial.write(bytes);
-    partial.keep();
+    writeFile(file, bytes);
 }

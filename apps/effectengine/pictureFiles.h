@@ -15,10 +15,10 @@ struct PictureSize {
 /// no picture.
 PictureSize sizeOf(const std::filesystem::path& file);
 
-/// What a file carries beside its pixels; nothing when it cannot be read.
+/// The metadata of a picture file; empty when the file cannot be read.
 host::PhotoMetadata metadataOf(const std::filesystem::path& file);
 
-/// "WIDTHxHEIGHT" of a command line. Throws ToolError.
+/// Reads "WIDTHxHEIGHT". Throws ToolError.
 PictureSize parseSize(const std::string& text);
 
 /// The size at which the engine can hold the picture: its own, or the largest of the same shape.
@@ -27,24 +27,28 @@ PictureSize fitted(PictureSize size);
 /// The picture, turned upright. Throws ToolError.
 host::Image loadPicture(const std::filesystem::path& file, PictureSize size);
 
-/// Throws ToolError when the name's extension is no kind of picture that can be written, or the directory
-/// is missing; to be asked before any work is done.
+/// To be called before any work is done: throws ToolError when the name's extension is no kind of picture
+/// that can be written, or the directory is missing.
 void checkOutput(const std::filesystem::path& file);
 
-/// The extension with its dot, in lower case.
+/// The name's extension with its dot, in lower case.
 std::string lowerExtension(const std::filesystem::path& file);
 
 /// Whether the extension names a kind of picture that can be written.
 bool canBeWritten(const std::filesystem::path& file);
 
-/// Where a file stands; "." for a bare name.
+/// The directory in which a file stands; "." for a bare name.
 std::filesystem::path directoryOf(const std::filesystem::path& file);
+
+/// Throws ToolError when no file of this name can be written: its directory is missing or closed, or it is
+/// one itself.
+void checkPlace(const std::filesystem::path& file);
 
 /// Makes a directory and those above it. Throws ToolError.
 void makeDirectory(const std::filesystem::path& directory);
 
-/// Writes beside the target, checks what was written, then renames. Throws ToolError; the target is then as
-/// it was before.
+/// Saves a picture: writes beside the target, checks what was written, then renames. Throws ToolError; the
+/// target is then as it was before.
 /// @param metadata  goes into files of kinds that have room for it
 void savePicture(
     CEffectImage* image, const std::filesystem::path& file, const host::PhotoMetadata& metadata = {});

@@ -1,4 +1,4 @@
-// sheet: effects side by side on the user's picture.
+// sheet: a contact sheet of effects on the user's picture.
 #include "effectengine/ContactSheet.h"
 #include "effectengine/EffectChoice.h"
 #include "effectengine/Progress.h"
@@ -8,6 +8,7 @@
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
 #include "host/exampleValues.h"
+#include "host/imageView.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,11 +41,10 @@ PictureSize tileSize(const Options& options)
     return {kTileWidth, unsigned(std::clamp(std::lround(height), 1L, long(2 * kTileWidth)))};
 }
 
-// What a transition goes to when the user named no second picture: the first one in grey, left to right.
+// Makes the second picture of a transition from the first where the user named none: grey, and mirrored.
 void turnAway(const host::Image& image)
 {
-    const auto bytes = image.bytes();
-    const pixels::View view(bytes.data(), {int(image.width()), int(image.height())});
+    const pixels::View view = viewOf(image);
     for (int y = 0; y < view.height(); ++y) {
         std::ranges::reverse(view.row(y));
         for (pixels::Bgra& p : view.row(y))
@@ -64,7 +64,8 @@ public:
             turnAway(pictures_[1]);
     }
 
-    // The effect as it looks at the time; one with a history has seen a still clip until then.
+    // Paints a tile with the effect as it looks at the time; an effect with a history has seen a still clip
+    // until then.
     void paint(const KEXSDK::EffectInfo& effect, ContactSheet& sheet, std::size_t tile) const
     {
         try {

@@ -1,4 +1,4 @@
-// Building and checking graphs.
+// Building and checking of graph descriptions.
 #include "host/GraphDescription.h"
 
 #include "engine/effectList.h"
@@ -70,7 +70,7 @@ void storeHostDefaults(GraphNode& node)
     }
 }
 
-// Depth first over the inputs; a node met again on the way down closes a cycle.
+// Sorts nodes depth first over their inputs; a node that is met again on the way down closes a cycle.
 class Sorter {
 public:
     explicit Sorter(const std::vector<GraphNode>& nodes)
@@ -269,9 +269,9 @@ std::vector<std::string> GraphDescription::warnings() const
                 lines.push_back("effect " + node.id + ": " + line);
         }
     }
-    const std::vector<std::size_t> kept = used();
+    const std::vector<std::size_t> leading = used();
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        if (std::ranges::find(kept, i) == kept.end())
+        if (std::ranges::find(leading, i) == leading.end())
             lines.push_back("node " + inQuotes(nodes[i].id) + " leads nowhere");
     }
     return lines;

@@ -1,9 +1,9 @@
-// Inputs that are refilled before every frame.
+// The pictures of the scene, and the window that drifts over the first one.
 #include "effectengine/gallery/GalleryScene.h"
 
 #include "host/GraphDescription.h"
+#include "host/imageView.h"
 #include "host/opacity.h"
-#include "pixels/View.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,18 +14,14 @@ namespace {
 
 constexpr unsigned kLongestSide = 320;
 constexpr unsigned kLargestScale = 3;
-constexpr unsigned kBlock = 16; ///< of JPEG files: cells of whole blocks do not bleed into each other
+constexpr unsigned kBlock =
+    16; ///< side of a JPEG file's blocks: cells of whole blocks do not mix at their edges
 constexpr unsigned kMarginShare = 6;
 constexpr double kFramesAround = 24;
 
 void copy(const host::Image& from, const host::Image& to)
 {
     std::memcpy(to.bytes().data(), from.bytes().data(), to.bytes().size());
-}
-
-pixels::View viewOf(const host::Image& image)
-{
-    return {image.bytes().data(), {int(image.width()), int(image.height())}};
 }
 
 } // namespace

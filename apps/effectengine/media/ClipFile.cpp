@@ -1,4 +1,4 @@
-// Encoding and multiplexing.
+// Encoding of frames, and writing of their packets together with those of the tracks.
 #include "effectengine/media/ClipFile.h"
 
 #include "effectengine/ToolError.h"
@@ -66,7 +66,7 @@ void ClipFile::addTrack(std::unique_ptr<SideTrack> source)
     if (!stream)
         throw std::bad_alloc();
     require(avcodec_parameters_copy(stream->codecpar, &source->parameters()), "stream");
-    stream->codecpar->codec_tag = 0; // containers have marks of their own
+    stream->codecpar->codec_tag = 0; // each container marks the codec in its own way
     stream->time_base = source->timeBase();
     av_dict_copy(&stream->metadata, source->metadata(), 0);
     tracks_.push_back({std::move(source), stream});
@@ -80,7 +80,7 @@ Colour ClipFile::colour() const
         encoder_->chroma_sample_location};
 }
 
-void ClipFile::write(AVFrame& frame, long long, std::int64_t duration)
+void ClipFile::write(AVFrame& frame, const FramePlace& place)
 {
     if (palette_)
         palette_->apply(frame);
@@ -88,10 +88,11 @@ void ClipFile::write(AVFrame& frame, long long, std::int64_t duration)
     if (lastTime_ != AV_NOPTS_VALUE && frame.pts <= lastTime_)
         frame.pts = lastTime_ + 1; // a coarser unit than the clip's
     lastTime_ = frame.pts;
-    if (duration > 0)
-        durations_[frame.pts] = av_rescale_q(duration, unit_, encoder_->time_base);
+    if (place.duration > 0)
+        durations_[frame.pts] = av_rescale_q(place.duration, unit_, encoder_->time_base);
     frame.pict_type = AV_PICTURE_TYPE_NONE;
     encode(&frame);
+    tellWritten();
 }
 
 void ClipFile::encode(AVFrame* frame)
@@ -138,7 +139,7 @@ void ClipFile::writePacket(AVPacket& packet) { check(av_interleaved_write_frame(
 
 void ClipFile::check(int result)
 {
-    // A write that a buffer took fails later, and only the stream remembers.
+    // A write into a buffer may fail later; then only the stream holds the error.
     if (result >= 0 && output_->pb && output_->pb->error < 0)
         result = output_->pb->error;
     if (result < 0)

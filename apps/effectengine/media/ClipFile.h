@@ -1,4 +1,4 @@
-// A clip file as it is written.
+// The output of a verb as a clip file: pictures, sound and subtitles.
 #pragma once
 
 #include "effectengine/PartialFile.h"
@@ -18,7 +18,7 @@ public:
 
     AVPixelFormat format() const override;
     Colour colour() const override;
-    void write(AVFrame& frame, long long number, std::int64_t duration) override;
+    void write(AVFrame& frame, const FramePlace& place) override;
     void finish() override;
 
 private:

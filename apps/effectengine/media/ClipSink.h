@@ -1,9 +1,11 @@
-// Where finished frames go: a clip file or numbered pictures.
+// Outputs for finished frames: a clip file or numbered pictures.
 #pragma once
 
-#include "effectengine/media/ClipReader.h"
+#include "effectengine/clipVerbs.h"
+#include "effectengine/media/ClipFrame.h"
 #include "effectengine/media/SideTrack.h"
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -24,28 +26,44 @@ struct FrameShape {
 /// The shape of a clip's frames, scaled to a size; opaque.
 FrameShape shapeOf(const ClipInfo& clip, int width, int height);
 
+/// The encoder and its settings, as the user chose them.
 struct EncoderChoice {
     std::string codec;          ///< an encoder's or codec's name; empty: by the output's name
     std::optional<int> quality; ///< in the encoder's own measure; lower is better
     std::vector<std::pair<std::string, std::string>> options;
-    bool needsAlpha = false; ///< rather an error than an opaque output
+    bool needsAlpha = false; ///< an output that must be opaque is an error
 };
 
+/// An output for the frames of a clip.
 class ClipSink {
 public:
     virtual ~ClipSink() = default;
 
-    /// What write() wants.
+    /// The format and the colours of the frames that write() takes.
     virtual AVPixelFormat format() const = 0;
     virtual Colour colour() const = 0;
 
-    /// Frames come in ascending order of their pts, which counts in the shape's time base from 0.
-    /// @param number    of the frame in its clip
-    /// @param duration  in the time base, 0 unknown
-    virtual void write(AVFrame& frame, long long number, std::int64_t duration) = 0;
+    /// Takes frames in ascending order of their pts, which counts in the shape's time base from 0. Throws.
+    /// @param place  of the frame in its clip; its duration counts in the shape's time base
+    virtual void write(AVFrame& frame, const FramePlace& place) = 0;
 
-    /// Everything is complete and takes its place. Without this call nothing stays. Throws ToolError.
+    /// Completes the output, which takes its place. Without this call a clip, or a sequence of pictures, is
+    /// removed; of rendered pictures those stay that are complete. Throws ToolError.
     virtual void finish() = 0;
+
+    /// Has a function called for each frame that was written, on the thread that calls write() or finish().
+    void whenWritten(std::function<void()> function) { written_ = std::move(function); }
+
+protected:
+    /// To be called by the sink once for each frame.
+    void tellWritten() const
+    {
+        if (written_)
+            written_();
+    }
+
+private:
+    std::function<void()> written_;
 };
 
 /// Whether the name stands for numbered pictures.
@@ -54,10 +72,14 @@ bool isPictureSequence(const std::filesystem::path& out);
 /// The container that the name stands for. Throws ToolError.
 const AVOutputFormat& containerFor(const std::filesystem::path& out);
 
+/// Throws ToolError when the output would replace one of the inputs.
+void checkNotItself(const std::filesystem::path& in, const std::filesystem::path& out);
+
 /// Throws ToolError when the name is none that can be written, or its directory is missing or closed.
 void checkClipOutput(const std::filesystem::path& out);
 
-/// Throws ToolError: unknown codec or option, or a file that cannot be written. `tracks` go along in a file.
+/// Opens a clip or a sequence of pictures, by the name; `tracks` go along in a clip. Throws ToolError:
+/// unknown codec or option, or a file that cannot be written.
 std::unique_ptr<ClipSink> openSink(const std::filesystem::path& out, const FrameShape& shape,
     const EncoderChoice& choice, SideTracks tracks);
 

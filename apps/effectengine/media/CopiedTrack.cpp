@@ -1,4 +1,4 @@
-// Packets of one stream within a span.
+// Packets of one stream within a span, with their times moved to its start.
 #include "effectengine/media/CopiedTrack.h"
 
 #include "effectengine/media/openClip.h"
@@ -20,8 +20,7 @@ CopiedTrack::CopiedTrack(const std::filesystem::path& clip, int stream, Span spa
     : input_(openClip(clip)),
       stream_(stream)
 {
-    for (unsigned i = 0; i < input_->nb_streams; ++i)
-        input_->streams[i]->discard = int(i) == stream ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    readOnly(*input_, stream);
     const AVRational unit = timeBase();
     const std::int64_t start =
         input_->start_time == AV_NOPTS_VALUE ? 0 : av_rescale_q(input_->start_time, AV_TIME_BASE_Q, unit);
@@ -41,7 +40,7 @@ bool CopiedTrack::next(AVPacket& packet)
         if (packet.stream_index != stream_)
             continue;
         const std::int64_t time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-        // The beginning of a whole stream stays, also what a decoder needs before time 0.
+        // A stream that is not cut keeps all packets, those before time 0 too, which a decoder may need.
         if (time == AV_NOPTS_VALUE || (cut_ && time + packet.duration <= from_))
             continue;
         if (time >= to_)

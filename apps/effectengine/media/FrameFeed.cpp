@@ -1,7 +1,8 @@
-// Skipping, pre-roll, conversion.
+// The choice of frames that are read, seen by effects, and shown.
 #include "effectengine/media/FrameFeed.h"
 
 #include "effectengine/interruption.h"
+#include "host/imageView.h"
 #include "host/parts.h"
 
 namespace media {
@@ -21,7 +22,7 @@ bool FrameFeed::shown(long long frame) const
     return range_.holds(frame) && (!only_ || only_->contains(frame));
 }
 
-// Whether a shown frame lies at most the pre-roll ahead.
+// Whether effects must see the frame: it is shown itself, or a shown one follows within the pre-roll.
 bool FrameFeed::seen(long long frame) const
 {
     const long long reach = preRoll_ >= FrameRange::kOpen - frame ? FrameRange::kOpen : frame + preRoll_;
@@ -31,7 +32,7 @@ bool FrameFeed::seen(long long frame) const
     return next != only_->end() && *next <= reach;
 }
 
-bool FrameFeed::next(FrameIn& in)
+bool FrameFeed::next(ClipFrame& in)
 {
     if (!started_) {
         const long long first = only_ && !only_->empty() ? *only_->begin() : range_.first;
@@ -49,8 +50,7 @@ bool FrameFeed::next(FrameIn& in)
     in.place = {reader_.index(), in.frame->pts, in.frame->pts - reader_.firstTime(), in.frame->pkt_duration,
         reader_.damaged()};
     in.shown = shown(reader_.index());
-    if (in.picture)
-        convert_.convert(*in.frame, viewOf(*in.picture));
+    convert_.convert(*in.frame, viewOf(in.pictures.front()));
     return true;
 }
 

@@ -1,8 +1,9 @@
-// The first stage: frames of a clip, or of a part of it, as the effects want them.
+// Reads the frames of a clip, or of a part of it, that effects must see, and converts them to pictures.
 #pragma once
 
-#include "effectengine/media/ClipJob.h"
+#include "effectengine/media/ClipFrame.h"
 #include "effectengine/media/FrameRange.h"
+#include "effectengine/media/PictureConversion.h"
 
 #include <set>
 
@@ -18,9 +19,9 @@ public:
     /// Shows only the frames of the range that this accepts; to be set before the first next().
     void showOnly(std::set<long long> frames);
 
-    /// The next frame that effects must see, its picture filled when it has one. False after the last.
+    /// The next frame that effects must see, with its picture. False after the last.
     /// Throws what the reader throws, and when a stop is asked.
-    bool next(FrameIn& in);
+    bool next(ClipFrame& in);
 
 private:
     bool shown(long long frame) const;

@@ -1,7 +1,8 @@
-// Which frames stand at a time.
+// The frames of both clips in the order of their times.
 #include "effectengine/media/JoinedFeed.h"
 
 #include "effectengine/interruption.h"
+#include "host/imageView.h"
 
 #include <algorithm>
 
@@ -41,44 +42,44 @@ JoinedFeed::JoinedFeed(ClipReader& first, ClipReader& second, pixels::Extent siz
     second_.advance(); // shows its first frame until the next one's time has come
 }
 
-bool JoinedFeed::next(JoinedIn& in)
+bool JoinedFeed::next(ClipFrame& in)
 {
+    in.place.number = number_++;
     if (firstIsOver_)
         return nextOfSecond(in);
     if (first_.hasAhead) {
         time_ = std::max(time_ + 1, first_.timeAhead(unit_));
         first_.advance();
-        in.duration = av_rescale_q(first_.shown->pkt_duration, first_.reader.info().timeBase, unit_);
+        in.place.duration = av_rescale_q(first_.shown->pkt_duration, first_.reader.info().timeBase, unit_);
     } else {
         time_ += step_;
-        in.duration = step_;
+        in.place.duration = step_;
     }
     if (time_ >= end_) {
         firstIsOver_ = true;
         return nextOfSecond(in);
     }
-    in.time = time_;
-    first_.picture(*in.first);
-    in.part = JoinedIn::Part::first;
-    if (time_ >= at_) {
-        in.part = JoinedIn::Part::both;
+    in.place.time = time_;
+    first_.picture(in.pictures[0]);
+    in.present = {true, time_ >= at_};
+    if (in.present[1]) {
         while (second_.hasAhead && second_.timeAhead(unit_) <= time_ - at_)
             second_.advance();
-        second_.picture(*in.second);
+        second_.picture(in.pictures[1]);
     }
     return true;
 }
 
-bool JoinedFeed::nextOfSecond(JoinedIn& in)
+bool JoinedFeed::nextOfSecond(ClipFrame& in)
 {
     while (second_.hasAhead) {
-        in.time = at_ + second_.timeAhead(unit_);
+        in.place.time = at_ + second_.timeAhead(unit_);
         second_.advance();
-        if (in.time < end_)
+        if (in.place.time < end_)
             continue;
-        in.duration = av_rescale_q(second_.shown->pkt_duration, second_.reader.info().timeBase, unit_);
-        in.part = JoinedIn::Part::second;
-        second_.picture(*in.second);
+        in.place.duration = av_rescale_q(second_.shown->pkt_duration, second_.reader.info().timeBase, unit_);
+        in.present = {false, true};
+        second_.picture(in.pictures[1]);
         return true;
     }
     return false;

@@ -1,9 +1,8 @@
-// The manifest, its journal, and the hash.
+// The manifest's JSON, its journal, and the hash of a frame.
 #include "effectengine/media/Manifest.h"
 
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
-#include "effectengine/media/NumberedPictureEncoder.h"
 
 #include <json/json.h>
 
@@ -45,7 +44,7 @@ Json::Value toJson(const RenderedFrame& frame)
     return value;
 }
 
-// No value when the line is torn or no frame.
+// The frame that a line of the journal notes; no value for a line that is cut short or notes none.
 std::optional<RenderedFrame> frameOf(const Json::Value& value)
 {
     if (!value.isObject() || !value["frame"].isInt64() || !value["time"].isNumeric()
@@ -61,7 +60,7 @@ Manifest::Manifest(fs::path file, const Json::Value& settings)
     : file_(std::move(file)),
       journalFile_(file_.string() + ".partial")
 {
-    // As a file would give it back, so that it compares with one.
+    // Written and read again, so that numbers compare equal to those of a file.
     parse(text(settings, ""), settings_);
 }
 
@@ -95,7 +94,7 @@ void Manifest::loadJournal()
     if (!stream)
         throw ToolError(ExitCode::unreadable, "cannot read " + journalFile_.string());
     if (!std::getline(stream, line) || !parse(line, value))
-        return; // ended before it noted anything
+        return; // the earlier run ended before it noted anything
     checkSettings(value["settings"]);
     while (std::getline(stream, line))
         if (parse(line, value))
@@ -116,14 +115,14 @@ void Manifest::begin()
 {
     std::error_code ignored;
     fs::remove(file_, ignored);
-    // Written whole, so a kill at this moment does not lose the frames of the run before.
+    // The journal appears whole, so a kill at this moment does not lose the frames of the earlier run.
     Json::Value head;
     head["format"] = kFormat;
     head["settings"] = settings_;
     std::string lines = text(head, "");
     for (const auto& [number, frame] : frames_)
         lines += text(toJson(frame), "");
-    writeWhole(journalFile_, {reinterpret_cast<const unsigned char*>(lines.data()), lines.size()});
+    writeTextFile(journalFile_, lines);
     errno = 0;
     journal_.open(journalFile_, std::ios::binary | std::ios::app);
     if (!journal_)
@@ -154,8 +153,7 @@ void Manifest::finish()
     value["frames"] = Json::Value(Json::arrayValue);
     for (const auto& [number, frame] : frames_)
         value["frames"].append(toJson(frame));
-    const std::string content = text(value, " ");
-    writeWhole(file_, {reinterpret_cast<const unsigned char*>(content.data()), content.size()});
+    writeTextFile(file_, text(value, " "));
     std::error_code ignored;
     fs::remove(journalFile_, ignored);
 }

@@ -1,14 +1,9 @@
-// Picture codecs, and files written in one go.
+// Frames into the encoder, files out of it, and the names of numbered files.
 #include "effectengine/media/NumberedPictureEncoder.h"
 
-#include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/media/encoders.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <climits>
 
 namespace fs = std::filesystem;
@@ -57,27 +52,6 @@ fs::path numbered(const fs::path& pattern, long long number)
         throw ToolError(ExitCode::usage,
             pattern.string() + " needs one place for the number of the picture, such as %06d");
     return name;
-}
-
-void writeWhole(const fs::path& file, std::span<const unsigned char> bytes)
-{
-    PartialFile partial(file);
-    const int descriptor = open(partial.path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        throwCannotWrite(file, errno);
-    int error = 0;
-    while (!bytes.empty() && !error) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written >= 0)
-            bytes = bytes.subspan(std::size_t(written));
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (close(descriptor) != 0 && !error)
-        error = errno;
-    if (error)
-        throwCannotWrite(file, error);
-    partial.keep();
 }
 
 } // namespace media

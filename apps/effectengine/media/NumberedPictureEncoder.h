@@ -1,4 +1,4 @@
-// Frames as picture files in memory.
+// Encodes numbered frames as picture files in memory, through the codecs for clips.
 #pragma once
 
 #include "effectengine/media/ClipSink.h"
@@ -9,10 +9,10 @@
 
 namespace media {
 
-/// Encodes several pictures at a time; they come out in the order in which they went in.
+/// Encodes several frames at a time; their files come out in the order in which the frames went in.
 class NumberedPictureEncoder {
 public:
-    /// Takes the finished picture with the number that it was given.
+    /// Takes a finished file with the number of its frame.
     using Take = std::function<void(long long number, std::span<const unsigned char> file)>;
 
     /// The kind of picture is that of the name's extension. Throws ToolError.
@@ -21,9 +21,9 @@ public:
 
     const AVCodecContext& encoder() const { return *encoder_; }
 
-    /// Throws what take() throws.
+    /// Encodes a frame. It and files of earlier frames may come out now or later; throws what Take throws.
     void write(const AVFrame& frame, long long number);
-    /// The last pictures come out.
+    /// Brings out the files of all frames that are still within the encoder.
     void finish();
 
 private:
@@ -32,13 +32,10 @@ private:
     Codec encoder_;
     Take take_;
     Packet packet_;
-    std::deque<long long> numbers_; ///< of the pictures within the encoder
+    std::deque<long long> numbers_; ///< of the frames within the encoder
 };
 
 /// The file of a numbered picture. Throws ToolError when the name holds no place for a number.
 std::filesystem::path numbered(const std::filesystem::path& pattern, long long number);
-
-/// Writes a file beside and renames it. Throws ToolError.
-void writeWhole(const std::filesystem::path& file, std::span<const unsigned char> bytes);
 
 } // namespace media

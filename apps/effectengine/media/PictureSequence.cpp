@@ -1,4 +1,4 @@
-// Pictures gather in a hidden directory, then move.
+// Pictures in a hidden directory, moved to their places when all are complete.
 #include "effectengine/media/PictureSequence.h"
 
 #include "effectengine/PartialFile.h"
@@ -15,7 +15,7 @@ PictureSequence::PictureSequence(
       workplace_(pattern.parent_path() / (".effectengine." + std::to_string(getpid()))),
       encoder_(pattern, shape, choice, [this](long long number, std::span<const unsigned char> bytes) {
           const fs::path name = numbered(pattern_, number).filename();
-          writeWhole(workplace_ / name, bytes);
+          writeFile(workplace_ / name, bytes);
           names_.push_back(name);
       })
 {
@@ -36,7 +36,11 @@ Colour PictureSequence::colour() const
     return {.range = encoder_.encoder().color_range, .space = encoder_.encoder().colorspace};
 }
 
-void PictureSequence::write(AVFrame& frame, long long number, std::int64_t) { encoder_.write(frame, number); }
+void PictureSequence::write(AVFrame& frame, const FramePlace& place)
+{
+    encoder_.write(frame, place.number);
+    tellWritten();
+}
 
 void PictureSequence::finish()
 {

@@ -1,4 +1,4 @@
-// Numbered pictures that appear together once all are complete.
+// The output of a verb as numbered pictures, which appear together when all are complete.
 #pragma once
 
 #include "effectengine/media/NumberedPictureEncoder.h"
@@ -14,7 +14,7 @@ public:
 
     AVPixelFormat format() const override { return encoder_.encoder().pix_fmt; }
     Colour colour() const override;
-    void write(AVFrame& frame, long long number, std::int64_t duration) override;
+    void write(AVFrame& frame, const FramePlace& place) override;
     void finish() override;
 
 private:

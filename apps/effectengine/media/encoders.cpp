@@ -1,4 +1,4 @@
-// Sensible settings by codec; the user's own come last.
+// Settings, formats and time bases by codec; the user's own settings come last.
 #include "effectengine/media/encoders.h"
 
 #include "effectengine/ToolError.h"
@@ -6,14 +6,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <span>
 
 namespace media {
 
 namespace {
 
-/// What an encoder is told unless the user says otherwise.
+/// The settings of an encoder unless the user chose others.
 struct Settings {
     std::string_view encoder;
     std::string_view quality; ///< name of the option that --quality sets
@@ -36,7 +35,7 @@ const Settings* settingsOf(std::string_view encoder)
     return found == kSettings.end() ? nullptr : &*found;
 }
 
-constexpr int kUsualScale = 3; // of encoders without a rate factor: quantiser 2 to 31
+constexpr int kUsualScale = 3; // quantiser, 2 to 31, of encoders without a rate factor
 
 std::span<const AVPixelFormat> formatsOf(const AVCodec& codec)
 {
@@ -46,7 +45,7 @@ std::span<const AVPixelFormat> formatsOf(const AVCodec& codec)
     return {codec.pix_fmts, end};
 }
 
-// 8-bit YUV with the source's chroma resolution.
+// The 8-bit YUV format with the source's chroma resolution, as far as codec and size allow it.
 AVPixelFormat wantedFormat(const AVCodec& codec, const FrameShape& shape)
 {
     const AVPixFmtDescriptor* const source = av_pix_fmt_desc_get(shape.sourceFormat);
@@ -59,15 +58,14 @@ AVPixelFormat wantedFormat(const AVCodec& codec, const FrameShape& shape)
     }
     const bool evenOnly = codec.id == AV_CODEC_ID_H264 || codec.id == AV_CODEC_ID_HEVC;
     if (evenOnly && ((shape.width % 2 && columns) || (shape.height % 2 && rows))) {
-        std::fprintf(stderr,
-            "effectengine: warning: odd size %d x %d: written as 4:4:4, which some players cannot show\n",
-            shape.width, shape.height);
+        ::warn("odd size " + std::to_string(shape.width) + " x " + std::to_string(shape.height)
+            + ": written as 4:4:4, which some players cannot show");
         columns = rows = 0;
     }
     return !columns ? AV_PIX_FMT_YUV444P : rows ? AV_PIX_FMT_YUV420P : AV_PIX_FMT_YUV422P;
 }
 
-// The format with transparency that loses least, or none.
+// The offered format with transparency that loses least; AV_PIX_FMT_NONE when there is none.
 AVPixelFormat alphaFormat(
     std::span<const AVPixelFormat> offered, const FrameShape& shape, AVPixelFormat opaque)
 {
@@ -138,7 +136,7 @@ void applyChoice(AVCodecContext& encoder, const EncoderChoice& choice)
         setOption(encoder, name, value);
 }
 
-// Old codecs count frames at one of a few rates instead of carrying times.
+// Chooses the unit of times. Old codecs have none: they count frames at one of a few rates.
 void chooseTimeBase(AVCodecContext& encoder, const FrameShape& shape)
 {
     encoder.framerate = shape.frameRate;
@@ -152,6 +150,19 @@ void chooseTimeBase(AVCodecContext& encoder, const FrameShape& shape)
 }
 
 } // namespace
+
+EncoderChoice choiceOf(const EncodingOptions& options)
+{
+    EncoderChoice choice{options.codec, options.quality, {}, options.alpha == AlphaChoice::keep};
+    for (const std::string& option : options.encoderOptions) {
+        const std::size_t equals = option.find('=');
+        if (equals == std::string::npos || equals == 0)
+            throw ToolError(
+                ExitCode::usage, "an encoder's option is written name=value, not \"" + option + "\"");
+        choice.options.push_back({option.substr(0, equals), option.substr(equals + 1)});
+    }
+    return choice;
+}
 
 const AVCodec& encoderNamed(const std::string& name)
 {
@@ -202,7 +213,7 @@ Codec openEncoder(
             "encoder " + std::string(codec.name)
                 + " knows no transparency; choose another --codec or name, or leave out --alpha keep");
     if (codec.id == AV_CODEC_ID_VP8 && hasAlpha(encoder->pix_fmt))
-        setOption(*encoder, "auto-alt-ref", "0"); // cannot be had together
+        setOption(*encoder, "auto-alt-ref", "0"); // the encoder has no transparency with it
     encoder->thread_count = 0;
     chooseTimeBase(*encoder, shape);
     const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(encoder->pix_fmt);
@@ -210,7 +221,7 @@ Codec openEncoder(
         const AVPixFmtDescriptor* const source = av_pix_fmt_desc_get(shape.sourceFormat);
         const bool fromYuv = source && !(source->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL));
         Colour colour = fromYuv ? shape.colour : Colour{};
-        // Pictures carry no matrix; the one that is used must be told.
+        // Picture files do not tell a matrix, so the one that readers assume is chosen.
         if (!fromYuv)
             colour = completed(colour, encoder->pix_fmt, shape.width, shape.height);
         if (codec.id == AV_CODEC_ID_MJPEG)

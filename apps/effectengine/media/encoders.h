@@ -1,9 +1,12 @@
-// The choice of an encoder and of its settings.
+// Encoders: which one an output gets, and with which settings.
 #pragma once
 
 #include "effectengine/media/ClipSink.h"
 
 namespace media {
+
+/// The settings in the options of a command line. Throws ToolError.
+EncoderChoice choiceOf(const EncodingOptions& options);
 
 /// An opened encoder for frames of the shape, with its time base and pixel format chosen.
 /// @param globalHeader  the container keeps the codec's data apart
@@ -11,7 +14,7 @@ namespace media {
 Codec openEncoder(
     const AVCodec& codec, const FrameShape& shape, const EncoderChoice& choice, bool globalHeader);
 
-/// The encoder with this name, or for the codec with this name. Throws ToolError.
+/// The encoder of this name, or the usual one for the codec of this name. Throws ToolError.
 const AVCodec& encoderNamed(const std::string& name);
 
 /// The chosen encoder, or the one that the name stands for: of a clip, or of numbered pictures. Throws

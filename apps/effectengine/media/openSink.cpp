@@ -1,9 +1,8 @@
-// From an output's name to the thing that writes it.
+// Outputs by their names: what the name stands for, whether it can be written, and the sink that writes it.
 #include "effectengine/ToolError.h"
 #include "effectengine/media/ClipFile.h"
 #include "effectengine/media/PictureSequence.h"
-
-#include <unistd.h>
+#include "effectengine/pictureFiles.h"
 
 namespace fs = std::filesystem;
 
@@ -14,7 +13,7 @@ FrameShape shapeOf(const ClipInfo& clip, int width, int height)
     FrameShape shape{
         width, height, clip.timeBase, clip.frameRate, clip.sampleAspect, clip.format, clip.colour};
     if (clip.sampleAspect.num && (width != clip.width || height != clip.height)) {
-        // The picture keeps its shape on the screen.
+        // Pixels of another aspect, so that the picture keeps its shape on the screen.
         const AVRational scale{clip.width * height, clip.height * width};
         shape.sampleAspect = av_mul_q(clip.sampleAspect, scale);
     }
@@ -39,13 +38,14 @@ const AVOutputFormat& containerFor(const fs::path& out)
 void checkClipOutput(const fs::path& out)
 {
     containerFor(out);
-    const fs::path directory = out.parent_path().empty() ? "." : out.parent_path();
-    if (!fs::is_directory(directory))
-        throw ToolError(ExitCode::cannotWrite, "no such directory: " + directory.string());
-    if (fs::is_directory(out))
-        throw ToolError(ExitCode::cannotWrite, "is a directory: " + out.string());
-    if (access(directory.c_str(), W_OK) != 0)
-        throw ToolError(ExitCode::cannotWrite, "no permission to write in " + directory.string());
+    checkPlace(out);
+}
+
+void checkNotItself(const fs::path& in, const fs::path& out)
+{
+    std::error_code ignored;
+    if (in == out || fs::equivalent(in, out, ignored))
+        throw ToolError(ExitCode::usage, out.string() + " is the input; it would be replaced");
 }
 
 std::unique_ptr<ClipSink> openSink(

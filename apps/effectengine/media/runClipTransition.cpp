@@ -1,10 +1,12 @@
-// transition between clips: one runs into the other, pictures and sound.
+// transition between clips: pictures and sound of one clip run into those of another.
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
 #include "effectengine/media/JoinedFeed.h"
+#include "effectengine/media/clipPipeline.h"
+#include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/encoders.h"
-#include "effectengine/media/threeStages.h"
-#include "pixels/rows.h"
+#include "effectengine/media/transparency.h"
+#include "effectengine/media/workingSize.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,7 +15,7 @@ namespace media {
 
 namespace {
 
-/// Divides by all usual frame rates; for clips whose own unit is too coarse for another clip's times.
+/// A unit of times that all usual frame rates divide, for clips whose own unit is too coarse.
 constexpr AVRational kFineUnit{1, 90000};
 
 AVRational unitFor(const ClipInfo& first)
@@ -41,13 +43,34 @@ double startOf(const ClipTransitionOptions& options, const ClipInfo& first)
     return *options.at;
 }
 
-void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
+host::GraphDescription transitionNamed(const std::string& effect)
 {
     host::GraphDescription description;
-    description.append(options.effect);
+    description.append(effect);
     description.finish();
     if (description.sources() != 2)
         throw ToolError(ExitCode::usage, "effect " + description.output + " is no transition");
+    return description;
+}
+
+/// @param at  when the second clip begins, in seconds
+long long expectedFrames(const ClipInfo& first, const ClipInfo& second, double at, double duration)
+{
+    const double afterwards = std::max(0.0, second.duration - duration) * second.rate();
+    return std::llround((at + duration) * first.rate() + afterwards);
+}
+
+SideTracks tracksFor(const ClipTransitionOptions& options, double at)
+{
+    if (isPictureSequence(options.out))
+        return {};
+    return crossfadedTracks(
+        options.from, options.to, at, options.duration, containerFor(options.out), options.out);
+}
+
+void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
+{
+    const host::GraphDescription description = transitionNamed(options.effect);
     ClipReader first(options.from);
     ClipReader second(options.to);
     checkClipOutput(options.out);
@@ -68,67 +91,29 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
         keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&first.info(), &second.info()});
     const pixels::Extent secondSize =
         options.stretch ? size : shapedLike(second.info(), size, shape.sampleAspect);
-    SideTracks tracks;
-    if (!isPictureSequence(options.out))
-        tracks = crossfadedTracks(
-            options.from, options.to, at, options.duration, containerFor(options.out), options.out);
-    const auto sink = openSink(options.out, shape, choice, std::move(tracks));
+    const auto sink = openSink(options.out, shape, choice, tracksFor(options, at));
     warnOfDepth(first.info());
     warnOfDepth(second.info());
 
-    std::vector<JoinedIn> ins(kFramesUnderWay);
-    std::vector<FrameOut> outs(kFramesUnderWay);
-    for (JoinedIn& in : ins) {
-        in.first.emplace(unsigned(size.width), unsigned(size.height));
-        in.second.emplace(unsigned(size.width), unsigned(size.height));
-        pixels::rows::map(viewOf(*in.second), viewOf(*in.second), [](pixels::Bgra) -> pixels::Bgra {
-            return {0, 0, 0, 255}; // what the second clip leaves free
-        });
-    }
     JoinedFeed feed(first, second, size, secondSize, unit, begin, duration);
-    FromPicture toFrame(sink->format(), sink->colour(), shape.keepsAlpha);
-    AlphaWarning firstWarning(first.info(), options.encoding.alpha, sink->format());
-    AlphaWarning secondWarning(second.info(), options.encoding.alpha, sink->format());
-    const double afterwards = std::max(0.0, second.info().duration - options.duration) * second.info().rate();
-    Progress progress(options.encoding.progress, "frames",
-        std::llround((at + options.duration) * first.info().rate() + afterwards));
-    long long done = 0;
-    long long number = 0;
-
-    runThreeStages<JoinedIn, FrameOut>(ins, outs,
-        {.produce = [&](JoinedIn& in) { return feed.next(in); },
-            .process =
-                [&](JoinedIn& in, FrameOut& out) {
-                    stopIfAsked();
-                    CEffectImage* result = in.first->handle();
-                    if (in.part != JoinedIn::Part::second)
-                        firstWarning.look(viewOf(*in.first));
-                    if (in.part != JoinedIn::Part::first)
-                        secondWarning.look(viewOf(*in.second));
-                    if (in.part == JoinedIn::Part::second)
-                        result = in.second->handle();
-                    if (in.part == JoinedIn::Part::both) {
-                        graph.setSource(*in.first, 0);
-                        graph.setSource(*in.second, 1);
-                        result = graph.run({.seconds = double(in.time - begin) * av_q2d(unit),
-                            .frameRate = first.info().rate(),
-                            .total = options.duration});
-                    }
-                    toFrame.convert(viewOf(result), *out.frame);
-                    out.place = {.number = number++, .time = in.time, .duration = in.duration};
-                    return true;
-                },
-            .consume =
-                [&](FrameOut& out) {
-                    out.frame->pts = out.place.time;
-                    sink->write(*out.frame, out.place.number, out.place.duration);
-                    progress.report(++done);
-                }});
-    warnOfDamage(first);
-    warnOfDamage(second);
-    stopIfAsked();
-    sink->finish();
-    progress.finish();
+    const auto picture = [&](const ClipFrame& frame) {
+        if (!frame.present[0] || !frame.present[1])
+            return frame.pictures[frame.present[0] ? 0 : 1].handle();
+        graph.setSource(frame.pictures[0], 0);
+        graph.setSource(frame.pictures[1], 1);
+        return graph.run({.seconds = double(frame.place.time - begin) * av_q2d(unit),
+            .frameRate = first.info().rate(),
+            .total = options.duration});
+    };
+    runPipeline({.clips = {&first, &second},
+        .sink = *sink,
+        .size = size,
+        .alpha = options.encoding.alpha,
+        .keepsAlpha = shape.keepsAlpha,
+        .progress = options.encoding.progress,
+        .expectedFrames = expectedFrames(first.info(), second.info(), at, options.duration),
+        .next = [&](ClipFrame& frame) { return feed.next(frame); },
+        .picture = picture});
 }
 
 } // namespace

@@ -1,11 +1,12 @@
-// render: a graph over a part of a clip, to numbered pictures, the same in one run or in many.
+// render: a graph over a part of a clip, to numbered pictures with the same bytes in one run or in many.
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
 #include "effectengine/media/FrameFeed.h"
-#include "effectengine/media/Manifest.h"
-#include "effectengine/media/NumberedPictureEncoder.h"
-#include "effectengine/media/threeStages.h"
+#include "effectengine/media/RenderedPictures.h"
+#include "effectengine/media/clipPipeline.h"
+#include "effectengine/media/clipWarnings.h"
+#include "effectengine/media/workingSize.h"
 #include "host/parts.h"
 
 #include <json/reader.h>
@@ -19,7 +20,7 @@ namespace media {
 
 namespace {
 
-/// The seed of machines that were told none: they must agree.
+/// The seed unless the user chose one: all machines of a farm must have the same.
 constexpr long long kUsualSeed = 0;
 
 fs::path patternOf(const fs::path& out)
@@ -41,12 +42,12 @@ void makeDirectory(const fs::path& directory)
 {
     std::error_code error;
     if (!directory.empty())
-        fs::create_directories(directory, error); // another part of the farm may be faster
+        fs::create_directories(directory, error); // another machine of the farm may make it at the same time
     if (error)
         throwCannotWrite(directory, error.value());
 }
 
-// Chunks and ranges have manifests of their own beside the pictures.
+// The manifest beside the pictures; each chunk or range has its own.
 fs::path manifestFile(const RenderOptions& options, const fs::path& directory, const FrameRange& range)
 {
     std::string part;
@@ -82,7 +83,7 @@ void checkParts(const RenderOptions& options, const host::GraphDescription& grap
 }
 
 Json::Value settingsOf(const RenderOptions& options, const host::GraphDescription& graph, pixels::Extent size,
-    const FrameRange& range, long long count, long long seed)
+    const FrameRange& range, long long count, long long seed, bool alpha)
 {
     Json::Value settings;
     settings["engine"] = EFFECTENGINE_VERSION;
@@ -100,6 +101,7 @@ Json::Value settingsOf(const RenderOptions& options, const host::GraphDescriptio
     settings["first"] = Json::Int64(range.first);
     settings["last"] = Json::Int64(range.last);
     settings["seed"] = Json::Int64(seed);
+    settings["alpha"] = alpha;
     return settings;
 }
 
@@ -112,18 +114,20 @@ bool stillThere(const fs::path& file, const std::string& sha256)
         const Frame frame = makeFrame();
         return reader.next(*frame) && frame->format == AV_PIX_FMT_RGBA && pixelHash(*frame) == sha256;
     } catch (const ToolError&) {
-        return false; // cut short
+        return false; // a picture that was cut short
     }
 }
 
-// Frames that must be rendered; those that an earlier run left are looked at, not believed.
+// The frames that must be rendered: those that the manifest does not note, and those whose picture is not, or
+// no longer, the noted one.
 std::set<long long> missingFrames(Manifest& manifest, const fs::path& directory, const FrameRange& range)
 {
     std::set<long long> missing;
     for (long long frame = range.first; frame <= range.last; ++frame) {
         stopIfAsked();
-        const auto kept = manifest.frames().find(frame);
-        if (kept != manifest.frames().end() && stillThere(directory / kept->second.file, kept->second.sha256))
+        const auto noted = manifest.frames().find(frame);
+        if (noted != manifest.frames().end()
+            && stillThere(directory / noted->second.file, noted->second.sha256))
             continue;
         manifest.drop(frame);
         missing.insert(frame);
@@ -148,12 +152,11 @@ void render(
     warnOfDepth(clip);
 
     makeDirectory(directory);
-    // Looking through the clip would cost every chunk as much as the whole.
+    // By the format alone: looking through the clip would cost every chunk as much as the whole.
     const bool alpha = options.alpha == AlphaChoice::keep
         || (options.alpha == AlphaChoice::automatic && clip.mayBeTransparent());
-    Json::Value settings = settingsOf(options, description, size, range, count, *sessionOptions.seed);
-    settings["alpha"] = alpha;
-    Manifest manifest(manifestFile(options, directory, range), settings);
+    Manifest manifest(manifestFile(options, directory, range),
+        settingsOf(options, description, size, range, count, *sessionOptions.seed, alpha));
     if (options.resume)
         manifest.load();
     std::set<long long> missing = missingFrames(manifest, directory, range);
@@ -161,54 +164,23 @@ void render(
 
     const Session session(sessionOptions);
     host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
-    std::vector<FrameIn> ins(kFramesUnderWay);
-    std::vector<FrameOut> outs(kFramesUnderWay);
-    for (FrameIn& in : ins)
-        in.picture.emplace(unsigned(size.width), unsigned(size.height));
-
-    Progress progress(options.progress, "frames", (long long)(missing.size()));
     const auto wanted = (long long)(missing.size());
-    long long done = 0;
-    std::map<long long, RenderedFrame> underWay;
-    NumberedPictureEncoder encoder(pattern, shapeOf(clip, size.width, size.height), {},
-        [&](long long number, std::span<const unsigned char> file) {
-            writeWhole(numbered(pattern, number), file);
-            manifest.add(underWay.at(number));
-            underWay.erase(number);
-            progress.report(++done);
-        });
-    FromPicture toFrame(AV_PIX_FMT_RGBA, {}, alpha);
+    RenderedPictures sink(pattern, clip, size, manifest, wanted);
     FrameFeed feed(reader, size, range, host::preRollOf(description));
     feed.showOnly(std::move(missing));
-
-    runThreeStages<FrameIn, FrameOut>(ins, outs,
-        {.produce = [&](FrameIn& in) { return feed.next(in); },
-            .process =
-                [&](FrameIn& in, FrameOut& out) {
-                    stopIfAsked();
-                    graph.setSource(*in.picture);
-                    CEffectImage* const result = graph.run(timeOf(in.place, clip));
-                    if (in.shown)
-                        toFrame.convert(viewOf(result), *out.frame);
-                    out.place = in.place;
-                    return in.shown;
-                },
-            .consume =
-                [&](FrameOut& out) {
-                    const long long number = out.place.number;
-                    underWay[number] = {number, timeOf(out.place, clip).seconds,
-                        numbered(pattern, number).filename().string(), pixelHash(*out.frame),
-                        out.place.damaged};
-                    encoder.write(*out.frame, number);
-                }});
-    encoder.finish();
-    warnOfDamage(reader);
-    stopIfAsked();
-    if (done < wanted)
-        throw ToolError(ExitCode::unreadable,
-            options.in.string() + ": " + std::to_string(wanted - done) + " frames cannot be decoded");
-    manifest.finish();
-    progress.finish();
+    const auto picture = [&](const ClipFrame& frame) {
+        graph.setSource(frame.pictures.front());
+        return graph.run(timeOf(frame.place, clip));
+    };
+    runPipeline({.clips = {&reader},
+        .sink = sink,
+        .size = size,
+        .alpha = options.alpha,
+        .keepsAlpha = alpha,
+        .progress = options.progress,
+        .expectedFrames = wanted,
+        .next = [&](ClipFrame& frame) { return feed.next(frame); },
+        .picture = picture});
 }
 
 } // namespace
@@ -220,7 +192,7 @@ void runRender(const RenderOptions& options, const SessionOptions& session)
     media::DecoderWatch::listen();
     const host::GraphDescription description = host::loadGraph(options.graph);
     for (const std::string& line : description.warnings())
-        std::fprintf(stderr, "effectengine: warning: %s: %s\n", options.graph.c_str(), line.c_str());
+        warn(options.graph.string() + ": " + line);
     if (description.sources() > 1)
         throw ToolError(ExitCode::usage,
             options.graph.string() + " needs " + std::to_string(description.sources())

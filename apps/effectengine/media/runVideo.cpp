@@ -2,8 +2,11 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
 #include "effectengine/media/FrameFeed.h"
+#include "effectengine/media/clipPipeline.h"
+#include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/encoders.h"
-#include "effectengine/media/threeStages.h"
+#include "effectengine/media/transparency.h"
+#include "effectengine/media/workingSize.h"
 #include "effectengine/media/yuvPixels.h"
 #include "host/parts.h"
 
@@ -15,7 +18,7 @@ namespace media {
 
 namespace {
 
-/// Where frames stand in the output: as in the clip, or as in the clip that pictures were made from.
+/// The times of the output's frames: those of the clip, or of the clip that numbered pictures were made from.
 class Timing {
 public:
     Timing(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
@@ -96,7 +99,7 @@ SideTracks tracksFor(const VideoOptions& options, const Timing& timing)
     return tracksOf(timing.source(), containerFor(options.out), timing.span(), options.out);
 }
 
-/// Without effects a frame that already has the encoder's form goes straight on.
+/// Whether a frame without effects can be written as it is stored: it has the encoder's form already.
 bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent size, const ClipSink& sink)
 {
     return clip.orientation.upright() && frame.format == sink.format() && frame.width == size.width
@@ -131,49 +134,24 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     const auto sink = openSink(options.out, shape, choice, tracksFor(options, timing));
     warnOfDepth(clip);
 
-    std::vector<FrameIn> ins(kFramesUnderWay);
-    std::vector<FrameOut> outs(kFramesUnderWay);
-    for (FrameIn& in : ins)
-        in.picture.emplace(unsigned(size.width), unsigned(size.height));
     FrameFeed feed(reader, size, range, description ? host::preRollOf(*description) : 0);
-    FromPicture toFrame(sink->format(), sink->colour(), shape.keepsAlpha);
-    AlphaWarning alphaWarning(clip, options.encoding.alpha, sink->format());
-    Progress progress(options.encoding.progress, "frames", expectedFrames(clip, range));
-    long long done = 0;
-
-    runThreeStages<FrameIn, FrameOut>(ins, outs,
-        {.produce = [&](FrameIn& in) { return feed.next(in); },
-            .process =
-                [&](FrameIn& in, FrameOut& out) {
-                    stopIfAsked();
-                    CEffectImage* result = in.picture->handle();
-                    if (in.shown)
-                        alphaWarning.look(viewOf(*in.picture));
-                    if (graph) {
-                        graph->setSource(*in.picture);
-                        result = graph->run(timeOf(in.place, clip));
-                    }
-                    if (!in.shown)
-                        return false;
-                    if (!graph && goesStraight(*in.frame, clip, size, *sink)) {
-                        av_frame_unref(out.frame.get());
-                        av_frame_move_ref(out.frame.get(), in.frame.get());
-                    } else {
-                        toFrame.convert(viewOf(result), *out.frame);
-                    }
-                    out.place = in.place;
-                    return true;
-                },
-            .consume =
-                [&](FrameOut& out) {
-                    out.frame->pts = timing.timeOf(out.place);
-                    sink->write(*out.frame, out.place.number, out.place.duration);
-                    progress.report(++done);
-                }});
-    warnOfDamage(reader);
-    stopIfAsked();
-    sink->finish();
-    progress.finish();
+    const auto picture = [&](const ClipFrame& frame) -> CEffectImage* {
+        const host::Image& source = frame.pictures.front();
+        if (!graph)
+            return goesStraight(*frame.frame, clip, size, *sink) ? nullptr : source.handle();
+        graph->setSource(source);
+        return graph->run(timeOf(frame.place, clip));
+    };
+    runPipeline({.clips = {&reader},
+        .sink = *sink,
+        .size = size,
+        .alpha = options.encoding.alpha,
+        .keepsAlpha = shape.keepsAlpha,
+        .progress = options.encoding.progress,
+        .expectedFrames = expectedFrames(clip, range),
+        .next = [&](ClipFrame& frame) { return feed.next(frame); },
+        .picture = picture,
+        .outputTime = [&](const FramePlace& place) { return timing.timeOf(place); }});
 }
 
 } // namespace

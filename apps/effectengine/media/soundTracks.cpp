@@ -1,11 +1,11 @@
-// Which sound goes along, and how.
+// The choice of tracks for an output, and the filters for those that are encoded anew.
 #include "effectengine/media/CopiedTrack.h"
 #include "effectengine/media/EncodedTrack.h"
+#include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/openClip.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace fs = std::filesystem;
 
@@ -20,11 +20,6 @@ bool holds(const AVOutputFormat& container, AVCodecID codec)
     return avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL) == 1;
 }
 
-void warn(const fs::path& file, const std::string& what)
-{
-    std::fprintf(stderr, "effectengine: warning: %s: %s\n", file.c_str(), what.c_str());
-}
-
 std::string number(double seconds) { return std::to_string(std::llround(seconds * 1e6)) + "us"; }
 
 AVFilterContext* then(AVFilterContext* from, AVFilterContext* to)
@@ -33,7 +28,7 @@ AVFilterContext* then(AVFilterContext* from, AVFilterContext* to)
     return to;
 }
 
-// How people know a track: by its number in the file, its language and its codec.
+// The name of a track in messages: its number in the file, its language and its codec.
 std::string nameOf(const AVStream& stream)
 {
     const AVCodecParameters& stored = *stream.codecpar;
@@ -49,7 +44,7 @@ std::string nameOf(const AVStream& stream)
     return name + ", unknown codec " + av_fourcc_make_string(tag, stored.codec_tag);
 }
 
-// Whether samples can be expected: a decoder, and a stream that says how many a second there are.
+// Whether the stream can be decoded: there is a decoder, and the stream tells its rate and channels.
 bool isDecodable(const AVStream& stream)
 {
     const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
@@ -64,14 +59,14 @@ void warnOfUndecodable(const fs::path& clip, const AVStream& stream)
     warn(clip, "sound (" + nameOf(stream) + ") cannot be decoded and is left out");
 }
 
-// One stream of a file as samples; time 0 is the file's start.
+// Adds filters that give one stream of a file as samples; time 0 is the file's start.
 AVFilterContext* samplesOf(AVFilterGraph& graph, const fs::path& clip, int stream, double start)
 {
     AVFilterContext* last = addFilter(graph, "amovie", nullptr,
         {{"filename", "file:" + clip.string()}, {"stream_index", std::to_string(stream)}});
     last =
         then(last, addFilter(graph, "asetpts", nullptr, {{"expr", "PTS-" + std::to_string(start) + "/TB"}}));
-    // Fills holes, so that the sound keeps its place.
+    // Holes are filled, so that the sound keeps its place.
     return then(last, addFilter(graph, "aresample", nullptr, {{"async", "1"}, {"first_pts", "0"}}));
 }
 

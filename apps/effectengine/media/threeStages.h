@@ -11,7 +11,7 @@
 
 namespace media {
 
-/// Hands addresses from thread to thread. It never holds more than there are pieces, so nobody waits to push.
+/// A queue of addresses between two threads. It holds no more than there are pieces, so push() never waits.
 template <class Piece> class Handoff {
 public:
     void push(Piece* piece)
@@ -35,10 +35,10 @@ public:
         return piece;
     }
 
-    /// No more pieces will come; those that wait are still handed out.
+    /// No more pieces will come; pop() still gives those that wait.
     void end() { close(false); }
 
-    /// Nothing is handed out any more.
+    /// pop() gives no piece any more.
     void abandon() { close(true); }
 
 private:
@@ -59,81 +59,108 @@ private:
     bool abandoned_ = false;
 };
 
-/// The stages. The pieces are made beforehand and used again and again, so memory stays flat.
+/// The work of the stages.
 template <class In, class Out> struct Stages {
-    std::function<bool(In&)> produce; ///< fills a piece; false when there are no more. Own thread.
-    std::function<bool(In&, Out&)>
-        process;                       ///< on the caller's thread; false when there is nothing to consume
-    std::function<void(Out&)> consume; ///< own thread
+    /// Fills a piece; false when there are no more. On a thread of its own.
+    std::function<bool(In&)> produce;
+    /// Makes a finished piece of it; false when there is nothing to consume. On the caller's thread.
+    std::function<bool(In&, Out&)> process;
+    /// Takes a finished piece. On a thread of its own.
+    std::function<void(Out&)> consume;
 };
 
-/// Runs the stages until produce() says that there is no more. What a stage throws ends the others, and is
-/// thrown again here once all threads have ended.
-template <class In, class Out>
-void runThreeStages(std::vector<In>& ins, std::vector<Out>& outs, const Stages<In, Out>& stages)
-{
-    Handoff<In> freeIns;
-    Handoff<In> readyIns;
-    Handoff<Out> freeOuts;
-    Handoff<Out> readyOuts;
-    for (In& in : ins)
-        freeIns.push(&in);
-    for (Out& out : outs)
-        freeOuts.push(&out);
+/// One run of the stages over pieces that the caller made, which are used again and again.
+template <class In, class Out> class StagesRun {
+public:
+    StagesRun(std::vector<In>& ins, std::vector<Out>& outs, const Stages<In, Out>& stages) : stages_(stages)
+    {
+        for (In& in : ins)
+            freeIns_.push(&in);
+        for (Out& out : outs)
+            freeOuts_.push(&out);
+    }
 
-    std::mutex failing;
-    std::exception_ptr failure;
-    const auto guarded = [&](auto&& work) {
+    /// See runThreeStages().
+    void run()
+    {
+        std::thread producer([this] {
+            guarded([this] { produce(); });
+            readyIns_.end();
+        });
+        std::thread consumer([this] { guarded([this] { consume(); }); });
+        guarded([this] { process(); });
+        readyOuts_.end();
+        producer.join();
+        consumer.join();
+        if (failure_)
+            std::rethrow_exception(failure_);
+    }
+
+private:
+    void produce()
+    {
+        while (In* const in = freeIns_.pop()) {
+            if (!stages_.produce(*in))
+                break;
+            readyIns_.push(in);
+        }
+    }
+
+    void process()
+    {
+        while (In* const in = readyIns_.pop()) {
+            Out* const out = freeOuts_.pop();
+            if (!out)
+                break;
+            if (stages_.process(*in, *out))
+                readyOuts_.push(out);
+            else
+                freeOuts_.push(out);
+            freeIns_.push(in);
+        }
+    }
+
+    void consume()
+    {
+        while (Out* const out = readyOuts_.pop()) {
+            stages_.consume(*out);
+            freeOuts_.push(out);
+        }
+    }
+
+    /// Does the work of a stage. The first exception of all stages is stored and ends the others.
+    template <class Work> void guarded(Work work)
+    {
         try {
             work();
         } catch (...) {
             {
-                const std::lock_guard lock(failing);
-                if (!failure)
-                    failure = std::current_exception();
+                const std::lock_guard lock(failing_);
+                if (!failure_)
+                    failure_ = std::current_exception();
             }
-            freeIns.abandon();
-            readyIns.abandon();
-            freeOuts.abandon();
-            readyOuts.abandon();
+            freeIns_.abandon();
+            readyIns_.abandon();
+            freeOuts_.abandon();
+            readyOuts_.abandon();
         }
-    };
+    }
 
-    std::thread producer([&] {
-        guarded([&] {
-            while (In* const in = freeIns.pop()) {
-                if (!stages.produce(*in))
-                    break;
-                readyIns.push(in);
-            }
-        });
-        readyIns.end();
-    });
-    std::thread consumer([&] {
-        guarded([&] {
-            while (Out* const out = readyOuts.pop()) {
-                stages.consume(*out);
-                freeOuts.push(out);
-            }
-        });
-    });
-    guarded([&] {
-        while (In* const in = readyIns.pop()) {
-            Out* const out = freeOuts.pop();
-            if (!out)
-                break;
-            if (stages.process(*in, *out))
-                readyOuts.push(out);
-            else
-                freeOuts.push(out);
-            freeIns.push(in);
-        }
-    });
-    readyOuts.end();
-    producer.join();
-    consumer.join();
-    if (failure)
-        std::rethrow_exception(failure);
+    const Stages<In, Out>& stages_;
+    Handoff<In> freeIns_;
+    Handoff<In> readyIns_;
+    Handoff<Out> freeOuts_;
+    Handoff<Out> readyOuts_;
+    std::mutex failing_;
+    std::exception_ptr failure_;
+};
+
+/// Runs the stages until produce() says that there is no more. What a stage throws ends the others, and is
+/// thrown again here once all threads have ended. The pieces are used again and again, so memory stays flat.
+template <class In, class Out>
+void runThreeStages(std::vector<In>& ins, std::vector<Out>& outs, const Stages<In, Out>& stages)
+{
+    StagesRun<In, Out>(ins, outs, stages).run();
 }
 
 } // namespace media

@@ -1,0 +1,85 @@
+// The three stages between a verb's feed and its sink.
+#include "effectengine/media/clipPipeline.h"
+
+#include "effectengine/interruption.h"
+#include "effectengine/media/PictureConversion.h"
+#include "effectengine/media/clipWarnings.h"
+#include "effectengine/media/threeStages.h"
+#include "effectengine/media/transparency.h"
+#include "host/imageView.h"
+#include "pixels/rows.h"
+
+namespace media {
+
+namespace {
+
+/// A frame on its way to the sink.
+struct FinishedFrame {
+    Frame frame = makeFrame();
+    FramePlace place;
+};
+
+/// Frames before and after the effects: enough of each to keep the stages busy, few enough to stay small.
+constexpr std::size_t kFramesUnderWay = 4;
+
+std::vector<ClipFrame> framesFor(const ClipPipeline& pipeline)
+{
+    std::vector<ClipFrame> frames(kFramesUnderWay);
+    for (ClipFrame& frame : frames) {
+        for (std::size_t clip = 0; clip < pipeline.clips.size(); ++clip) {
+            const host::Image& picture =
+                frame.pictures.emplace_back(unsigned(pipeline.size.width), unsigned(pipeline.size.height));
+            pixels::rows::map(viewOf(picture), viewOf(picture), [](pixels::Bgra) -> pixels::Bgra {
+                return {0, 0, 0, 255};
+            });
+        }
+    }
+    return frames;
+}
+
+} // namespace
+
+void runPipeline(const ClipPipeline& pipeline)
+{
+    std::vector<ClipFrame> read = framesFor(pipeline);
+    std::vector<FinishedFrame> finished(kFramesUnderWay);
+    FromPicture convert(pipeline.sink.format(), pipeline.sink.colour(), pipeline.keepsAlpha);
+    std::vector<AlphaWarning> alphaWarnings;
+    for (const ClipReader* const clip : pipeline.clips)
+        alphaWarnings.emplace_back(clip->info(), pipeline.alpha, pipeline.sink.format());
+    Progress progress(pipeline.progress, "frames", pipeline.expectedFrames);
+    long long done = 0;
+    pipeline.sink.whenWritten([&] { progress.report(++done); });
+
+    const auto render = [&](ClipFrame& in, FinishedFrame& out) {
+        stopIfAsked();
+        for (std::size_t clip = 0; in.shown && clip < pipeline.clips.size(); ++clip)
+            if (in.present[clip])
+                alphaWarnings[clip].look(viewOf(in.pictures[clip]));
+        CEffectImage* const picture = pipeline.picture(in);
+        if (!in.shown)
+            return false;
+        if (picture) {
+            convert.convert(host::viewOf(picture), *out.frame);
+        } else {
+            av_frame_unref(out.frame.get());
+            av_frame_move_ref(out.frame.get(), in.frame.get());
+        }
+        out.place = in.place;
+        return true;
+    };
+    const auto write = [&](FinishedFrame& out) {
+        out.frame->pts = pipeline.outputTime(out.place);
+        pipeline.sink.write(*out.frame, out.place);
+    };
+    runThreeStages<ClipFrame, FinishedFrame>(
+        read, finished, {.produce = pipeline.next, .process = render, .consume = write});
+
+    for (const ClipReader* const clip : pipeline.clips)
+        warnOfDamage(*clip);
+    stopIfAsked();
+    pipeline.sink.finish();
+    progress.finish();
+}
+
+} // namespace media
