@@ -32,9 +32,9 @@ bool TovEffectBase::loadPicture(const char* path, i32 index)
         const auto picture = TovOgreRenderThread::getInstance().loadResource(path);
         if (picture && picture->hasData()) {
             const auto bytes = picture->bytes();
-            std::vector<u8>& kept = loadedPictures_[index];
-            kept.assign(bytes.begin(), bytes.end());
-            setInputData(kept.data(), picture->width(), picture->height(), 1, index, picture->format());
+            std::vector<u8>& loaded = loadedPictures_[index];
+            loaded.assign(bytes.begin(), bytes.end());
+            setInputData(loaded.data(), picture->width(), picture->height(), 1, index, picture->format());
             inputs_[index].constant = true;
             picture->freeMemory();
             return true;

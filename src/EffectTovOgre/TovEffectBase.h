@@ -160,7 +160,7 @@ protected:
     };
 
     std::map<i32, Input> inputs_;
-    std::set<i32> removedInputs_; ///< whose pictures wait to be kept
+    std::set<i32> removedInputs_; ///< whose pictures are still to be copied
     u32 width_ = 800;
     u32 height_ = 600;
     bool sizeChanged_ = true;

@@ -51,8 +51,8 @@ EffectList gather(shader::DescriptorList shaders)
 // directory.
 std::deque<EffectList>& lists()
 {
-    static std::deque<EffectList> kept(1, gather({}));
-    return kept;
+    static std::deque<EffectList> everyList(1, gather({}));
+    return everyList;
 }
 
 const std::vector<EffectInfo>& all() { return lists().back().effects; }

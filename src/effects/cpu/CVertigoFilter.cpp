@@ -17,7 +17,7 @@ constexpr auto kZoomRate =
         "percent");
 
 // All of blue, and six bits of green and red: sums of four, shifted by two, never spill over.
-constexpr u32 kKept = 0xFCFCFF;
+constexpr u32 kMixedBits = 0xFCFCFF;
 
 // The affine map from the new picture to the previous one: where the first pixel comes from, and the step to
 // the next pixel of the row, in 16.16 fixed point that wraps around. The next row's step is at right angles.
@@ -42,7 +42,7 @@ void mixRow(const u8* src, u8* dst, const u8* previous, u32* next, pixels::Exten
         const i32 row = i32(warp.startY + u32(x) * warp.stepY) >> 16;
         const int index = std::min(std::max(row * size.width + column, 0), last);
         const u32 old = pixels::wordAt(previous, index);
-        const u32 mixed = (3 * (old & kKept) + (pixels::wordAt(src, x) & kKept)) >> 2;
+        const u32 mixed = (3 * (old & kMixedBits) + (pixels::wordAt(src, x) & kMixedBits)) >> 2;
         next[x] = mixed;
         const u32 shown = mixed | 0xFF000000;
         std::memcpy(dst + std::ptrdiff_t(x) * 4, &shown, sizeof shown);

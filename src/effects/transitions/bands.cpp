@@ -105,8 +105,8 @@ void rowMerge(const Canvas& c, const Progress& p)
 {
     const int half = p.smoothedRestAmount(c.height) / 2;
     drawRows(c, [=, middle = c.height / 2](const Line& line) {
-        const bool kept = line.v >= middle - half && line.v < middle + half;
-        line.copy(kept ? line.from : line.to, 0, line.width);
+        const bool showsFrom = line.v >= middle - half && line.v < middle + half;
+        line.copy(showsFrom ? line.from : line.to, 0, line.width);
     });
 }
 

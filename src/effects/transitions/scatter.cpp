@@ -68,10 +68,10 @@ void hRandomLine(const Canvas& c, const Progress& p)
     if (p.atStart())
         return pixels::rows::copy(c.from, c.dst);
     const int turned = p.smoothedAmount(1000);
-    std::array<bool, kMaxSide> kept;
+    std::array<bool, kMaxSide> showsFrom;
     for (int r = 0; r < c.height; ++r)
-        kept[std::size_t(r)] = drawThousandth() > turned;
-    drawRows(c, [=, rows = kept.data(), height = c.height](const Line& line) {
+        showsFrom[std::size_t(r)] = drawThousandth() > turned;
+    drawRows(c, [=, rows = showsFrom.data(), height = c.height](const Line& line) {
         line.copy(rows[height - 1 - line.v] ? line.from : line.to, 0, line.width);
     });
 }

@@ -189,7 +189,7 @@ void blind(const Canvas& c, const Progress& p)
         return pixels::rows::copy(c.to, c.dst);
     const double rest = 100 - percent;
     const int slat = pixels::truncated(c.height * rest / 100);
-    const int kept = pixels::truncated(slat * rest / 100);
+    const int fromRows = pixels::truncated(slat * rest / 100);
     if (slat < 1)
         return;
     drawRows(c, [=, last = c.height - 1](const Line& line) {
@@ -198,7 +198,7 @@ void blind(const Canvas& c, const Progress& p)
         if (line.v == 0 && last % slat == 0)
             return;
         const int place = line.v == 0 ? slat - 1 : (last - line.v) % slat;
-        line.copy(place < kept ? line.from : line.to, 0, line.width);
+        line.copy(place < fromRows ? line.from : line.to, 0, line.width);
     });
 }
 
