@@ -1,4 +1,4 @@
-// Tiles, and letters from the small font of the stb library: no font file has to be there.
+// Drawing of tiles and labels, with the small font of the stb library, which needs no font file.
 #include "effectengine/ContactSheet.h"
 
 #include "EffectTovOgre/PictureCodecs.h"

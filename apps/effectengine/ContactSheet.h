@@ -1,4 +1,4 @@
-// Labelled tiles in rows and columns.
+// A contact sheet: labelled pictures in rows and columns, saved as one PNG.
 #pragma once
 
 #include "pixels/View.h"
@@ -13,10 +13,10 @@ public:
 
     /// Puts a picture of a whole multiple of the tile's size into a tile, averaged, over the sheet's colour.
     void put(std::size_t tile, pixels::ConstView picture);
-    /// Writes below the tile, shortened to its width.
+    /// Writes a label below the tile, shortened to the tile's width.
     void label(std::size_t tile, std::string text);
 
-    /// Writes a PNG. Throws ToolError.
+    /// Saves the sheet as a PNG file. Throws ToolError.
     void save(const std::filesystem::path& file) const;
 
 private:

@@ -1,4 +1,4 @@
-// Names, families and words against the list of effects.
+// Search of the list of effects by names, by family and by a word.
 #include "effectengine/EffectChoice.h"
 
 #include "effectengine/ToolError.h"

@@ -1,4 +1,4 @@
-// Which effects a verb is about: names, a family, a word.
+// The choice of effects on the command line: by names, by a family, by a word.
 #pragma once
 
 #include "model/EffectRegistry.h"

@@ -1,4 +1,4 @@
-// The bar and the lines.
+// Drawing of the bar, and the JSON lines.
 #include "effectengine/Progress.h"
 
 #include <sys/ioctl.h>
@@ -17,7 +17,7 @@ constexpr auto kPause = 200ms;
 constexpr int kUsualColumns = 80;
 constexpr int kWidestBar = 40;
 
-// Numbers for programs: with a point in every locale.
+// A number with a decimal point in every locale, for programs.
 std::string fixed(double value, int digits)
 {
     char text[64];

@@ -1,4 +1,4 @@
-// How far the work is: a bar on a terminal, lines of JSON for programs.
+// Reports of how far the work is: a bar on a terminal, lines of JSON for programs.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -16,7 +16,7 @@ enum class ProgressKind {
 /// Adds --progress to a verb.
 void addProgressOption(CLI::App& command, ProgressKind& kind);
 
-/// Shows at most a few steps a second, and the last one. Used by one thread at a time.
+/// Shows the progress of one piece of work, a few times a second at most. Used by one thread at a time.
 class Progress {
 public:
     /// @param unit   what is counted, in the plural
@@ -24,13 +24,13 @@ public:
     Progress(ProgressKind kind, std::string unit, long long total);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
-    /// Ends the bar's line.
+    /// Ends the bar's line, so that the next text begins at the left.
     ~Progress();
 
     /// @param done  pieces of work complete since the beginning
     void report(long long done);
 
-    /// Shows the last state once more, also when it came too soon after the one before.
+    /// Shows the last state, in case it came too soon after the one before to be shown.
     void finish();
 
 private:

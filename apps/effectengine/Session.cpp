@@ -1,4 +1,4 @@
-// Start and end of the engine.
+// Start and end of the engine: its resources, its logs, the pinned clock.
 #include "effectengine/Session.h"
 
 #include "core/Clock.h"
@@ -52,7 +52,7 @@ fs::path resourceDirectory(const fs::path& named)
         return named;
     }
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
-    // Two levels up for the program that holds the verbs for clips.
+    // The program for clips lies one directory deeper than the tool: from there it is two levels up.
     for (const char* const place :
         {"../share/effectengine", "../resources", "../../share/effectengine", "../../resources"}) {
         const fs::path candidate = (program / place).lexically_normal();

@@ -1,4 +1,4 @@
-// A running engine for one invocation of the tool.
+// The engine as the tool starts it: options that all verbs share, resources, logs.
 #pragma once
 
 #include "host/Host.h"
@@ -10,9 +10,10 @@
 struct SessionOptions {
     std::filesystem::path resources;
     std::filesystem::path logs;
-    std::optional<long long> seed; ///< holds the clock that random tables are seeded from
+    std::optional<long long> seed; ///< pins the clock, from which random tables take their seeds
 };
 
+/// A running engine for one invocation of the tool.
 class Session {
 public:
     /// Throws ToolError when there is no resource directory.

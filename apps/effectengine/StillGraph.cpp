@@ -1,4 +1,4 @@
-// Frames before the one that is wanted, and what is said when nothing came of it.
+// Frames for effects with a history, and reasons why an effect changed nothing.
 #include "effectengine/StillGraph.h"
 
 #include "effectengine/interruption.h"
@@ -21,7 +21,7 @@ std::string listed(const std::vector<std::string>& names)
     return names.size() > kMost ? text + " and others" : text;
 }
 
-// Some nodes store by themselves what depends on their size.
+// The parameters that the effect reads and that neither the user nor a fresh node has set.
 std::vector<std::string> unsetParameters(const host::GraphNode& node)
 {
     const host::Filter fresh(node.effect->guid, 1, 1);
@@ -52,8 +52,9 @@ StillGraph::StillGraph(const host::GraphDescription& description, std::span<cons
 
 void StillGraph::begin()
 {
-    // A result does not depend on what was made before it. Random tables that all of the process shares are
-    // made with its first nodes, by the same generator: the first picture's state after that is everyone's.
+    // The generator starts anew, so that a result does not depend on what was made before it. The first nodes
+    // of a process also draw its shared tables: every graph goes on from the state that the first one had
+    // after that.
     pixels::threadRandom() = pixels::RandomGenerator();
     graph_.emplace(description_, pictures_[0].width(), pictures_[0].height());
     static const pixels::RandomGenerator start = pixels::threadRandom();
@@ -101,7 +102,8 @@ std::vector<std::string> StillGraph::idleEffects()
     return lines;
 }
 
-// Whether values would help is tried out: with those that show the effect.
+// What the effect lacks to change the picture, in words; tells by a trial with example values whether
+// parameters would help.
 std::string StillGraph::wantOf(const host::GraphNode& node) const
 {
     if (node.effect->inputs != 1 || node.sets(KEXSDK::kEnable))

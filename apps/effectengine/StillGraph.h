@@ -1,4 +1,4 @@
-// Graphs over pictures that stand still.
+// Graphs of effects over single pictures, which effects with a history see as a clip that stands still.
 #pragma once
 
 #include "host/EffectGraph.h"
@@ -18,8 +18,8 @@ public:
     /// order go on from each other. Throws GraphError, and when a stop is asked.
     CEffectImage* at(const host::FrameTime& time);
 
-    /// Of the last picture: a line for each effect that left its input as it was for want of something, which
-    /// the line tells. Effects that were switched off are none. Throws as above.
+    /// A line for each effect that left its input in the last picture as it was because it lacked something,
+    /// and what it lacked. Effects that were switched off have none. Throws as above.
     std::vector<std::string> idleEffects();
 
 private:

@@ -1,11 +1,11 @@
-// Lines on stderr.
+// Printing of the tool's messages on stderr, and the way from exceptions to exit codes.
 #include "effectengine/ToolError.h"
 
 #include <unistd.h>
 
 #include <cstdio>
 
-// One write, so that the lines of several processes do not mix.
+// Prints a message with one write, so that the lines of several processes do not mix.
 void complain(const std::string& message)
 {
     const char* const clearLine = isatty(STDERR_FILENO) ? "\r\x1b[K" : "";

@@ -1,4 +1,4 @@
-// How the tool ends, and what it says then.
+// Exit codes, and the exceptions that end the tool with one of them.
 #pragma once
 
 #include "host/GraphError.h"
@@ -19,7 +19,7 @@ enum class ExitCode {
     noGraphics = 8,   ///< the graphics system did not start
 };
 
-/// Ends the tool with one line on stderr.
+/// A failure that ends the tool with one line on stderr.
 class ToolError : public std::runtime_error {
 public:
     ToolError(ExitCode code, const std::string& message) : std::runtime_error(message), code_(code) { }
@@ -29,19 +29,19 @@ private:
     ExitCode code_;
 };
 
-/// Ends the tool with nothing more to say.
+/// A failure that was reported before: ends the tool without another line.
 class AlreadyReported : public ToolError {
 public:
     explicit AlreadyReported(ExitCode code) : ToolError(code, "") { }
 };
 
-/// Runs the work; a failure becomes one line on stderr, with `place` in front of what does not name its place
-/// itself. Exceptions that are no std::exception pass.
+/// Runs the work; a failure becomes one line on stderr, with `place` in front of messages that do not name a
+/// file or node themselves. Exceptions that are no std::exception pass.
 template <class Work> ExitCode reportingFailure(Work work, const std::string& place = {});
 
-/// "effectengine: MESSAGE" as a line of its own, also beside a progress bar.
+/// Prints "effectengine: MESSAGE" on a line of its own, also when a progress bar is shown.
 void complain(const std::string& message);
-/// The same with "warning: ".
+/// Prints "effectengine: warning: MESSAGE" in the same way.
 void warn(const std::string& message);
 
 ExitCode codeOf(host::GraphFault fault);

@@ -1,4 +1,4 @@
-// Processes share one board: whoever is free takes the next piece, and notes how it went.
+// Forked processes around a board in shared memory, from which each takes the next piece when it is free.
 #include "effectengine/Workers.h"
 
 #include "effectengine/interruption.h"
@@ -17,7 +17,7 @@
 #include <system_error>
 #include <vector>
 
-// Memory that stays shared across fork.
+// The state that all processes share, in memory that stays shared across fork.
 class Workers::Board {
 public:
     static constexpr int kWaiting = -1;
@@ -38,7 +38,7 @@ public:
     Board(const Board&) = delete;
     Board& operator=(const Board&) = delete;
 
-    /// A number beyond the last piece when there is nothing left to do.
+    /// The number of a piece to do; beyond the last piece when nothing is left.
     std::size_t take()
     {
         const std::size_t piece = head_->stopped ? count_ : std::min(head_->next++, count_);
@@ -50,7 +50,7 @@ public:
     void stop() { head_->stopped = true; }
     int state(std::size_t piece) const { return states_[piece]; }
 
-    /// True for the first caller: what keeps every process from starting is said once.
+    /// True for the first caller alone, so that a failure that every process meets is reported once.
     bool firstToFail() { return !head_->failed.exchange(true); }
 
 private:

@@ -1,5 +1,5 @@
-// What the verbs for clips were told, and who carries it out. The libraries for clips take longer to load
-// than most verbs to run, so a program of their own holds them; this one hands over to it.
+// Options of the verbs for clips, and their work. FFmpeg's libraries take longer to load than most verbs to
+// run, so a program of its own holds them, which these functions start when the tool calls them.
 #pragma once
 
 #include "effectengine/GraphOptions.h"
@@ -11,14 +11,14 @@
 #include <string>
 #include <vector>
 
-/// Whether an output is transparent where its frames are.
+/// The choice between outputs that are transparent where their frames are, and opaque ones.
 enum class AlphaChoice {
-    automatic, ///< when an input may be, and the output can
+    automatic, ///< transparent when an input may be, and the output can be
     keep,
     drop,
 };
 
-/// How a clip is written.
+/// The user's choices for the output of a verb for clips.
 struct EncodingOptions {
     std::string codec;
     std::optional<int> quality;
@@ -42,7 +42,8 @@ struct ClipTransitionOptions {
     std::filesystem::path from;
     std::filesystem::path to;
     std::filesystem::path out;
-    std::optional<double> at; ///< seconds; empty: so that it ends with the first clip
+    std::optional<double>
+        at; ///< when the second clip begins, in seconds; empty: so that it ends with the first
     double duration = 1;
     std::string size;
     bool stretch = false; ///< the second clip fills the picture, whatever its own shape
@@ -62,11 +63,11 @@ struct RenderOptions {
     ProgressKind progress = ProgressKind::automatic;
 };
 
-// Throw ToolError and host::GraphError.
+// The work of the verbs. They throw ToolError and host::GraphError.
 void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session);
 void runClipTransition(const ClipTransitionOptions& options, const SessionOptions& session);
 void runRender(const RenderOptions& options, const SessionOptions& session);
-/// Prints the libraries' versions and the codecs that clips can be read from and written to.
+/// Prints the versions of FFmpeg's libraries and the codecs that clips can be read from and written to.
 void runCodecs();
 
 /// Adds --codec, --quality, --encoder-option, --alpha and --progress to a verb.

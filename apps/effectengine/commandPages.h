@@ -6,7 +6,7 @@
 /// The page of the whole tool (verb null), or of one verb, in roff.
 std::string manPage(const VerbText& tool, const VerbText* verb, const std::string& version);
 
-// Scripts that shells read. Effects, families and parameters are asked of the tool when they are completed.
+// Completion scripts for shells. They ask the tool for effects, families and parameters while the user types.
 std::string bashCompletion(const VerbText& tool);
 std::string zshCompletion(const VerbText& tool);
 std::string fishCompletion(const VerbText& tool);

@@ -1,11 +1,11 @@
-// From the parser to data.
+// Reading of verbs, options and footers from the command-line parser.
 #include "effectengine/commandText.h"
 
 #include <sstream>
 
 namespace {
 
-// The parser appends what checks say about themselves: "KIND:{png,jpg}", "N:INT in [1 - 9]".
+// Takes the value's name and choices from the parser's text, such as "KIND:{png,jpg}" or "N:INT in [1 - 9]".
 void takeValue(OptionText& text, const CLI::Option& option)
 {
     if (option.get_items_expected_max() == 0)

@@ -1,5 +1,4 @@
-// The tool's verbs and options as data, read from the command-line parser: man pages and completions are made
-// from what --help shows.
+// The tool's verbs and options as data, read from the command-line parser, for man pages and completions.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -9,7 +8,7 @@
 
 struct OptionText {
     std::vector<std::string> names; ///< "-e", "--effect"; one name without dashes for a positional
-    std::string value;              ///< what it takes: "FILE", "N"; empty for a flag
+    std::string value;              ///< name of its value: "FILE", "N"; empty for a flag
     std::vector<std::string> choices;
     std::string help;
     bool positional = false;
@@ -18,7 +17,7 @@ struct OptionText {
 };
 
 struct VerbText {
-    std::string name; ///< the tool's own for the whole
+    std::string name; ///< of the verb, or of the tool
     std::string help;
     std::string footer;
     std::vector<OptionText> options;
@@ -27,6 +26,6 @@ struct VerbText {
 
 VerbText textOf(const CLI::App& app);
 
-/// "Examples:" and "Exit codes:" of a footer with the lines below them; text without heading comes first
-/// under "".
+/// The headings of a footer, such as "Examples:", with the lines below each; lines before the first heading
+/// come first, under "".
 std::vector<std::pair<std::string, std::vector<std::string>>> sectionsOf(const std::string& footer);

@@ -1,4 +1,4 @@
-// The verbs of the tool. Each adds its subcommand; the work runs while the command line is parsed.
+// Functions that add the tool's verbs to the parser; a verb's work runs while the command line is parsed.
 #pragma once
 
 #include "effectengine/Session.h"

@@ -3,7 +3,7 @@
 
 namespace {
 
-// What stands for a value on the command line.
+// What a shell offers for the value of an option.
 enum class Completes { nothing, files, effects, parameters, families, choices };
 
 Completes kindOf(const OptionText& option)
@@ -56,7 +56,7 @@ bool takesEffects(const VerbText& verb)
     return false;
 }
 
-// Of the words that are no options, where they are one of a few.
+// The choices for a word that is no option: those of an argument that has some, else the inner verbs.
 std::vector<std::string> wordChoices(const VerbText& verb)
 {
     for (const OptionText& option : verb.options) {
@@ -105,8 +105,8 @@ std::string bashVerb(const VerbText& verb)
     return text + "\n        fi\n        ;;\n";
 }
 
-// In double quotes of fish and within [...] of zsh; help texts have neither quotes nor brackets in need of
-// more.
+// The text with a backslash before each special character, for double quotes of fish and [...] of zsh. Help
+// texts hold nothing that would need more.
 std::string escapedFor(const std::string& text, const std::string& special)
 {
     std::string escaped;
@@ -118,7 +118,7 @@ std::string escapedFor(const std::string& text, const std::string& special)
     return escaped;
 }
 
-// Text between single quotes, for every shell.
+// The text between single quotes, as all three shells read it.
 std::string singleQuoted(const std::string& text)
 {
     std::string quoted = "'";

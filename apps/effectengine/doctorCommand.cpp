@@ -1,4 +1,4 @@
-// doctor: is everything there that the engine can use, and what to do where it is not.
+// doctor: tells whether everything is there that the engine can use, and what to do where it is not.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "effectengine/Session.h"
 #include "effectengine/ToolError.h"
@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Collects the worst that was found, and prints as it goes.
+/// Prints a line for each finding, and notes the worst of them for the exit code.
 class Examination {
 public:
     void good(const std::string& what, const std::string& found) const { line("ok", what, found); }
@@ -69,7 +69,7 @@ std::string logText(const fs::path& directory, const char* name)
     return text.str();
 }
 
-// What the graphics system noted about its renderer, such as "GL_RENDERER = llvmpipe".
+// The value behind a key in the graphics system's log, such as "llvmpipe" in "GL_RENDERER = llvmpipe".
 std::string noted(const std::string& log, const std::string& key)
 {
     const std::size_t at = log.find(key);
@@ -103,7 +103,7 @@ void examineGraphics(Examination& examination, const fs::path& logs)
         examination.note("graphics", "drawn by the processor; a GPU with its driver would be faster");
 }
 
-// Every effect is made once and evaluates a small frame.
+// Makes every effect once and lets it evaluate a small frame.
 void examineEffects(Examination& examination)
 {
     constexpr unsigned kSide = 16;
@@ -149,7 +149,7 @@ void examinePictures(Examination& examination, const fs::path& directory)
     examination.good("pictures", kinds);
 }
 
-// The libraries for clips are in a program of their own, which the verb `codecs` stands for.
+// Starts `effectengine codecs`, since FFmpeg's libraries are in the program for clips.
 void examineClips(Examination& examination)
 {
     const std::string self = fs::read_symlink("/proc/self/exe").string();

@@ -1,4 +1,4 @@
-// Signals become a flag.
+// Handlers that note a signal, and one that ends the process when the work does not end in time.
 #include "effectengine/interruption.h"
 
 #include <sys/time.h>
@@ -11,7 +11,8 @@
 #include <csignal>
 #include <string>
 
-// A handler reads these: no memory is allocated, and a place is complete before it is marked as used.
+// The name of one leftover file. A signal's handler reads it, so it owns no memory and is complete before it
+// is marked as used.
 struct Leftover::Place {
     enum State { kFree, kTaken, kUsed };
     std::atomic<int> state{kFree};
@@ -29,7 +30,8 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 struct Interrupted { };
 
-/// With the time that ending takes, within a second of the first signal; more signals put nothing off.
+/// How long after the first signal the process is ended by force: so early that it ends within a second.
+/// Later signals put nothing off.
 constexpr itimerval kPatience{{0, 0}, {0, 800'000}};
 constexpr itimerval kNone{};
 

@@ -1,5 +1,5 @@
-// Ctrl-C and kill: work ends at the next frame, and what it had begun is removed. Work that does not end
-// within a second, because a library is at something long, is ended by force.
+// Orderly ends on Ctrl-C and kill: work ends at the next frame, and what it had begun is removed. Work that
+// does not end within a second, because a library is at something long, is ended by force.
 #pragma once
 
 #include <array>
@@ -20,7 +20,8 @@ void stopIfAsked();
 /// A file that goes with the process when it is ended by force while this lives.
 class Leftover {
 public:
-    /// A path too long to be kept, and one beyond the first hundred at a time, is not removed.
+    /// Notes the file. A path longer than the system allows, and one beyond the first hundred at a time, is
+    /// not noted, so its file stays.
     explicit Leftover(const std::filesystem::path& file);
     ~Leftover();
     Leftover(const Leftover&) = delete;

@@ -44,7 +44,7 @@ void warnOfIncompleteLines(const std::string& path, const lut::LutFile& file)
             + " table line(s) hold fewer than three numbers; the missing ones count as 0");
 }
 
-/// The text as one word of a shell's command line.
+/// The text, quoted where that is needed, as one word of a shell's command line.
 std::string shellWord(const std::string& text)
 {
     const auto plain = [](unsigned char c) {
@@ -58,7 +58,7 @@ std::string shellWord(const std::string& text)
     return word + "'";
 }
 
-/// A name for the repaired table where no file is yet.
+/// A name beside the table for its repaired copy, under which there is no file yet.
 std::string freeCubeName(std::filesystem::path path)
 {
     const std::string stem = path.stem().string();
@@ -68,7 +68,8 @@ std::string freeCubeName(std::filesystem::path path)
     return path.string();
 }
 
-/// @param out  what the repaired table may be called
+/// Warns when the table seems to be in another order than the engine reads, with the command that repairs it.
+/// @param out  name for the repaired table in that command
 void warnOfOrder(const std::string& path, const lut::LutFile& file, const std::string& out)
 {
     if (lut::formatOf(path) == lut::LutFormat::threeDl && looksBlueFirst(file))
@@ -87,7 +88,7 @@ void check(const std::string& path)
         double(file.domainMax[0]), double(file.domainMax[1]), double(file.domainMax[2]));
 }
 
-// Outputs lie on a 0..255 scale; files hold 0..1.
+// Prints the least and the largest value of a channel on the scale of files, 0..1; entries are on 0..255.
 void printRange(const char* name, const lut::LutFile& file, float lut::LutEntry::*channel)
 {
     const auto [least, most] = std::ranges::minmax(file.entries, {}, channel);

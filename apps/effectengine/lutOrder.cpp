@@ -1,4 +1,4 @@
-// The axis that moves a channel most is the channel's own, unless a look turns the colours about.
+// The guess by neighbours: a channel changes most along its own axis, unless a look exchanges the colours.
 #include "effectengine/lutOrder.h"
 
 #include <cmath>

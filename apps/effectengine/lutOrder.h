@@ -1,4 +1,4 @@
-// In which order the entries of a lookup table seem to stand.
+// A guess at the order in which the entries of a lookup table stand.
 #pragma once
 
 #include "effects/lut/LutFile.h"

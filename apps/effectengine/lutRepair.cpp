@@ -1,4 +1,4 @@
-// Keywords and tables as other programs write them.
+// A lenient reader of Cube and 3DL files as other programs write them, and the writer of Cube files.
 #include "effectengine/lutRepair.h"
 
 #include "effectengine/ToolError.h"
@@ -33,7 +33,7 @@ std::string readText(const std::filesystem::path& file)
     return text.str();
 }
 
-// UTF-16 with its mark becomes UTF-8, any kind of line end becomes a line feed.
+// The text as UTF-8 with line feeds; UTF-16 is told by its byte-order mark.
 std::string plainText(std::string text, std::vector<std::string>& changes)
 {
     const auto byte = [&](std::size_t i) { return (unsigned char)text[i]; };
@@ -218,7 +218,7 @@ private:
         entries_.push_back({numbers[0], numbers[1], numbers[2]});
     }
 
-    // "0,5 0,25 1,0" has decimal commas; "0.5, 0.25, 1" and "0.5;0.25;1" have separators.
+    // Puts points for decimal commas ("0,5 0,25 1,0"), and blanks for separators ("0.5, 0.25" or "0.5;0.25").
     void separate(std::string& line)
     {
         const auto commas = std::ranges::count(line, ',');
@@ -248,7 +248,7 @@ private:
         }
     }
 
-    // The engine reads 12 bits; what other depths there are shows in the largest number.
+    // Scales entries to 0..1. The engine takes 3DL numbers for 12 bits; here the largest one tells the depth.
     void scaleThreeDl()
     {
         float largest = 0;
@@ -288,7 +288,7 @@ private:
             resample();
     }
 
-    // Every channel has its own curve: a cube of their products' corners does the same.
+    // Makes a cube of a one-dimensional table, which holds a curve for each channel.
     void expand()
     {
         if (entries_.size() < 2)

@@ -1,4 +1,4 @@
-// Reads lookup tables more leniently than the engine, and writes what the engine reads.
+// Repair of lookup tables: reads them more leniently than the engine, and writes what the engine reads.
 #pragma once
 
 #include <filesystem>
@@ -14,6 +14,6 @@ struct LutRepairOptions {
     bool blueFirst = false; ///< blue varies fastest in the file, as in most 3DL files
 };
 
-/// What can be derived from the file is put right; nothing is invented. Throws ToolError with the line that
-/// stands in the way: missing entries, entries that are no three numbers.
+/// Repairs the text of a lookup table as far as the right contents follow from the file. Throws ToolError
+/// that names the line where they do not: missing entries, entries that are no three numbers.
 LutRepair repairLut(const std::filesystem::path& file, const LutRepairOptions& options);

@@ -1,4 +1,4 @@
-// effectengine: the engine's effects on the command line.
+// The program effectengine: options of all verbs, the verbs, and exit codes.
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"

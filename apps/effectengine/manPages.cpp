@@ -1,4 +1,4 @@
-// Man pages in roff.
+// Man pages in roff, written from the tool's verbs as data.
 #include "effectengine/commandPages.h"
 
 #include <algorithm>
@@ -6,7 +6,8 @@
 
 namespace {
 
-// Dashes that people type are minus signs; a dot or a quote at the start of a line would be a command.
+// The text for roff: dashes become minus signs, which people can copy and type, and a dot or a quote at the
+// start of a line, which would be a command, is escaped.
 std::string escaped(const std::string& text)
 {
     std::string roff;
@@ -78,7 +79,7 @@ void addFooter(std::string& page, const std::string& footer)
     }
 }
 
-// One verb of verbs, such as "lut check", as a part of the page of "lut".
+// Adds the section of a verb within a verb, such as "lut check" on the page of "lut".
 void addInnerVerb(std::string& page, const std::string& command, const VerbText& verb)
 {
     page += ".SS " + escaped(command) + "\n";

@@ -1,4 +1,4 @@
-// Folders and names.
+// Collection of input pictures from files and folders, and the names of their outputs.
 #include "effectengine/pictureList.h"
 
 #include "effectengine/ToolError.h"
@@ -46,7 +46,7 @@ fs::path outputName(fs::path file, const std::string& format)
     return file;
 }
 
-// A folder that is read while results appear in it would never end, and a source is never overwritten.
+// Refuses two results under one name, and results that would replace one of the sources.
 void checkNames(const std::vector<PictureJob>& jobs)
 {
     std::map<fs::path, fs::path> sourceOf;

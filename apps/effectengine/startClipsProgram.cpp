@@ -1,4 +1,4 @@
-// The verbs for clips as the small program knows them: the larger one takes over.
+// The verbs for clips in the tool, which becomes the program with FFmpeg's libraries for them.
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 

@@ -13,7 +13,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The nodes' own default. Some transitions (rings of waves) run at a speed of their own and need seconds.
+// Seconds that a transition between pictures lasts: the nodes' own default. Some transitions (rings of waves)
+// run at a speed of their own, so a frame depends on it.
 constexpr double kDuration = 5.0;
 
 struct Options {
@@ -38,13 +39,14 @@ fs::path frameFile(const fs::path& directory, int index)
     return directory / name;
 }
 
-// Numbered pictures are written as clips are.
+// Whether the output is one picture; numbered pictures are written as clips are.
 bool isOnePicture(const fs::path& out)
 {
     return canBeWritten(out) && out.string().find('%') == std::string::npos;
 }
 
-// With the profile of one, the colours of the other would be wrong.
+// The colour profile, if both pictures have the same: with the profile of one, the colours of the other would
+// be wrong.
 host::PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
 {
     host::PhotoMetadata common;
@@ -115,7 +117,7 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
 void transition(const Options& options, const SessionOptions& sessionOptions)
 {
     if (options.frames == 0 && !isOnePicture(options.out))
-        joinClips(options, sessionOptions); // looks after signals itself
+        joinClips(options, sessionOptions); // handles signals itself
     else
         interruptibly([&] { showPictures(options, sessionOptions); });
 }

@@ -1,4 +1,5 @@
-// Nodes are fed by hand instead of connected: a node with two users then runs once a frame, not twice.
+// Evaluation of a graph. Nodes are not connected: each runs once a frame and its image is set as input of its
+// users, so a node with two users does not run twice.
 #include "host/EffectGraph.h"
 
 #include "host/GraphError.h"
@@ -112,7 +113,7 @@ double secondsOf(const GraphNode& node, const FrameTime& time)
 
 } // namespace
 
-// A time that the description sets itself is left alone.
+// Sets a node's clock, except for times that the description sets itself.
 void EffectGraph::setTimes(Running& running, const FrameTime& time)
 {
     const GraphNode& node = *running.node;
@@ -126,10 +127,11 @@ void EffectGraph::setTimes(Running& running, const FrameTime& time)
     set(kEffectCurrentTime, secondsOf(node, time));
 }
 
-// Particle scenes simulate what has passed before their first frame, and so many frames at a time alone.
+// Leads a new node to its time in steps. A particle scene simulates what passed before its first frame, but
+// only so many frames in one go.
 void EffectGraph::approach(Running& running, const FrameTime& time)
 {
-    constexpr double kFrames = 2500; // well below what one request goes through, with what scenes begin with
+    constexpr double kFrames = 2500; // well below what a scene simulates for one frame
     const double wanted = secondsOf(*running.node, time) * time.frameRate;
     for (double frame = kFrames; frame < wanted; frame += kFrames) {
         FrameTime before = time;
@@ -164,7 +166,7 @@ CEffectImage* EffectGraph::run(const FrameTime& time, std::vector<std::string>* 
     return nodes_.back().output;
 }
 
-/// Effects may write to their inputs, so these are asked before.
+// Runs a node. The inputs are looked at before, since effects may write to them.
 EffectGraph::Change EffectGraph::evaluate(Running& running, const FrameTime& time, bool compare)
 {
     std::vector<CEffectImage*> inputs;

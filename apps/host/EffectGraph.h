@@ -1,4 +1,4 @@
-// A running graph: one engine node for each node of the description.
+// A graph of effects that runs: one engine node for each node of the description.
 #pragma once
 
 #include "host/GraphDescription.h"
@@ -11,7 +11,8 @@ namespace host {
 /// Stores a value under the parameter's name, as its type. @return whether the effect took it
 bool store(Filter& filter, const KEXSDK::ParamInfo& info, const ParameterValue& value);
 
-/// Needs a running engine. One thread makes and runs a graph: random numbers are drawn per thread.
+/// Makes and runs the nodes of a graph. Needs a running engine. One thread makes and runs a graph: random
+/// numbers are drawn per thread.
 ///
 ///     GraphDescription description = loadGraph("look.json");
 ///     EffectGraph graph(description, width, height);
@@ -26,8 +27,8 @@ public:
 
     unsigned sources() const { return description_.sources(); }
 
-    /// The picture for "source" (0), "source-2" (1)...; it must have the graph's size and outlive the runs.
-    /// Its pixels may change between runs. Throws GraphError when the size differs.
+    /// Sets the picture for "source" (0), "source-2" (1)...; it must have the graph's size and outlive the
+    /// runs. Its pixels may change between runs. Throws GraphError when the size differs.
     void setSource(const Image& image, unsigned index = 0);
 
     /// Sets times and parameters, then evaluates every node once, inputs before users. Where an effect's

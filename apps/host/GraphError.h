@@ -1,4 +1,4 @@
-// What can be wrong with a graph, before and while it runs.
+// Faults of a graph, before and while it runs.
 #pragma once
 
 #include <stdexcept>
@@ -13,7 +13,7 @@ enum class GraphFault {
     effectFailed, ///< an effect cannot be made here, refuses a value, or does not run
 };
 
-/// One line, which names the file, the node and the parameter as far as they are known.
+/// An error with one line of text, which names the file, the node and the parameter as far as they are known.
 class GraphError : public std::runtime_error {
 public:
     GraphError(GraphFault fault, const std::string& message) : std::runtime_error(message), fault_(fault) { }

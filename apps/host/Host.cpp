@@ -1,4 +1,4 @@
-// Owners over the public interface.
+// Calls of the public interface, with result codes turned into exceptions.
 #include "host/Host.h"
 
 namespace host {

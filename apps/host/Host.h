@@ -1,4 +1,4 @@
-// The public interface with owners: what a C++ host writes once and then forgets.
+// The public interface for C++: objects that own the engine's handles, and exceptions for result codes.
 #pragma once
 
 #include "EffectEngine/EffectEngine.h"
@@ -11,13 +11,13 @@
 
 namespace host {
 
-/// A result code that should have been 0.
+/// A call of the engine that did not succeed.
 class Failure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The engine for as long as this object lives.
+/// Starts the engine, and ends it with this object's life.
 class Engine {
 public:
     /// Throws Failure.

@@ -1,4 +1,4 @@
-// From parameter metadata to stored values.
+// Example values from the parameters' metadata, and the lookup table that stands for files.
 #include "host/exampleValues.h"
 
 #include "engine/effectList.h"
@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 
-// A file that is gone when the process ends.
+// A lookup table in a temporary file, which is removed when the process ends.
 class ExampleTable {
 public:
     ExampleTable()

@@ -1,4 +1,4 @@
-// Values that make every effect visible, for benches, sheets and tests.
+// Example values of parameters, with which every effect shows something, for benches, sheets and tests.
 #pragma once
 
 #include "host/GraphDescription.h"
@@ -10,11 +10,11 @@ namespace host {
 /// size; files become a lookup table that bends every channel.
 ParameterValue exampleValue(const KEXSDK::ParamInfo& param, unsigned width, unsigned height);
 
-/// Stores such a value for each parameter that the effect reads but does not declare.
+/// Stores an example value for each parameter that the effect reads but does not declare.
 void setExampleValues(
     Filter& filter, std::span<const KEXSDK::ParamInfo* const> params, unsigned width, unsigned height);
 
-/// The same for a node of a graph: gives it the values that it has not got.
+/// Gives a node of a graph example values for those parameters that it does not set.
 void addExamples(GraphNode& node, unsigned width, unsigned height);
 
 } // namespace host

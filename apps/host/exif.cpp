@@ -1,4 +1,4 @@
-// Directories of tagged fields, in either byte order.
+// Reading and correcting of EXIF directories, which hold tagged fields in either byte order.
 #include "host/exif.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ enum Tag : u16 {
     pixelYDimension = 0xA003,
 };
 
-/// Numbers at places in a block; places are checked by whoever finds them.
+/// Access to the numbers in a block. Callers check that a place lies inside.
 class Numbers {
 public:
     explicit Numbers(std::span<const u8> bytes) : bytes_(bytes), bigEndian_(!bytes.empty() && bytes[0] == 'M')
@@ -51,7 +51,7 @@ private:
     bool bigEndian_;
 };
 
-/// A single whole number.
+/// A field with a single whole number.
 struct Field {
     std::size_t place;
     unsigned width;

@@ -1,4 +1,4 @@
-// Graphs as JSON files. Unknown members are errors: a misspelt one must not pass for a default.
+// Reading and writing of graphs as JSON. Unknown members are errors, so that misspelt ones are noticed.
 #include "host/GraphDescription.h"
 #include "host/GraphError.h"
 #include "host/jsonText.h"
@@ -27,7 +27,7 @@ constexpr std::array<std::pair<const char*, TimeUnit>, 3> kUnits{
 
 [[noreturn]] void fail(const std::string& message) { throw GraphError(GraphFault::content, message); }
 
-// Runs a piece of the work; its complaints get the place in front.
+// Runs a piece of the work, and puts the place in front of the text of its errors.
 template <class Work> auto within(const std::string& place, Work work)
 {
     try {
@@ -132,7 +132,7 @@ ParameterTrack readTrack(const KEXSDK::ParamInfo& info, const Json::Value& json,
         const Json::Value& list = json["keyframes"];
         if (!list.isArray() || list.empty())
             fail("\"keyframes\" must be a list");
-        // The first keyframe chooses what times count.
+        // The first keyframe chooses the unit of all keyframes' times.
         const auto unit = std::ranges::find_if(
             kUnits, [&](auto& u) { return list[0].isObject() && list[0].isMember(u.first); });
         if (unit == kUnits.end())
@@ -177,7 +177,7 @@ void readNode(GraphDescription& graph, const Json::Value& json, const fs::path& 
     if (effect.empty())
         fail("a node needs an \"effect\"");
     GraphNode& node = graph.append(effect, stringMember(json, "id"));
-    // Only the first input has an obvious default; a second picture must be asked for.
+    // Only the first input has a default, the source; the file must name what feeds the others.
     node.inputs.resize(std::min<std::size_t>(node.inputs.size(), 1));
     if (json.isMember("inputs"))
         node.inputs = readInputs(json["inputs"]);

@@ -1,4 +1,4 @@
-// Settings of the JSON writer.
+// The JSON writer's settings for indentation and digits.
 #include "host/jsonText.h"
 
 #include <charconv>

@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// Ends with a line break.
+/// The value as indented text that ends with a line break.
 std::string jsonText(const Json::Value& value);
 
 /// The shortest decimal number that is this float, so that 0.1f is written 0.1.

@@ -1,4 +1,4 @@
-// Frames, warm-up and the yardstick.
+// Painted frames, warmed-up effects, and times of memcpy.
 #include "host/measure.h"
 
 #include "engine/effectList.h"
@@ -23,7 +23,8 @@ double secondsSince(Clock::time_point start)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Smooth areas, edges and noise in about the proportions of a photograph; the same in every run.
+// Fills the image with smooth areas, edges and noise, about as much of each as in a photograph; the same in
+// every run.
 void paint(const Image& image, unsigned seed)
 {
     std::mt19937 random(seed);
@@ -40,7 +41,7 @@ void paint(const Image& image, unsigned seed)
     }
 }
 
-// The compiler must not leave the copy out because nobody reads it.
+// Makes the compiler believe that the memory is read, so that it does not leave the copy out.
 void keep(const void* memory) { asm volatile("" : : "g"(memory) : "memory"); }
 
 } // namespace

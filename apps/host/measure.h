@@ -1,4 +1,4 @@
-// How long an effect takes, beside a memcpy of the same frame: the yardstick "M".
+// Measurement of an effect's time, and of a memcpy of the same frame to compare it with.
 #pragma once
 
 #include "host/Host.h"
@@ -16,7 +16,7 @@ struct FrameSize {
 /// Median time of a memcpy of a frame on the calling thread, measured once per size and process.
 double copySeconds(FrameSize frame);
 
-/// The median; reorders the times, of which there must be one.
+/// The median of at least one time. Reorders them.
 double median(std::vector<double>& times);
 
 /// An effect with example values over painted frames, warmed up: effects with a history are in their steady

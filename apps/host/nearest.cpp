@@ -1,4 +1,4 @@
-// Edit distance over short names.
+// The search by edit distance, which counts letters put in, left out and replaced.
 #include "host/nearest.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// "Did you mean": the name that takes the fewest edits, whatever its spelling.
+// Proposals for mistyped names: the known name that takes the fewest edits, whatever its spelling.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// Every fourth byte.
+// Passes over the alpha bytes of pictures.
 #include "host/opacity.h"
 
 #include "host/Host.h"
@@ -13,7 +13,7 @@ constexpr unsigned char kOpaque = 255;
 
 bool isOpaque(std::span<const unsigned char> pixels)
 {
-    // In pieces: one pass each without a question at every pixel, and an early end.
+    // In pieces: there is no branch at each pixel, and the first transparent piece ends the search.
     constexpr std::size_t kPiece = 16 * 1024;
     for (std::size_t first = 0; first < pixels.size(); first += kPiece) {
         unsigned char all = kOpaque;

@@ -7,7 +7,7 @@
 
 namespace host {
 
-/// Whether no pixel of any of the pictures lets anything through.
+/// Whether every pixel of all pictures is opaque.
 bool areOpaque(std::span<CEffectImage* const> pictures);
 
 void makeOpaque(CEffectImage* picture);

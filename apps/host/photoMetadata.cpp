@@ -1,4 +1,4 @@
-// Segments of JPEG files and chunks of PNG files.
+// Metadata in the segments of JPEG files and the chunks of PNG files.
 #include "host/photoMetadata.h"
 
 #include "host/exif.h"
@@ -61,7 +61,7 @@ void takeExif(PhotoMetadata& metadata, Bytes block)
     metadata.exif.assign(block.begin(), block.end());
 }
 
-// Padding behind the profile is left out: PNG readers refuse it.
+// Takes a profile that is one for RGB pixels, without padding behind it, which PNG readers refuse.
 void takeProfile(PhotoMetadata& metadata, std::vector<u8> profile)
 {
     if (profile.size() < kProfileHeader || !startsWith(Bytes(profile).subspan(16), "RGB ")
@@ -79,7 +79,7 @@ template <class Fn> void eachSegment(Bytes file, Fn fn)
 {
     for (std::size_t at = kJpegSignature.size(); at + 4 <= file.size() && file[at] == 0xFF;) {
         const u8 marker = file[at + 1];
-        if (marker == 0xFF) { // filling
+        if (marker == 0xFF) { // a fill byte
             ++at;
             continue;
         }
@@ -91,7 +91,7 @@ template <class Fn> void eachSegment(Bytes file, Fn fn)
     }
 }
 
-/// A profile in numbered parts, in any order; none of it when a part is missing or there twice.
+/// Collects a profile from numbered parts in any order. There is none when a part is missing or comes twice.
 class ProfileParts {
 public:
     void add(Bytes segment)
@@ -133,7 +133,8 @@ PhotoMetadata readJpeg(Bytes file)
     return metadata;
 }
 
-/// Name, method, and the compressed profile, whose first bytes tell its size.
+/// The profile in a chunk that holds a name, the method, and the compressed profile, whose first bytes tell
+/// its size.
 std::vector<u8> uncompressedProfile(Bytes chunk)
 {
     const auto nameEnd = std::ranges::find(chunk, u8(0));

@@ -1,5 +1,5 @@
-// What photographs carry beside their pixels: EXIF data, with the orientation, and an ICC profile. It is read
-// from and put into the bytes of JPEG and PNG files.
+// The metadata of photographs, EXIF data with the orientation and an ICC profile, read from and put into the
+// bytes of JPEG and PNG files.
 #pragma once
 
 #include "core/Types.h"
@@ -16,7 +16,7 @@ struct PhotoMetadata {
     std::vector<u8> profile; ///< for RGB pixels alone: grey and four-ink pictures turn into RGB when decoded
 };
 
-/// Of a file's bytes; what is damaged is taken for missing, and so is all of it in files of other kinds.
+/// The metadata in a file's bytes. Damaged data counts as missing, and files of other kinds have none.
 PhotoMetadata readPhotoMetadata(std::span<const u8> file);
 
 /// Adds metadata to a JPEG or PNG file as the engine encodes them, with its upright picture of that size.
@@ -32,7 +32,7 @@ struct Turn {
 };
 Turn turnOf(int orientation);
 
-/// The stored picture as it is to be seen. The sizes fit each other.
+/// Turns the stored picture into the upright one. The sizes fit each other.
 void turnUpright(pixels::ConstView stored, int orientation, pixels::View upright);
 
 } // namespace host

@@ -1,4 +1,4 @@
-// Runs of fresh nodes over the scene.
+// Recording of effects: stills, loops and sweeps, each from a fresh node.
 #include "effectengine/gallery/EffectPictures.h"
 
 #include "effectengine/interruption.h"
@@ -17,14 +17,14 @@ using KEXSDK::ParamInfo;
 
 namespace {
 
-// Some transitions run at a speed of their own and need the seconds that are a node's own default.
+// Duration of transitions: the nodes' own default, since some transitions run at a speed of their own.
 constexpr float kTransitionSeconds = 5;
-constexpr unsigned kWarmUp = 24; ///< frames after which an effect with a history has got going
-// Earlier than the middle, where many transitions show one flat colour.
+constexpr unsigned kWarmUp = 24; ///< frames after which an effect with a history shows its usual look
+// The frame that stands for a transition: before the middle, where many transitions show one flat colour.
 constexpr unsigned kTransitionPoster = 10;
-// Where a sweep shows effects with a history: far enough, and affordable for every step.
+// The frame at which a sweep shows effects with a history: late enough to see it, and soon reached.
 constexpr unsigned kSweepFrames = 12;
-// A moment at the start, and others that no common period links.
+// Frames that tell whether an effect moves: the first, and others that are no multiples of one period.
 constexpr std::array<unsigned, 4> kProbes{0, 17, 40, 53};
 
 bool remembers(const EffectInfo& effect) { return effect.history.frames != 0; }
@@ -40,7 +40,7 @@ std::string sweepFile(const EffectInfo& effect, std::size_t parameter)
     return effect.name + ".sweep-" + std::to_string(parameter) + ".jpg";
 }
 
-// A fresh node that goes from frame to frame.
+// One run of a fresh node, from frame to frame.
 class EffectPictures::Run {
 public:
     Run(const EffectInfo& effect, const GalleryLayout& layout, GalleryScene& scene)
@@ -50,9 +50,9 @@ public:
           filter_(effect.guid, int(size_.width), int(size_.height)),
           target_(size_.width, size_.height)
     {
-        // Some transitions draw colours only, and leave the alpha of what they draw on.
+        // Some transitions write colours only, and leave the alpha of their output as it was.
         host::makeOpaque(target_.handle());
-        // An effect's pictures do not depend on the effects before it.
+        // Random numbers start anew, so that an effect's pictures do not depend on the effects before it.
         pixels::threadRandom() = pixels::RandomGenerator();
         pixels::restartRain();
         host::setExampleValues(filter_, describeParameters(effect.guid), size_.width, size_.height);
@@ -136,7 +136,7 @@ EffectPictures::Course EffectPictures::courseOf(const EffectInfo& effect)
     return moves(effect) ? Course{middle - kLoopFrames / 2, kLoopFrames, middle} : Course{middle, 1, middle};
 }
 
-// Nobody declares whether an effect looks at the time, so look at its frames.
+// Whether the effect's frames differ from each other: no effect declares whether it depends on the time.
 bool EffectPictures::moves(const EffectInfo& effect)
 {
     Run run(effect, layout_, scene_);
@@ -151,7 +151,7 @@ EffectPictures::Recording EffectPictures::record(const EffectInfo& effect, const
     Recording recording{Strip(layout_.work(), 1, 1), Strip(layout_.cell, layout_.scale, 1),
         Strip(layout_.cell, layout_.scale, course.count)};
     Run run(effect, layout_, scene_);
-    // Frames that nothing depends on are left out.
+    // An effect without a history needs no frames before the first one.
     for (unsigned i = remembers(effect) ? 0 : course.first; i < course.first + course.count; ++i) {
         const auto picture = run.frame(i, course.drifting);
         if (i >= course.first)

@@ -1,4 +1,4 @@
-// The pictures of one effect: as it is, in motion, and along its parameters.
+// The pictures of one effect in a gallery: a still, a loop in motion, and a sweep of each parameter.
 #pragma once
 
 #include "effectengine/gallery/GalleryScene.h"
@@ -15,11 +15,11 @@ inline constexpr unsigned kLoopRate = 12;
 inline constexpr unsigned kMoment = 4;
 inline constexpr unsigned kDuration = 2 * kMoment;
 
-// Files of the pictures that effects are shown on; no effect has such names.
+// File names of the pictures that effects are shown on. No effect has such a name.
 inline constexpr const char* kOriginalFile = "first.input.jpg";
 inline constexpr const char* kSecondFile = "second.input.jpg";
 
-// Names of an effect's files. Not every effect has a loop, and not every parameter a sweep.
+// File names of an effect's pictures. Not every effect has a loop, and not every parameter a sweep.
 std::string stillFile(const KEXSDK::EffectInfo& effect);
 std::string thumbnailFile(const KEXSDK::EffectInfo& effect);
 std::string loopFile(const KEXSDK::EffectInfo& effect);
@@ -42,9 +42,9 @@ public:
 private:
     /// The frames that an effect is shown by, counted from a fresh start.
     struct Course {
-        unsigned first;  ///< the first one that is kept
-        unsigned count;  ///< how many are kept
-        unsigned poster; ///< the one that stands for all
+        unsigned first;  ///< the first frame that is recorded
+        unsigned count;  ///< how many are recorded
+        unsigned poster; ///< the frame that stands for all
         unsigned stride = 1;
         bool drifting = false;
     };

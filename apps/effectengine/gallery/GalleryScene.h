@@ -1,4 +1,4 @@
-// What the effects of a gallery are shown on: the user's picture, still or moving, and a second one.
+// The pictures that the effects of a gallery are shown on: the user's, still or moving, and a second one.
 #pragma once
 
 #include "effectengine/pictureFiles.h"
@@ -18,6 +18,7 @@ struct GalleryLayout {
 /// Cells of the picture's shape, 320 pixels wide or, for upright pictures, high.
 GalleryLayout layoutFor(PictureSize picture);
 
+/// The inputs of effects, filled anew for each of their frames.
 class GalleryScene {
 public:
     /// Without a second file the second picture is the first one mirrored, without colour. Needs a running
@@ -31,8 +32,8 @@ public:
     /// Whether the pictures for an effect's first so many inputs are opaque.
     bool isOpaque(unsigned inputs) const;
 
-    /// Makes the inputs as good as new: effects may write to them. The first one shows the picture, or a
-    /// window that has drifted over it.
+    /// Fills the inputs anew, since effects may write to them: the first one with the picture, or for a
+    /// frame's number with a window that has drifted over the picture.
     void show(std::optional<unsigned> frame);
 
 private:

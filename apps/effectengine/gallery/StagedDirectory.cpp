@@ -1,4 +1,4 @@
-// Old contents move out before new ones move in.
+// Publication by renaming: old contents move out before new ones move in.
 #include "effectengine/gallery/StagedDirectory.h"
 
 #include "effectengine/PartialFile.h"
@@ -15,8 +15,8 @@ namespace {
 constexpr std::string_view kStagingName = ".effectengine-";
 constexpr std::string_view kMovedOut = ".old";
 
-/// Puts back what a process that was ended by force had moved out and not replaced, and removes the rest of
-/// it.
+/// Cleans up after processes that were ended by force: what they had moved out of the target and not replaced
+/// goes back, and the rest of their files is removed.
 void tidyUp(const fs::path& staging, const fs::path& target)
 {
     std::error_code ignored;

@@ -15,7 +15,7 @@ public:
     StagedDirectory& operator=(const StagedDirectory&) = delete;
     ~StagedDirectory();
 
-    /// Where to write.
+    /// The hidden directory, into which the caller writes.
     const std::filesystem::path& path() const { return staging_; }
 
     /// Moves the files and directories of these names into the target, in place of those that were there;

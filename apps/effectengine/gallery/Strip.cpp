@@ -1,4 +1,4 @@
-// Averages of square blocks, and one JPEG.
+// Scaling down by averages of square blocks, and the JPEG file.
 #include "effectengine/gallery/Strip.h"
 
 #include "EffectTovOgre/JpegCodec.h"

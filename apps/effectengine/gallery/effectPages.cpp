@@ -1,4 +1,4 @@
-// From the catalogue to HTML.
+// The HTML of an effect's page and of the index, from the catalogue.
 #include "effectengine/gallery/effectPages.h"
 
 #include "effectengine/PartialFile.h"

@@ -1,4 +1,4 @@
-// Documents: a page for every effect, without scripts, and an index.
+// Pages for reading: one for every effect, without scripts, and an index.
 #pragma once
 
 #include <json/value.h>

@@ -138,7 +138,7 @@ function settings(effect, chosen = {}) {
   return Object.entries({...values, ...chosen}).map(([name, value]) => ` -p ${name}=${value}`).join("");
 }
 
-// What makes the picture that is shown; lengths in pixels belong to its size.
+// The command line that makes the picture that is shown, at a size that suits lengths in pixels.
 function command(effect, chosen) {
   const values = settings(effect, chosen);
   const size = ownParameters(effect).some(parameter => parameter.unit === "pixels")

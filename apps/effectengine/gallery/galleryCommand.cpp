@@ -23,7 +23,7 @@ namespace {
 constexpr const char* kPage = "index.html";
 constexpr const char* kPictures = "pictures";
 constexpr const char* kPages = "pages";
-constexpr long long kSeed = 1; ///< of random looks: one picture gives the same gallery every time
+constexpr long long kSeed = 1; ///< of random looks, so that one picture gives the same gallery every time
 
 struct Options {
     fs::path directory;
@@ -43,7 +43,7 @@ bool isGallery(const fs::path& page)
     return text.find(kPageMark) != std::string::npos;
 }
 
-// An earlier gallery is replaced; nobody else's files are.
+// Refuses a directory that holds files of others: a gallery replaces an earlier gallery and nothing else.
 void checkDirectory(const fs::path& directory)
 {
     if (isGallery(directory / kPage))
@@ -103,7 +103,7 @@ void gallery(const Options& options, SessionOptions session)
     const fs::path pictures = staged.path() / kPictures;
     makeDirectory(pictures);
     const ExitCode code = makePictures(options, session, effects, layout, pictures);
-    // Without an effect that failed the gallery is still of use; without any picture it is not.
+    // A gallery without the effects that failed is still of use; after other failures there is none.
     if (code != ExitCode::success && code != ExitCode::effectFailed && code != ExitCode::internal)
         throw AlreadyReported(code);
     const Json::Value data = galleryData(effects, layout, pictures);

@@ -1,4 +1,4 @@
-// Data into the template.
+// The gallery's data as JSON, and the template that it goes into.
 #include "effectengine/gallery/galleryPage.h"
 
 #include "effectengine/gallery/pageParts.h"
@@ -52,7 +52,7 @@ Json::Value picturesOf(
     return json;
 }
 
-// Inside a script element only "</" could end the text early.
+// JSON for a script element, in which "</" could end the element early.
 std::string scriptData(const Json::Value& data)
 {
     Json::StreamWriterBuilder builder;

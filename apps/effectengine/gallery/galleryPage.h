@@ -1,4 +1,4 @@
-// The page of a gallery: the catalogue, where the pictures are, and what makes them a page.
+// The page of a gallery: one HTML file with the catalogue, the names of the pictures, style and script.
 #pragma once
 
 #include "effectengine/gallery/EffectPictures.h"
@@ -7,15 +7,15 @@
 
 #include <span>
 
-/// Marks pages that this tool wrote, and may write again.
+/// The mark in pages of this tool, which it may replace.
 inline constexpr const char* kPageMark = "<meta name=\"generator\" content=\"effectengine gallery\">";
 
-/// Facts of the effects as in the catalogue, each with a member "pictures" that names its files, as far as
-/// they are in the directory: {"still", "small", "loop", "sweeps": [{"name", "file", "values", "labels"}],
+/// The facts of the effects as in the catalogue, each with a member "pictures" that names its files, as far
+/// as they are in the directory: {"still", "small", "loop", "sweeps": [{"name", "file", "values", "labels"}],
 /// "examples": {NAME: VALUE}}. Values are texts for a command line.
 Json::Value galleryData(std::span<const KEXSDK::EffectInfo> effects, const GalleryLayout& layout,
     const std::filesystem::path& pictures);
 
-/// The whole page as HTML. It needs the directory "pictures" beside it and nothing else.
+/// The page as HTML. It needs the directory "pictures" beside it and nothing else.
 /// @param title  of the picture that the effects are shown on
 std::string galleryPage(const Json::Value& data, const std::string& title);

@@ -1,4 +1,4 @@
-// HTML from pieces.
+// Escaping of text for HTML, and replacement of {{names}}.
 #include "effectengine/gallery/pageText.h"
 
 std::string escaped(std::string_view text)

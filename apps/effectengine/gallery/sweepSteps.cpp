@@ -1,4 +1,4 @@
-// Even steps.
+// Steps of a sweep: even ones over a range, or all values of a mode.
 #include "effectengine/gallery/sweepSteps.h"
 
 #include "engine/effectList.h"
@@ -16,7 +16,8 @@ namespace {
 
 constexpr int kSteps = 7;
 
-// One effect in so many: families share parameters of their own, but none is as large.
+// A parameter that at least one effect in so many has comes with the kind of a node: families of effects
+// share parameters as well, but none of them is as large.
 constexpr std::size_t kCommonShare = 5;
 
 std::set<std::string> findCommonParameters()
@@ -46,7 +47,7 @@ SweepStep stepOf(std::vector<double> numbers, const std::string& label = {})
     return {std::move(numbers), text, label.empty() ? text : label};
 }
 
-// Three digits tell enough; 33.333332 would hide them.
+// The value rounded to three digits of the range, so that labels stay short.
 double rounded(double value, double span)
 {
     const double unit = std::pow(10.0, std::floor(std::log10(span)) - 2);

@@ -1,4 +1,4 @@
-// Demultiplexing and decoding.
+// Decoding in order or by number, and the way back when a jump into the file went wrong.
 #include "effectengine/media/ClipReader.h"
 
 #include "effectengine/ToolError.h"
@@ -28,7 +28,7 @@ Orientation orientationOf(const AVStream& stream)
     return {true, m[3] < 0, m[1] < 0};
 }
 
-// Photographs note it in the file's bytes, which are the packet. The first one counts for all.
+// The EXIF orientation of the first of numbered photographs counts for all. A packet holds a file's bytes.
 Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::path& file)
 {
     const std::string_view format = pictures.iformat->name;
@@ -56,7 +56,8 @@ ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate)
     describe();
 }
 
-// A fresh decoder: one that has seen later packets remembers their parameter sets.
+// Opens the file anew at its start, with a fresh decoder: one that has seen later packets would go on with
+// their parameter sets.
 void ClipReader::begin()
 {
     decoder_.reset();
@@ -132,7 +133,8 @@ void ClipReader::skipTo(long long frame)
     beginBefore(frame, keysBack_);
 }
 
-/// Seeks to the last key but so many that is shown no later than a frame. False: there is none.
+// Seeks to a key that is shown no later than a frame: the last one, or for `keysBack` above 1 that many keys
+// back. False when there is none.
 bool ClipReader::beginBefore(long long frame, std::size_t keysBack)
 {
     const auto later = std::ranges::upper_bound(
@@ -146,7 +148,7 @@ bool ClipReader::beginBefore(long long frame, std::size_t keysBack)
     return true;
 }
 
-// Twice as far each time, so that a clip with damage of its own soon begins at its start.
+// Begins twice as many keys back as last time, so that a damaged clip is soon decoded from its start.
 void ClipReader::beginEarlier()
 {
     begin();
@@ -209,8 +211,7 @@ bool ClipReader::nextByNumber(AVFrame& frame)
     return true;
 }
 
-// Decodes one frame more, or begins again further back when a jump led to something that is not as it must
-// be.
+// Decodes one frame more, or begins again further back when a jump did not lead to the expected frame.
 void ClipReader::decodeAhead()
 {
     std::swap(before_, ahead_);

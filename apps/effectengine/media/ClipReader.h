@@ -1,4 +1,4 @@
-// A clip's frames in the order in which they are shown.
+// The reader of a clip's frames, in the order in which they are shown.
 #pragma once
 
 #include "effectengine/media/DecoderWatch.h"
@@ -8,7 +8,7 @@
 
 namespace media {
 
-/// How numbers stand for colours; carried from the input to the output.
+/// The marks of a clip's colours: how its numbers stand for them. They go from the input to the output.
 struct Colour {
     AVColorRange range = AVCOL_RANGE_UNSPECIFIED;
     AVColorSpace space = AVCOL_SPC_UNSPECIFIED;
@@ -25,6 +25,7 @@ struct Orientation {
     bool upright() const { return !swapsSides && !mirrorsColumns && !mirrorsRows; }
 };
 
+/// The properties of a clip.
 struct ClipInfo {
     std::filesystem::path file;
     int width = 0; ///< as shown, after the display matrix
@@ -45,9 +46,11 @@ struct ClipInfo {
     double rate() const { return av_q2d(frameRate); }
 };
 
+/// Decodes a clip from its start, or from a frame on.
 class ClipReader {
 public:
-    /// Throws ToolError.
+    /// Opens the clip. Throws ToolError.
+    /// @param pictureRate  frames per second of numbered pictures; empty for the library's own 25
     explicit ClipReader(const std::filesystem::path& file, const std::string& pictureRate = {});
 
     const ClipInfo& info() const { return info_; }
@@ -74,7 +77,7 @@ public:
     /// Whether the frame that next() gave last is not, or not all of it, what was once encoded.
     bool damaged() const { return damaged_.contains(index_); }
 
-    /// The numbers of all such frames so far. A clip that breaks off has one at its end.
+    /// The numbers of all damaged frames so far. A clip that breaks off has one at its end.
     const std::set<long long>& damagedFrames() const { return damaged_; }
 
 private:
@@ -91,7 +94,7 @@ private:
 
     ClipInfo info_;
     std::string pictureRate_;
-    DecoderWatch watch_; ///< before the decoder, whose threads use it
+    DecoderWatch watch_; ///< outlives the decoder, whose threads use it
     Input input_;
     Codec decoder_;
     Packet packet_;

@@ -1,11 +1,11 @@
-// A stream's packets, copied.
+// A track whose packets are copied from a file.
 #pragma once
 
 #include "effectengine/media/SideTrack.h"
 
 namespace media {
 
-/// Reads the file on its own, so it never waits for the pictures, nor they for it.
+/// Opens the file a second time, so that track and pictures never wait for each other.
 class CopiedTrack final : public SideTrack {
 public:
     CopiedTrack(const std::filesystem::path& clip, int stream, Span span);

@@ -1,4 +1,4 @@
-// Errors of the log, sorted by decoder and packet.
+// The callback for the library's log, which notes errors by decoder and packet.
 #include "effectengine/media/DecoderWatch.h"
 
 namespace media {
@@ -30,7 +30,7 @@ void DecoderWatch::forget()
 
 void DecoderWatch::hear(void* source, int level, const char*, va_list)
 {
-    constexpr int kLevels = 0xff; // colours stand above
+    constexpr int kLevels = 0xff; // the bits above name a colour
     if (!source || (level & kLevels) > AV_LOG_ERROR || *static_cast<AVClass**>(source) != avcodec_get_class())
         return;
     const auto& decoder = *static_cast<const AVCodecContext*>(source);

@@ -1,4 +1,4 @@
-// What a decoder complains of while it decodes.
+// The errors that a decoder tells only in FFmpeg's log.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"
@@ -23,7 +23,7 @@ public:
 
     /// Whether there was an error in a packet that is shown at this time.
     bool complainedAt(std::int64_t time) const;
-    /// The same for any time from this one on.
+    /// Whether there was an error in a packet that is shown at this time or later.
     bool complainedSince(std::int64_t time) const;
     void forget();
 

@@ -1,4 +1,4 @@
-// Filter graph, encoder, packets.
+// Sound from a filter graph through an encoder into packets.
 #include "effectengine/media/EncodedTrack.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ const AVCodec& encoderFor(const AVOutputFormat& container, const std::filesystem
     return *codec;
 }
 
-// The channels that the encoder takes, as a filter's option; empty: any.
+// The channel layouts that the encoder takes, as an option of a filter; empty when it takes any.
 std::string layoutsOf(const AVCodec& codec)
 {
     std::string names;

@@ -1,4 +1,4 @@
-// Sound that leaves a filter graph and is encoded.
+// A track of sound that comes from a filter graph and is encoded.
 #pragma once
 
 #include "effectengine/media/SideTrack.h"

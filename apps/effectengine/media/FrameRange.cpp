@@ -1,4 +1,4 @@
-// Ranges from words.
+// Reading of --frames and --chunk.
 #include "effectengine/media/FrameRange.h"
 
 #include "effectengine/ToolError.h"

@@ -1,4 +1,4 @@
-// Which frames of a clip are wanted.
+// The part of a clip that is wanted, as frame numbers.
 #pragma once
 
 #include <limits>
@@ -16,10 +16,10 @@ struct FrameRange {
     bool holds(long long frame) const { return frame >= first && frame <= last; }
 };
 
-/// "A-B", "A-" or "A"; everything for an empty text. Throws ToolError.
+/// Reads "A-B", "A-" or "A"; an empty text stands for all frames. Throws ToolError.
 FrameRange parseFrames(const std::string& text);
 
-/// Part I of N equal parts of so many frames, from "I/N". Throws ToolError.
+/// Reads "I/N": the I-th of N equal parts of a clip with so many frames. Throws ToolError.
 FrameRange parseChunk(const std::string& text, long long frames);
 
 } // namespace media

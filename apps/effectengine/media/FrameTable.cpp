@@ -1,4 +1,4 @@
-// A pass over the packets.
+// The pass over a clip's packets that finds times and keys.
 #include "effectengine/media/FrameTable.h"
 
 #include "effectengine/media/ClipReader.h"
@@ -12,7 +12,7 @@ namespace media {
 
 namespace {
 
-// Formats whose index leads to a picture that needs none before it.
+// Whether the file's format has an index that leads to a picture which needs none before it.
 bool seeksExactly(const AVFormatContext& input)
 {
     constexpr std::array kNames{std::string_view("mov,mp4,m4a,3gp,3g2,mj2"),
@@ -20,7 +20,8 @@ bool seeksExactly(const AVFormatContext& input)
     return std::ranges::find(kNames, std::string_view(input.iformat->name)) != kNames.end();
 }
 
-// Pictures that others are predicted from may stay unseen, and empty packets repeat what is seen.
+// Whether the packet holds a picture that is shown: some are only references for others, and an empty packet
+// repeats the picture before it.
 bool isShown(const AVPacket& packet, AVCodecID codec)
 {
     constexpr std::uint8_t kVp8Shown = 0x10;
@@ -28,7 +29,7 @@ bool isShown(const AVPacket& packet, AVCodecID codec)
         && (codec != AV_CODEC_ID_VP8 || packet.data[0] & kVp8Shown);
 }
 
-// A clip that was cut out of another may begin with pictures that need what was cut off.
+// Removes the first frames of a clip that was cut out of another one, as far as they need what was cut off.
 void dropWhatNeedsEarlierFrames(
     FrameTable& table, const std::filesystem::path& file, const std::string& pictureRate)
 {

@@ -1,4 +1,4 @@
-// The times of a clip's frames, and where decoding can begin.
+// A table of the times of a clip's frames, and of the places where decoding can begin.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"
@@ -8,7 +8,7 @@
 
 namespace media {
 
-/// From a pass over the packets: what is shown when, without decoding it.
+/// What a pass over the packets tells without decoding them.
 struct FrameTable {
     /// A picture that needs none before it.
     struct Key {
@@ -25,7 +25,7 @@ struct FrameTable {
     long long at(std::int64_t time) const;
 };
 
-/// Throws ToolError.
+/// Reads all packets of a clip. Throws ToolError.
 FrameTable readFrameTable(const std::filesystem::path& file, const std::string& pictureRate = {});
 
 } // namespace media

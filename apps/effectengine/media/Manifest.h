@@ -1,4 +1,4 @@
-// What a rendering run has finished: a hash per frame, kept so that a killed run can go on.
+// The manifest of a rendering run: a hash for each finished frame, by which a killed run can go on.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"
@@ -12,6 +12,7 @@
 
 namespace media {
 
+/// A finished frame.
 struct RenderedFrame {
     long long number = 0; ///< in the clip, from 0
     double seconds = 0;   ///< since the clip's first frame
@@ -27,8 +28,8 @@ public:
     /// @param settings  everything that the pixels depend on
     Manifest(std::filesystem::path file, const Json::Value& settings);
 
-    /// Takes over what an earlier run noted. Throws ToolError when it ran with other settings, or when its
-    /// notes cannot be read.
+    /// Takes over the frames that an earlier run noted. Throws ToolError when it ran with other settings, or
+    /// when its notes cannot be read.
     void load();
 
     const std::map<long long, RenderedFrame>& frames() const { return frames_; }

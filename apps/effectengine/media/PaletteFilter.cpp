@@ -1,4 +1,4 @@
-// A small filter graph: frame, palette, frame with palette.
+// The filter graph that makes a palette of a frame and applies it to the frame.
 #include "effectengine/media/PaletteFilter.h"
 
 #include "effectengine/media/EncodedTrack.h"

@@ -1,4 +1,4 @@
-// Pictures with a palette of their own, for GIF.
+// A filter that gives each frame a palette of its own, for GIF.
 #pragma once
 
 #include "effectengine/media/ClipSink.h"

@@ -1,4 +1,4 @@
-// Units of a byte stream, and the numbers of those that are parameter sets.
+// Reading of a stream's units: which are parameter sets, and with which numbers.
 #include "effectengine/media/ParameterSets.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@ namespace {
 
 using Data = std::span<const std::uint8_t>;
 
-/// Reads bits, past the bytes that only keep start codes from arising. Beyond the end it reads zeros.
+/// Reads the bits of a unit without the bytes that only avoid start codes. Beyond the end it reads zeros.
 class Bits {
 public:
     explicit Bits(Data data)
@@ -35,7 +35,7 @@ public:
         return value;
     }
 
-    /// A number with as many zeros in front as it has bits after its first one.
+    /// Reads an Exp-Golomb number: as many zeros in front as it has bits after its first one.
     unsigned readGolomb()
     {
         int zeros = 0;
@@ -49,7 +49,7 @@ private:
     std::size_t at_ = 0;
 };
 
-// Past profile, tier and level, also those of the layers below the highest one.
+// Skips profile, tier and level, also those of the layers below the highest one.
 void skipProfile(Bits& bits, unsigned layersBelow)
 {
     constexpr unsigned kMostLayers = 8;
@@ -103,8 +103,8 @@ bool ParameterSets::take(const AVPacket& packet)
     });
 }
 
-// The header of MP4 and Matroska is a list of sets with two bytes of length; in other containers it is like
-// packets.
+// Reads the sets in a file's header: in MP4 and Matroska a list of sets with two bytes of length each, in
+// other containers units as in packets.
 void ParameterSets::readHeader(Data header, Sets& sets)
 {
     if (!isNumbered(codec_)) {

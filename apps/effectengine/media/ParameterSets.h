@@ -1,4 +1,4 @@
-// Parameter sets of H.264 and HEVC that come between the pictures.
+// The parameter sets of H.264 and HEVC at each place in a stream.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"
@@ -18,7 +18,7 @@ class ParameterSets {
 public:
     explicit ParameterSets(const AVCodecParameters& stream);
 
-    /// Takes over the packet's sets. Answers whether a decoder that knows only the header and begins with
+    /// Takes over the packet's sets. @return whether a decoder that knows only the header and begins with
     /// this packet then holds the same sets as one that has read everything. True for other codecs as long as
     /// no packet replaces the header.
     bool take(const AVPacket& packet);

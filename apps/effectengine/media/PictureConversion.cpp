@@ -1,4 +1,4 @@
-// The straight way for plain YUV, the scaling library for everything else.
+// Conversion by yuvPixels where format and size allow it, else by the scaling library.
 #include "effectengine/media/PictureConversion.h"
 
 #include "effectengine/media/yuvPixels.h"
@@ -8,12 +8,12 @@ namespace media {
 
 namespace {
 
-// Exact on every processor, chroma interpolated.
+// Settings of the scaling library: the same bytes on every processor, chroma interpolated.
 constexpr int kScaling =
     SWS_BICUBIC | SWS_ACCURATE_RND | SWS_BITEXACT | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT;
 constexpr int kUnity = 1 << 16;
 
-// A frame of packed BGRA, top row first, as rows of the engine.
+// The rows of a BGRA frame, whose top row comes first, in the engine's order.
 pixels::View viewOf(const AVFrame& frame)
 {
     return {frame.data[0] + std::ptrdiff_t(frame.linesize[0]) * (frame.height - 1),

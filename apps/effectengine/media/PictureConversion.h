@@ -1,4 +1,4 @@
-// Between a clip's frames and the engine's pixels.
+// Conversion between a clip's frames and the engine's pictures.
 #pragma once
 
 #include "effectengine/media/ClipReader.h"
@@ -24,7 +24,7 @@ private:
     Shape shape_{};
 };
 
-/// Frames of a clip as upright pictures of one size, bottom row first.
+/// Converts frames of a clip to upright pictures of one size, bottom row first.
 class ToPicture {
 public:
     /// @param width, height  of the pictures; frames of another size are scaled
@@ -45,7 +45,7 @@ private:
     std::vector<unsigned char> turned_;
 };
 
-/// Pictures as frames for an encoder.
+/// Converts pictures to frames for an encoder.
 class FromPicture {
 public:
     /// @param keepsAlpha  false: every pixel becomes opaque, whatever an effect left in its alpha

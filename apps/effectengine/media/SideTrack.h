@@ -1,4 +1,4 @@
-// The sound of an output: packets as they come from a file, or encoded anew.
+// Sound and subtitles of an output: packets copied from a file, or sound encoded anew.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"

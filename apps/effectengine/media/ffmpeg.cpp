@@ -1,4 +1,4 @@
-// Small things around FFmpeg's libraries.
+// Allocation, error texts and other helpers for FFmpeg's libraries.
 #include "effectengine/media/ffmpeg.h"
 
 #include <new>

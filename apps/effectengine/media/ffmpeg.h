@@ -1,4 +1,4 @@
-// FFmpeg's libraries with owners and C++ errors.
+// FFmpeg's libraries with owning pointers and C++ errors.
 #pragma once
 
 extern "C" {
@@ -22,7 +22,7 @@ namespace media {
 
 namespace detail {
 
-/// Frees through the library's functions that take the address of the handle.
+/// A deleter by those functions of the libraries that take the address of the handle.
 template <auto free> struct FreeByAddress {
     template <class Handle> void operator()(Handle* handle) const { free(&handle); }
 };
@@ -49,7 +49,7 @@ using Packet = std::unique_ptr<AVPacket, detail::FreeByAddress<av_packet_free>>;
 using Filters = std::unique_ptr<AVFilterGraph, detail::FreeByAddress<avfilter_graph_free>>;
 using Scaler = std::unique_ptr<SwsContext, detail::FreeScaler>;
 
-/// Options for an opening function, freed with what it did not use.
+/// Options for a function that opens something; it takes those that it knows out of them.
 class Dictionary {
 public:
     Dictionary() = default;
@@ -62,7 +62,7 @@ public:
         av_dict_set(&entries_, key.c_str(), value.c_str(), 0);
     }
     AVDictionary** address() { return &entries_; }
-    /// The first option that nobody used, or empty.
+    /// The first option that was not taken, or empty.
     std::string leftOver() const
     {
         const AVDictionaryEntry* const entry = av_dict_get(entries_, "", nullptr, AV_DICT_IGNORE_SUFFIX);
@@ -73,17 +73,19 @@ private:
     AVDictionary* entries_ = nullptr;
 };
 
-/// Empty ones; throw std::bad_alloc.
+/// An empty frame and an empty packet. Throw std::bad_alloc.
 Frame makeFrame();
 Packet makePacket();
 
 /// Whether a pixel may be transparent, by itself or by a palette.
 bool hasAlpha(AVPixelFormat format);
 
-/// What a negative result means, in words that need no knowledge of the library where there are such.
+/// The meaning of a negative result, for people who need not know the library.
 std::string errorText(int result);
 
-/// Throws std::runtime_error for a negative result that no input and no disk can cause; hands on others.
+/// For results whose failure neither an input nor a disk causes: throws std::runtime_error for a negative
+/// one.
+/// @return the result
 int require(int result, const char* what);
 
 } // namespace media

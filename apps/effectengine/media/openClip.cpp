@@ -1,4 +1,4 @@
-// Demultiplexers and decoders, opened or refused.
+// Opening of files and decoders, and the reasons for which they are refused.
 #include "effectengine/media/openClip.h"
 
 #include "effectengine/ToolError.h"
@@ -11,7 +11,7 @@ namespace media {
 
 namespace {
 
-// Numbered pictures rarely begin at 0: parts of a clip carry the clip's numbers.
+// The highest number at which numbered pictures may begin: parts of a clip carry the clip's numbers.
 constexpr const char* kFirstPictureUpTo = "100000";
 
 bool namesPictures(const fs::path& file)
@@ -31,7 +31,8 @@ void checkReadable(const fs::path& file)
         throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
 }
 
-// WebM keeps transparency as a second picture beside the first, which the library's own decoders pass over.
+// The decoder for a stream. WebM has transparency as a second picture beside the first, which FFmpeg's own
+// decoders ignore.
 const AVCodec* decoderFor(const AVStream& stream)
 {
     const AVCodec* codec = nullptr;
@@ -54,7 +55,7 @@ bool hasAlphaBeside(const AVStream& stream)
 Input openClip(const fs::path& file, const std::string& pictureRate)
 {
     checkReadable(file);
-    // A clip may point elsewhere (playlists, references): only to files of this machine.
+    // A clip that refers to others (a playlist) may name only files of this machine.
     Dictionary options;
     options.set("protocol_whitelist", "file");
     if (namesPictures(file)) {

@@ -1,4 +1,4 @@
-// Clips as the libraries open them: the file, its stream of pictures, its decoder.
+// Functions that open a clip: the file, its stream of pictures, its decoder.
 #pragma once
 
 #include "effectengine/media/ffmpeg.h"
@@ -15,7 +15,7 @@ Input openClip(const std::filesystem::path& file, const std::string& pictureRate
 /// The number of the stream that holds the clip's pictures. Throws ToolError when none does.
 int pictureStreamOf(const AVFormatContext& input, const std::filesystem::path& file);
 
-/// Leaves all packets out but those of a stream.
+/// Makes the file give the packets of one stream only.
 void readOnly(AVFormatContext& input, int stream);
 
 /// Whether the stream's transparency is coded beside its pictures.
@@ -23,7 +23,7 @@ bool hasAlphaBeside(const AVStream& stream);
 
 /// An opened decoder for the stream. Throws ToolError when this machine has none.
 /// Its pixel format is that of the frames, transparency included.
-/// @param watcher  kept as the context's `opaque`, also on the decoder's threads
+/// @param watcher  becomes the context's `opaque`, also on the decoder's threads
 Codec openDecoder(const AVStream& stream, const std::filesystem::path& file, void* watcher);
 
 } // namespace media

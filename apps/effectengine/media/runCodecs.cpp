@@ -1,4 +1,4 @@
-// codecs: what this machine's libraries can read and write.
+// codecs: prints what this machine's FFmpeg libraries can read and write.
 #include "effectengine/clipVerbs.h"
 #include "effectengine/media/DecoderWatch.h"
 

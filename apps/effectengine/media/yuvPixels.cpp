@@ -1,4 +1,4 @@
-// Fixed-point colour matrices over rows.
+// Conversion by fixed-point colour matrices, row by row.
 #include "effectengine/media/yuvPixels.h"
 
 #include "pixels/numbers.h"
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kBits = 16;
 constexpr int kHalf = 1 << (kBits - 1);
-constexpr int kHdLines = 720; // players take smaller pictures without a note for standard definition
+constexpr int kHdLines = 720; // unmarked pictures with fewer lines count as standard definition
 
 struct Weights {
     double red;
@@ -167,7 +167,8 @@ void lumaRow(const FromBgra& matrix, const Bgra* from, u8* y, int width)
         y[x] = u8((matrix.y.of(pixels::load(from + x)) + (matrix.black << kBits) + kHalf) >> kBits);
 }
 
-// U and V before rounding, of one row or of two rows together.
+// Sums of one chroma channel over two rows, before rounding. For formats with chroma in every row, both are
+// the same.
 void chromaSums(const Channel& channel, const Bgra* first, const Bgra* second, int* sums, int width)
 {
 #pragma GCC ivdep
@@ -175,7 +176,7 @@ void chromaSums(const Channel& channel, const Bgra* first, const Bgra* second, i
         sums[x] = channel.of(pixels::load(first + x)) + channel.of(pixels::load(second + x));
 }
 
-// `sums` holds two rows, so 4:4:4 and 4:2:2 pass one row twice.
+// Rounds the sums of two rows to chroma samples, each of 1 << columns pixels of a row.
 void chromaRow(const int* sums, u8* to, int width, int columns)
 {
     const auto byte = [](int sum, int bits) {
@@ -194,7 +195,7 @@ void chromaRow(const int* sums, u8* to, int width, int columns)
 
 constexpr std::size_t kPlanes = 4;
 
-// The frame's rows as a view would count them from the top.
+// The start of a row, counted from the top, of a frame's plane.
 template <class Byte> Byte* planeRow(Byte* plane, int stride, int row)
 {
     return plane + std::ptrdiff_t(stride) * row;
@@ -282,7 +283,7 @@ void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame)
     const auto [columns, rows] = samplingOf(AVPixelFormat(frame.format));
     const int width = picture.width();
     const int height = picture.height();
-    // Runs of chroma rows: each covers one or two rows of pixels.
+    // In runs of chroma rows, each of which covers one or two rows of pixels.
     pixels::rows::anyOrderRuns({width << rows, (height + rows) >> rows}, [&](int first, int last) {
         std::vector<int> sums(std::size_t(width) * 2);
         for (int row = first; row < last; ++row) {
