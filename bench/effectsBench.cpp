@@ -29,7 +29,7 @@ void runEffect(benchmark::State& state, const KEXSDK::EffectInfo& effect, Frame 
     state.counters["M"] = seconds / copy;
 }
 
-// One line per benchmark: what a reader compares.
+// Prints one line for each benchmark with the figures that are compared.
 class TableReporter final : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context&) override

@@ -1,5 +1,4 @@
-// What drawing on the GPU costs beyond the drawing itself: a program that only copies, alone, in chains, and
-// from creation to deletion.
+// The cost of a GPU effect besides its own work: a program that only copies, alone, in chains, and made anew.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "host/measure.h"
 
@@ -52,7 +51,7 @@ private:
 
 host::Filter copier(host::FrameSize frame) { return {kCopy, int(frame.width), int(frame.height)}; }
 
-// Frames through `links` effects one after the other; the host reads the last one's.
+// Measures frames through a chain of `links` effects, of which the host reads the last one's output.
 void chain(benchmark::State& state)
 {
     const auto links = std::size_t(state.range(0));

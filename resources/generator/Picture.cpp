@@ -1,4 +1,4 @@
-// Compositing and blurring.
+// Compositing of colours, and the blur.
 #include "Picture.h"
 
 namespace artwork {

@@ -14,7 +14,7 @@ struct Size {
     int height;
 };
 
-/// Display values, 0..1; painting may go beyond, saving clamps.
+/// A colour in display values, 0..1; painting may go beyond, saving clamps.
 struct Colour {
     float r, g, b;
 
@@ -31,7 +31,7 @@ constexpr Colour grey(float value) { return {value, value, value}; }
 inline constexpr Colour kWhite{1, 1, 1};
 inline constexpr Colour kBlack{0, 0, 0};
 
-/// Straight alpha.
+/// A colour with straight alpha.
 struct Pixel {
     Colour colour;
     float alpha;
@@ -115,7 +115,7 @@ template <class Paint> void paint(Picture& picture, Paint colour)
 /// Lays a colour over the pixel; what was transparent takes the colour.
 void cover(Pixel& pixel, Colour colour, float opacity);
 
-/// The same through a mask.
+/// Lays a colour over the picture through a mask.
 void cover(Picture& picture, const Plane& mask, Colour colour, float opacity = 1);
 
 /// A Gaussian blur by three box filters; edges are repeated. `width` in heights.

@@ -29,7 +29,7 @@ float powder(const Place& p, float x, float y, float reach, std::uint32_t seed)
 }
 
 struct Puff {
-    float x, y; ///< shares of the half sides
+    float x, y; ///< place, in shares of half the sides
     float reach;
     Colour colour;
 };
@@ -90,7 +90,7 @@ void paintBluePowder(Picture& picture)
     });
 }
 
-// Speed: rays out of a bright middle.
+// Rays out of a bright middle, as at great speed.
 void paintRadialBurst(Picture& picture)
 {
     const float edge = picture.edge();

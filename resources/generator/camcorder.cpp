@@ -18,7 +18,7 @@ public:
 
     float side() const { return side_; }
 
-    /// Bright lines on a soft dark rim, so that they show on any picture.
+    /// Draws bright lines with a soft dark rim, so that they show on any picture.
     template <class Draw> void ink(Colour colour, Draw draw)
     {
         const Plane mask = drawn(picture_.size(), draw);
@@ -34,7 +34,7 @@ public:
                 smooth(radius, radius * 0.88f, distance));
         });
     }
-    /// Glass and lines of the small screen, weak enough to look through.
+    /// Paints the glass and the lines of the small screen, weak enough to look through.
     void screen()
     {
         picture_.each([&](const Place& p, Pixel& pixel) {
@@ -98,7 +98,7 @@ void drawBattery(cairo_t* cairo, float right)
     cairo_fill(cairo);
 }
 
-// Two levels of sound: a row of small bars each, the later ones unlit.
+// Draws two levels of sound: a row of small bars each, the later ones unlit.
 void drawLevels(cairo_t* cairo, float left)
 {
     constexpr int kLit[2] = {11, 9};

@@ -20,7 +20,7 @@ Colour limited(Colour c)
 
 Colour saturated(Colour c, float amount) { return mix(kWhite * luma(c), c, amount); }
 
-/// An S around the middle: 0 leaves, 1 is strong. Both ends stay.
+/// More contrast by an S-shaped curve around the middle: amount 0 leaves, 1 is strong. Black and white stay.
 Colour contrasted(Colour c, float amount)
 {
     return each(c, [=](float v) { return (1 - amount) * v + amount * (v * v * (3 - 2 * v)); });
@@ -31,10 +31,10 @@ Colour powered(Colour c, float gamma)
     return each(limited(c), [=](float v) { return std::pow(v, gamma); });
 }
 
-/// Black becomes `black`, white becomes `white`.
+/// The colour on a scale where black becomes `black` and white becomes `white`.
 Colour spanned(Colour c, Colour black, Colour white) { return black + c * (white + black * -1); }
 
-/// Tints what is dark one way and what is light another; the middle keeps its colour.
+/// Tints shadows and lights in colours of their own; the middle keeps its colour.
 Colour splitToned(Colour c, Colour shadows, Colour lights, float amount)
 {
     const float y = luma(c);
@@ -107,7 +107,7 @@ Colour sepia(Colour c)
 
 Colour silver(Colour c)
 {
-    // As behind an orange filter: skies go dark, skin goes light.
+    // The brightness behind an orange filter: skies go dark, skin goes light.
     const float y = clamp01(0.62f * c.r + 0.48f * c.g - 0.10f * c.b);
     return spanned(contrasted(kWhite * y, 0.65f), {0.01f, 0.01f, 0.012f}, {0.99f, 0.99f, 0.985f});
 }

@@ -109,7 +109,7 @@ private:
             cairo_fill(cairo_);
         }
     }
-    // Around its middle; `kind` chooses the hair.
+    // Draws a head around the origin; `kind` chooses the hair.
     void head(float kind)
     {
         cairo_scale(cairo_, size_, size_);
@@ -185,7 +185,7 @@ constexpr Row kRows[] = {
     {0.405f, 0.066f, 0.150f, 1.0f, 73},
 };
 
-// People stand in the middle a little lower, so that the stage shows.
+// Paints one row of the crowd. People in the middle stand a little lower, so that the stage shows.
 void paintRow(Picture& picture, const Row& row)
 {
     const float edge = picture.edge();

@@ -1,4 +1,4 @@
-// Masks through cairo, and a stroke alphabet.
+// Masks drawn by cairo, and letters made of strokes.
 #include "drawing.h"
 
 #include <memory>
@@ -13,8 +13,8 @@ struct Destroy {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
 };
 
-// Strokes on a grid four wide and six high, from the upper left corner: "xyxy..." and a blank between
-// strokes. They are the letters of a viewfinder, with their corners cut.
+// The strokes of a letter, in the style of a viewfinder with cut corners: places "xyxy..." on a grid four
+// wide and six high, from the upper left corner, with a blank between strokes.
 const char* strokesOf(char letter)
 {
     switch (letter) {

@@ -1,4 +1,4 @@
-// Vector drawing into masks: cairo's paths, the engine's own strokes for letters.
+// Vector drawing into masks: paths by cairo, letters by strokes of our own.
 #pragma once
 
 #include "Picture.h"
@@ -18,20 +18,20 @@ Plane drawn(Size size, const std::function<void(cairo_t*)>& draw);
 /// corner at (x, y). Other characters are spaces.
 void strokeText(cairo_t* cairo, std::string_view text, float x, float y, float height);
 
-/// The width of that text.
+/// The width of a text that strokeText() draws.
 float textWidth(std::string_view text, float height);
 
 void circle(cairo_t* cairo, float x, float y, float radius);
 void line(cairo_t* cairo, float x0, float y0, float x1, float y1);
-/// Centre, half sides, radius of the corners.
+/// Adds a box with round corners: centre, half sides, radius of the corners.
 void roundedBox(cairo_t* cairo, float x, float y, float halfWidth, float halfHeight, float corner);
-/// A star with `points` points, one of them upward.
+/// Adds a star with `points` points, one of them upward.
 void star(cairo_t* cairo, float x, float y, float outer, float inner, int points, float turn = 0);
 
-/// How far a place lies outside such a box; negative inside.
+/// How far a place lies outside a box around the origin with round corners; negative inside.
 float outsideBox(float x, float y, float halfWidth, float halfHeight, float corner);
 
-/// About the same without the creases that run into the corners; for wide shades.
+/// About what outsideBox() gives, without the creases that run into the corners; for wide shades.
 float outsideSoftBox(float x, float y, float halfWidth, float halfHeight);
 
 } // namespace artwork

@@ -1,10 +1,10 @@
-// What time does to film and prints, and an old television.
+// Damage of old film and prints, and an old television.
 #include "pieces.h"
 #include "surfaces.h"
 
 namespace artwork {
 
-// For hard light: the middle grey leaves the picture; scratches, dust and the gate's rim do not.
+// Scratches, dust and the gate's rim on the middle grey, which the hard-light blend leaves alone.
 void paintFilmDamage(Picture& picture)
 {
     const Size size = picture.size();
@@ -30,7 +30,7 @@ void paintFilmDamage(Picture& picture)
     });
 }
 
-// By its alpha over a pale grey print: sepia, stains, cracks, and a border with a deckle edge.
+// Sepia, stains, cracks and a border with a deckle edge, laid over a pale grey print by its alpha.
 void paintOldPhoto(Picture& picture)
 {
     const Size size = picture.size();
@@ -69,7 +69,7 @@ void paintOldPhoto(Picture& picture)
     });
 }
 
-// For a grey picture to be multiplied with: lines of phosphor behind a bulging glass.
+// Lines of phosphor behind a bulging glass, for multiplying with a grey picture.
 void paintTelevision(Picture& picture)
 {
     const float edge = picture.edge();

@@ -26,7 +26,7 @@ float outsideHexagon(float x, float y, float radius, float turn)
 
 } // namespace
 
-// For adding: the sun behind the upper left corner.
+// The sun behind the upper left corner, for adding.
 void paintSunRays(Picture& picture)
 {
     const float edge = picture.edge();
@@ -46,7 +46,7 @@ void paintSunRays(Picture& picture)
     });
 }
 
-// For adding: a lamp in the lens, its streak, its star and the ghosts opposite.
+// A lamp in the lens with its streak, its star and the ghosts opposite, for adding.
 void paintLensFlare(Picture& picture)
 {
     const float edge = picture.edge();
@@ -87,7 +87,7 @@ void paintLensFlare(Picture& picture)
     });
 }
 
-// For dodging: even a middle value doubles the light, so lamps stay below it.
+// Lamps out of focus, for the dodging blend: a middle value doubles the light there, so lamps stay below it.
 void paintBokeh(Picture& picture)
 {
     const float edge = picture.edge();
@@ -131,7 +131,7 @@ void paintBokeh(Picture& picture)
     });
 }
 
-// For screening: light that fell through the back of a camera.
+// Light that fell through the back of a camera, for the screen blend.
 void paintLightLeak(Picture& picture)
 {
     const float edge = picture.edge();
@@ -150,7 +150,7 @@ void paintLightLeak(Picture& picture)
     });
 }
 
-// For linear light: the middle grey changes nothing, so a little is much.
+// Colours of a prism, for the linear-light blend: the middle grey changes nothing, and a little is much.
 void paintPrism(Picture& picture)
 {
     const float edge = picture.edge();
@@ -208,7 +208,7 @@ void drawLeaves(cairo_t* cairo, float edge)
 
 } // namespace
 
-// For soft light: the sun through panes and leaves onto a wall.
+// The sun through panes and leaves onto a wall, for the soft-light blend.
 void paintWindowLight(Picture& picture)
 {
     const Size size = picture.size();

@@ -9,7 +9,7 @@ namespace {
 constexpr float kRadius = 0.455f;
 constexpr Colour kPhosphor = rgb(90, 255, 130);
 
-// The union of both eyepieces, its notches rounded; negative inside.
+// How far a place lies outside the union of both eyepieces, whose notches are round; negative inside.
 float outsideEyes(float x, float y, float apart)
 {
     constexpr float kRounding = 0.05f;

@@ -1,4 +1,4 @@
-// Hashing of lattice points, and what is built on it.
+// Hashing of lattice points, and noise, clouds, ridges and cells built on it.
 #include "noise.h"
 
 #include <cmath>

@@ -25,7 +25,7 @@ float crease(float across, float along, std::uint32_t seed)
 
 } // namespace
 
-// For multiplying.
+// An ancient canvas, for the multiplying blend.
 void paintAncientCanvas(Picture& picture)
 {
     const float edge = picture.edge();
@@ -40,7 +40,7 @@ void paintAncientCanvas(Picture& picture)
     });
 }
 
-// For multiplying.
+// Old folded paper, for the multiplying blend.
 void paintOldPaper(Picture& picture)
 {
     const float edge = picture.edge();
@@ -58,7 +58,7 @@ void paintOldPaper(Picture& picture)
     });
 }
 
-// For burning under a grey photograph: paper about 0.88, charred borders black.
+// Burnt paper, for the burning blend with a grey photograph: the paper about 0.88, charred borders black.
 void paintBurntPaper(Picture& picture)
 {
     const float edge = picture.edge();
@@ -87,8 +87,8 @@ void paintBurntPaper(Picture& picture)
     });
 }
 
-// For burning under a photograph washed with gold: the gold loses
-// what these tones lack, so the middle turns to sepia and the borders, bluish here, to brown.
+// Tones for the burning blend with a photograph washed with gold: the gold loses what they lack, so the
+// middle turns to sepia and the borders, bluish here, to brown.
 void paintGoldenPrint(Picture& picture)
 {
     const float edge = picture.edge();
@@ -104,8 +104,8 @@ void paintGoldenPrint(Picture& picture)
     });
 }
 
-// For drawing on: grey-brown, dark enough for a chalk portrait, its blue near the middle, which soft
-// light takes for neutral.
+// Kraft paper to draw on: grey-brown, dark enough for a chalk portrait, its blue near the middle, which the
+// soft-light blend takes for neutral.
 void paintKraftCanvas(Picture& picture)
 {
     const float edge = picture.edge();
@@ -121,7 +121,8 @@ void paintKraftCanvas(Picture& picture)
     });
 }
 
-// For adding to a grey photograph: black leaves it, the paper's pits stay white, strokes end in white paper.
+// Charcoal on paper, for adding to a grey photograph: black leaves it, pits of the paper stay white, strokes
+// end in white paper.
 void paintCharcoalPaper(Picture& picture)
 {
     const float edge = picture.edge();

@@ -1,4 +1,4 @@
-// The table of pictures.
+// The table of the pack's pictures: file, size and painter of each.
 #include "pieces.h"
 
 namespace artwork {
@@ -7,7 +7,7 @@ namespace {
 
 constexpr Size kWide{1920, 1080};
 constexpr Size kNarrow{1440, 1080};
-constexpr Size kTexture{1440, 960}; // between the two shapes that it will be stretched to
+constexpr Size kTexture{1440, 960}; // of a shape between those of the pictures that it is stretched to
 constexpr Size kTable{512, 512};
 constexpr Size kSprite{128, 128};
 

@@ -1,4 +1,4 @@
-// Every picture of the pack, by the file that it becomes.
+// The painters of all pictures of the pack, and the table that names their files.
 #pragma once
 
 #include "Picture.h"

@@ -1,4 +1,4 @@
-// Quantising and writing.
+// Quantising to bytes with an ordered pattern, and writing by libpng.
 #include "pngFile.h"
 
 #include <png.h>
@@ -45,7 +45,7 @@ Bytes quantised(const Picture& picture)
     return bytes;
 }
 
-// Scaling blends colours without regard to alpha: what is transparent takes the colours beside it.
+// Gives transparent pixels the colours beside them, because scaling blends colours without regard to alpha.
 void spreadColours(Bytes& bytes)
 {
     constexpr int kReach = 2;

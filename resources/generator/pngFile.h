@@ -1,4 +1,4 @@
-// Pictures as PNG files.
+// Saving of painted pictures as PNG files.
 #pragma once
 
 #include "Picture.h"

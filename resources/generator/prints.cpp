@@ -33,8 +33,8 @@ Plane stencilFrame(Size size)
 
 } // namespace
 
-// For multiplying with a picture washed in one colour: reds with little green and blue turn it into a poster
-// of two inks.
+// A poster's paper and frame, for multiplying with a picture washed in one colour: reds with little green and
+// blue turn it into a poster of two inks.
 void paintStencilPoster(Picture& picture)
 {
     const float edge = picture.edge();
@@ -60,7 +60,7 @@ void paintStencilPoster(Picture& picture)
     });
 }
 
-// By its alpha: white paper whose middle was torn out.
+// White paper whose middle was torn out, laid over a picture by its alpha.
 void paintTornPaper(Picture& picture)
 {
     const float edge = picture.edge();
@@ -86,7 +86,7 @@ void paintTornPaper(Picture& picture)
     });
 }
 
-// For burning: white leaves the picture, washes of indigo run in from the border.
+// Washes of indigo that run in from the border, for the burning blend, in which white leaves the picture.
 void paintInkWash(Picture& picture)
 {
     const float edge = picture.edge();

@@ -4,7 +4,8 @@
 
 namespace artwork {
 
-// The first six and the corners of the low-fidelity camera multiply: white in the middle.
+// The first six shades, and the corners of the low-fidelity camera, are for the multiplying blend: white in
+// the middle.
 
 void paintVignetteRound(Picture& picture)
 {
@@ -88,7 +89,7 @@ void paintLomoCorners(Picture& picture)
     });
 }
 
-// For screening: black in the middle, fog around.
+// Fog around a black middle, for the screen blend.
 void paintVignetteWhite(Picture& picture)
 {
     const float edge = picture.edge();
@@ -99,7 +100,7 @@ void paintVignetteWhite(Picture& picture)
     });
 }
 
-// For the darker of two: white keeps everything, the border lets only its own dark through.
+// Dark edges, for the blend that takes the darker of two: white changes nothing, the border is dark itself.
 void paintDarkEdges(Picture& picture)
 {
     const float edge = picture.edge();
@@ -113,7 +114,7 @@ void paintDarkEdges(Picture& picture)
     });
 }
 
-// A mask: colour stays where it is white.
+// A mask of the place in focus: colour stays where it is white.
 void paintFocusMask(Picture& picture)
 {
     paint(picture, [](const Place& p) { return grey(smooth(0.50f, 0.20f, length(p.x, p.y))); });
@@ -134,7 +135,7 @@ template <class Paint> void paintLens(Picture& picture, float centreX, float cen
 
 } // namespace
 
-// For multiplying and for the overlay blend: bright and warm, the border dusky.
+// A bright and warm lens with a dusky border, for the multiplying and the overlay blend.
 void paintWarmCircle(Picture& picture)
 {
     paintLens(picture, 0.03f, -0.04f, [](float far) {
@@ -143,7 +144,7 @@ void paintWarmCircle(Picture& picture)
     });
 }
 
-// For the overlay blend: about the middle, a little above in the centre and far below at the rim.
+// A cool lens for the overlay blend: a little above the middle grey in the centre, far below it at the rim.
 void paintCoolCircle(Picture& picture)
 {
     paintLens(picture, -0.02f, -0.03f, [](float far) {
@@ -152,7 +153,7 @@ void paintCoolCircle(Picture& picture)
     });
 }
 
-// For multiplying: evening sky, from rose and amber down to dusk.
+// An evening sky from rose and amber down to dusk, for the multiplying blend.
 void paintSunsetFilter(Picture& picture)
 {
     const float edge = picture.edge();

@@ -7,7 +7,7 @@ namespace artwork {
 
 namespace {
 
-/// White of opacity(distance from the middle in half heights, place).
+/// Paints white with opacity(distance from the middle in half heights, place).
 template <class Opacity> void paintWhite(Picture& picture, Opacity opacity)
 {
     picture.each([&](const Place& p, Pixel& pixel) {
@@ -15,7 +15,7 @@ template <class Opacity> void paintWhite(Picture& picture, Opacity opacity)
     });
 }
 
-/// Falls to nothing at the border, whatever is drawn.
+/// A factor for opacity that falls to 0 at the border.
 float rim(float distance) { return smooth(1.0f, 0.8f, distance); }
 
 } // namespace

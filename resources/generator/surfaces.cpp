@@ -1,4 +1,4 @@
-// Building blocks of textures.
+// Fibres, scratches, specks, cloth and ragged edges, by noise and random strokes.
 #include "surfaces.h"
 
 namespace artwork {

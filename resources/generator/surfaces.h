@@ -1,4 +1,4 @@
-// What several textures are made of: fibres, cloth, ragged edges, scratches.
+// Building blocks of several textures: fibres, cloth, ragged edges, scratches.
 #pragma once
 
 #include "drawing.h"

@@ -13,7 +13,7 @@ struct Drop {
     std::uint32_t seed;
 };
 
-// Large drops first; none touches another.
+// Places for drops, the large ones first; none touches another.
 std::vector<Drop> scatter(float edge, int wanted, float smallest, float largest, std::uint32_t seed)
 {
     Random random(seed);
@@ -48,7 +48,7 @@ Within within(const Drop& drop, const Place& p, float downward = 0)
     return {length(squeezed, dy) * bumps, dx, dy};
 }
 
-// change(place, pixel) for the pixels about a drop, out to `reach` radii.
+// Calls change(place, pixel) for the pixels about a drop, out to `reach` radii.
 template <class Change> void about(Picture& picture, const Drop& drop, float reach, Change change)
 {
     const auto [width, height] = picture.size();
@@ -60,7 +60,7 @@ template <class Change> void about(Picture& picture, const Drop& drop, float rea
             change(picture.place(x, y), picture.at(x, y));
 }
 
-// A lens stands on its head: dark above, where it shows the ground, bright below.
+// The colour in a drop, a lens that shows the world upside down: dark above with the ground, bright below.
 Colour lens(const Within& at)
 {
     const float light = mix(0.50f, 1.04f, smooth(-0.85f, 0.75f, at.dy + 0.25f * at.dx));
@@ -108,7 +108,7 @@ void shineDrop(Picture& picture, const Drop& drop, float strength)
 
 } // namespace
 
-// For multiplying: glass a little grey, so that the drops can shine.
+// Drops on glass a little grey, so that they can shine, for the multiplying blend.
 void paintDropsOnGlass(Picture& picture)
 {
     const float edge = picture.edge();
@@ -120,7 +120,7 @@ void paintDropsOnGlass(Picture& picture)
         paintDrop(picture, drop);
 }
 
-// For adding: black glass with lit drops, some of which have run down.
+// Lit drops on black glass, some of which have run down, for adding.
 void paintRainOnGlass(Picture& picture)
 {
     const float edge = picture.edge();

@@ -1,4 +1,4 @@
-// Programs and the values of their uniforms, kept until the next render.
+// Programs and the values of their uniforms, stored until the next render.
 #include "EffectTovOgre/TovOgreEffectBase.h"
 
 namespace {

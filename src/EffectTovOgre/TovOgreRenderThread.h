@@ -59,7 +59,7 @@ public:
     /// outlives the thread.
     TovEffectBase* createEffect();
 
-    /// The same, kept by the caller as well: its scene ends with deleteEffect or the thread.
+    /// A new GPU effect that the caller owns as well: its scene ends with deleteEffect or the thread.
     std::shared_ptr<TovEffectBase> createSharedEffect();
 
     /// Makes the programs of an effect, so that its uniforms are known.

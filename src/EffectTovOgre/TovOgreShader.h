@@ -16,7 +16,7 @@
 
 /// A program that the effect does not supply is replaced by the default one of its kind: the vertex program
 /// puts the plane into the picture, the fragment program shows the first texture. Between the two stands the
-/// varying "textureCoord". Programs are the process's, known by name and kept until OGRE ends; their values
+/// varying "textureCoord". Programs are the process's, known by name, and live until OGRE ends; their values
 /// are this object's own. Render thread only.
 class TovOgreShader {
 public:

@@ -1,4 +1,4 @@
-// The one place that asks the operating system for the time.
+// The engine's only call for the time of the operating system, and the pinned value.
 #include "core/Clock.h"
 
 #include <atomic>

@@ -6,7 +6,7 @@
 
 namespace logging {
 
-/// The numbers stand for themselves: records above `information` are dropped.
+/// Severities, the gravest first. Records above `information` are dropped.
 enum class Severity { fatal = 1, error, warning, information, debug, verbose };
 
 /// Opens the log once per process: a second call keeps the first file and answers false. A new file
@@ -22,7 +22,7 @@ bool admits(Severity severity) noexcept;
 /// @param message  UTF-8 text without a line end
 void write(Severity severity, const char* tag, std::string_view message) noexcept;
 
-/// Calls text() only when somebody reads such records; most are dropped and need not even be made.
+/// Writes the line that text() gives, which is called only if records of this severity are written.
 template <class Text> void debug(const char* tag, Text text)
 {
     if (admits(Severity::debug))

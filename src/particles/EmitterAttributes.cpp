@@ -1,4 +1,4 @@
-// From attribute names to the settings of emitters.
+// The table of attribute names, and the settings of emitters that they change.
 #include "particles/EmitterAttributes.h"
 
 #include "particles/RangedEmitter.h"

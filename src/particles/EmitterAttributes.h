@@ -1,4 +1,4 @@
-// An emitter's attributes by name.
+// The attributes of an emitter, set by name.
 #pragma once
 
 #include "core/Types.h"

@@ -1,4 +1,4 @@
-// Techniques together.
+// The techniques of a scene: made, advanced and set together.
 #include "particles/ParticleScene.h"
 
 #include <OgreMaterialManager.h> // (the particle manager's header does not include what it needs)

@@ -29,8 +29,8 @@ public:
     void show();
     void hide();
 
-    // Attributes: beginAttributes, setAttribute for every one that is set, applyAttributes. The scene is then
-    // as the template and these attributes say, and only what differs from before was touched.
+    // Attributes are set in rounds: beginAttributes, setAttribute for each, applyAttributes. The scene is
+    // then as the template and these attributes say, and only what differs from before was touched.
 
     void beginAttributes();
     /// A selection that is not there, or words that the attribute does not take, change nothing.

@@ -1,4 +1,4 @@
-// Where, how and how many particles start.
+// The start of particles: how many, where, and with which properties.
 #include "particles/RangedEmitter.h"
 
 #include "particles/affectors.h"
@@ -17,13 +17,13 @@ namespace particles {
 
 namespace {
 
-/// What OGRE counts the particles of one emitter and one step with, less the fraction that is carried on.
+/// The most particles that OGRE can count for one emitter and step, less the fraction that is carried on.
 constexpr float kMostOfStep = std::numeric_limits<unsigned short>::max() - 1;
 
-/// How large the spaces of OGRE's own types are unless their scripts say.
+/// The size of the spaces of OGRE's own types unless their scripts set another.
 constexpr Ogre::Real kUsualSize = 100;
 
-/// A point of the unit ball: by trial, so that it is as likely everywhere.
+/// A random point of the unit ball, equally likely everywhere, by trial and rejection.
 Vector3 withinBall()
 {
     while (true) {
@@ -33,7 +33,7 @@ Vector3 withinBall()
     }
 }
 
-/// A point of the unit disc, or of its edge, on a cylinder of height -1..1.
+/// A random point of a cylinder with unit radius and height -1..1, or of its surface.
 Vector3 onCylinder(bool edge)
 {
     const float turn = Math::RangeRandom(0, Math::TWO_PI);

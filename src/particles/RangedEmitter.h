@@ -1,5 +1,4 @@
-// All emitters: the types of OGRE's own, and "Ranged", each with ranges where OGRE has one number and with
-// sizes of the particles.
+// All emitter types: those of OGRE's own, and "Ranged", each with ranges and with sizes of the particles.
 #pragma once
 
 #include "core/Types.h"
@@ -13,7 +12,7 @@ namespace particles {
 /// Particles per second; more than any system holds.
 constexpr float kLargestRate = 60'000;
 
-/// A number that is the same every time, or drawn anew from a range.
+/// A number that is fixed, or drawn anew from a range each time.
 struct DynamicValue {
     bool given = false;
     bool random = false;
@@ -39,8 +38,8 @@ public:
     unsigned short _getEmissionCount(Ogre::Real seconds) override;
     void _initParticle(Ogre::Particle* particle) override;
 
-    /// Another duration or delay. Before the first step it is the clock's first; later on what has passed of
-    /// a running one counts, and a range is drawn from when the next one begins.
+    /// Sets another duration or delay. Before the first step the clock starts with it. Later, the time that
+    /// has passed of a running one counts, and a number is drawn from a range when the next one begins.
     void changeDuration(float low, float high);
     void changeRepeatDelay(float low, float high);
 

@@ -1,4 +1,4 @@
-// Attributes of techniques, and their time.
+// A technique's attributes, and its steps in time.
 #include "particles/Technique.h"
 
 #include "particles/RangedEmitter.h"
@@ -18,10 +18,10 @@ namespace particles {
 
 namespace {
 
-/// Iterations that one step is cut into at most, whatever interval a template asks for.
+/// The most iterations of one step, whatever interval a template asks for.
 constexpr float kMostIterations = 1000;
 
-/// Nothing within it is lost, and nothing beyond it is ever seen.
+/// The distance beyond which particles are removed: far beyond anything that is seen.
 constexpr float kFarthest = 1e9f;
 
 std::size_t quotaOf(Words words, i32 largest) { return std::size_t(std::clamp(i32(words[0]), 0, largest)); }
@@ -31,8 +31,8 @@ struct Attribute {
     void (*set)(Technique::Settings& settings, Words words); ///< never without a word
 };
 
-// What the layer below has nothing for (level of detail, spatial hashing, depth, the other quotas) is left
-// out.
+// The attributes that a technique has. OGRE has nothing for the others (level of detail, spatial hashing,
+// depth, the other quotas).
 constexpr std::array kAttributes{
     Attribute{"position",
         [](Technique::Settings& settings, Words words) {
@@ -58,7 +58,7 @@ constexpr std::array kAttributes{
         }},
 };
 
-/// False for numbers that are none as well.
+/// Whether the vector lies within kFarthest; false for NaN.
 bool isNear(const Ogre::Vector3& vector)
 {
     return std::abs(vector.x) <= kFarthest && std::abs(vector.y) <= kFarthest
@@ -74,18 +74,17 @@ Technique::Technique(Ogre::SceneManager& manager, Ogre::SceneNode& parent, const
     system_ = manager.createParticleSystem(name, templateName);
     node_ = parent.createChildSceneNode(name);
     iterationInterval_ = system_->getIterationInterval();
-    // OGRE's default for templates without a quota holds, too.
+    // For templates without a quota this is OGRE's default.
     system_->setParticleQuota(std::min(system_->getParticleQuota(), std::size_t(kLargestQuota)));
     system_->setEmittedEmitterQuota(
         std::min(system_->getEmittedEmitterQuota(), std::size_t(kLargestEmitterQuota)));
     system_->setNonVisibleUpdateTimeout(0); // time passes whether or not frames are drawn
-    // OGRE would make a box around the particles for every step, and end the process over one of no numbers.
-    // This one reaches everything that can be seen.
+    // A fixed box that reaches everything that can be seen: OGRE would make one around the particles for
+    // every step, and end the process over one with NaN in it.
     constexpr float kFarAway = 1e6f;
     system_->setBounds({-kFarAway, -kFarAway, -kFarAway, kFarAway, kFarAway, kFarAway});
     system_->setBoundsAutoUpdated(false);
-    // After the picture, also with a material that covers what it is drawn over: OGRE draws those first of a
-    // group.
+    // A later group than the picture's: within one, OGRE draws opaque materials first.
     system_->setRenderQueueGroup(Ogre::RENDER_QUEUE_6);
     standStill();
     for (unsigned short i = 0; i < system_->getNumEmitters(); ++i) {
@@ -109,9 +108,9 @@ Technique::~Technique()
         node_->getParentSceneNode()->removeAndDestroyChild(node_);
 }
 
-// OGRE updates every system with each frame that anything draws. Without any time to pass that would still
-// run the affectors, and some change particles whatever the time; so it is always too early for the next
-// iteration.
+// Stops the system's time between steps. OGRE updates every system with each frame that anything draws, and
+// even a step of no time runs the affectors, some of which change particles whatever the time; so the next
+// iteration is put off for ever.
 void Technique::standStill()
 {
     constexpr float kNever = 1e30f;
@@ -121,7 +120,7 @@ void Technique::standStill()
 
 void Technique::advance(float seconds, Ogre::Camera& camera)
 {
-    /// Also when a step ends by an exception: other effects' frames would run into it, too.
+    /// Restores the standstill, also after an exception in a step: other effects' frames would continue it.
     struct StandingStill {
         Technique& technique;
         bool wasShown;
@@ -132,7 +131,7 @@ void Technique::advance(float seconds, Ogre::Camera& camera)
                 technique.hide();
         }
     } const afterwards{*this, shown_};
-    show(); // a system that stands nowhere does not move
+    show(); // OGRE does not update a system outside the scene
     begun_ = true;
     system_->setSpeedFactor(1);
     system_->setIterationInterval(
@@ -145,7 +144,7 @@ void Technique::advance(float seconds, Ogre::Camera& camera)
     system_->_notifyCurrentCamera(&camera);
 }
 
-/// Forces and sizes without measure end in numbers that are none, which nothing can draw.
+/// Ends the life of particles that extreme forces and sizes have driven beyond what can be drawn.
 void Technique::loseWhatIsNowhere()
 {
     for (Ogre::Particle* const particle : system_->_getActiveParticles()) {
@@ -153,7 +152,7 @@ void Technique::loseWhatIsNowhere()
             !particle->mOwnDimensions || (particle->mWidth <= kFarthest && particle->mHeight <= kFarthest);
         if (drawable && isNear(particle->mPosition) && isNear(particle->mDirection))
             continue;
-        particle->mTimeToLive = 0;                            // it goes with the next step
+        particle->mTimeToLive = 0;                            // it ends with the next step
         particle->mPosition = Ogre::Vector3(0, 0, kFarthest); // behind the camera
         particle->mDirection = Ogre::Vector3::ZERO;
         particle->setDimensions(0, 0);
@@ -164,7 +163,7 @@ void Technique::show()
 {
     if (shown_)
         return;
-    shown_ = true; // also when it gets in by half
+    shown_ = true; // first, so that hide() undoes also what an exception leaves half done
     try {
         node_->attachObject(system_);
     } catch (...) {
@@ -211,7 +210,7 @@ void Technique::applyAttributes()
     node_->setPosition(wanted_.position);
     if (wanted_.quota != applied_.quota)
         limitParticles(wanted_.quota);
-    // OGRE would hand out emitters twice that are under way.
+    // Not once time has passed: OGRE would then hand out emitters twice that are in use.
     if (wanted_.emitterQuota != applied_.emitterQuota && !begun_)
         system_->setEmittedEmitterQuota(wanted_.emitterQuota);
     if (wanted_.width != applied_.width)
@@ -225,7 +224,7 @@ void Technique::applyAttributes()
 
 void Technique::limitParticles(std::size_t quota)
 {
-    // OGRE's own quota only grows once there are particles, and is never nothing.
+    // OGRE's own quota is at least 1, and can only grow once there are particles.
     system_->setParticleQuota(std::max(quota, std::size_t(1)));
     if (!quotaLimit_ && quota < system_->getParticleQuota())
         quotaLimit_ = static_cast<QuotaAffector*>(system_->addAffector(QuotaAffector::kType));

@@ -1,4 +1,4 @@
-// One technique: a particle system of OGRE's on a node of its own.
+// One technique of a particle scene: a particle system of OGRE's on a node of its own.
 #pragma once
 
 #include "core/Types.h"
@@ -65,7 +65,7 @@ private:
     Ogre::SceneNode* node_ = nullptr;
     std::vector<std::optional<EmitterAttributes>> emitters_; ///< empty for a type that is not this layer's
     MaxVelocityAffector* speedLimit_ = nullptr;              ///< made when it is first needed
-    QuotaAffector* quotaLimit_ = nullptr;                    ///< the same
+    QuotaAffector* quotaLimit_ = nullptr;                    ///< made when it is first needed
     float iterationInterval_ = 0;
     bool shown_ = false;
     bool begun_ = false; ///< time has passed

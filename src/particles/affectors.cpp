@@ -45,7 +45,7 @@ class ForceCommand final : public Ogre::ParamCommand {
     }
 };
 
-/// The particles that a system has: OGRE's own quota does not fall.
+/// Access to a system's particles, of which the quota withholds some, because OGRE's own quota cannot fall.
 struct Pool : Ogre::ParticleSystem {
     static std::list<Ogre::Particle*>& free(Ogre::ParticleSystem& system)
     {
@@ -103,7 +103,8 @@ void MassForceAffector::_affectParticles(Ogre::ParticleSystem* system, Ogre::Rea
         [&](Ogre::Particle& particle) { particle.mDirection += force * (seconds / masses_[&particle]); });
 }
 
-// Called after particles went and before emitters ask what is free.
+// Takes free particles away, or gives them back, so that no more start than the quota allows. OGRE calls it
+// after particles ended and before emitters ask for free ones.
 void QuotaAffector::_affectParticles(Ogre::ParticleSystem* system, Ogre::Real)
 {
     auto& free = Pool::free(*system);

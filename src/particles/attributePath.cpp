@@ -1,4 +1,4 @@
-// The way from a name to a selection.
+// Reading of selectors and attribute from a name.
 #include "particles/attributePath.h"
 
 namespace particles {

@@ -1,4 +1,4 @@
-// Commands of OGRE's parameter dictionaries, each behind one that looks at the text first.
+// Commands for OGRE's parameter dictionaries that check the text before OGRE's own get it.
 #include "particles/checkedParameters.h"
 
 #include "particles/RangedEmitter.h"
@@ -60,7 +60,7 @@ Limits limitsOf(std::string_view name)
     return named == kNamed.end() ? kUsual : named->limits;
 }
 
-/// The text with its numbers within limits, as it is where they were; empty when one of them is no number.
+/// The text, its numbers brought within limits where they are not; empty when one is no finite number.
 String within(const Limits& limits, const String& text)
 {
     std::istringstream words(text);
@@ -109,7 +109,7 @@ private:
     Limits limits_;
 };
 
-/// OGRE takes the renderer away before it finds that it knows none of the new name.
+/// Sets a renderer if there is one of that name: OGRE removes the old one before it looks for the new one.
 class RendererCommand final : public Ogre::ParamCommand {
     String doGet(const void* target) const override
     {
@@ -154,11 +154,11 @@ void check(Ogre::ParamDictionary* dictionary, std::deque<CheckedCommand>& checke
 
 void checkParameters(Ogre::ParticleSystemManager& manager)
 {
-    // OGRE forgets all dictionaries when it ends.
+    // The commands of an earlier start are free: OGRE deletes all dictionaries when it ends.
     static std::deque<CheckedCommand> checked;
     static RendererCommand renderer;
     checked.clear();
-    // Dictionaries are made with the first object of their class.
+    // One object of each class is made here, because OGRE makes a class's dictionary with its first object.
     const String name = "EffectEngine/one of each";
     Ogre::ParticleSystem& system = *manager.createTemplate(name, Ogre::RGN_DEFAULT);
     check(system.getParamDictionary(), checked);

@@ -1,4 +1,4 @@
-// Numbers of particle scripts, kept within what OGRE can bear.
+// Limits for the numbers in particle scripts, beyond which OGRE fails.
 #pragma once
 
 namespace Ogre {

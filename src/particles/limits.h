@@ -1,4 +1,4 @@
-// What scripts and attributes may ask of a particle system.
+// Limits of a particle system for scripts and attributes.
 #pragma once
 
 #include "core/Types.h"

@@ -29,7 +29,7 @@ class ShapeCommand final : public Ogre::ParamCommand {
     }
 };
 
-/// One axis of the size, or of its empty part.
+/// The script parameter for one axis of the size, or of its empty part.
 class AxisCommand final : public Ogre::ParamCommand {
 public:
     AxisCommand(Ogre::Vector3 RangedEmitter::*vector, std::size_t axis) : vector_(vector), axis_(axis) { }
@@ -86,7 +86,7 @@ private:
 
 struct ValueCommands {
     const char* name;
-    bool inBase; ///< every emitter has the one number already
+    bool inBase; ///< OGRE's base class has the parameter for both ends already
     ValueCommand both, low, high;
 
     ValueCommands(const char* parameter, DynamicValue RangedEmitter::*value, bool ofEveryEmitter = false)
@@ -103,9 +103,9 @@ struct ValueCommands {
 
 void RangedEmitter::defineParameters()
 {
-    // (Not the names that OGRE's own classes take: theirs are other commands for other objects.)
+    // A dictionary's name that OGRE's own classes do not use: their commands are for other objects.
     if (!createParamDictionary("particles::" + mType))
-        return; // another one of the type did
+        return; // an earlier emitter of the type has filled it
     addBaseParameters();
     static ShapeCommand shapes;
     static constexpr const char* kAxes[]{"width", "height", "depth"};

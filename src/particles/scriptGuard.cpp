@@ -1,4 +1,4 @@
-// Script loaders that stand before OGRE's.
+// Script loaders in the place of OGRE's, which check a script and catch its exceptions.
 #include "particles/scriptGuard.h"
 
 #include <OgreDataStream.h>
@@ -19,11 +19,11 @@ namespace particles {
 
 namespace {
 
-/// OGRE's compiler calls itself for every section in a section, and for every script that a script imports.
+/// Limits of depth, since OGRE's compiler calls itself for every section in a section, and for every import.
 constexpr int kDeepestSection = 64;
 constexpr int kMostImports = 64;
 
-/// Hears of a script while OGRE compiles it; an exception ends the script.
+/// Listens while OGRE compiles a script; what it throws ends the script.
 class ScriptListener final : public Ogre::ScriptCompilerListener {
 public:
     Ogre::ConcreteNodeListPtr importFile(Ogre::ScriptCompiler*, const Ogre::String&) override

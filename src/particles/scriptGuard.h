@@ -1,4 +1,4 @@
-// Scripts that OGRE cannot read.
+// Protection of OGRE's start from scripts that it cannot read.
 #pragma once
 
 namespace particles {

@@ -1,4 +1,4 @@
-// The factories of this layer's emitters and affectors, and what is checked of scripts.
+// Factories of this layer's emitters and affectors, and their registration with the checks of scripts.
 #include "particles/RangedEmitter.h"
 #include "particles/affectors.h"
 #include "particles/checkedParameters.h"
@@ -14,7 +14,7 @@ namespace particles {
 
 namespace {
 
-// OGRE's managers come and go with the environment; factories stay for the process.
+// The factories live as long as the process, since OGRE's managers come and go with the environment.
 
 class EmitterFactory final : public Ogre::ParticleEmitterFactory {
 public:

@@ -16,7 +16,8 @@ namespace particles {
 
 using Words = std::span<const u32>;
 
-/// Far more than any scene measures; sums and products of such numbers stay finite.
+/// The largest number that is taken from a host: far more than any scene measures, and small enough that sums
+/// and products stay finite.
 constexpr float kLargestNumber = 1e6f;
 
 /// The real number of a word within +-kLargestNumber; nothing when it is no number.

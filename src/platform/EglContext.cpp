@@ -9,7 +9,7 @@ const EglContext* EglContext::get()
 {
     static std::optional<EglContext> opened;
     if (!opened)
-        opened = open(); // a failure is not kept: a driver may come up later
+        opened = open(); // tried again after a failure: a driver may come up later
     return opened ? &*opened : nullptr;
 }
 
@@ -69,7 +69,7 @@ bool EglContext::openDisplay(EGLenum platform, void* device)
     return chooseConfig_(display_, kWanted, &config_, 1, &count) && count == 1 && works();
 }
 
-/// A display may offer a configuration and yet refuse a context.
+/// Whether a context can be made and bound: a display may offer a configuration and yet refuse that.
 bool EglContext::works() const
 {
     const EGLContext context = create(EGL_NO_CONTEXT, nullptr);
@@ -85,7 +85,7 @@ bool EglContext::works() const
     return bound;
 }
 
-// The API in force belongs to the thread, so every call that depends on it sets it.
+// Each thread has a current API (OpenGL or OpenGL ES), so every call that depends on it sets it first.
 
 EGLContext EglContext::create(EGLContext shared, const EGLint* attributes) const
 {

@@ -13,7 +13,7 @@
 /// may hold the same display, and terminating it would end his contexts as well.
 class EglContext {
 public:
-    /// The process's one; null when there is no EGL library, or none that gives desktop OpenGL off-screen.
+    /// The process's only object; null without an EGL library that gives desktop OpenGL off-screen.
     static const EglContext* get();
 
     /// A context; with attributes as EGL takes them, or null for what the driver likes best.
@@ -26,7 +26,7 @@ public:
     bool makeCurrent(EGLSurface surface, EGLContext context) const;
     EGLContext current() const;
     EGLSurface currentSurface() const;
-    /// Gives up what EGL keeps for the calling thread.
+    /// Frees what EGL holds for the calling thread.
     void releaseThread() const;
 
     using Function = void (*)();

@@ -4,7 +4,7 @@
 #include <condition_variable>
 #include <mutex>
 
-/// Auto-reset: a wait consumes the set that released it; a set without a waiter is kept, once.
+/// Resets itself: a wait consumes the set that released it. Sets without a waiter release one later wait.
 class Event {
 public:
     void set()

@@ -21,11 +21,11 @@ struct OffscreenSurface {
     int x = 0, y = 0, width = 0, height = 0;
 };
 
-/// The plug-in has one user at a time, and that user one thread: no lock.
+/// The state of the stand-ins. It has no lock: the plug-in has one user at a time, and that user one thread.
 struct WindowSystem {
     Visual visual{};
     Screen screen{};
-    Display* display = nullptr; ///< as far as Xlib's macros look into one
+    Display* display = nullptr; ///< only the members that Xlib's macros read
     int openCount = 0;
     XErrorHandler errorHandler = nullptr;
     std::map<XID, OffscreenSurface> drawables;
@@ -58,7 +58,7 @@ struct WindowSystem {
     }
 };
 
-/// The process's one.
+/// The process's only window system.
 WindowSystem& windowSystem();
 
 /// Zeroed memory that XFree can release.
@@ -67,10 +67,10 @@ template <class T> T* allocate(std::size_t count = 1)
     return static_cast<T*>(std::calloc(count, sizeof(T)));
 }
 
-/// A stand-in, checked against the declaration of what it stands for.
+/// The address of a stand-in, checked against the declaration of the function that it replaces.
 template <class Declared> void* standIn(Declared* function) { return reinterpret_cast<void*>(function); }
 
-/// Functions by the names of those that they stand for.
+/// Stand-ins by the names of the functions that they replace.
 using StandIns = std::map<std::string_view, void*>;
 void addXlibStandIns(StandIns& all);
 void addGlxStandIns(StandIns& all);

@@ -1,4 +1,4 @@
-// What stands in for GLX: one configuration, with contexts and surfaces of EGL.
+// Stand-ins for GLX functions: one configuration, with contexts and surfaces of EGL.
 #include "platform/FakeWindowSystem.h"
 
 #include <GL/glx.h>

@@ -61,7 +61,7 @@ struct DynamicSection {
     }
 };
 
-/// The part of the object that is read-only after relocation.
+/// The memory of the object that the loader makes read-only after relocation.
 std::string_view relocatedReadOnly(const link_map& object)
 {
     struct Search {
@@ -131,7 +131,7 @@ bool ImportPatch::write(void* Slot::*value) const
     for (const Slot& slot : slots_)
         *slot.address = slot.*value;
 
-    // As the loader does it: whole pages only, so a page shared with writable data stays writable.
+    // Protects whole pages only, as the loader does: a page shared with writable data stays writable.
     const auto start = reinterpret_cast<std::uintptr_t>(readOnly_.data());
     const std::uintptr_t protectBegin = std::max(begin, start / page * page);
     const std::uintptr_t protectEnd = std::min(end, (start + readOnly_.size()) / page * page);

@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// The import slots of a loaded object that were chosen by name, with what they held and what they are to
-/// hold.
+/// Import slots of a loaded object, chosen by name, each with the function that it held and its replacement.
 class ImportPatch {
 public:
     /// Looks through the object's imports; nothing is written yet.

@@ -17,13 +17,13 @@ bool isWindowSystemCall(std::string_view name)
     return name.starts_with("glX") || (name.size() > 1 && name[0] == 'X' && name[1] >= 'A' && name[1] <= 'Z');
 }
 
-/// The plug-in as this process holds it, never closed once open: the patch is part of it.
+/// The plug-in with the patch of its imports. It stays open for ever, because the patch points into it.
 struct Plugin {
     std::string file;
     std::unique_ptr<ImportPatch> imports;
 };
 
-/// Null when the plug-in cannot be opened or has a user of its own.
+/// The patch of the opened plug-in; null when it cannot be opened, or when the host draws with it.
 const ImportPatch* openPlugin(const std::string& file)
 {
     static Plugin* const plugin = new Plugin;
@@ -54,7 +54,7 @@ const ImportPatch* inForce = nullptr;
 
 bool enable(const std::string& pluginFile)
 {
-    // Opened in any case: whoever goes on with X holds the same copy then, and it can be led here later.
+    // Opened first: OGRE then gets this copy even if its calls go on to X, and they can be led to EGL later.
     const ImportPatch* const imports = openPlugin(pluginFile);
     if (!allowedForTests || !imports || !imports->complete() || !EglContext::get() || !imports->apply())
         return false;

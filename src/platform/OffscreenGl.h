@@ -10,7 +10,7 @@ namespace offscreenGl {
 
 /// Leads the calls of the plug-in to EGL, before or after the plug-in's start, but not while it is in use.
 /// @param pluginFile  the versioned file, with directories
-/// @return false, with the calls going to X as before, when the plug-in is somebody else's already, when it
+/// @return false, with the calls going to X as before, when another user has the plug-in already, when it
 ///         calls something unknown, or when EGL gives no desktop OpenGL
 bool enable(const std::string& pluginFile);
 

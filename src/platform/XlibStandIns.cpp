@@ -1,4 +1,4 @@
-// What stands in for Xlib and XRandR: a display that is never refused, never shown and has one screen mode.
+// Stand-ins for Xlib and XRandR: a display that always opens, is never shown and has one screen mode.
 #include "core/Types.h"
 #include "platform/FakeWindowSystem.h"
 
@@ -78,7 +78,7 @@ WindowSystem& windowSystem()
 
 void addXlibStandIns(StandIns& all)
 {
-    // The display: never refused, never shown, without extensions of its own.
+    // The display, without extensions.
     all["XOpenDisplay"] = standIn<decltype(XOpenDisplay)>([](const char*) {
         ++windowSystem().openCount;
         return windowSystem().display;

@@ -1,4 +1,4 @@
-// Names of files.
+// The walk along a chain of links.
 #include "platform/files.h"
 
 namespace files {

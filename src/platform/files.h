@@ -1,12 +1,12 @@
-// Names of files.
+// The files behind symbolic links.
 #pragma once
 
 #include <filesystem>
 
 namespace files {
 
-/// Where a name leads: itself, unless it is a link, which may lead to a file that is not there yet. What
-/// replaces a file takes this name, so that links stay.
+/// The file that a name stands for: behind links, if it is one, and whether or not it exists. A file that
+/// replaces another is given this name, so that links stay.
 std::filesystem::path behindLinks(std::filesystem::path path);
 
 } // namespace files

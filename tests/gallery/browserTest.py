@@ -170,7 +170,7 @@ def check(browser, page, shots):
         }"""})
     assert broken == [], broken
 
-    # Named for those who do not see it.
+    # Pictures and controls have names for screen readers.
     nameless = browser.run("""
         return [...document.querySelectorAll("a, button, input")].filter(element =>
             !(element.textContent.trim() || element.ariaLabel || element.labels?.[0]?.textContent.trim()))

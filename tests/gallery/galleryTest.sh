@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# The gallery from outside: which files it makes, from what, and what it leaves alone.
+# The gallery command: which files it makes, from what, and what it leaves alone.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0a\x14\x1e\xc8\x64\x32\0\0' >two.bmp
 "$tool" apply hue-shift -p kex_effect_enable=0 --size 320x200 two.bmp photo.png
 chosen=(-e hue-shift -e push -e delay-grab -e am-snow -e am-noise -e highlight -e cube-lut)
 
-# A still, a small picture for each; loops of what moves; sweeps of what has a range and shows on the picture.
+# Each effect has a still and a small picture; a loop if it moves; sweeps of parameters that have a range and change
+# the picture.
 expect 0 '' "$tool" gallery one photo.png "${chosen[@]}" -j 1 --progress json
 grep -q '"done":7,"total":7' out.txt || fail "progress: $(cat out.txt)"
 [ "$(ls -A one)" = "$(printf 'index.html\npictures')" ] || fail "contents: $(ls -A one)"
@@ -17,20 +18,20 @@ loops=$(cd one/pictures && echo *.loop.jpg)
     fail "hue-shift: $(ls one/pictures/hue-shift.*)"
 [ -f one/pictures/first.input.jpg ] && [ -f one/pictures/second.input.jpg ] || fail "the pictures themselves"
 
-# The page names every file, and no address outside.
+# The page names every file, and no address on the network.
 for file in one/pictures/*; do
     grep -qF "\"$(basename "$file")\"" one/index.html || fail "not on the page: $file"
 done
 grep -Eq '(https?:)?//[a-z]' one/index.html && fail "an outside address: $(grep -Eo '.{20}(https?:)?//[a-z].{20}' one/index.html | head -1)"
 printf '%s' '{{' | grep -qFf - one/index.html && fail "an open place in the template"
 
-# The number of processes does not show, and neither does which effects came before.
+# The files do not depend on the number of processes, nor on which effects came before.
 expect 0 '' "$tool" gallery two photo.png "${chosen[@]}" -j 3
 diff -r one two || fail "one process and three differ"
 expect 0 '' "$tool" gallery three photo.png -e am-snow
 cmp -s one/pictures/am-snow.loop.jpg three/pictures/am-snow.loop.jpg || fail "an effect alone differs"
 
-# A gallery replaces a gallery, with its files, and nobody else's.
+# A gallery replaces a gallery with its files, and no other files.
 echo mine >two/notes.txt
 expect 0 '' "$tool" gallery two photo.png -e hue-shift --no-sweeps --with two.bmp
 [ "$(ls two two/pictures | grep -c .)" -eq 9 ] && [ -f two/notes.txt ] || fail "replaced: $(ls two two/pictures)"
@@ -54,12 +55,12 @@ done >links.txt
 expect 0 '' "$tool" gallery two photo.png -e hue-shift
 [ ! -e two/pages ] || fail "old pages stay"
 
-# Upright, and with a name that HTML would take for an element.
+# The picture is turned upright, and its name, which HTML would take for an element, is escaped.
 "$tool" apply hue-shift --size 90x700 two.bmp '<b>&".png'
 expect 0 '' "$tool" gallery upright '<b>&".png' -e hue-shift
 grep -q '<title>Effects on &lt;b&gt;&amp;&quot;.png</title>' upright/index.html || fail "the title: $(grep title upright/index.html)"
 
-# Ctrl-C leaves nothing to be seen. What a process that had to be ended by force left, the next one removes.
+# Ctrl-C leaves no visible files. What a process left that was ended by force, the next one removes.
 setsid env --default-signal=INT "$tool" gallery stopped photo.png -j 2 2>err.txt &
 job=$!
 sleep 1

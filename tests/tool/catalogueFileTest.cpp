@@ -1,4 +1,4 @@
-// The catalogue file against the engine: every effect is opened, asked and run.
+// The catalogue file against the engine: every effect is made, described and run.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
 #include "host/GraphDescription.h"
@@ -54,7 +54,7 @@ protected:
         }
     }
 
-    // One frame of noise for each seed, in order; the last output.
+    // Runs the effect on one frame of noise for each seed, in order. @return the last output
     std::vector<unsigned char> show(const Json::Value& effect, std::initializer_list<unsigned> seeds)
     {
         host::Filter filter(effect["guid"].asString(), kWidth, kHeight);
@@ -242,8 +242,7 @@ TEST_F(Catalogue, TellsTheTruthAboutHistoryAndAlpha)
     });
 }
 
-// What the tool writes of opaque pictures is opaque: where that is not so by itself, alpha is told to be
-// loose.
+// Opaque pictures give opaque ones in the tool: effects that do not see to that themselves have loose alpha.
 TEST_F(Catalogue, OpaqueInputsGiveOpaquePicturesUnlessAlphaIsLoose)
 {
     eachEffect([&](const Json::Value& effect) {

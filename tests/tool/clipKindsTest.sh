@@ -26,8 +26,8 @@ chunks() {
     sameFrames "$(hashes "${manifests[@]}")" "$(hashes whole/manifest.json)" "$1: chunks against the whole"
 }
 
-# check CLIP COUNT: the chunks are the whole, and the whole is what ffmpeg decodes. Through a lossless copy made by
-# ffmpeg, so that both are converted alike.
+# check CLIP COUNT: the chunks are the whole, and the whole is what ffmpeg decodes. ffmpeg's frames go through a
+# lossless copy, so that the tool converts both alike.
 check() {
     chunks "$1" "$2"
     [ "$(hashes whole/manifest.json | wc -l)" -gt 0 ] || fail "$1: no frames"
@@ -43,7 +43,7 @@ if [ -n "$clips" ]; then
     exit "$((failures > 0))"
 fi
 
-# What moves, and enough of it that a wrong reference shows.
+# A source with enough motion that a wrong reference frame shows.
 source=(-f lavfi -i "testsrc2=s=96x64:r=25:d=2,noise=alls=8:allf=t:all_seed=5")
 x264=(-c:v libx264 -preset veryfast -pix_fmt yuv420p -x264-params)
 x265=(-c:v libx265 -preset veryfast -x265-params)
@@ -64,7 +64,7 @@ make "${source[@]}" -c:v prores_ks prores.mov
 make -i h264-open.mkv -c copy -bsf:v setts=pts='PTS+40*floor(PTS/280)':dts='DTS+40*floor(PTS/280)-120' uneven.mkv
 make -ss 0.9 -i h264-closed.mp4 -c copy edited.mp4
 make -itsoffset 2.5 -i h264-closed.mp4 -c copy -copyts offset.mkv
-# Cut out of open groups: its first pictures need what is gone.
+# A clip cut out of open groups of pictures: its first pictures need some that were cut off.
 make -ss 0.9 -i h264-open.mkv -c copy cut.mkv
 # Alternate reference frames of VP8 are packets that show nothing.
 vp8=(-f lavfi -i testsrc2=s=96x64:r=25:d=2 -c:v libvpx -b:v 60k -auto-alt-ref 1 -lag-in-frames 16 -arnr-maxframes 5 -g 40)

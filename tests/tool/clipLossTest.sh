@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What clips could lose on their way through the tool: transparency, and sound that nobody can decode.
+# Losses of clips on their way through the tool: transparency, and sound that cannot be decoded.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 same() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
@@ -7,7 +7,7 @@ make() { ffmpeg -v error -y "$@" 2>make.txt || fail "cannot make $*: $(cat make.
 of() { ffprobe -v error -select_streams "$1" -count_frames -show_entries "stream=$2" -of csv=p=0 "$3"; }
 copy=(-e black-and-white -p kex_effect_enable=0)
 
-# The decoder that sees what WebM keeps beside its pictures.
+# The decoder that reads the transparency that WebM has beside its pictures.
 decoder() { case $1 in *vp8*.webm) echo -c:v libvpx ;; *.webm) echo -c:v libvpx-vp9 ;; esac; }
 # alpha CLIP: the alpha channel's bytes, all frames.
 alpha() {
@@ -45,7 +45,7 @@ done
 "$tool" video vp9.webm straight.webm 2>err.txt || fail "without effects: $(cat err.txt)"
 sameAlpha vp9.webm straight.webm 6
 
-# Where there is no room for it, the first transparent frame says so; and it can be dropped.
+# Where the output has no room for transparency, the first transparent frame causes a warning; --alpha drop drops it.
 expect 0 'transparency has no place' "$tool" video source.mkv out.mp4 "${copy[@]}"
 expect 0 '' "$tool" video source.mkv out.mp4 "${copy[@]}" --alpha drop
 expect 0 '' "$tool" video source.mkv dropped.mkv --codec ffv1 "${copy[@]}" --alpha drop

@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
-# The verbs for clips from outside: what ffprobe finds in their outputs, and how they end.
+# The verbs for clips: what ffprobe finds in their outputs, what they print, and their exit codes.
 samples=$(realpath "$(dirname "$0")/../../docs/samples")
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 trap 'mountpoint -q "$work/small" && umount "$work/small"; rm -rf "$work"' EXIT
 
 same() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
 make() { ffmpeg -v error -y "$@" || fail "cannot make $*"; }
-# of STREAM ENTRIES FILE: values by ffprobe, comma between.
+# of STREAM ENTRIES FILE: values that ffprobe finds, with commas between.
 of() { ffprobe -v error -select_streams "$1" -count_frames -show_entries "stream=$2" -of csv=p=0 "$3"; }
 times() { ffprobe -v error -select_streams v -show_entries frame=pts_time -of csv=p=0 "$1" | tr -d ,; }
 sound() { ffmpeg -v error -i "$1" -map 0:a -c copy -f md5 - ; }
 pixels() { ffmpeg -v error -i "$1" -map 0:v -fps_mode passthrough -pix_fmt rgba -f framehash - | grep -v '^#' | sed 's/.*, *//'; }
 hashes() { sed -n 's/.*"sha256" : "\(.*\)".*/\1/p' "$@"; }
-# How alike two clips are, in whole decibels (100 for equal ones).
+# likeness CLIP CLIP: their signal-to-noise ratio in whole decibels, 100 for equal clips.
 likeness() {
     ffmpeg -v info -i "$1" -i "$2" -lavfi "[0]format=yuv444p[a];[1]format=yuv444p[b];[a][b]psnr" -f null - 2>&1 |
         sed -n 's/.*average:\(inf\|[0-9]*\).*/\1/p' | sed 's/inf/100/'
@@ -26,7 +26,7 @@ copy=(-e black-and-white -p kex_effect_enable=0)
 
 make -f lavfi -i testsrc2=s=160x120:r=25:d=2 -f lavfi -i sine=d=2 -c:v libx264 -g 20 -c:a aac plain.mp4
 
-# A chain: frames, size, duration, times, and the very sound.
+# A chain keeps frames, size, duration, times, and the bytes of the sound.
 expect 0 '' "$tool" video plain.mp4 chain.mp4 -e hue-shift -p Hue=90 -e equalize
 same "$(of v codec_name,width,height,nb_read_frames chain.mp4)" h264,160,120,50 "chain"
 same "$(of v duration chain.mp4)" 2.000000 "duration"
@@ -105,7 +105,7 @@ same "$(of v nb_read_frames part.mp4)" 25 "frames to the end"
 awk "BEGIN { exit !($(of a duration part.mp4) > 0.9 && $(of a duration part.mp4) < 1.1) }" ||
     fail "sound of a part: $(of a duration part.mp4)"
 
-# Two clips.
+# A transition between two clips.
 make -f lavfi -i testsrc=s=200x100:r=20:d=1.5 -c:v libx264 -pix_fmt yuv420p second.mp4
 expect 0 '' "$tool" transition push plain.mp4 second.mp4 joined.mp4 --at 1 --duration 0.5
 same "$(of v codec_name,width,height,nb_read_frames joined.mp4)" h264,160,120,58 "joined"
@@ -135,8 +135,8 @@ cat >history.json <<'END'
     "parameters": {"Hue": {"keyframes": [{"percent": 0, "value": 50}, {"percent": 100, "value": 90}]}}},
     {"effect": "delay-grab", "parameters": {"Mode": 2, "BlockSize": 8}}]}
 END
-# What the GPU draws: shaders that move with time, particles that are simulated up to each frame, a look, and an
-# effect of the processor between them.
+# A graph on the GPU: shaders that move with time, particles that are simulated up to each frame, a look, and a CPU
+# effect between them.
 cat >drawn.json <<'END'
 {"effectengine": 1, "nodes": [{"effect": "glitch"}, {"effect": "particles-sparks"}, {"effect": "hue-shift"},
     {"effect": "heat-haze"}]}
@@ -193,7 +193,7 @@ expect 0 '' "$tool" video fade-whole/%06d.png assembled.mp4 --timing plain.mp4
 same "$(times assembled.mp4)" "$(times plain.mp4)" "assembled times"
 same "$(sound assembled.mp4)" "$(sound plain.mp4)" "assembled sound"
 
-# The samples for farms do what they say.
+# The samples for farms render every frame once.
 export EFFECTENGINE=$tool
 for task in 1 2 3 4; do
     SLURM_ARRAY_TASK_ID=$task SLURM_ARRAY_TASK_COUNT=4 expect 0 '' "$samples/render-slurm.sh" history.json plain.mp4 slurm
@@ -227,7 +227,7 @@ same "$(cat kept.mp4)" precious "a stopped run touched the output"
 expect 0 '' "$tool" video plain.mp4 out.mp4 -e equalize --progress json
 grep -q '^{"unit":"frames","done":50,"total":50,"rate":[0-9.]*,"remaining":0.0}$' out.txt || fail "progress: $(tail -1 out.txt)"
 
-# Bad input, bad words, bad places.
+# Bad inputs, bad options and bad outputs end with their exit codes.
 printf 'no clip' >text.mp4
 head -c 5000 plain.mp4 >cut.mp4
 mkdir folder.mp4

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The samples for farms ask for the right parts: a stand-in for the renderer tells what it was asked.
+# The samples for farms ask for the right parts, as a stand-in for the renderer prints them.
 samples=$(realpath "$2")
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
@@ -19,7 +19,7 @@ asks() { # asks CHUNK VARIABLE... -- ARGUMENT...: what a Slurm task with these v
 }
 asks 3/40 SLURM_ARRAY_TASK_ID=3 SLURM_ARRAY_TASK_COUNT=40 SLURM_ARRAY_TASK_MAX=40 --
 asks 3/40 SLURM_ARRAY_TASK_ID=3 SLURM_ARRAY_TASK_MAX=40 --
-# One task of an array that failed, alone: its array has one task, or ends where it stands.
+# A task that failed and runs again alone: its array has one task, or ends with its number.
 asks 2/40 SLURM_ARRAY_TASK_ID=2 SLURM_ARRAY_TASK_COUNT=1 SLURM_ARRAY_TASK_MAX=2 -- 40
 asks 17/40 SLURM_ARRAY_TASK_ID=17 SLURM_ARRAY_TASK_COUNT=2 SLURM_ARRAY_TASK_MAX=17 -- 40
 

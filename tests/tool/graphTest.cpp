@@ -1,4 +1,4 @@
-// Graphs of effects from text: what is refused and why, what a frame gets, how often a node runs.
+// Graphs of effects from text: errors, values per frame, and how often a node runs.
 #include "host/EffectGraph.h"
 #include "host/GraphError.h"
 #include "host/names.h"
@@ -213,7 +213,7 @@ TEST_F(Graphs, ValuesThatHostsAreToStoreAreStoredUnlessGiven)
         {"time": 0, "value": 9000}, {"time": 5, "value": 8000}]}}})")),
         plain);
 
-    // What goes on from a preset replaces its value.
+    // A parameter given after a preset replaces the preset's value.
     GraphDescription preset = called;
     preset.setParameter("u_temperature=9000");
     preset.finish();

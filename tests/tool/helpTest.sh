@@ -29,7 +29,7 @@ for verb in $verbs; do
     done
 done
 
-# completes EXPECTED words...: what bash and fish offer for the last word.
+# completes EXPECTED words...: bash and fish offer EXPECTED for the last word.
 completes() {
     local expected=$1 got
     shift

@@ -1,4 +1,4 @@
-// Signals to work that does not look for them.
+// Signals to work that does not check for them.
 #include "effectengine/interruption.h"
 
 #include "support/TemporaryDirectory.h"

@@ -1,4 +1,4 @@
-// Clips in parts: what the effects' facts allow must give the same bytes as the whole.
+// Clips in parts: graphs that may be cut give the same bytes in parts as in one run.
 #include "host/parts.h"
 
 #include "core/Clock.h"
@@ -18,7 +18,7 @@ constexpr long long kPartBegins = 15;
 
 using Bytes = std::vector<unsigned char>;
 
-// A picture of its own for every frame and source.
+// A different picture for every frame and source.
 void draw(const host::Image& image, long long frame, unsigned source)
 {
     unsigned state = unsigned(frame) * 2654435761u + source * 40503u + 1;

@@ -1,5 +1,4 @@
-// What photographs carry: read from files as other programs write them, and handed to the libraries' own
-// readers.
+// Metadata of photographs: read from files of other programs, and written for libjpeg and libpng to read.
 #include "host/photoMetadata.h"
 
 #include "EffectTovOgre/PictureCodecs.h"
@@ -95,7 +94,7 @@ std::string profile(u32 size, const std::string& space = "RGB ")
 
 using Segments = std::vector<std::pair<int, std::string>>;
 
-/// By the JPEG library; an empty picture.
+/// A JPEG file of a blank picture with the segments, written by libjpeg.
 Bytes jpegWith(const Segments& segments)
 {
     jpeg_compress_struct jpeg;
@@ -262,7 +261,7 @@ TEST(PhotoMetadata, DescribesTheUprightPictureAndKeepsTheRest)
             .bigEndian = bigEndian, .orientation = 1, .width = 300, .height = 400, .preview = false};
         EXPECT_EQ(text(block), upright.block());
     }
-    // What follows the preview stays where it is.
+    // Bytes behind the preview stay where they are.
     Bytes longer = bytes(Camera{}.block() + "more");
     host::describeUpright(longer, 300, 400);
     const Camera upright{.orientation = 1, .width = 300, .height = 400, .preview = false};

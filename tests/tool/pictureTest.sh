@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Pictures on machines without a graphics system, and files that are no pictures, or no longer.
+# Pictures on machines without a graphics system, and files that are no pictures or damaged ones.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 printf 'P6\n3 2\n255\n\x0a\x14\x1e\xc8\x64\x32\x01\x02\x03\xff\xfe\xfd\x80\x81\x82\x10\x20\x30' >in.ppm
@@ -14,11 +14,11 @@ for size in 3x2 7x5; do
 done
 expect 0 '' without_graphics "$tool" transition push in.ppm with.png half.png --at 0.5
 
-# A Radiance file that ends in its pixels; before, this never ended.
+# A Radiance file that breaks off in its pixels: the decoder would wait for more without an end.
 { printf '#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 8 +X 40\n' && printf '\2\2\0\x28\xa8\x80'; head -c 200 /dev/zero; } >cut.hdr
 expect 4 'cut.hdr begins like a Radiance file' timeout 60 "$tool" apply am-negative cut.hdr out.png
 
-# Words for what is no picture.
+# The message says what a file is that is no picture.
 printf 'RIFF\x24\0\0\0WEBPVP8 %0100d' 0 >photo.webp
 printf '\0\0\0\x18ftypheic%0100d' 0 >photo.heic
 : >empty.png
@@ -42,7 +42,7 @@ expect 0 '' "$tool" apply equalize in.ppm link.png
 [ -L link.png ] && [ "$(stat -c %a real.png)" = 640 ] || fail "the link or the permissions are lost"
 cmp -s real.png with.png && fail "the link's target was not written"
 
-# A signal ends the tool, even while it waits for somebody else's pipe.
+# A signal ends the tool even while it waits for input from a pipe.
 mkfifo graph.json
 sleep 20 >graph.json &
 writer=$!

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Stills show something: they are opaque, taken at a moment when effects have something to show, and what can do
-# nothing as it was called says so.
+# Stills show the effect: they are opaque and taken at a moment when effects have something to show, and an effect that
+# lacks something says so.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\2\0\0\0\1\0\0\0\1\0\x18\0\0\0\0\0\x08\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0a\x14\x1e\xc8\x64\x32\0\0' >two.bmp
@@ -11,7 +11,7 @@ copy in.png in.bmp
 pixels_of() { tail -c +$(($(od -An -tu4 -j10 -N4 "$1") + 1)) "$1" | od -An -v -w4 -tu1; }
 transparent() { pixels_of "$1" | awk '$4 != 255' | grep -c .; }
 
-# What opaque pictures become is opaque, one by one and on a sheet; and an effect that means it stays transparent.
+# Opaque pictures give opaque ones, one by one and on a sheet; effects that compute alpha stay transparent.
 expect 0 '' "$tool" list --kind transition --names
 while read -r name; do
     expect 0 '' "$tool" transition "$name" in.png other.bmp still.bmp
@@ -52,14 +52,14 @@ expect 0 '' "$tool" apply vertigo in.png still.bmp
 expect 0 '' "$tool" apply vertigo in.png first.bmp --time 0
 level() { pixels_of "$1" | awk '{ sum += $1 + $2 + $3 } END { print int(sum / NR) }'; }
 [ "$(level still.bmp)" -gt $((3 * $(level first.bmp))) ] || fail "no frames before: $(level first.bmp) to $(level still.bmp)"
-# In the same way alone and after others.
+# A still is the same whether it is made alone or after others.
 mkdir many && cp in.png many/a.png && cp in.png many/b.png
 expect 0 '' "$tool" apply -j 1 --format bmp vertigo many results
 cmp -s still.bmp results/b.bmp || fail "a still depends on the one before it"
 expect 0 '' "$tool" --seed 1 apply -j 1 am-noise many noises
 cmp -s noises/a.png noises/b.png || fail "chance depends on the pictures before"
 
-# Values that a host is to store: nothing set is nothing done, here and in presets.
+# Values that a host is to store: without any setting an effect does nothing, here and from presets.
 "$tool" apply light-room in.png still.bmp --save-preset plain.json 2>err.txt
 cmp -s still.bmp in.bmp || fail "light-room changes the picture by itself"
 grep -q '"u_temperature" : 11500' plain.json || fail "the preset leaves the white balance to chance: $(cat plain.json)"
@@ -70,7 +70,7 @@ grep -Eq '^u_temperature +Temperature +integer +11500 ' out.txt || fail "describ
 expect 0 '' "$tool" describe --json light-room
 grep -q '"hostDefault" : 11500' out.txt || fail "the catalogue: $(cat out.txt)"
 
-# What waits for something says for what; once, whatever the number of pictures.
+# An effect that lacks something says what, once for any number of pictures.
 expect 0 'light-room does nothing as it was called' "$tool" apply light-room in.png still.bmp
 expect 0 'cube-lut does nothing as it was called: it waits for CubeLutFile' "$tool" apply cube-lut in.png still.bmp
 expect 0 'highlight does nothing as it was called: it waits for iMouse' "$tool" apply highlight in.png still.bmp

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# In which order lookup tables stand: 3DL files in which blue varies fastest are told from the others, and the line
-# that the tool prints mends them.
+# The order of lookup tables: 3DL files in which blue varies fastest are told from the others, and the command that the
+# tool prints repairs them.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 # table ORDER LOOK: a 3DL file of 9 entries per axis. LOOK is awk that makes R, G and B, 0 to 1, of r, g and b.
@@ -31,7 +31,7 @@ for look in "${looks[@]}"; do
     table red "$look" >red.3dl
     expect 0 '' "$tool" lut check red.3dl
 done
-# Nothing can be told where red and blue come out alike, or by one curve each of the same grey.
+# The order cannot be told where red and blue come out alike, or where all channels are curves of the same grey.
 for look in 'R = y; G = y; B = y' 'R = 0.5 * y; G = y; B = y' 'R = y; G = 0.8 * y; B = 0.5 * y' 'R = 0.5; G = 0.5; B = 0.5'; do
     for order in blue red; do
         table "$order" "$look" >grey.3dl
@@ -39,7 +39,7 @@ for look in 'R = y; G = y; B = y' 'R = 0.5 * y; G = y; B = y' 'R = y; G = 0.8 * 
     done
 done
 
-# The line works as it stands, and writes over nothing.
+# The printed command works as it stands, and replaces no file.
 table blue "${looks[0]}" >"it's.3dl"
 echo precious >"it's.cube"
 "$tool" lut check "it's.3dl" >out.txt 2>err.txt
@@ -51,7 +51,7 @@ awk 'NF == 3 && !/[A-Z]/' "it's-2.cube" | sed -n '2p;82p' >turned.txt
 [ "$(awk '{ print ($1 > 0.1) ($2 > 0.1) ($3 > 0.1) }' turned.txt | paste -sd' ')" = "100 001" ] ||
     fail "red does not vary fastest, and blue slowest: $(cat turned.txt)"
 
-# A repair that keeps the order says it as well, with its own names; one that turns it round is silent.
+# A repair that keeps the order warns as well, with its own file names; one that turns the order round does not.
 expect 0 "lut fix --blue-first 'blue first.3dl' kept.cube" "$tool" lut fix 'blue first.3dl' kept.cube
 expect 0 '' "$tool" lut fix --blue-first 'blue first.3dl' turned.cube
 expect 0 '' "$tool" lut fix red.3dl kept.cube

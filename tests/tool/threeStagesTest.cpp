@@ -1,4 +1,4 @@
-// The three stages of a clip's way, without a clip.
+// Three stages on three threads, with numbers for pieces.
 #include "effectengine/media/threeStages.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The host tool from outside: what it writes, what it says, how it ends.
+# The tool: the files that it writes, what it prints, and its exit codes.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 # A 2 x 1 picture without any library: blue-green-red 10 20 30 and 200 100 50, as a 24-bit BMP.
@@ -152,7 +152,7 @@ expect 2 'no effect fits' "$tool" sheet in.bmp sheet.png --search 'nothing has t
 expect 5 'must end in .png' "$tool" sheet in.bmp sheet.jpg
 expect 2 'did you mean' "$tool" sheet in.bmp sheet.png -e am-negativ
 
-# The installation is sound, and what is missing is told apart.
+# doctor finds nothing wrong here, and names what is missing elsewhere.
 expect 0 '' "$tool" doctor
 for what in library resources graphics driver effects pictures clips; do
     grep -q "^ok *$what" out.txt || fail "doctor does not examine $what: $(cat out.txt)"
