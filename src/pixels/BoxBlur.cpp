@@ -1,10 +1,12 @@
 // Sliding sums down the columns, prefix sums along the rows, and exact quotients.
 #include "pixels/BoxBlur.h"
 
+#include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/rows.h"
 
 #include <array>
+#include <limits>
 
 namespace pixels {
 
@@ -12,6 +14,9 @@ namespace {
 
 // Columns that one task sums together: its sums stay in the nearest cache.
 constexpr int kStrip = 64;
+
+static_assert(u64{255} * kLargestSide * kLargestSide <= std::numeric_limits<u32>::max(),
+    "the bytes of the largest picture must fit a 32-bit sum");
 
 } // namespace
 
@@ -61,15 +66,15 @@ void BoxBlur::averageRow(Bgra* to, int y, int radius)
     }
 
     // The right end of the square slides until it reaches the border, the left end once it leaves it.
-    constexpr int kMostBytes = 4096 * 4;
-    alignas(64) std::array<u32, kMostBytes> sum;
+    const Scratch<u32> sums(bytes);
+    u32* const sum = sums.data();
     const int sliding = std::max(0, size_.width - radius - 1) * 4;
-    for (int i = 0; i < sliding; ++i)
-        sum[std::size_t(i)] = row[i + 4 * (radius + 1)];
+    std::copy_n(row + 4 * (radius + 1), sliding, sum);
     for (int i = sliding; i < bytes; i += 4)
-        std::memcpy(&sum[std::size_t(i)], prefix.data(), sizeof prefix);
+        std::memcpy(sum + i, prefix.data(), sizeof prefix);
+#pragma GCC ivdep
     for (int i = 4 * std::min(radius, size_.width); i < bytes; ++i)
-        sum[std::size_t(i)] -= row[i - 4 * radius];
+        sum[i] -= row[i - 4 * radius];
 
     const int height = std::min(y + radius + 1, size_.height) - std::max(y - radius, 0);
     const float inverseHeight = 1.0f / float(height);
@@ -78,7 +83,7 @@ void BoxBlur::averageRow(Bgra* to, int y, int radius)
     const float* const inverses = inverses_.data();
 #pragma GCC ivdep
     for (int i = 0; i < bytes; ++i)
-        out[i] = byteQuotient(sum[std::size_t(i)], widths[i] * u32(height), inverses[i] * inverseHeight);
+        out[i] = byteQuotient(sum[i], widths[i] * u32(height), inverses[i] * inverseHeight);
 }
 
 void BoxBlur::apply(ConstView src, View dst, int radius)

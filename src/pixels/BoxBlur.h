@@ -9,8 +9,7 @@ namespace pixels {
 /// Works on pictures of one size, whose table of sums it keeps.
 class BoxBlur {
 public:
-    /// Allocates a table of (width + 1) x height cells of four 32-bit sums. 255 times the largest picture,
-    /// 4096 x 4096, still fits a sum.
+    /// Allocates a table of (width + 1) x height cells of four 32-bit sums.
     explicit BoxBlur(Extent size);
     /// False when there was no memory; then apply() must not be called.
     bool ready() const { return bool(sums_); }

@@ -15,7 +15,10 @@ namespace {
 constexpr std::size_t kFirstBlock = std::size_t(256) << 10;
 constexpr std::size_t kAlignment = 64;
 
-constexpr std::size_t rounded(std::size_t bytes) { return (bytes + kAlignment - 1) / kAlignment * kAlignment; }
+constexpr std::size_t rounded(std::size_t bytes)
+{
+    return (bytes + kAlignment - 1) / kAlignment * kAlignment;
+}
 
 class Arena {
 public:

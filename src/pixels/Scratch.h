@@ -17,9 +17,9 @@ void giveScratch(std::size_t bytes) noexcept;
 
 } // namespace detail
 
-/// `count` values of undefined content at a multiple of 64. A thread keeps the memory that it once needed for its
-/// scratch, so nothing is allocated frame by frame. Only for variables of a function: a thread gives back what it
-/// took in the opposite order.
+/// `count` values of undefined content at a multiple of 64. A thread keeps the memory that it once needed for
+/// its scratch, so nothing is allocated frame by frame. Only for variables of a function: a thread gives back
+/// what it took in the opposite order.
 template <class T> class Scratch {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T> && alignof(T) <= 64);
 

@@ -1,6 +1,7 @@
 // Both passes of the Stack Blur, as one kernel that steps many lines of pixels at once.
 #include "pixels/StackBlur.h"
 
+#include "pixels/Scratch.h"
 #include "pixels/rows.h"
 
 #include <array>
@@ -98,7 +99,7 @@ private:
     StackDivisor divisor_;
     alignas(64) std::array<u32, kBytes> sum_;
     alignas(64) std::array<u32, kBytes> slope_;
-    std::array<Line, kRing> ring_;
+    Scratch<Line> ring_{kRing};
 };
 
 // Columns [left, left + width) of the picture, in place.

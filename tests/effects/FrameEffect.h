@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pixels/Buffer.h"
+#include "pixels/Scratch.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
 
@@ -10,10 +11,14 @@
 
 namespace test {
 
-/// While it lives, effects get no memory for large buffers.
+/// While it lives, effects get no memory for large buffers. What the thread's rows need is there already.
 class MemoryShortage {
 public:
-    MemoryShortage() { pixels::limitBuffers(0); }
+    MemoryShortage()
+    {
+        const pixels::Scratch<u8> rows(128 * 1024);
+        pixels::limitBuffers(0);
+    }
     ~MemoryShortage() { pixels::limitBuffers(std::numeric_limits<std::size_t>::max()); }
 };
 

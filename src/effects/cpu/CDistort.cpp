@@ -1,11 +1,11 @@
 // A smooth warp: a mesh of 8 x 8 blocks, displaced by sines that fade toward the edges.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
+#include "pixels/Scratch.h"
 #include "pixels/StableInput.h"
 #include "pixels/gather.h"
 #include "pixels/numbers.h"
 
-#include <array>
 #include <cmath>
 
 namespace KEXSDK {
@@ -16,14 +16,19 @@ constexpr auto kFrequency =
     Param<int>{"Frequency", 100, {0, 1000}, "length of the waves, 100 for a radian per side"}.in("percent");
 
 constexpr int kBlock = 8;
-constexpr int kMostPoints = 4096 / kBlock + 1;
+
+// Mesh points along a side: one at each end of every full block.
+int pointsAlong(int side) { return side / kBlock + 1; }
 
 // One axis of the mesh: what the displacement along it and the wave across it have in common.
 struct Axis {
-    Axis(int extent, double amplitude, double frequency) : last(extent - 1), quarter(last * 0.25 * amplitude)
+    Axis(int extent, double amplitude, double frequency)
+        : last(extent - 1),
+          quarter(last * 0.25 * amplitude),
+          wave(pointsAlong(extent))
     {
-        for (int i = 0; i <= extent / kBlock; ++i)
-            wave[std::size_t(i)] = std::sin(i * kBlock * frequency / last + 1.0);
+        for (std::size_t i = 0; i < wave.size(); ++i)
+            wave[i] = std::sin(int(i) * kBlock * frequency / last + 1.0);
     }
     /// Coordinate `at` displaced by the wave value of the other axis, in 16.16 fixed point.
     i32 displaced(int at, double otherWave) const
@@ -34,16 +39,18 @@ struct Axis {
 
     double last;
     double quarter;
-    std::array<double, kMostPoints> wave;
+    pixels::Scratch<double> wave;
 };
 
 // A coordinate of the sample points of one mesh row, at the left edge of each block and the right one's
 // steps below it. Fixed-point numbers wrap around.
 struct Edge {
-    std::array<u32, kMostPoints> start;
-    std::array<u32, kMostPoints> step;
+    explicit Edge(int points) : start(points), step(points) { }
 
-    void set(int i, i32 lower, i32 upper)
+    pixels::Scratch<u32> start;
+    pixels::Scratch<u32> step;
+
+    void set(int i, i32 lower, i32 upper) const
     {
         start[std::size_t(i)] = u32(lower);
         step[std::size_t(i)] = u32(i32(u32(upper) - u32(lower)) >> 3);
@@ -53,6 +60,7 @@ struct Edge {
 // Columns of source coordinates for row j of a band of blocks.
 void interpolate(const Edge& edge, int blocks, int j, i32* coordinates)
 {
+#pragma GCC ivdep
     for (int block = 0; block < blocks; ++block) {
         const std::size_t b = std::size_t(block);
         const u32 left = edge.start[b] + u32(j) * edge.step[b];
@@ -81,8 +89,8 @@ void drawBand(pixels::ConstView src, pixels::View dst, const Axis& horizontal, c
     const int blocks = dst.width() / kBlock;
     const int covered = blocks * kBlock;
     const int bottom = band * kBlock;
-    Edge x;
-    Edge y;
+    const Edge x(pointsAlong(dst.width()));
+    const Edge y(pointsAlong(dst.width()));
     for (int i = 0; i <= blocks; ++i) {
         const std::size_t b = std::size_t(band);
         const double across = horizontal.wave[std::size_t(i)];
@@ -90,8 +98,8 @@ void drawBand(pixels::ConstView src, pixels::View dst, const Axis& horizontal, c
             horizontal.displaced(i * kBlock, vertical.wave[b + 1]));
         y.set(i, vertical.displaced(bottom, across), vertical.displaced(bottom + kBlock, across));
     }
-    std::array<i32, kMostPoints * kBlock> xs;
-    std::array<i32, kMostPoints * kBlock> ys;
+    const pixels::Scratch<i32> xs(covered);
+    const pixels::Scratch<i32> ys(covered);
     for (int j = 0; j < kBlock; ++j) {
         interpolate(x, blocks, j, xs.data());
         interpolate(y, blocks, j, ys.data());

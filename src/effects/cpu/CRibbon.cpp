@@ -1,11 +1,11 @@
 // The picture waves like a ribbon: every column is shifted by a sine.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
+#include "pixels/Scratch.h"
 #include "pixels/StableInput.h"
 #include "pixels/gather.h"
 #include "pixels/numbers.h"
 
-#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -44,10 +44,11 @@ public:
         const int h = int(height());
         const int swing = pixels::truncated(get(kSwing) * 100);
         const float halfTurns = float(pixels::truncated(get(kFrequency) * 100)) / 20;
+        const pixels::Scratch<double> shiftOf(w);
         for (int x = 0; x < w; ++x)
-            shifts_[std::size_t(x)] = std::sin(x * (halfTurns * std::numbers::pi) / w) * swing;
+            shiftOf[std::size_t(x)] = std::sin(x * (halfTurns * std::numbers::pi) / w) * swing;
 
-        const double* const shifts = shifts_.data();
+        const double* const shifts = shiftOf.data();
         const pixels::View to = output(dst);
         pixels::rows::anyOrderRuns(extent(), [=](int first, int end) {
             pixels::widest([=] {
@@ -58,7 +59,6 @@ public:
     }
 
 private:
-    std::array<double, 4096> shifts_;
     pixels::StableInput stable_;
 };
 

@@ -1,17 +1,17 @@
 // Two sets of coloured rings that spread from a point as the progress runs from 0 to 1.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
+#include "pixels/Scratch.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
-#include <array>
 #include <cmath>
 #include <cstdlib>
 
 namespace KEXSDK {
 namespace {
 
-constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, 4096},
+constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, pixels::kLargestSide},
     "centre of the rings: column, row from the bottom", "pixels"}
                             .titled("Centre");
 constexpr auto kColor =
@@ -93,8 +93,6 @@ struct Distances {
         return {least, int(std::max(std::abs(low), std::abs(high)) - least) + 1};
     }
 };
-
-using Alphas = std::array<float, 4096>;
 
 // Alphas of the first `count` distances, also in descending order: the way columns to the left meet them.
 void computeAlphas(Rings rings, float dx, float dy, int count, float* rightward, float* leftward)
@@ -179,8 +177,8 @@ private:
             const int leftFirst = int(std::max<i64>(left, centre.x - beyond + 1));
             const int leftEnd = std::min(right, centre.x);
             pixels::widest([&] {
-                Alphas rightward;
-                Alphas leftward;
+                const pixels::Scratch<float> rightward(count);
+                const pixels::Scratch<float> leftward(count);
                 computeAlphas(rings, float(dx.least), float(y), count, rightward.data(), leftward.data());
                 const auto tintRow = [&](i64 row) {
                     if (row < bottom || row >= bottom + lines)

@@ -1,6 +1,7 @@
 // Dark channel, its local average, and the table that takes the haze off.
 #include "effects/lightroom/HazeRemoval.h"
 
+#include "pixels/Scratch.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
@@ -11,11 +12,6 @@ namespace {
 using pixels::Bgra;
 
 constexpr int kRadius = 7;
-constexpr int kMaxWidth = 4096;
-
-// Sums of a column over the rows of the window, with room for the window at both ends of the row. Even the
-// full window of 225 bytes stays below 2^16.
-using ColumnSums = std::array<u16, kMaxWidth + 2 * kRadius>;
 
 template <int kSign> void accumulate(u16* sums, const u8* row, int width)
 {
@@ -113,12 +109,15 @@ int HazeRemoval::drawHaze(pixels::Extent size, double strength)
 {
     const int width = size.width;
     const int height = size.height;
-    std::array<u16, kMaxWidth> across;
+    const pixels::Scratch<u16> across(width);
     for (int x = 0; x < width; ++x)
         across[std::size_t(x)] = u16(countAt(x, width));
 
     const auto accumulateRows = [&](int first, int last, int& most) {
-        ColumnSums sums{};
+        // Sums of a column over the rows of the window, with room for the window at both ends of the row.
+        // Even the full window of 225 bytes stays below 2^16.
+        const pixels::Scratch<u16> sums(width + 2 * kRadius);
+        std::ranges::fill(sums, u16(0));
         u16* const columns = sums.data() + kRadius;
         const auto dark = [&](int y) { return dark_.data() + std::ptrdiff_t(y) * width; };
         for (int y = std::max(first - kRadius, 0); y < std::min(first + kRadius, height); ++y)

@@ -1,6 +1,7 @@
 // The colour of a temperature, the conversion that keeps lightness, and the tint.
 #include "effects/lightroom/WhiteBalance.h"
 
+#include "pixels/Scratch.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
@@ -13,8 +14,6 @@ namespace {
 
 using pixels::Bgra;
 using pixels::clamped;
-
-constexpr int kMaxWidth = 4096;
 
 struct Colour {
     int b, g, r;
@@ -100,7 +99,7 @@ Temperature::Temperature(int value)
 
 void Temperature::applyToRow(pixels::ConstView from, pixels::View to) const
 {
-    std::array<Bgra, kMaxWidth> memory;
+    const pixels::Scratch<Bgra> memory(from.width());
     const pixels::View blended(reinterpret_cast<u8*>(memory.data()), from.extent());
     pixels::mapTables(from, blended, blend_);
     pixels::rows::map2(from, blended, to, [](Bgra p, Bgra colour) { return withLightnessOf(p, colour); });

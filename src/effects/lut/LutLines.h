@@ -35,7 +35,7 @@ public:
     int number() const { return number_; }
 
 private:
-    static constexpr std::size_t kBlock = 16 * 1024;
+    static constexpr std::size_t kBlock = 8 * 1024;
     static constexpr std::size_t kLongestLine = 64 * 1024;
 
     bool refill();

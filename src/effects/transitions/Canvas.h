@@ -1,19 +1,15 @@
 // One frame of a transition as pictures, and the row loop that the families draw with.
 #pragma once
 
+#include "pixels/Scratch.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 #include "pixels/wordBlends.h"
 
-#include <array>
-
 namespace transitions {
 
 using pixels::Bgra;
-
-/// The largest width and height. Tables per column have this size and stand on the stack.
-inline constexpr int kMaxSide = 4096;
-template <class Value> using PerColumn = std::array<Value, kMaxSide>;
+using pixels::Scratch;
 
 /// Bits of a pixel word, for Line::pick.
 inline constexpr u32 kWholePixel = 0xFFFFFFFF;

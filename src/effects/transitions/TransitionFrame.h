@@ -15,6 +15,6 @@ struct TransitionFrame {
 
 /// Draws one frame. The three buffers hold height rows of width pixels (blue, green, red, alpha; the bottom
 /// row first) at the frame's stride; `dst` overlaps neither of the others. Time outside [0, totalTime] counts
-/// as the nearer end; a total time that is no positive number shows `from`. Frames of sizes outside 1..4096
-/// are not drawn.
+/// as the nearer end; a total time that is no positive number shows `from`. Frames with a side outside
+/// 1..pixels::kLargestSide are not drawn.
 using TransitionFunc = void(u8* dst, const u8* from, const u8* to, const TransitionFrame* frame);

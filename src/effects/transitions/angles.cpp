@@ -55,13 +55,14 @@ void drawPiece(const Line& line, int first, int last, bool rising, const Edge& e
     };
     const int soft = firstColumn(first, last, past(1));
     const int end = firstColumn(soft, last, past(2));
-    PerColumn<u8> weights;
+    const Scratch<u8> weights(end - soft);
     for (int x = soft; x < end; ++x)
-        weights[std::size_t(x)] = pixels::clampByte(pixels::truncated(edge.weight(quantity(x))));
+        weights[std::size_t(x - soft)] = pixels::clampByte(pixels::truncated(edge.weight(quantity(x))));
 
     show(line, rising ? edge.low : edge.high, first, soft);
-    line.mix(soft, end,
-        [a = weights.data()](Bgra f, Bgra t, int x) { return coloursOf<pixels::divisionBlend>(f, t, a[x]); });
+    line.mix(soft, end, [a = weights.data(), soft](Bgra f, Bgra t, int x) {
+        return coloursOf<pixels::divisionBlend>(f, t, a[x - soft]);
+    });
     show(line, rising ? edge.high : edge.low, end, last);
 }
 

@@ -18,11 +18,11 @@ std::pair<int, int> whiskRow(const Line& line, int n)
     return even ? std::pair{n, line.width} : std::pair{0, line.width - n};
 }
 
-void columnBands(int width, PerColumn<u32>& even, PerColumn<u32>& odd)
+void columnBands(const Scratch<u32>& even, const Scratch<u32>& odd)
 {
-    for (int x = 0; x < width; ++x) {
-        even[std::size_t(x)] = inEvenBand(x) ? kWholePixel : 0;
-        odd[std::size_t(x)] = ~even[std::size_t(x)];
+    for (std::size_t x = 0; x < even.size(); ++x) {
+        even[x] = inEvenBand(int(x)) ? kWholePixel : 0;
+        odd[x] = ~even[x];
     }
 }
 
@@ -50,9 +50,9 @@ void rowWhisk(const Canvas& c, const Progress& p)
 void colWhisk(const Canvas& c, const Progress& p)
 {
     const int n = p.smoothedAmount(c.height);
-    PerColumn<u32> even;
-    PerColumn<u32> odd;
-    columnBands(c.width, even, odd);
+    const Scratch<u32> even(c.width);
+    const Scratch<u32> odd(c.width);
+    columnBands(even, odd);
     drawRows(c, [=, evenBands = even.data(), oddBands = odd.data(), height = c.height](const Line& line) {
         const bool fromTop = line.v < n;
         const bool fromBottom = line.v >= height - n;
@@ -67,9 +67,9 @@ void crossWhisk(const Canvas& c, const Progress& p)
 {
     const int columns = p.smoothedAmount(c.width);
     const int rows = p.smoothedAmount(c.height);
-    PerColumn<u32> even;
-    PerColumn<u32> odd;
-    columnBands(c.width, even, odd);
+    const Scratch<u32> even(c.width);
+    const Scratch<u32> odd(c.width);
+    columnBands(even, odd);
     drawRows(c, [=, evenBands = even.data(), oddBands = odd.data(), height = c.height](const Line& line) {
         const bool fromTop = line.v < rows;
         const bool fromBottom = line.v >= height - rows;

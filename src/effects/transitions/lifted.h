@@ -14,7 +14,8 @@ template <void (*draw)(const Canvas&, const Progress&)>
 void lifted(u8* dst, const u8* from, const u8* to, const TransitionFrame* frame)
 {
     const pixels::Extent size{frame->width, frame->height};
-    if (size.width < 1 || size.height < 1 || size.width > kMaxSide || size.height > kMaxSide)
+    if (size.width < 1 || size.height < 1 || size.width > pixels::kLargestSide
+        || size.height > pixels::kLargestSide)
         return;
     const Canvas canvas{{dst, size, frame->stride}, {from, size, frame->stride}, {to, size, frame->stride},
         size.width, size.height};

@@ -68,7 +68,7 @@ void hRandomLine(const Canvas& c, const Progress& p)
     if (p.atStart())
         return pixels::rows::copy(c.from, c.dst);
     const int turned = p.smoothedAmount(1000);
-    std::array<bool, kMaxSide> showsFrom;
+    const Scratch<bool> showsFrom(c.height);
     for (int r = 0; r < c.height; ++r)
         showsFrom[std::size_t(r)] = drawThousandth() > turned;
     drawRows(c, [=, rows = showsFrom.data(), height = c.height](const Line& line) {
@@ -79,7 +79,7 @@ void hRandomLine(const Canvas& c, const Progress& p)
 void vRandomLine(const Canvas& c, const Progress& p)
 {
     const int turned = p.smoothedAmount(1000);
-    PerColumn<u32> mask;
+    const Scratch<u32> mask(c.width);
     for (int x = 0; x < c.width; ++x)
         mask[std::size_t(x)] = drawThousandth() > turned ? 0 : kWholePixel;
     // The first frame draws its numbers like every other one.
@@ -91,12 +91,13 @@ void vRandomLine(const Canvas& c, const Progress& p)
 void wind(const Canvas& c, const Progress& p)
 {
     const int n = p.smoothedAmount(c.width);
-    std::array<int, (kMaxSide + 1) / 2> gust;
-    for (int pair = 0; pair < (c.height + 1) / 2; ++pair) {
+    // Two rows share a gust.
+    const Scratch<int> reaches((c.height + 1) / 2);
+    for (int& reach : reaches) {
         const int extra = pixels::truncated(pixels::threadRandom().next() / 65535.0 * n + 0.5);
-        gust[std::size_t(pair)] = std::min((extra + n) / 2 * 2, c.width);
+        reach = std::min((extra + n) / 2 * 2, c.width);
     }
-    drawRows(c, [=, reach = gust.data(), height = c.height](const Line& line) {
+    drawRows(c, [=, reach = reaches.data(), height = c.height](const Line& line) {
         const int w = reach[(height - 1 - line.v) / 2];
         line.copy(line.to, 0, w);
         line.copy(line.from, w, line.width);

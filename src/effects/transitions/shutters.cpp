@@ -15,10 +15,11 @@ int cellSize(int height)
     return size + size % 2;
 }
 
-template <class Chosen> void choose(PerColumn<u32>& mask, int width, u32 bits, Chosen chosen)
+// One mask per column: `bits` where chosen(x).
+template <class Chosen> void choose(const Scratch<u32>& masks, u32 bits, Chosen chosen)
 {
-    for (int x = 0; x < width; ++x)
-        mask[std::size_t(x)] = chosen(x) ? bits : 0;
+    for (std::size_t x = 0; x < masks.size(); ++x)
+        masks[x] = chosen(int(x)) ? bits : 0;
 }
 
 // Columns and rows whose place in their cell lies in [low, high].
@@ -39,9 +40,9 @@ struct Inside {
 void verticalShutter(const Canvas& c, const Progress& p)
 {
     const int open = pixels::truncated(p.linear() * kSlat);
-    PerColumn<u32> mask;
-    choose(mask, c.width, kColourBytes, [=](int x) { return x % kSlat < open; });
-    drawRows(c, [columns = mask.data()](const Line& line) { line.pick(columns, 0, line.width); });
+    const Scratch<u32> masks(c.width);
+    choose(masks, kColourBytes, [=](int x) { return x % kSlat < open; });
+    drawRows(c, [columns = masks.data()](const Line& line) { line.pick(columns, 0, line.width); });
 }
 
 void horizontalShutter(const Canvas& c, const Progress& p)
@@ -61,9 +62,9 @@ void crossShutter1(const Canvas& c, const Progress& p)
     if (cell == 0)
         return pixels::rows::copy(c.from, c.dst);
     const int open = pixels::truncated(p.linear() * cell) & ~1;
-    PerColumn<u32> mask;
-    choose(mask, c.width, kWholePixel, [=](int x) { return x % cell < open; });
-    drawRows(c, [=, columns = mask.data()](const Line& line) {
+    const Scratch<u32> masks(c.width);
+    choose(masks, kWholePixel, [=](int x) { return x % cell < open; });
+    drawRows(c, [=, columns = masks.data()](const Line& line) {
         if (line.v % cell < open)
             line.copy(line.to, 0, line.width);
         else
@@ -77,9 +78,9 @@ void crossShutter2(const Canvas& c, const Progress& p)
     if (cell == 0)
         return pixels::rows::copy(c.from, c.dst);
     const int open = pixels::truncated(p.linear() * cell) & ~1;
-    PerColumn<u32> mask;
-    choose(mask, c.width, kWholePixel, [=](int x) { return x % cell < open; });
-    drawRows(c, [=, columns = mask.data()](const Line& line) {
+    const Scratch<u32> masks(c.width);
+    choose(masks, kWholePixel, [=](int x) { return x % cell < open; });
+    drawRows(c, [=, columns = masks.data()](const Line& line) {
         if (line.v % cell < open)
             line.pick(columns, 0, line.width);
         else
@@ -96,9 +97,9 @@ void gridZoomIn(const Canvas& c, const Progress& p)
     size += size % 2;
     const int low = pixels::roundHalfUp((cell - size) * 0.5);
     const Inside inside{cell, low, low + size};
-    PerColumn<u32> mask;
-    choose(mask, c.width, kColourBytes, inside);
-    drawRows(c, [=, columns = mask.data(), height = c.height](const Line& line) {
+    const Scratch<u32> masks(c.width);
+    choose(masks, kColourBytes, inside);
+    drawRows(c, [=, columns = masks.data(), height = c.height](const Line& line) {
         // Cells start at the bottom row.
         if (inside(height - 1 - line.v))
             line.pick(columns, 0, line.width);
@@ -118,9 +119,9 @@ void gridZoomOut(const Canvas& c, const Progress& p)
     const int size = pixels::truncated(float(cell) * rest) & ~1;
     const int low = pixels::roundHalfUp((cell - size) * 0.5);
     const Inside inside{cell, low, low + size};
-    PerColumn<u32> mask;
-    choose(mask, c.width, kColourBytes, [=](int x) { return !inside(x); });
-    drawRows(c, [=, columns = mask.data(), height = c.height](const Line& line) {
+    const Scratch<u32> masks(c.width);
+    choose(masks, kColourBytes, [=](int x) { return !inside(x); });
+    drawRows(c, [=, columns = masks.data(), height = c.height](const Line& line) {
         if (inside(height - 1 - line.v))
             line.pick(columns, 0, line.width);
         else

@@ -9,7 +9,13 @@ constexpr int kSoft = 80;
 
 // Weights by distance; pixels at distances in [first, last) are drawn, the others are `from`.
 struct Profile {
-    PerColumn<u8> weights;
+    template <class Weight> Profile(int from, int end, Weight weight) : weights(end), first(from), last(end)
+    {
+        for (int d = first; d < last; ++d)
+            weights[std::size_t(d)] = u8(weight(d));
+    }
+
+    Scratch<u8> weights;
     int first;
     int last;
 };
@@ -23,40 +29,28 @@ int wideWeight(int d, int width, int n)
 
 Profile leftOpening(int width, int n)
 {
-    Profile profile;
-    profile.first = 0;
-    profile.last = n <= width ? n : width;
-    for (int d = 0; d < profile.last; ++d) {
-        const int a = n > width ? wideWeight(d, width, n) : n - d < kSoft + 1 ? (n - d) * 255 / kSoft : 255;
-        profile.weights[std::size_t(d)] = u8(a);
-    }
-    return profile;
+    const auto weight = [=](int d) {
+        return n > width ? wideWeight(d, width, n) : n - d < kSoft + 1 ? (n - d) * 255 / kSoft : 255;
+    };
+    return {0, std::min(n, width), weight};
 }
 
 Profile rightOpening(int width, int n)
 {
-    Profile profile;
-    profile.first = 0;
-    profile.last = n <= width ? std::max(n - kSoft, 0) : width;
-    for (int d = 0; d < profile.last; ++d) {
+    const auto weight = [=](int d) {
         const int e = n - kSoft - d;
-        const int a = n > width ? wideWeight(d, width, n) : e < kSoft + 1 ? e * 255 / kSoft : 255;
-        profile.weights[std::size_t(d)] = u8(a);
-    }
-    return profile;
+        return n > width ? wideWeight(d, width, n) : e < kSoft + 1 ? e * 255 / kSoft : 255;
+    };
+    return {0, n <= width ? std::max(n - kSoft, 0) : width, weight};
 }
 
 Profile closing(int width, int m)
 {
-    Profile profile;
-    profile.first = std::clamp(m - kSoft, 0, width);
-    profile.last = width;
-    for (int d = profile.first; d < width; ++d) {
+    const auto weight = [=](int d) {
         const int e = d - m + kSoft;
-        const int a = m >= kSoft ? (e < kSoft + 1 ? e * 255 / kSoft : 255) : d < m ? d * 255 / m : 255;
-        profile.weights[std::size_t(d)] = u8(a);
-    }
-    return profile;
+        return m >= kSoft ? (e < kSoft + 1 ? e * 255 / kSoft : 255) : d < m ? d * 255 / m : 255;
+    };
+    return {std::clamp(m - kSoft, 0, width), width, weight};
 }
 
 enum class Diagonal { fromTopLeft, fromTopRight };

@@ -36,8 +36,10 @@ void drawBlocks(const Canvas& c, pixels::ConstView picture, int block)
 
 // Where a row of pictures comes from after resampling: two gathered rows that take the place of the line's.
 struct Gathered {
-    PerColumn<Bgra> from;
-    PerColumn<Bgra> to;
+    explicit Gathered(int width) : from(width), to(width) { }
+
+    Scratch<Bgra> from;
+    Scratch<Bgra> to;
 
     Line over(const Line& line) const { return {line.v, line.width, line.dst, from.data(), to.data()}; }
 };
@@ -54,7 +56,7 @@ void pixelate(const Canvas& c, const Progress& p)
         return drawBlocks(c, c.to, shrinking);
     const int a = 255 - pixels::truncated((0.6 - p.linear()) * 255 / 0.2);
     drawRows(c, [=](const Line& line) {
-        Gathered rows;
+        const Gathered rows(line.width);
         spreadBlocks(c.from.pictureRow(blockCentre(line.v, growing, c.height)).data(), rows.from.data(),
             line.width, growing);
         spreadBlocks(c.to.pictureRow(blockCentre(line.v, shrinking, c.height)).data(), rows.to.data(),
@@ -87,15 +89,15 @@ void zoom(const Canvas& c, const Progress& p)
     const int reach = insetWidth > 5 ? std::max(insetWidth / 2, 1) : 1;
     const int first = centre - reach + 1;
     const int last = std::max(first, insetWidth > 5 ? centre + reach : first);
-    PerColumn<u16> behindColumns;
-    PerColumn<u16> insetColumns;
+    const Scratch<u16> behindColumns(c.width);
+    const Scratch<u16> insetColumns(c.width);
     for (int x = 0; x < c.width; ++x)
         behindColumns[std::size_t(x)] = u16(behind(x, c.width));
     for (int x = first; x < last; ++x)
         insetColumns[std::size_t(x)] = u16(inset(x, c.width));
 
     drawRows(c, [=, fromColumns = behindColumns.data(), toColumns = insetColumns.data()](const Line& line) {
-        Gathered rows;
+        const Gathered rows(line.width);
         const Bgra* const from = c.from.pictureRow(behind(line.v, c.height)).data();
         for (int x = 0; x < line.width; ++x)
             rows.from[std::size_t(x)] = from[fromColumns[x]];
@@ -133,7 +135,8 @@ void twrl(const Canvas& c, const Progress& p)
     const double sine = std::sin(angle);
 
     // Which column or row of the picture shows at a position of the upright scaled picture; -1 outside.
-    const auto scaled = [=](PerColumn<i16>& sources, int side) {
+    const auto scaled = [=](const Scratch<i16>& sources) {
+        const int side = int(sources.size());
         const int size = pixels::truncated(side * scale);
         const int edge = (side - size) >> 1;
         for (int i = 0; i < side; ++i) {
@@ -142,18 +145,19 @@ void twrl(const Canvas& c, const Progress& p)
                 i16(inside ? std::min(pixels::truncated((i - edge) / scale), side - 1) : -1);
         }
     };
-    PerColumn<i16> columns;
-    PerColumn<i16> rows;
-    scaled(columns, c.width);
-    scaled(rows, c.height);
+    const Scratch<i16> columns(c.width);
+    const Scratch<i16> rows(c.height);
+    scaled(columns);
+    scaled(rows);
 
     const pixels::ConstView picture = growing ? c.to : c.from;
     drawRows(c, [=, sourceColumns = columns.data(), sourceRows = rows.data()](const Line& line) {
         const int j = line.v - (c.height >> 1);
         const int alongColumns = int(j * sine + c.width / 2);
         const int alongRows = int(j * cosine);
-        PerColumn<int> turnedColumns;
-        PerColumn<int> turnedRows;
+        const Scratch<int> turnedColumns(line.width);
+        const Scratch<int> turnedRows(line.width);
+#pragma GCC ivdep
         for (int x = 0; x < line.width; ++x) {
             // No larger than a few picture sides.
             const int i = x - (line.width >> 1);

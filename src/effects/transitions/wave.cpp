@@ -84,8 +84,9 @@ template <class SineCosineOf> void drawRing(const Canvas& c, const Ring& ring, S
             *std::ranges::partition_point(offsets, [&](int dx) { return distance(dx) < ring.radius; });
 
         // Both halves of the row share what depends on the distance alone.
-        PerColumn<int> moves;
-        PerColumn<int> weights;
+        const Scratch<int> moves(reach);
+        const Scratch<int> weights(reach);
+#pragma GCC ivdep
         for (int dx = 0; dx < reach; ++dx) {
             const double d = distance(dx);
             const auto [sine, cosine] = sineCosineOf(ring.phase - d * ring.waveNumber);
@@ -97,9 +98,10 @@ template <class SineCosineOf> void drawRing(const Canvas& c, const Ring& ring, S
 
         const int first = std::max(cx - reach + 1, 0);
         const int last = reach > 0 ? std::min(cx + reach, line.width) : first;
-        PerColumn<Bgra> from;
-        PerColumn<Bgra> to;
-        PerColumn<int> weightAt;
+        const Scratch<Bgra> from(line.width);
+        const Scratch<Bgra> to(line.width);
+        const Scratch<int> weightAt(line.width);
+#pragma GCC ivdep
         for (int x = first; x < last; ++x) {
             const std::size_t dx = std::size_t(std::abs(x - cx));
             const int column = std::clamp(x < cx ? x - moves[dx] : x + moves[dx], 0, line.width - 1);

@@ -36,7 +36,7 @@ void linearWipeRight(const Canvas& c, const Progress& p)
 {
     const int front = pixels::truncated(p.smoothedPart(c.width + kRamp));
     const int first = std::max(0, front - kRamp);
-    PerColumn<u8> weights;
+    const Scratch<u8> weights(c.width);
     for (int x = first; x < std::min(front, c.width); ++x)
         weights[std::size_t(x)] = u8((front - x) * 255 / kRamp);
     drawRows(c, [=, a = weights.data()](const Line& line) {
@@ -58,7 +58,7 @@ void linearWipe(const Canvas& c, const Progress& p)
 
     // Every row shows the same weights, moved by one column: entry i is the weight at front - v = x + ramp -
     // i.
-    std::array<u8, kMaxSide + 1024> weights;
+    const Scratch<u8> weights(c.width + ramp);
     for (int i = 0; i < c.width + ramp; ++i)
         weights[std::size_t(i)] = u8(std::max((ramp - i) * slope256 / kRamp, 0));
 
@@ -82,7 +82,7 @@ void erase(const Canvas& c, const Progress& p)
     const int n = p.linearAmount(c.width + kEdge);
     const int start = std::max(n - kEdge, 0);
     const int last = std::min(c.width, n);
-    PerColumn<u8> weights;
+    const Scratch<u8> weights(c.width);
     for (int x = start; x < last; ++x)
         weights[std::size_t(x)] = u8((last - x) * 255 / kEdge);
     drawRows(c, [=, a = weights.data()](const Line& line) {
@@ -115,7 +115,7 @@ void colSplit2(const Canvas& c, const Progress& p)
     const int middle = c.width / 2;
     const int first = std::max(middle - n, 0);
     const int last = std::min(middle + n, c.width);
-    PerColumn<u8> weights;
+    const Scratch<u8> weights(c.width);
     for (int x = first; x < last; ++x)
         weights[std::size_t(x)] = u8(x < middle ? 255 - x * 510 / c.width : (x - middle) * 510 / c.width);
     drawRows(c, [=, a = weights.data()](const Line& line) {

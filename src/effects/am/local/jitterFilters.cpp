@@ -5,6 +5,7 @@
 #include "effects/am/loops/fetchColumns.h"
 #include "effects/am/loops/walkRows.h"
 #include "pixels/Random.h"
+#include "pixels/Scratch.h"
 
 #include <cmath>
 #include <numbers>
@@ -57,13 +58,13 @@ void buildRipple(i16* ripple, int percent)
 
 // The offset of every row, and the table laid out for the picture's columns.
 struct Offsets {
-    std::array<i32, kMaxExtent> ofRow;
-    std::array<i32, kMaxExtent> ofColumn;
+    pixels::Scratch<i32> ofRow;
+    pixels::Scratch<i32> ofColumn;
 
-    Offsets(const i16* table, int width)
+    Offsets(const i16* table, pixels::Extent size) : ofRow(size.height), ofColumn(size.width)
     {
-        for (int x = 0; x < width; ++x)
-            ofColumn[std::size_t(x)] = table[x & kMask];
+        for (std::size_t x = 0; x < ofColumn.size(); ++x)
+            ofColumn[x] = table[x & kMask];
     }
 };
 
@@ -75,7 +76,7 @@ i32 shake(const Frame& f)
         return kAmNoMemory;
     const int width = f.dst.width();
     const int height = f.dst.height();
-    Offsets offsets(walk, width);
+    const Offsets offsets(walk, f.dst.extent());
     // A row starts where the walk stood at the end of the row before.
     const int base = pixels::threadRandom().next();
     int reached = renewed ? walk[kMask] : 0;
@@ -114,7 +115,7 @@ i32 ripple(const Frame& f)
         return kAmNoMemory;
     const int width = f.dst.width();
     const int height = f.dst.height();
-    Offsets offsets(table, width);
+    const Offsets offsets(table, f.dst.extent());
     const int base = pixels::threadRandom().next();
     int reached = 0;
     for (int y = 0; y < height; ++y) {

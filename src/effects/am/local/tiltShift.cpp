@@ -3,6 +3,7 @@
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
+#include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/columns.h"
 
@@ -20,7 +21,13 @@ namespace rows = pixels::rows;
 
 int levelsOf(int width) { return int(std::sqrt(double(width)) * 0.1 + 5.0); }
 
-constexpr int kMostLevels = 14; // levelsOf(kMaxExtent)
+// levelsOf(kMaxExtent)
+constexpr int kMostLevels = [] {
+    int levels = 5;
+    while (100 * (levels - 4) * (levels - 4) <= kMaxExtent)
+        ++levels;
+    return levels;
+}();
 
 // Beyond these a kernel's width would be none, or no longer change.
 constexpr int kLeastPercent = -49;
@@ -95,6 +102,9 @@ struct FoldedKernel {
 // once and counts for the pixels on both its sides.
 class RowBlur {
 public:
+    // Groups reach beyond the kernel's last line, where weights are zero.
+    RowBlur() { std::ranges::fill(folded_, FoldedRow{}); }
+
     void draw(ConstView src, const FoldedKernel& kernel, int y, Bgra* to)
     {
         for (int x = 0; x < src.width(); x += kChunk) {
@@ -109,6 +119,7 @@ public:
 private:
     static constexpr int kChunk = 128;
     static constexpr int kMostBytes = 4 * (kChunk + 2 * kMostLevels);
+    using FoldedRow = std::array<u16, kMostBytes>;
 
     void foldRows(ConstView src, int reach, int y, int x, int count)
     {
@@ -182,7 +193,7 @@ private:
             to[t] = pixels::byteQuotient(sum[t], kernel.total, inverse);
     }
 
-    alignas(64) std::array<std::array<u16, kMostBytes>, FoldedKernel::kMostTaps> folded_{};
+    pixels::Scratch<FoldedRow> folded_{FoldedKernel::kMostTaps};
     alignas(64) std::array<u32, kMostBytes> column_;
     alignas(64) std::array<u32, 4 * kChunk> sum_;
 };
@@ -234,7 +245,7 @@ i32 tiltShift(const Frame& f)
     Pyramid pyramid(static_cast<u16*>(f.block.scratchC));
     if (takeDirty(f.block, kRebuild))
         pyramid.build(levels, std::clamp(f.block.percent, kLeastPercent, kMostPercent));
-    std::array<FoldedKernel, kMostLevels + 1> kernels;
+    const pixels::Scratch<FoldedKernel> kernels(levels + 1);
     for (int k = 1; k <= levels; ++k)
         kernels[std::size_t(k)] = FoldedKernel(pyramid, k);
 

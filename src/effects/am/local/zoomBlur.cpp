@@ -1,6 +1,7 @@
 // Blurs along the rays from a centre: the mean of the picture at many sizes.
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
+#include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/columns.h"
 #include "pixels/gather.h"
@@ -92,9 +93,9 @@ public:
     ZoomSums(ConstView src, const Sizes& sizes, Point centre)
         : src_(src),
           centre_(centre),
-          count_(sizes.count())
+          sizes_(sizes.count())
     {
-        for (std::size_t i = 0; i < count_; ++i)
+        for (std::size_t i = 0; i < sizes_.size(); ++i)
             sizes_[i] = SampledSize(sizes[i], centre.x, src.width());
     }
 
@@ -102,10 +103,10 @@ public:
     void sumUp(int y, int x, int end)
     {
         b_ = g_ = r_ = {};
-        for (std::size_t i = 0; i < count_;) {
+        for (std::size_t i = 0; i < sizes_.size();) {
             blueAndRed_ = green_ = {};
             const u32 times = sizes_[i].times;
-            for (; i < count_ && sizes_[i].times == times; ++i)
+            for (; i < sizes_.size() && sizes_[i].times == times; ++i)
                 add(sizes_[i], y, x, end);
             for (std::size_t k = 0; k < kPiece; ++k) {
                 b_[k] += (blueAndRed_[k] & 0xFFFF) * times;
@@ -185,8 +186,7 @@ private:
 
     ConstView src_;
     Point centre_;
-    std::size_t count_;
-    std::array<SampledSize, kMostSizes> sizes_;
+    pixels::Scratch<SampledSize> sizes_;
     // Two channels to a number, for the sizes that count equally often: at most 257 times 255.
     alignas(64) Piece blueAndRed_;
     alignas(64) Piece green_;

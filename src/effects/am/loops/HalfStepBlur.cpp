@@ -3,6 +3,8 @@
 
 #include "pixels/columns.h"
 
+#include <array>
+
 namespace KEXSDK::am {
 
 namespace {
@@ -20,7 +22,7 @@ constexpr u32 kEvenBytes = 0x00FF00FF;
 
 // Columns 0, 2, ... below width - 1 are averaged. For each of these steps, first how the sums change after
 // it, and then the means.
-using Steps = std::array<Halves, kMaxExtent / 2>;
+using Steps = pixels::Scratch<Halves>;
 constexpr int stepsOf(int width) { return width / 2; }
 
 // Added to changes, which may be negative.
@@ -38,7 +40,7 @@ constexpr Bgra between(Bgra a, Bgra b)
 }
 
 // Pixels come and go as they were. One that was averaged goes as it was, and its mean comes in its place.
-void sumChanges(const Bgra* row, int width, int radius, Steps& steps, std::size_t half)
+void sumChanges(const Bgra* row, int width, int radius, const Steps& steps, std::size_t half)
 {
     for (int step = 0; step < stepsOf(width); ++step) {
         const int x = 2 * step;
@@ -84,7 +86,7 @@ struct RowSums {
 };
 
 // Changes become means.
-void averageSteps(Steps& steps, RowSums sums, int width, int radius)
+void averageSteps(const Steps& steps, RowSums sums, int width, int radius)
 {
     constexpr auto kBiases = [] {
         Halves halves{};
@@ -124,15 +126,17 @@ void storeMeans(const Steps& steps, std::size_t half, const Bgra* from, Bgra* to
 HalfStepBlur::HalfStepBlur(pixels::ConstView src, pixels::View temporary, int radius)
     : src_(src),
       temporary_(temporary),
-      radius_(radius)
+      radius_(radius),
+      nothing_(src.width())
 {
+    std::ranges::fill(nothing_, Bgra{});
 }
 
 void HalfStepBlur::averageAlong()
 {
     const int width = src_.width();
     rows::anyOrderRuns(src_.extent(), [&](int top, int end) {
-        Steps steps;
+        const Steps steps(stepsOf(width));
         for (int first = top; first < end; first += kTogether) {
             const int count = std::min(kTogether, end - first);
             RowSums sums;
@@ -154,7 +158,7 @@ void HalfStepBlur::averageAlong()
     });
 }
 
-void HalfStepBlur::startSums(int y, Sums& sums) const
+void HalfStepBlur::startSums(int y, const Sums& sums) const
 {
     const int bytes = 4 * src_.width();
     std::fill_n(sums.begin(), bytes, 0);
@@ -167,12 +171,11 @@ void HalfStepBlur::startSums(int y, Sums& sums) const
     }
 }
 
-void HalfStepBlur::slideSums(int y, Sums& sums) const
+void HalfStepBlur::slideSums(int y, const Sums& sums) const
 {
-    static constexpr std::array<Bgra, kMaxExtent> kNothing{};
     const auto row = [&](int at) {
         const bool inside = at >= 0 && at < src_.height();
-        return reinterpret_cast<const u8*>(inside ? temporary_.row(at).data() : kNothing.data());
+        return reinterpret_cast<const u8*>(inside ? temporary_.row(at).data() : nothing_.data());
     };
     pixels::widest([=, bytes = 4 * src_.width(), sum = sums.data(), leave1 = row(y - radius_),
                        leave2 = row(y - radius_ + 1), enter1 = row(y + radius_ + 1),

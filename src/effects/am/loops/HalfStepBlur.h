@@ -1,8 +1,8 @@
 // A box blur that averages every other column and every other row.
 #pragma once
 
-#include "effects/am/loops/rowPasses.h"
-#include "pixels/View.h"
+#include "pixels/Scratch.h"
+#include "pixels/rows.h"
 
 namespace KEXSDK::am {
 
@@ -27,20 +27,21 @@ public:
     }
 
 private:
-    using Sums = std::array<i32, kMaxExtent * 4>;
+    using Sums = pixels::Scratch<i32>; ///< of every byte of a row
 
     void averageAlong();
     void averageAcross(int top, int end, auto& take) const;
     /// The sums over the rows around row y.
-    void startSums(int y, Sums& sums) const;
+    void startSums(int y, const Sums& sums) const;
     /// From the rows around y to those around y + 2.
-    void slideSums(int y, Sums& sums) const;
+    void slideSums(int y, const Sums& sums) const;
     void meanRow(int y, const Sums& sums, pixels::Bgra* to) const;
     void betweenRows(const pixels::Bgra* a, const pixels::Bgra* b, pixels::Bgra* to) const;
 
     pixels::ConstView src_;
     pixels::View temporary_;
     int radius_;
+    pixels::Scratch<pixels::Bgra> nothing_; ///< zeros: a row beyond the picture
 };
 
 // Rows [top, end); top is even.
@@ -48,12 +49,13 @@ void HalfStepBlur::averageAcross(int top, int end, auto& take) const
 {
     const int width = src_.width();
     const int height = src_.height();
-    Sums sums;
+    const Sums sums(width * 4);
     startSums(top, sums);
-    std::array<SpareRow, 3> spare;
-    pixels::View even = spare[0].view(width);
-    pixels::View next = spare[1].view(width);
-    const pixels::View odd = spare[2].view(width);
+    const pixels::Scratch<pixels::Bgra> spare(width * 3);
+    const pixels::View spareRows(reinterpret_cast<u8*>(spare.data()), {width, 3});
+    pixels::View even = spareRows.rows(0, 1);
+    pixels::View next = spareRows.rows(1, 2);
+    const pixels::View odd = spareRows.rows(2, 3);
     meanRow(top, sums, even.row(0).data());
     for (int y = top; y < end; y += 2) {
         const bool hasNext = y + 2 < height;
