@@ -2,12 +2,16 @@
 #include "effects/transitions/families.h"
 
 #include <cmath>
+#include <limits>
 
 namespace transitions {
 
 namespace {
 
 constexpr double kPi = std::numbers::pi;
+
+static_assert(
+    pixels::kLargestSide <= std::numeric_limits<i16>::max(), "tables of columns and rows hold 16 bits");
 
 // The centre of the block around a position; the last column and row of a picture are never asked for.
 int blockCentre(int position, int block, int side)
@@ -20,7 +24,10 @@ void spreadBlocks(const Bgra* row, Bgra* out, int width, int block)
 {
     for (int x = 0; x < width; x += block) {
         const Bgra centre = row[blockCentre(x, block, width)];
-        std::fill(out + x, out + std::min(x + block, width), centre);
+        const int end = std::min(x + block, width);
+#pragma GCC ivdep
+        for (int i = x; i < end; ++i)
+            pixels::store(out + i, centre);
     }
 }
 
@@ -155,24 +162,30 @@ void twrl(const Canvas& c, const Progress& p)
         const int j = line.v - (c.height >> 1);
         const int alongColumns = int(j * sine + c.width / 2);
         const int alongRows = int(j * cosine);
-        const Scratch<int> turnedColumns(line.width);
-        const Scratch<int> turnedRows(line.width);
+        const Scratch<u16> turnedColumns(line.width);
+        const Scratch<u16> turnedRows(line.width);
 #pragma GCC ivdep
         for (int x = 0; x < line.width; ++x) {
             // No larger than a few picture sides.
             const int i = x - (line.width >> 1);
             const int column = int(i * cosine + alongColumns);
             const int row = int(alongRows - i * sine + c.height / 2);
-            turnedColumns[std::size_t(x)] = std::clamp(column, 0, line.width - 1);
-            turnedRows[std::size_t(x)] = std::clamp(row, 0, c.height - 1);
+            turnedColumns[std::size_t(x)] = u16(std::clamp(column, 0, line.width - 1));
+            turnedRows[std::size_t(x)] = u16(std::clamp(row, 0, c.height - 1));
         }
+        // Stores of pixels might change what a lambda holds, for all that the compiler knows: not these
+        // copies.
+        const i16* const columnAt = sourceColumns;
+        const i16* const rowAt = sourceRows;
+        const pixels::ConstView shown = picture;
+        Bgra* const to = line.dst;
         for (int x = 0; x < line.width; ++x) {
-            const int column = sourceColumns[turnedColumns[std::size_t(x)]];
-            const int row = sourceRows[turnedRows[std::size_t(x)]];
+            const int column = columnAt[turnedColumns[std::size_t(x)]];
+            const int row = rowAt[turnedRows[std::size_t(x)]];
             if (column >= 0 && row >= 0)
-                line.dst[x] = picture.pictureRow(row)[std::size_t(column)];
+                to[x] = shown.pictureRow(row)[std::size_t(column)];
             else
-                line.dst[x] = {0, 0, 0, line.dst[x].a};
+                to[x] = {0, 0, 0, to[x].a};
         }
     });
 }

@@ -101,13 +101,16 @@ template <class SineCosineOf> void drawRing(const Canvas& c, const Ring& ring, S
         const Scratch<Bgra> from(line.width);
         const Scratch<Bgra> to(line.width);
         const Scratch<int> weightAt(line.width);
+        const pixels::ConstView fromPicture = c.from;
+        const pixels::ConstView toPicture = c.to;
 #pragma GCC ivdep
         for (int x = first; x < last; ++x) {
             const std::size_t dx = std::size_t(std::abs(x - cx));
             const int column = std::clamp(x < cx ? x - moves[dx] : x + moves[dx], 0, line.width - 1);
-            const int row = std::clamp(dy < 0 ? line.v - moves[dx] : line.v + moves[dx], 0, c.height - 1);
-            from[std::size_t(x)] = c.from.pictureRow(row)[std::size_t(column)];
-            to[std::size_t(x)] = c.to.pictureRow(row)[std::size_t(column)];
+            const int row =
+                std::clamp(dy < 0 ? line.v - moves[dx] : line.v + moves[dx], 0, toPicture.height() - 1);
+            from[std::size_t(x)] = fromPicture.pictureRow(row)[std::size_t(column)];
+            to[std::size_t(x)] = toPicture.pictureRow(row)[std::size_t(column)];
             weightAt[std::size_t(x)] = weights[dx];
         }
         line.copy(line.from, 0, first);

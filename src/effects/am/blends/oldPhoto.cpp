@@ -59,19 +59,19 @@ inline void blurBytes(Neighbours from, u8* to, int count, Weights weight)
 void blurRows(pixels::ConstView src, pixels::View dst)
 {
     constexpr std::size_t kSide = std::size_t(kReach) * 4;
-    const std::size_t bytes = src.row(0).size_bytes();
     pixels::rows::anyOrderRuns(src.extent(), [&](int top, int end) {
-        const pixels::Scratch<u8> lengthened(bytes + 2 * kSide);
-        pixels::widest([=, row = lengthened.data(), weight = weights()] {
+        pixels::widest([=, weight = weights()] {
+            const std::size_t bytes = src.row(0).size_bytes();
+            const pixels::Scratch<u8> row(bytes + 2 * kSide);
             Neighbours neighbours;
             for (std::size_t i = 0; i < neighbours.size(); ++i)
-                neighbours[i] = row + 4 * i;
+                neighbours[i] = row.data() + 4 * i;
             for (int y = top; y < end; ++y) {
                 const Bgra* const from = src.row(y).data();
-                std::memcpy(row + kSide, from, bytes);
+                std::memcpy(row.data() + kSide, from, bytes);
                 for (std::size_t side = 0; side < kSide; side += 4) {
-                    std::memcpy(row + side, from, 4);
-                    std::memcpy(row + kSide + bytes + side, from + src.width() - 1, 4);
+                    std::memcpy(row.data() + side, from, 4);
+                    std::memcpy(row.data() + kSide + bytes + side, from + src.width() - 1, 4);
                 }
                 blurBytes(neighbours, reinterpret_cast<u8*>(dst.row(y).data()), int(bytes), weight);
             }
@@ -112,20 +112,19 @@ i32 oldPhoto(const Frame& f)
     const pixels::View half(static_cast<u8*>(f.block.scratchC), size, stride);
     blurRows(f.src, half);
     pixels::rows::anyOrderRuns(size, [&](int top, int end) {
-        const pixels::Scratch<Bgra> row(size.width);
-        pixels::widest(
-            [=, sharp = f.src, second = f.second, dst = f.dst, blurred = row.data(), weight = weights()] {
-                const int w = dst.width();
-                for (int y = top; y < end; ++y) {
-                    blurColumns(half, y, weight, reinterpret_cast<u8*>(blurred));
-                    const Bgra* const from = sharp.row(y).data();
-                    const Bgra* const texture = second.row(y).data();
-                    Bgra* const to = dst.row(y).data();
+        pixels::widest([=, sharp = f.src, second = f.second, dst = f.dst, weight = weights()] {
+            const int w = dst.width();
+            const pixels::Scratch<Bgra> blurred(w);
+            for (int y = top; y < end; ++y) {
+                blurColumns(half, y, weight, reinterpret_cast<u8*>(blurred.data()));
+                const Bgra* const from = sharp.row(y).data();
+                const Bgra* const texture = second.row(y).data();
+                Bgra* const to = dst.row(y).data();
 #pragma GCC ivdep
-                    for (int x = 0; x < w; ++x)
-                        store(to + x, printed(load(blurred + x), load(from + x), load(texture + x)));
-                }
-            });
+                for (int x = 0; x < w; ++x)
+                    store(to + x, printed(load(blurred.data() + x), load(from + x), load(texture + x)));
+            }
+        });
     });
     return kAmOk;
 }
