@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr unsigned kLargestSide = 4096;
+constexpr unsigned kLargestSide = EFFECTENGINE_LARGEST_SIDE;
 constexpr std::array kWritable{".png", ".jpg", ".jpeg", ".bmp", ".tga"};
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
@@ -158,7 +158,8 @@ PictureSize parseSize(const std::string& text)
         if (height.ec == std::errc() && height.ptr == end && inRange(size.width) && inRange(size.height))
             return size;
     }
-    throw ToolError(ExitCode::usage, "--size takes WIDTHxHEIGHT, 1 to 4096 each, not \"" + text + "\"");
+    throw ToolError(ExitCode::usage,
+        "--size takes WIDTHxHEIGHT, 1 to " + std::to_string(kLargestSide) + " each, not \"" + text + "\"");
 }
 
 PictureSize fitted(PictureSize size)

@@ -4,11 +4,11 @@
  * the last node; release filters, then images; UninitializeEngine.
  *
  * Pixels are 4 bytes in memory order blue, green, red, alpha. Rows are packed (width x 4 bytes); the first
- * row in memory is the bottom row of the picture. Widths and heights lie in 1..4096.
+ * row in memory is the bottom row of the picture. Widths and heights lie in 1..EFFECTENGINE_LARGEST_SIDE.
  *
  * One thread at a time works on a graph of filters and its images; nothing is locked. Every function
  * returns when its work is complete, and none throws. Unless said otherwise an output argument is written
- * only on success.
+ * only on success. Threads that call need a stack of 128 KiB at least.
  */
 #ifndef EFFECTENGINE_EFFECTENGINE_H
 #define EFFECTENGINE_EFFECTENGINE_H
@@ -44,6 +44,9 @@ enum {
     EFFECTENGINE_INIT_FAILED = 3,  /* InitializeEngine only */
     EFFECTENGINE_ALREADY_INITIALIZED = 4 /* InitializeEngine only */
 };
+
+/* The largest width and height of images and filters, in pixels. */
+enum { EFFECTENGINE_LARGEST_SIDE = 4096 };
 
 /* ---- Engine ---- */
 

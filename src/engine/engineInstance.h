@@ -1,12 +1,16 @@
 // What the exported functions share: the engine pointer and the size limit.
 #pragma once
 
-#include "core/Types.h"
+#include "EffectEngine/EffectEngine.h"
+#include "pixels/View.h"
 
 class CEffectEngine;
 
 /// Null while the engine does not exist.
 CEffectEngine* engineInstance();
 
-/// 1..4096; negative numbers passed as int fail too.
-constexpr bool sizeInRange(u32 value) { return value - 1 <= 4095; }
+static_assert(
+    EFFECTENGINE_LARGEST_SIDE == pixels::kLargestSide, "what hosts are told is what pictures may be");
+
+/// 1..kLargestSide; negative numbers passed as int fail too.
+constexpr bool sizeInRange(u32 value) { return value - 1 < u32(pixels::kLargestSide); }

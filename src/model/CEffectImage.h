@@ -11,7 +11,7 @@ namespace KEXSDK {
 /// A handle around a pixel record. Nothing is locked; one thread uses an image at a time.
 class CEffectImage {
 public:
-    /// @param width, height   pixels, 1..4096 (checked by the exported functions)
+    /// @param width, height   pixels, 1..pixels::kLargestSide (checked by the exported functions)
     /// @param flipOnUnlock    1 for pictures from files: UnlockImageData then reverses the rows
     /// @param externalPixels  caller-owned buffer of width x height x 4 bytes that outlives the image, or
     ///                        null for a zeroed buffer of the image's own

@@ -20,7 +20,7 @@ inline constexpr auto kTotalTime =
 /// outlive its evaluations. One thread evaluates a graph at a time.
 class CSimpleEffect : public CEffectBaseParam {
 public:
-    /// @param width, height  working size in pixels, 1..4096, fixed for the node's life
+    /// @param width, height  working size in pixels, 1..pixels::kLargestSide, fixed for the node's life
     CSimpleEffect(u32 width, u32 height);
     ~CSimpleEffect() override;
 

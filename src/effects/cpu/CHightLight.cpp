@@ -9,7 +9,7 @@
 namespace KEXSDK {
 namespace {
 
-constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, 4096},
+constexpr auto kMouse = ArrayParam<float>{"iMouse", {320, 240}, 2, {0, pixels::kLargestSide},
     "centre of the spot: column, row from the bottom", "pixels"}
                             .titled("Centre");
 constexpr auto kColor =

@@ -21,7 +21,7 @@ constexpr auto kSharpen = Param<float>{"sharpen", 0, {0, 100}, "sharpness of edg
 constexpr auto kColorEnable = Param<int>{"LightRoomColorEnable", 1, {0, 1}, "run the colour steps"}
                                   .titled("Colour Steps")
                                   .choosing("0 off, 1 on");
-constexpr auto kResolution = ArrayParam<float>{"u_resolution", {640, 480}, 2, {1, 4096},
+constexpr auto kResolution = ArrayParam<float>{"u_resolution", {640, 480}, 2, {1, pixels::kLargestSide},
     "size of the picture, for the vignette on the GPU", "pixels"}
                                  .titled("Picture Size");
 

@@ -17,7 +17,7 @@ inline constexpr KEXSDK::Param<float> kRotate =
 inline constexpr auto kScale = KEXSDK::ArrayParam<float>{"stScale", {1, 1}, 2, {-4, 4},
     "enlarges the picture about its middle, across and down"}
                                    .titled("Picture Scale");
-inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2, {-4096, 4096},
+inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2, {-pixels::kLargestSide, pixels::kLargestSide},
     "moves the picture right and down", "pixels"}
                                        .titled("Picture Shift");
 inline constexpr KEXSDK::Param<float> kFrameRate =

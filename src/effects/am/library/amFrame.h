@@ -10,7 +10,7 @@
 namespace KEXSDK::am {
 
 /// Pixels of a side: twice the engine's largest picture. Within this the effects' integers do not overflow.
-inline constexpr i32 kMaxExtent = 8192;
+inline constexpr i32 kMaxExtent = 2 * pixels::kLargestSide;
 
 /// One picture on its way through one effect.
 struct Frame {
