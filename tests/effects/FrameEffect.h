@@ -64,24 +64,6 @@ protected:
         return std::ranges::equal(out, frame_->bytes());
     }
 
-    /// Some frames of noise, through the node's own image and in place: the output must be the same.
-    template <class Set> void expectSameInPlace(const char* guid, int width, int height, Set set)
-    {
-        host::Filter& apart = open(guid, width, height);
-        host::Filter inPlace(guid, width, height);
-        GuardedFrame both(width, height);
-        SetInputImage(inPlace.handle(), both.image(), 0);
-        set(apart);
-        set(inPlace);
-        for (unsigned seed = 0; seed < 4; ++seed) {
-            frame_->fillWithNoise(seed);
-            both.fillWithNoise(seed);
-            const auto out = host::bytesOf(apart.run());
-            ASSERT_EQ(DoFilterEx(inPlace.handle(), both.image()), 0u);
-            ASSERT_TRUE(std::ranges::equal(out, both.bytes())) << guid << ", frame " << seed;
-        }
-    }
-
 private:
     std::optional<GuardedFrame> frame_;
     std::optional<host::Filter> filter_;

@@ -104,13 +104,6 @@ TEST_F(Blur, GlowTakesItsSizeFromBlur)
     EXPECT_EQ(size, 10);
 }
 
-TEST_F(Blur, ChainsInOneImageLookTheSame)
-{
-    expectSameInPlace(kBlur, 70, 40, [](auto& f) { f.set("Size", 20); });
-    expectSameInPlace(kBlur, 70, 40, [](auto& f) { f.set("Size", 900); });
-    expectSameInPlace(kGlow, 70, 40, [](auto&) {});
-}
-
 TEST_F(Blur, TriangleBlurWithoutAGpuLeavesThePicture)
 {
     openPlaces(kTriangleBlur, 33, 17);

@@ -252,15 +252,4 @@ TEST_F(Distortion, WithoutMemoryTheWaterIsStill)
     }
 }
 
-TEST_F(Distortion, ChainsInOneImageLookTheSame)
-{
-    expectSameInPlace(kFishEye, 70, 40, [](auto&) {});
-    expectSameInPlace(kDistort, 70, 43, [](auto&) {});
-    expectSameInPlace(kTvWall, 70, 40, [](auto&) {});
-    expectSameInPlace(kRibbon, 70, 40, [](auto&) {});
-    expectSameInPlace(kRainDrop, 70, 40, [](auto& f) { f.set("Desity", 100); });
-    expectSameInPlace(kWaterRipple, 70, 40, [](auto&) {});
-    expectSameInPlace(kWaterSuffer, 70, 40, [](auto&) {});
-}
-
 } // namespace

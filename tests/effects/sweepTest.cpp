@@ -1,5 +1,5 @@
 // One sweep over everything registered: odd sizes, parameters at their ends and beyond, guard bytes, and the
-// promise that threads and vector width never show in the bytes.
+// promises that neither threads nor vector width show in the bytes, nor that an input is the output, too.
 #include "core/Clock.h"
 #include "effects/am/looks/brokenTelevision.h"
 #include "engine/effectList.h"
@@ -8,6 +8,7 @@
 #include "pixels/WaterSurface.h"
 #include "pixels/widest.h"
 #include "support/EngineFixture.h"
+#include "support/FilesInMemory.h"
 #include "support/GuardedFrame.h"
 #include "support/allocationCount.h"
 
@@ -15,6 +16,7 @@
 
 #include <limits>
 #include <memory>
+#include <random>
 
 namespace {
 
@@ -24,6 +26,16 @@ using KEXSDK::ParamType;
 
 class Sweep : public test::EngineWithoutGpu {
 protected:
+    // Hides the fixture's: overlays and textures are there.
+    static void SetUpTestSuite()
+    {
+        test::useFilesInMemory();
+        std::mt19937 random(7);
+        test::files.others.resize(1009);
+        for (pixels::Bgra& p : test::files.others)
+            p = {u8(random()), u8(random()), u8(random()), u8(random())};
+        ASSERT_EQ(InitializeEngine("./", nullptr), 0u);
+    }
     void SetUp() override { core::pinTime(1'700'000'000); }
     void TearDown() override { core::pinTime(std::nullopt); }
 };
@@ -43,9 +55,17 @@ struct Frames {
 // Haze removal works on the host's own picture, which comes back without its haze.
 bool mayChangeItsInput(const EffectInfo& effect) { return effect.name == "light-room"; }
 
+// The image that frames are drawn into: an empty one, one that holds the bytes of an input, or that input
+// itself.
+struct Target {
+    enum class Kind { empty, copyOfInput, input } kind = Kind::empty;
+    u32 input = 0;
+};
+
 // Some frames of a fresh node into guarded memory; the bytes of the last one.
 template <class Prepare>
-std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2)
+std::vector<u8> render(
+    const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2, Target target = {})
 {
     // These are shared by all nodes, of the thread and of the process.
     pixels::threadRandom().seed(1);
@@ -58,16 +78,46 @@ std::vector<u8> render(const EffectInfo& effect, int width, int height, Prepare 
         before.push_back(frames.inputs[i]->bytes());
         SetInputImage(filter.handle(), frames.inputs[i]->image(), i);
     }
+    const bool inPlace = target.kind == Target::Kind::input;
+    test::GuardedFrame& output = inPlace ? *frames.inputs[target.input] : frames.output;
     prepare(filter);
     for (int frame = 0; frame < frameCount; ++frame) {
         filter.set(kEffectCurrentTime, 1.5f + float(frame) * 0.25f);
-        EXPECT_EQ(DoFilterEx(filter.handle(), frames.output.image()), 0u);
+        if (target.kind != Target::Kind::empty)
+            std::ranges::copy(before[target.input], output.pixels());
+        EXPECT_EQ(DoFilterEx(filter.handle(), output.image()), 0u);
     }
-    EXPECT_TRUE(frames.output.guardsIntact());
+    EXPECT_TRUE(output.guardsIntact());
     for (u32 i = 0; i < effect.inputs; ++i)
-        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes() || mayChangeItsInput(effect))
+        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes() || mayChangeItsInput(effect)
+            || (inPlace && i == target.input))
             << "input " << i << " was written";
-    return frames.output.bytes();
+    return output.bytes();
+}
+
+// What an effect draws when an input is the output, too, is what it draws into another image.
+template <class Prepare>
+bool looksTheSameInPlace(
+    const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount, u32 input = 0)
+{
+    const auto drawn = [&](Target::Kind kind) {
+        return render(effect, width, height, prepare, frameCount, {kind, input});
+    };
+    return drawn(Target::Kind::copyOfInput) == drawn(Target::Kind::input);
+}
+
+// Effects to which that does not apply.
+struct Exception {
+    std::string_view name;
+    std::string_view reason;
+};
+constexpr Exception kChangedInPlace[] = {
+    {"light-room", "in one image only its steps after the colours run"},
+};
+
+bool mayChangeInPlace(const EffectInfo& effect)
+{
+    return std::ranges::find(kChangedInPlace, effect.name, &Exception::name) != std::end(kChangedInPlace);
 }
 
 constexpr pixels::Extent kSizes[] = {{1, 1}, {1, 9}, {2, 3}, {7, 5}, {33, 17}, {64, 48}};
@@ -160,6 +210,44 @@ TEST_F(Sweep, ThreadsAndVectorsNeverShowInTheBytes)
         EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx2)) << effect.name;
         EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx512)) << effect.name;
         EXPECT_TRUE(plain == run(4, pixels::VectorLevel::avx512)) << effect.name;
+    }
+}
+
+TEST_F(Sweep, ChainsInOneImageLookTheSame)
+{
+    constexpr int kWidth = 333;
+    constexpr int kHeight = 211; // enough for walks to start in two places, which they do not in place
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu)
+            continue;
+        SCOPED_TRACE(effect.name);
+        const auto params = describeParameters(effect.guid);
+        const auto examples = [&](host::Filter& filter) {
+            host::setExampleValues(filter, params, kWidth, kHeight);
+        };
+        for (u32 input = 0; input < effect.inputs; ++input)
+            EXPECT_NE(
+                looksTheSameInPlace(effect, kWidth, kHeight, examples, 2, input), mayChangeInPlace(effect))
+                << "input " << input;
+    }
+}
+
+TEST_F(Sweep, ParametersAtTheirEndsLookTheSameInOneImage)
+{
+    for (const EffectInfo& effect : listEffects()) {
+        if (effect.needsGpu || mayChangeInPlace(effect))
+            continue;
+        const auto params = describeParameters(effect.guid);
+        for (const ParamInfo* param : params) {
+            for (const double value : extremes(*param)) {
+                const auto prepare = [&](host::Filter& filter) {
+                    host::setExampleValues(filter, params, 33, 17);
+                    store(filter, *param, value);
+                };
+                EXPECT_TRUE(looksTheSameInPlace(effect, 33, 17, prepare, 1))
+                    << effect.name << ", " << param->name << " = " << value;
+            }
+        }
     }
 }
 

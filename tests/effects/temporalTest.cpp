@@ -259,15 +259,4 @@ TEST_F(Temporal, RingsNeedEveryOneOfTheirParameters)
     EXPECT_TRUE(guardsIntact());
 }
 
-TEST_F(Temporal, ChainsInOneImageLookTheSame)
-{
-    for (const char* guid : {kBaltan, kTehRoxx, kVertigo})
-        expectSameInPlace(guid, 70, 43, [](auto&) {});
-    expectSameInPlace(kRings, 200, 100, setRings);
-    expectSameInPlace(kDelayGrab, 70, 43, [](auto& f) {
-        f.set("Mode", 4);
-        f.set("BlockSize", 3);
-    });
-}
-
 } // namespace

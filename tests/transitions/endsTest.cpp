@@ -152,15 +152,17 @@ TEST_F(EveryTransition, StaysInsideItsBuffersAtAnySizeAndTime)
 TEST_F(EveryTransition, MayDrawIntoEitherOfItsInputs)
 {
     for (const KEXSDK::EffectInfo& info : transitionInfos()) {
-        for (const bool intoFrom : {true, false}) {
-            openNoise(info.name, 333, 301);
-            test::GuardedFrame& shared = intoFrom ? fromFrame() : toFrame();
-            std::ranges::copy(shared.bytes(), outFrame().pixels());
-            pixels::threadRandom().seed(1);
-            show(0.8f, 2);
-            pixels::threadRandom().seed(1);
-            EXPECT_EQ(DoFilterEx(filter().handle(), shared.image()), 0u);
-            EXPECT_TRUE(outFrame().bytes() == shared.bytes()) << info.name;
+        for (const float time : {0.0f, 0.3f, 0.8f, 1.1f, 1.6f, 2.0f}) {
+            for (const bool intoFrom : {true, false}) {
+                openNoise(info.name, 333, 101);
+                test::GuardedFrame& shared = intoFrom ? fromFrame() : toFrame();
+                std::ranges::copy(shared.bytes(), outFrame().pixels());
+                pixels::threadRandom().seed(1);
+                show(time, 2);
+                pixels::threadRandom().seed(1);
+                EXPECT_EQ(DoFilterEx(filter().handle(), shared.image()), 0u);
+                EXPECT_TRUE(outFrame().bytes() == shared.bytes()) << info.name << " at " << time;
+            }
         }
     }
 }
