@@ -4,8 +4,9 @@
 #include "pixels/Buffer.h"
 
 #include <algorithm>
+#include <array>
 #include <new>
-#include <vector>
+#include <utility>
 
 namespace pixels::detail {
 
@@ -20,44 +21,54 @@ constexpr std::size_t rounded(std::size_t bytes)
     return (bytes + kAlignment - 1) / kAlignment * kAlignment;
 }
 
+// The block that is being filled. It needs neither construction nor destruction, so to reach it costs next to
+// nothing.
+struct Filling {
+    std::byte* begin;
+    std::byte* top;
+    std::byte* end;
+    bool first; ///< no block was filled before it
+};
+constinit thread_local Filling filling{nullptr, nullptr, nullptr, true};
+
+// All blocks of a thread: full ones, the one that is being filled, empty ones.
 class Arena {
 public:
-    void* take(std::size_t bytes)
+    /// Begins a block with room for `bytes`. The blocks behind the current one are empty: one that is too
+    /// small is replaced.
+    void makeRoom(std::size_t bytes)
     {
-        if (blocks_.empty() || blocks_[current_].used + bytes > blocks_[current_].memory.size())
-            makeRoom(bytes);
-        Held& block = blocks_[current_];
-        void* const place = block.memory.data() + block.used;
-        block.used += bytes;
-        return place;
+        const bool unused = filling.top == filling.begin;
+        const std::size_t next = unused ? current_ : current_ + 1;
+        if (next == blocks_.size())
+            throw std::bad_alloc();
+        Held& block = blocks_[next];
+        if (block.memory.size() < bytes && !block.memory.allocate(std::max(bytes, kFirstBlock << next))) {
+            if (unused)
+                fill(next, 0);
+            throw std::bad_alloc();
+        }
+        if (!unused)
+            blocks_[current_].used = std::size_t(filling.top - filling.begin);
+        fill(next, 0);
     }
-
-    void give(std::size_t bytes) noexcept
-    {
-        blocks_[current_].used -= bytes;
-        while (current_ > 0 && blocks_[current_].used == 0)
-            --current_;
-    }
+    /// Goes back to the block before the one that has become empty.
+    void leave() noexcept { fill(current_ - 1, blocks_[current_ - 1].used); }
 
 private:
     struct Held {
         Buffer<std::byte> memory;
-        std::size_t used = 0;
+        std::size_t used = 0; ///< as long as a later one is being filled
     };
 
-    // The blocks behind the current one are empty: one that is too small is replaced.
-    void makeRoom(std::size_t bytes)
+    void fill(std::size_t block, std::size_t used) noexcept
     {
-        const std::size_t next = blocks_.empty() || blocks_[current_].used == 0 ? current_ : current_ + 1;
-        if (next == blocks_.size())
-            blocks_.emplace_back();
-        Held& block = blocks_[next];
-        if (block.memory.size() < bytes && !block.memory.allocate(std::max(bytes, kFirstBlock << next)))
-            throw std::bad_alloc();
-        current_ = next;
+        std::byte* const begin = blocks_[block].memory.data();
+        filling = {begin, begin + used, begin + blocks_[block].memory.size(), block == 0};
+        current_ = block;
     }
 
-    std::vector<Held> blocks_;
+    std::array<Held, 24> blocks_; ///< each at least twice as large as the one before
     std::size_t current_ = 0;
 };
 
@@ -65,8 +76,19 @@ thread_local Arena arena;
 
 } // namespace
 
-void* takeScratch(std::size_t bytes) { return arena.take(rounded(bytes)); }
+void* takeScratch(std::size_t bytes)
+{
+    bytes = rounded(bytes);
+    if (std::size_t(filling.end - filling.top) < bytes)
+        arena.makeRoom(bytes);
+    return std::exchange(filling.top, filling.top + bytes);
+}
 
-void giveScratch(std::size_t bytes) noexcept { arena.give(rounded(bytes)); }
+void giveScratch(std::size_t bytes) noexcept
+{
+    filling.top -= rounded(bytes);
+    if (filling.top == filling.begin && !filling.first)
+        arena.leave();
+}
 
 } // namespace pixels::detail
