@@ -1,7 +1,7 @@
 // The row loops of every effect, named by what they promise about order.
 #pragma once
 
-#include "pixels/Handover.h"
+#include "pixels/SanitizerHandover.h"
 #include "pixels/View.h"
 #include "pixels/widest.h"
 
@@ -25,8 +25,8 @@ namespace detail {
 // A loop's work, on the stack of the thread that asked for it; the tasks hold its address.
 template <class Fn> struct RowWork {
     Fn& fn;
-    Handover started{};
-    Handover finished{};
+    SanitizerHandover started{};
+    SanitizerHandover finished{};
 
     void run(int first, int last)
     {

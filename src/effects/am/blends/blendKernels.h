@@ -78,18 +78,18 @@ template <auto kBlend> i32 asTable(const Frame& f)
     return eachPair<blended<kBlend>>(f);
 }
 
-/// What an effect keeps of its block in scratch C: Kept(block) of the last run that found one of `marks`, or
-/// a new buffer. Any bytes must make a usable Kept, for the buffer may come from another effect.
+/// What an effect derives from its block, cached in scratch C: Value(block) of the last run that found one of
+/// `marks`, or a new buffer. Any bytes must make a usable Value, for the buffer may come from another effect.
 /// @param cleared  bits that the run has acted on
 /// @return null when there was no memory
-template <class Kept> const Kept* kept(AmEffectParams& block, u32 marks, u32 cleared)
+template <class Value> const Value* cached(AmEffectParams& block, u32 marks, u32 cleared)
 {
-    if (!ensureScratchC(block, sizeof(Kept), marks | cleared))
+    if (!ensureScratchC(block, sizeof(Value), marks | cleared))
         return nullptr;
     if (block.dirty & marks)
-        new (block.scratchC) Kept(block);
+        new (block.scratchC) Value(block);
     block.dirty &= ~cleared;
-    return static_cast<const Kept*>(block.scratchC);
+    return static_cast<const Value*>(block.scratchC);
 }
 
 } // namespace KEXSDK::am

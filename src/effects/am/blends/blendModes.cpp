@@ -68,14 +68,14 @@ template <auto kBlend> i32 withFaded(const Frame& f, const Fade* fade)
 // The fade's mark is never cleared, so the fade follows the percentage.
 i32 hardLightWithFade(const Frame& f)
 {
-    return withFaded<hardLight>(f, kept<Fade>(f.block, kAmDirtyTable2, kAmDirtyTable));
+    return withFaded<hardLight>(f, cached<Fade>(f.block, kAmDirtyTable2, kAmDirtyTable));
 }
 
 // Keeps the percentage of its first run until the picture's size changes.
 i32 linearBurnWithFade(const Frame& f)
 {
     constexpr u32 kMarks = kAmDirtyTable | kAmDirtyTable2 | kAmDirtySize;
-    return withFaded<burnt>(f, kept<Fade>(f.block, kMarks, kMarks));
+    return withFaded<burnt>(f, cached<Fade>(f.block, kMarks, kMarks));
 }
 
 constexpr EffectRow kRows[] = {

@@ -48,7 +48,7 @@ struct ScreenColour {
 // Screens the picture, in 64 steps a channel, with a colour.
 template <auto kBlend> i32 screenedWithColour(const Frame& f)
 {
-    const ScreenColour* const found = kept<ScreenColour>(f.block, kAmDirtyTable, kAmDirtyTable);
+    const ScreenColour* const found = cached<ScreenColour>(f.block, kAmDirtyTable, kAmDirtyTable);
     if (!found)
         return kAmNoMemory;
     const ScreenColour colour = *found;

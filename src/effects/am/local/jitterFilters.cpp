@@ -2,8 +2,8 @@
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
+#include "effects/am/loops/carryThroughRows.h"
 #include "effects/am/loops/fetchColumns.h"
-#include "effects/am/loops/walkRows.h"
 #include "pixels/Random.h"
 #include "pixels/Scratch.h"
 
@@ -147,7 +147,7 @@ i32 jitter(const Frame& f)
     const int start = random.next() & (kOffsets - 1);
     const int width = f.dst.width();
     const auto at = [](int i) { return std::size_t(i) & (kOffsets - 1); };
-    walkRows(f, u32(start), [&](int y, u32 state) {
+    carryThroughRows(f, u32(start), [&](int y, u32 state) {
         const auto from = f.src.row(y);
         const auto to = f.dst.row(y);
         std::memcpy(to.data(), from.data(), from.size_bytes());

@@ -4,7 +4,7 @@
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amTables.h"
 #include "effects/am/looks/filmDamage.h"
-#include "effects/am/loops/walkRows.h"
+#include "effects/am/loops/carryThroughRows.h"
 #include "pixels/columns.h"
 #include "pixels/numbers.h"
 
@@ -94,7 +94,7 @@ i32 oldMovie(const Frame& f)
 {
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
     const GroupWalk walk(pixels::threadRandom(), [](int drawn) { return (drawn & 31) - 16; });
-    walkRows(f, walk.start(), [&](int y, u32 index) {
+    carryThroughRows(f, walk.start(), [&](int y, u32 index) {
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(row, row, f.dst.width(), index, [](Bgra p, int noise) -> Bgra {
             const auto s = std::size_t((p.b + p.r) >> 1);
@@ -108,7 +108,7 @@ i32 oldMovie(const Frame& f)
 i32 year1839(const Frame& f)
 {
     const GroupWalk walk(pixels::threadRandom(), [](int drawn) { return (drawn & 63) + 224; });
-    walkRows(f, walk.start(), [&](int y, u32 index) {
+    carryThroughRows(f, walk.start(), [&](int y, u32 index) {
         const Bgra* const from = f.src.row(y).data();
         return walk.walkRow(from, f.dst.row(y).data(), f.dst.width(), index, [](Bgra p, int factor) -> Bgra {
             const auto shade = std::size_t(k1839Luma[std::size_t(y4(p))] * factor >> 8);
@@ -154,7 +154,7 @@ i32 year1920(const Frame& f)
 {
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
     const NoiseWalk walk(unevenFactor, 0);
-    walkRows(f, 0, [&](int y, u32 place) {
+    carryThroughRows(f, 0, [&](int y, u32 place) {
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(
             f.dst.width(), place, [=](int x) { return u32(y4(row[x])); },
@@ -168,7 +168,7 @@ i32 siena(const Frame& f)
     const FilmDamage damage(f.dst.extent(), pixels::threadRandom());
     // The noise table holds zeros: without a step of its own the walk would end at the first one.
     const NoiseWalk walk([](u8 noise) { return noise; }, 1);
-    walkRows(f, 0, [&](int y, u32 place) {
+    carryThroughRows(f, 0, [&](int y, u32 place) {
         Bgra* const row = damagedRow(f, damage, y);
         return walk.walkRow(
             f.dst.width(), place, [=](int x) { return u32(kSiena.r[row[x].r]); },
