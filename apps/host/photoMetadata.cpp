@@ -2,7 +2,7 @@
 #include "host/photoMetadata.h"
 
 #include "host/exif.h"
-#include "pixels/rows.h"
+#include "pixels/sample.h"
 
 #include <zlib.h>
 
@@ -276,7 +276,7 @@ Turn turnOf(int orientation)
 void turnUpright(pixels::ConstView stored, int orientation, pixels::View upright)
 {
     const Turn turn = turnOf(orientation);
-    pixels::rows::fetch(stored, upright, [=](int x, int y) -> pixels::Point {
+    pixels::sample(stored, upright, [=](int x, int y) -> pixels::Point {
         int column = turn.mirrorsColumns ? upright.width() - 1 - x : x;
         int line = turn.mirrorsRows ? y : upright.height() - 1 - y; // from the top
         if (turn.swapsSides)

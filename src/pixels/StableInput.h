@@ -1,31 +1,42 @@
 // A source that keeps its pixels while the destination is written.
 #pragma once
 
-#include "pixels/Buffer.h"
+#include "pixels/Scratch.h"
 #include "pixels/rows.h"
+
+#include <new>
+#include <optional>
 
 namespace pixels {
 
-/// Effects that move pixels cannot work in place. Hosts that run a chain in one image make them: then, and
-/// only then, the source is copied into a buffer that lives with this object.
+/// Hosts that run a chain in one image make an effect's source its destination, where pixels that move would
+/// be overwritten before they are read. Then, and only then, this holds a copy of the source. A variable of a
+/// function, as Scratch is, whose memory it uses: steady frames allocate nothing.
 class StableInput {
 public:
-    /// src, or its copy when dst is the same memory. An empty view when there is no memory for the copy: dst
-    /// holds the source then, which is the picture to leave.
-    ConstView of(ConstView src, View dst)
+    /// The views are the same memory or do not overlap.
+    StableInput(ConstView src, View dst) : view_(src)
     {
         if (src.bytes() != dst.bytes())
-            return src;
-        const Extent size = src.extent();
-        if (!copy_.ensure(std::size_t(size.width) * size.height))
-            return {};
-        const View copy(reinterpret_cast<u8*>(copy_.data()), size);
+            return;
+        view_ = {};
+        try {
+            copy_.emplace(std::size_t(src.width()) * std::size_t(src.height()));
+        } catch (const std::bad_alloc&) {
+            return;
+        }
+        const View copy(reinterpret_cast<u8*>(copy_->data()), src.extent());
         rows::copy(src, copy);
-        return copy;
+        view_ = copy;
     }
 
+    /// src or its copy. Without bytes when there was no memory for a copy: dst holds the source then, which
+    /// is the picture to leave.
+    ConstView view() const { return view_; }
+
 private:
-    Buffer<Bgra> copy_;
+    std::optional<Scratch<Bgra>> copy_;
+    ConstView view_;
 };
 
 } // namespace pixels

@@ -1,7 +1,7 @@
 // One step of the waves, fused with the drawing: both read the same three rows of heights.
 #include "pixels/WaterSurface.h"
 
-#include "pixels/gather.h"
+#include "pixels/sample.h"
 
 #include <atomic>
 
@@ -15,7 +15,8 @@ std::atomic<int> framesToNextDrop = kFramesBetweenDrops;
 i32 wrapped(u32 x) { return i32(x); }
 
 // Row y, 0 < y < height - 1: dst takes refracted pixels, `next` the heights of the next step.
-void refractAndStepRow(const u8* src, u8* dst, const i32* current, i32* next, Extent size, int damping, int y)
+void refractAndStepRow(
+    ConstView src, Bgra* dst, const i32* current, i32* next, Extent size, int damping, int y)
 {
     const int w = size.width;
     const u32 pixelCount = u32(size.width) * u32(size.height);
@@ -24,15 +25,15 @@ void refractAndStepRow(const u8* src, u8* dst, const i32* current, i32* next, Ex
     const i32* const below = here - w;
     const i32* const above = here + w;
     i32* const to = next + start;
-#pragma GCC ivdep
-    for (int x = 1; x < w - 1; ++x) {
+    // Rays that leave a row go on in the one beside it: the picture is one long row.
+    const ConstView line(src.bytes(), {int(pixelCount), 1});
+    sampleRow(line, dst, 1, w - 1, [=](int x, auto at) {
         const u32 height = u32(here[x]);
         const i32 dx = wrapped(height - u32(here[x + 1])) >> 3;
         const i32 dy = wrapped(height - u32(above[x])) >> 3;
         const u32 index = u32(start + x) + u32(dx) + u32(w) * u32(dy);
-        const u32 word = wordAt(src, int(index < pixelCount ? index : u32(start + x)));
-        std::memcpy(dst + std::ptrdiff_t(start + x) * 4, &word, sizeof word);
-    }
+        return at({int(index < pixelCount ? index : u32(start + x)), 0});
+    });
 #pragma GCC ivdep
     for (int x = 1; x < w - 1; ++x) {
         const u32 around = u32(below[x - 1]) + u32(below[x]) + u32(below[x + 1]) + u32(here[x - 1])
@@ -63,7 +64,8 @@ bool WaterSurface::ready()
 
 void WaterSurface::renderAndStep(ConstView src, View dst)
 {
-    const ConstView from = stable_.of(src, dst);
+    const StableInput stable(src, dst);
+    const ConstView from = stable.view();
     if (!from.bytes())
         return;
     const i32* const current = heights(current_);
@@ -80,7 +82,7 @@ void WaterSurface::renderAndStep(ConstView src, View dst)
                 }
                 target.front() = source.front();
                 target.back() = source.back();
-                refractAndStepRow(from.bytes(), dst.bytes(), current, next, size_, damping_, y);
+                refractAndStepRow(from, target.data(), current, next, size_, damping_, y);
             }
         });
     });

@@ -1,7 +1,8 @@
 // Water on a picture: a height field whose waves run on from frame to frame and refract what lies below.
 #pragma once
 
-#include "pixels/StableInput.h"
+#include "pixels/Buffer.h"
+#include "pixels/rows.h"
 
 #include <array>
 
@@ -75,7 +76,6 @@ private:
     int damping_;
     int current_ = 0;
     Buffer<i32> fields_;
-    StableInput stable_;
 };
 
 } // namespace pixels

@@ -129,7 +129,7 @@ template <class Kernel> void map(ConstView src, View dst, int first, int last, K
     });
 }
 
-/// Whole rows.
+/// dst(x, y) = kernel(src(x, y)) for all columns.
 template <class Kernel> void map(ConstView src, View dst, Kernel kernel)
 {
     map(src, dst, 0, dst.width(), kernel);
@@ -147,19 +147,7 @@ template <class Kernel> void map2(ConstView first, ConstView second, View dst, K
     });
 }
 
-/// dst(x, y) = src(fn(x, y)): the kernel gives the source position, which must lie inside src.
-template <class Kernel> void fetch(ConstView src, View dst, Kernel kernel)
-{
-    anyOrder(dst.extent(), [&](int y) {
-        Bgra* const to = dst.row(y).data();
-        for (int x = 0; x < dst.width(); ++x) {
-            const Point from = kernel(x, y);
-            to[x] = src.at(from.x, from.y);
-        }
-    });
-}
-
-/// Columns [first, last) of src to dst; the views may be the same rows.
+/// Copies columns [first, last) of src to dst; the views may be the same rows.
 inline void copyColumns(ConstView src, View dst, int first, int last)
 {
     if (src.bytes() == dst.bytes() || last <= first)
@@ -169,7 +157,7 @@ inline void copyColumns(ConstView src, View dst, int first, int last)
     });
 }
 
-/// Whole rows of src to dst; the views may be the same rows.
+/// Copies src to dst; the views may be the same rows.
 inline void copy(ConstView src, View dst)
 {
     if (!src.packed() || !dst.packed())

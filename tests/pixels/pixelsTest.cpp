@@ -1,6 +1,7 @@
 // Numbers, tables and row loops that every effect stands on.
 #include "pixels/Buffer.h"
 #include "pixels/ByteTables.h"
+#include "pixels/Padded.h"
 #include "pixels/QuadraticCurve.h"
 #include "pixels/Random.h"
 #include "pixels/Scratch.h"
@@ -12,13 +13,13 @@
 #include <cmath>
 #include <limits>
 #include <new>
-#include <numeric>
 #include <thread>
 #include <vector>
 
 namespace {
 
 using namespace pixels;
+using test::Padded;
 
 TEST(Numbers, TruncationSaturatesAndTakesNanToZero)
 {
@@ -92,18 +93,6 @@ TEST(QuadraticCurve, PassesThroughThePointsWhenItsPivotsAreOne)
     EXPECT_EQ(falling.b, -1.0);
     EXPECT_EQ(falling.c, 1.0);
 }
-
-// A picture whose rows lie further apart than their pixels need.
-struct Padded {
-    Padded(int width, int height) : size{width, height}, memory(std::size_t(height) * stride(), 0)
-    {
-        std::iota(memory.begin(), memory.end(), u8(0));
-    }
-    std::ptrdiff_t stride() const { return size.width * 4 + 12; }
-    View view() { return {memory.data(), size, stride()}; }
-    Extent size;
-    std::vector<u8> memory;
-};
 
 TEST(Rows, MapHonoursStrideColumnsAndEqualRows)
 {

@@ -2,7 +2,7 @@
 #include "effectengine/media/PictureConversion.h"
 
 #include "effectengine/media/yuvPixels.h"
-#include "pixels/rows.h"
+#include "pixels/sample.h"
 
 namespace media {
 
@@ -37,7 +37,7 @@ void turn(pixels::ConstView from, const Orientation& orientation, pixels::View t
 {
     const int right = to.width() - 1;
     const int top = to.height() - 1;
-    pixels::rows::fetch(from, to, [=](int x, int y) -> pixels::Point {
+    pixels::sample(from, to, [=](int x, int y) -> pixels::Point {
         int column = orientation.mirrorsColumns ? right - x : x;
         int line = orientation.mirrorsRows ? y : top - y; // from the top
         if (orientation.swapsSides)

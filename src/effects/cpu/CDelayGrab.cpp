@@ -4,7 +4,7 @@
 #include "model/EffectRegistry.h"
 #include "pixels/Buffer.h"
 #include "pixels/Random.h"
-#include "pixels/gather.h"
+#include "pixels/sample.h"
 
 #include <array>
 #include <cmath>

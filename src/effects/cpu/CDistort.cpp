@@ -2,9 +2,8 @@
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/Scratch.h"
-#include "pixels/StableInput.h"
-#include "pixels/gather.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 
@@ -72,16 +71,17 @@ void interpolate(const Edge& edge, int blocks, int j, i32* coordinates)
 }
 
 // Every sample of a row: the pixel that the coordinates name in memory order, or else the pixel in place.
-void drawRow(const u8* src, u8* dst, pixels::Extent size, int y, int count, const i32* xs, const i32* ys)
+void drawRow(
+    const u8* src, pixels::Bgra* to, pixels::Extent size, int y, int count, const i32* xs, const i32* ys)
 {
     const int start = y * size.width;
     const u32 pixelCount = u32(size.width) * u32(size.height);
-#pragma GCC ivdep
-    for (int x = 0; x < count; ++x) {
-        const u32 index = u32(size.width * (ys[x] >> 16) + (xs[x] >> 16));
-        const u32 word = pixels::wordAt(src, int(index < pixelCount ? index : u32(start + x)));
-        std::memcpy(dst + std::ptrdiff_t(start + x) * 4, &word, sizeof word);
-    }
+    // What leaves a row goes on in the one beside it: the picture is one long row.
+    const pixels::ConstView line(src, {int(pixelCount), 1});
+    pixels::sampleRow(line, to, 0, count, [=, width = size.width](int x, auto at) {
+        const u32 index = u32(width * (ys[x] >> 16) + (xs[x] >> 16));
+        return at({int(index < pixelCount ? index : u32(start + x)), 0});
+    });
 }
 
 void drawBand(pixels::ConstView src, pixels::View dst, const Axis& horizontal, const Axis& vertical, int band)
@@ -103,7 +103,8 @@ void drawBand(pixels::ConstView src, pixels::View dst, const Axis& horizontal, c
     for (int j = 0; j < kBlock; ++j) {
         interpolate(x, blocks, j, xs.data());
         interpolate(y, blocks, j, ys.data());
-        drawRow(src.bytes(), dst.bytes(), dst.extent(), bottom + j, covered, xs.data(), ys.data());
+        drawRow(
+            src.bytes(), dst.row(bottom + j).data(), dst.extent(), bottom + j, covered, xs.data(), ys.data());
     }
 }
 
@@ -113,7 +114,8 @@ public:
 
     void processFrame(const u8* src, u8* dst) override
     {
-        const auto from = stable_.of(input(src), output(dst));
+        const pixels::StableInput stable(input(src), output(dst));
+        const pixels::ConstView from = stable.view();
         if (!from.bytes())
             return;
         const pixels::View to = output(dst);
@@ -129,9 +131,6 @@ public:
         for (int y = bands * kBlock; y < to.height(); ++y)
             std::ranges::copy(from.row(y), to.row(y).begin());
     }
-
-private:
-    pixels::StableInput stable_;
 };
 
 const Registration<CDistort> registered{{

@@ -1,9 +1,8 @@
 // Lens bulge: inside the radius, pixels come from nearer the centre.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
-#include "pixels/StableInput.h"
-#include "pixels/gather.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 
@@ -20,26 +19,20 @@ public:
 
     void processFrame(const u8* src, u8* dst) override
     {
-        const auto from = stable_.of(input(src), output(dst));
-        if (!from.bytes())
-            return;
         const int w = int(width());
         const int h = int(height());
         const float cx = float(pixels::truncated(get(kX) / 100.0 * w));
         const float cy = float(pixels::truncated(get(kY) / 100.0 * h));
         const float radius = float(pixels::truncated(get(kRadius) * 100));
-        pixels::gather(from, output(dst), [=](int x, int y) {
+        pixels::sample(input(src), output(dst), [=](int x, int y) -> pixels::Point {
             const float dx = float(x) - cx;
             const float dy = float(y) - cy;
             const float d = std::trunc(std::sqrt(dx * dx + dy * dy)) / radius;
             const int column = int(pixels::clamped(dx * d + cx, 0.0f, float(w - 1)));
             const int row = int(pixels::clamped(dy * d + cy, 0.0f, float(h - 1)));
-            return d <= 1 ? row * w + column : y * w + x;
+            return {d <= 1 ? column : x, d <= 1 ? row : y};
         });
     }
-
-private:
-    pixels::StableInput stable_;
 };
 
 const Registration<CFishEye> registered{{

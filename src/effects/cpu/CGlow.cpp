@@ -29,7 +29,8 @@ public:
     void processFrame(const u8* src, u8* dst) override
     {
         using pixels::Bgra;
-        const auto picture = kept_.of(input(src), output(dst));
+        const pixels::StableInput stable(input(src), output(dst));
+        const pixels::ConstView picture = stable.view();
         if (!picture.bytes())
             return;
         const int blur = get(kBlur);
@@ -42,9 +43,6 @@ public:
                 screen(p.a, blurred.a)};
         });
     }
-
-private:
-    pixels::StableInput kept_;
 };
 
 const Registration<CGlow> registered{{

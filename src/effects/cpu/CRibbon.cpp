@@ -2,9 +2,8 @@
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/Scratch.h"
-#include "pixels/StableInput.h"
-#include "pixels/gather.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 #include <numbers>
@@ -17,18 +16,14 @@ constexpr Param<float> kFrequency{"Frequency", 0.41f, {0, 4}, "0.4 for one wave 
 
 constexpr pixels::Bgra kBlack{0, 0, 0, 255};
 
-void drawRow(const u8* src, pixels::Bgra* to, const double* shifts, pixels::Extent size, int y)
+void drawRow(pixels::ConstView src, pixels::Bgra* to, const double* shifts, int y)
 {
-    const double height = size.height;
-#pragma GCC ivdep
-    for (int x = 0; x < size.width; ++x) {
+    pixels::sampleRow(src, to, 0, src.width(), [=, height = double(src.height())](int x, auto at) {
         // Truncation makes row 0 of everything above -1.
         const double from = shifts[x] + y;
-        const int row = int(pixels::clamped(from, 0.0, height - 1));
-        const u32 word = pixels::wordAt(src, row * size.width + x);
-        const u32 shown = from > -1 && from < height ? word : toWord(kBlack);
-        std::memcpy(to + x, &shown, sizeof shown);
-    }
+        const u32 word = at({x, int(pixels::clamped(from, 0.0, height - 1))});
+        return from > -1 && from < height ? word : toWord(kBlack);
+    });
 }
 
 class CRibbon final : public CPureCEffect {
@@ -37,11 +32,11 @@ public:
 
     void processFrame(const u8* src, u8* dst) override
     {
-        const auto from = stable_.of(input(src), output(dst));
+        const pixels::StableInput stable(input(src), output(dst));
+        const pixels::ConstView from = stable.view();
         if (!from.bytes())
             return;
         const int w = int(width());
-        const int h = int(height());
         const int swing = pixels::truncated(get(kSwing) * 100);
         const float halfTurns = float(pixels::truncated(get(kFrequency) * 100)) / 20;
         const pixels::Scratch<double> shiftOf(w);
@@ -53,13 +48,10 @@ public:
         pixels::rows::anyOrderRuns(extent(), [=](int first, int end) {
             pixels::widest([=] {
                 for (int y = first; y < end; ++y)
-                    drawRow(from.bytes(), to.row(y).data(), shifts, {w, h}, y);
+                    drawRow(from, to.row(y).data(), shifts, y);
             });
         });
     }
-
-private:
-    pixels::StableInput stable_;
 };
 
 const Registration<CRibbon> registered{{

@@ -16,7 +16,8 @@ public:
 
     void processFrame(const u8* src, u8* dst) override
     {
-        const auto from = stable_.of(input(src), output(dst));
+        const pixels::StableInput stable(input(src), output(dst));
+        const pixels::ConstView from = stable.view();
         if (!from.bytes())
             return;
         const pixels::Extent tile{int(width()) / kTilesPerSide, int(height()) / kTilesPerSide};
@@ -75,7 +76,6 @@ private:
         }
     }
 
-    pixels::StableInput stable_;
     pixels::Thumbnail tile_;
 };
 

@@ -2,8 +2,8 @@
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/Buffer.h"
-#include "pixels/gather.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 

@@ -3,9 +3,8 @@
 
 #include "pixels/ByteTables.h"
 #include "pixels/StackBlur.h"
-#include "pixels/gather.h"
 #include "pixels/numbers.h"
-#include "pixels/rows.h"
+#include "pixels/sample.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,8 +53,8 @@ struct Lens {
     bool cubic = false; ///< grows with the third power of the distance instead of the sixth
 };
 
-// For every pixel of row y, the number of the pixel that the lens shows there.
-void traceRow(Lens lens, int y, pixels::Extent size, i32* sources)
+// For every pixel of row y, the packed place of the pixel that the lens shows there.
+void traceRow(Lens lens, int y, pixels::Extent size, u32* places)
 {
     const float v = (float(y) - lens.cy) / lens.ny;
     const float lastX = float(size.width - 1);
@@ -68,7 +67,7 @@ void traceRow(Lens lens, int y, pixels::Extent size, i32* sources)
         const float moved = ((lens.cubic ? cube : cube * cube) * lens.k + r) * lens.scale;
         const float fromX = r == 0 ? lens.cx : moved * u / r * lens.nx + lens.cx;
         const float fromY = r == 0 ? lens.cy : moved * v / r * lens.ny + lens.cy;
-        sources[x] = int(clamped(fromY, 0.0f, lastY)) * size.width + int(clamped(fromX, 0.0f, lastX));
+        places[x] = pixels::packedPlace({int(clamped(fromX, 0.0f, lastX)), int(clamped(fromY, 0.0f, lastY))});
     }
 }
 
@@ -117,9 +116,9 @@ void diffuse(pixels::View picture, float amount)
 
 bool LensMap::prepare(float amount, pixels::Extent size)
 {
-    if (sources_ && size_ == size && amount_ == amount)
+    if (places_ && size_ == size && amount_ == amount)
         return true;
-    if (!sources_.ensure(std::size_t(size.width) * size.height))
+    if (!places_.ensure(std::size_t(size.width) * size.height))
         return false;
     size_ = size;
     amount_ = amount;
@@ -139,15 +138,15 @@ void LensMap::draw()
         lens.scale = 1 / (1 + k);
         lens.cubic = true;
     }
-    pixels::rows::anyOrder(size_, [=, size = size_, sources = sources_.data()](int y) {
-        pixels::widest([=] { traceRow(lens, y, size, sources + std::ptrdiff_t(y) * size.width); });
+    pixels::rows::anyOrder(size_, [=, size = size_, places = places_.data()](int y) {
+        pixels::widest([=] { traceRow(lens, y, size, places + std::ptrdiff_t(y) * size.width); });
     });
 }
 
 void LensMap::apply(pixels::ConstView src, pixels::View dst) const
 {
-    pixels::gather(src, dst, [sources = sources_.data(), width = dst.width()](int x, int y) {
-        return sources[std::ptrdiff_t(y) * width + x];
+    pixels::sample(src, dst, [places = places_.data(), size = size_](int x, int y) {
+        return pixels::unpackedPlace(places[std::ptrdiff_t(y) * size.width + x], size);
     });
 }
 

@@ -16,19 +16,19 @@ void sharpen(pixels::ConstView src, pixels::View dst, float amount);
 /// A veil of light: brightens, and softens by one pixel when the amount is positive.
 void diffuse(pixels::View picture, float amount);
 
-/// Barrel and pincushion distortion through a map that is kept until the amount changes.
+/// Barrel and pincushion distortion through a map that stays until the amount changes.
 class LensMap {
 public:
     /// To be called before apply(). False without memory for the map.
     bool prepare(float amount, pixels::Extent size);
 
-    /// Every pixel of dst from its place in src. The views must not overlap.
+    /// Every pixel of dst from its place in src. The views have the prepared size.
     void apply(pixels::ConstView src, pixels::View dst) const;
 
 private:
     void draw();
 
-    pixels::Buffer<i32> sources_; ///< number of the source pixel, in memory order
+    pixels::Buffer<u32> places_; ///< where each pixel comes from, packed
     pixels::Extent size_{0, 0};
     float amount_ = 0;
 };

@@ -5,7 +5,7 @@
 #include "core/Log.h"
 #include "effects/gpu/uniforms.h"
 #include "pixels/numbers.h"
-#include "pixels/rows.h"
+#include "pixels/sample.h"
 
 #include <algorithm>
 #include <array>
@@ -166,7 +166,7 @@ void CSimpleShaderEffect::copyFirstInput()
     if (from == to)
         pixels::rows::copy(source->view(), target.view());
     else
-        pixels::rows::fetch(source->view(), target.view(), [=](int x, int y) {
+        pixels::sample(source->view(), target.view(), [=](int x, int y) {
             return pixels::Point{x * from.width / to.width, y * from.height / to.height};
         });
 }

@@ -3,7 +3,6 @@
 
 #include "effects/transitions/TransitionFrame.h"
 #include "model/CSimpleEffect.h"
-#include "pixels/StableInput.h"
 
 namespace KEXSDK {
 
@@ -23,7 +22,6 @@ public:
 
 private:
     TransitionFunc* const algorithm_;
-    pixels::StableInput stable_; ///< an input that is the output's memory, too
 };
 
 } // namespace KEXSDK

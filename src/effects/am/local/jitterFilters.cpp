@@ -3,9 +3,9 @@
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/carryThroughRows.h"
-#include "effects/am/loops/fetchColumns.h"
 #include "pixels/Random.h"
 #include "pixels/Scratch.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 #include <numbers>
@@ -95,10 +95,10 @@ i32 shake(const Frame& f)
                 const int last = std::clamp(width - start, first, width);
                 std::fill_n(to, first, pixels::fromWord(kOpaqueBlack));
                 std::fill(to + last, to + width, pixels::fromWord(kOpaqueBlack));
-                fetchColumns(src, to, first, last, [=](int x, auto at) {
+                pixels::sampleRow(src, to, first, last, [=](int x, auto at) {
                     const int column = x + start;
                     const int row = columnOffsets[column] + y;
-                    const u32 fetched = at(column, std::clamp(row, 0, height - 1));
+                    const u32 fetched = at({column, std::clamp(row, 0, height - 1)});
                     return u32(row) < u32(height) ? fetched : kOpaqueBlack;
                 });
             }
@@ -126,10 +126,11 @@ i32 ripple(const Frame& f)
         widest([=, src = f.src, dst = f.dst, rowOffsets = offsets.ofRow.data(),
                    columnOffsets = offsets.ofColumn.data()] {
             for (int y = top; y < end; ++y)
-                fetchColumns(src, dst.row(y).data(), 0, width, [=, shift = rowOffsets[y]](int x, auto at) {
-                    return at(
-                        std::clamp(x + shift, 0, width - 1), std::clamp(columnOffsets[x] + y, 0, height - 1));
-                });
+                pixels::sampleRow(
+                    src, dst.row(y).data(), 0, width, [=, shift = rowOffsets[y]](int x, auto at) {
+                        return at({std::clamp(x + shift, 0, width - 1),
+                            std::clamp(columnOffsets[x] + y, 0, height - 1)});
+                    });
         });
     });
     return kAmOk;

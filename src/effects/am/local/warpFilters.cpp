@@ -2,8 +2,8 @@
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
-#include "effects/am/loops/fetchColumns.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 
@@ -120,7 +120,6 @@ struct Whirl {
     }
 };
 
-// An entry is the source's row in the high half and its column in the low one.
 template <class Warp> void buildMap(const AmEffectParams& block, Extent size, u32* map)
 {
     const Centre centre(block, size);
@@ -128,8 +127,8 @@ template <class Warp> void buildMap(const AmEffectParams& block, Extent size, u3
         u32* const row = map + std::ptrdiff_t(y) * size.width;
         for (int x = 0; x < size.width; ++x) {
             const Point source = centre.from(warp(centre.to(x, y)));
-            row[x] = u32(std::clamp(source.y, 0, size.height - 1)) << 16
-                | u32(std::clamp(source.x, 0, size.width - 1));
+            row[x] = pixels::packedPlace(
+                {std::clamp(source.x, 0, size.width - 1), std::clamp(source.y, 0, size.height - 1)});
         }
     });
 }
@@ -158,7 +157,7 @@ template <class Warp> i32 warp(const Frame& f)
         buildMap<Warp>(f.block, size, map);
     const int bands = (size.height + kBand - 1) / kBand;
     rows::anyOrder({size.width * kBand, bands}, [&](int band) {
-        pixels::widest([=, src = f.src, dst = f.dst, lastX = size.width - 1, lastY = size.height - 1] {
+        pixels::widest([=, src = f.src, dst = f.dst] {
             const int end = std::min((band + 1) * kBand, size.height);
             for (int left = 0; left < size.width; left += kStrip) {
                 const int right = std::min(left + kStrip, size.width);
@@ -166,11 +165,8 @@ template <class Warp> i32 warp(const Frame& f)
                     const u32* const entries = map + std::ptrdiff_t(y) * size.width;
                     if (y + kRowsAhead < end)
                         prefetch(src, entries + std::ptrdiff_t(kRowsAhead) * size.width, left, right);
-                    // What another effect may have left in the buffer must not lead outside.
-                    fetchColumns(src, dst.row(y).data(), left, right, [=](int x, auto at) {
-                        const u32 entry = entries[x];
-                        return at(std::min(int(entry & 0xFFFF), lastX), std::min(int(entry >> 16), lastY));
-                    });
+                    pixels::sampleRow(src, dst.row(y).data(), left, right,
+                        [=](int x, auto at) { return at(pixels::unpackedPlace(entries[x], size)); });
                 }
             }
         });

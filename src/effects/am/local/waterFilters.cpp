@@ -3,8 +3,8 @@
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
-#include "effects/am/loops/fetchColumns.h"
 #include "pixels/Random.h"
+#include "pixels/sample.h"
 
 namespace KEXSDK::am {
 
@@ -47,11 +47,11 @@ void moveRow(const i32* current, i32* next, int width)
 
 void refractRow(pixels::ConstView src, pixels::Bgra* to, const i32* heights, Extent size, int y)
 {
-    fetchColumns(src, to, 1, size.width - 1, [=](int x, auto at) {
+    pixels::sampleRow(src, to, 1, size.width - 1, [=](int x, auto at) {
         const u32 column = u32(x) + (u32(heights[x - 1]) - u32(heights[x + 1]));
         const u32 row = u32(y) + (u32(heights[x - size.width]) - u32(heights[x + size.width]));
         const bool inside = column < u32(size.width) && row < u32(size.height);
-        return at(inside ? int(column) : x, inside ? int(row) : y);
+        return at({inside ? int(column) : x, inside ? int(row) : y});
     });
 }
 

@@ -4,7 +4,7 @@
 #include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/columns.h"
-#include "pixels/gather.h"
+#include "pixels/sample.h"
 
 #include <array>
 

@@ -5,8 +5,8 @@
 #include "effects/am/library/amScratch.h"
 #include "effects/am/looks/brokenTelevision.h"
 #include "pixels/Random.h"
-#include "pixels/columns.h"
 #include "pixels/numbers.h"
+#include "pixels/sample.h"
 
 #include <cmath>
 #include <mutex>
@@ -151,31 +151,6 @@ private:
     Point right_;
 };
 
-// Rows in the upper half of a map's entries, columns in the lower.
-constexpr int kRowShift = 16;
-constexpr u32 kColumns = 0xFFFF;
-
-void fetchByMap(pixels::ConstView src, pixels::View dst, const u32* map)
-{
-    rows::anyOrderRuns(dst.extent(), [&](int top, int end) {
-        pixels::widest([=, from = src.bytes(), stride = u32(src.strideBytes()), width = dst.width(),
-                           lastX = u32(src.width() - 1), lastY = u32(src.height() - 1)] {
-            for (int y = top; y < end; ++y) {
-                pixels::eachIndex(
-                    0, width, [=, places = map + std::ptrdiff_t(y) * width, to = dst.row(y).data()](int x) {
-                        // A buffer that another effect left behind must not lead outside.
-                        const u32 column = std::min(places[x] & kColumns, lastX);
-                        const u32 row = std::min(places[x] >> kRowShift, lastY);
-                        u32 word;
-                        std::memcpy(
-                            &word, from + std::ptrdiff_t(i32(row * stride + column * 4)), sizeof word);
-                        std::memcpy(to + x, &word, sizeof word);
-                    });
-            }
-        });
-    });
-}
-
 // Where the pixels come from depends on the size of the picture alone.
 i32 kaleidoscope(const Frame& f)
 {
@@ -186,13 +161,13 @@ i32 kaleidoscope(const Frame& f)
     if (takeDirty(f.block, kAmDirtySize)) {
         const Kaleidoscope glass(f.dst.extent());
         rows::anyOrder(f.dst.extent(), [&](int y) {
-            for (int x = 0; x < width; ++x) {
-                const Point from = glass.source(x, y);
-                map[std::ptrdiff_t(y) * width + x] = u32(from.y) << kRowShift | u32(from.x);
-            }
+            for (int x = 0; x < width; ++x)
+                map[std::ptrdiff_t(y) * width + x] = pixels::packedPlace(glass.source(x, y));
         });
     }
-    fetchByMap(f.src, f.dst, map);
+    pixels::sample(f.src, f.dst, [map, size = f.dst.extent()](int x, int y) {
+        return pixels::unpackedPlace(map[std::ptrdiff_t(y) * size.width + x], size);
+    });
     return kAmOk;
 }
 
