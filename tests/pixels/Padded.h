@@ -11,7 +11,8 @@
 
 namespace test {
 
-/// A picture whose rows lie further apart than their pixels need. Its bytes count upwards, so that neighbours differ.
+/// A picture whose rows lie further apart than their pixels need. Its bytes count upwards, so that neighbours
+/// differ.
 struct Padded {
     Padded(int width, int height) : size{width, height}, memory(std::size_t(height) * stride(), 0)
     {

@@ -5,6 +5,7 @@
 #include "pixels/QuadraticCurve.h"
 #include "pixels/Random.h"
 #include "pixels/Scratch.h"
+#include "pixels/byteQuotient.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
@@ -52,6 +53,19 @@ TEST(Numbers, TheFourBlendsRoundDifferently)
     EXPECT_EQ(divisionBlend(200, 200, 128), 199);
     EXPECT_EQ(floatBlend(200, 200, 128), 200);
     EXPECT_EQ(shiftBlend(255, 255, 0), 254);
+}
+
+TEST(Numbers, InversesOfThreeErrByLessThanTheyPromise)
+{
+    constexpr double kPromised = 1.0 / (1 << 21);
+    for (int a = 1; a <= 263; ++a)
+        for (int b = 1; b <= 263; ++b)
+            for (const int c : {1, 3, 8, 97, 100, 255, 263}) {
+                const Inverses found = inversesOf(float(a), float(b), float(c));
+                ASSERT_LT(std::fabs(double(found.first) * a - 1), kPromised) << a << ", " << b << ", " << c;
+                ASSERT_LT(std::fabs(double(found.second) * b - 1), kPromised) << a << ", " << b << ", " << c;
+                ASSERT_LT(std::fabs(double(found.third) * c - 1), kPromised) << a << ", " << b << ", " << c;
+            }
 }
 
 TEST(Random, RepeatsTheClassicSequence)

@@ -1,7 +1,8 @@
 // Pixels that are read from elsewhere.
-#include "pixels/Padded.h"
-#include "pixels/Buffer.h"
 #include "pixels/sample.h"
+
+#include "pixels/Buffer.h"
+#include "pixels/Padded.h"
 
 #include <sys/mman.h>
 
@@ -38,7 +39,8 @@ TEST(Sample, TheKernelSaysWhereEveryPixelComesFrom)
             Padded src(from.width, from.height);
             const Padded before(to.width, to.height);
             Padded dst = before;
-            sample(src.view(), dst.view(), [from = from, to = to](int x, int y) { return turned(from, to, x, y); });
+            sample(src.view(), dst.view(),
+                [from = from, to = to](int x, int y) { return turned(from, to, x, y); });
             expectTurned(src.view(), dst, before);
         }
     });
@@ -50,7 +52,9 @@ TEST(Sample, ReadsTheOldPixelsWhenItWritesToThem)
         Padded src(190, 190);
         const Padded before = src;
         Padded picture = src;
-        sample(picture.view(), picture.view(), [](int x, int y) { return turned({190, 190}, {190, 190}, x, y); });
+        sample(picture.view(), picture.view(), [](int x, int y) {
+            return turned({190, 190}, {190, 190}, x, y);
+        });
         expectTurned(src.view(), picture, before);
     });
 }
@@ -73,7 +77,8 @@ TEST(Sample, TheCopyInPlaceIsAllocatedOnceAndWithoutMemoryThePictureStays)
         mirror();
         EXPECT_EQ(picture.memory, before);
         limitBuffers(std::numeric_limits<std::size_t>::max());
-    }).join();
+    })
+        .join();
 }
 
 TEST(Sample, PartsOfRowsMixWhatTheyRead)
@@ -94,8 +99,8 @@ TEST(Sample, PartsOfRowsMixWhatTheyRead)
 TEST(Sample, RowsMayLieGigabytesApart)
 {
     constexpr std::size_t kStride = (std::size_t(1) << 31) + 4096;
-    void* const memory = mmap(nullptr, kStride + 4096, PROT_READ | PROT_WRITE,
-        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    void* const memory = mmap(
+        nullptr, kStride + 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     const View far(static_cast<u8*>(memory), {40, 2}, std::ptrdiff_t(kStride));
     for (int x = 0; x < 40; ++x) {

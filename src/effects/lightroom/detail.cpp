@@ -5,6 +5,7 @@
 #include "pixels/StackBlur.h"
 #include "pixels/numbers.h"
 #include "pixels/sample.h"
+#include "pixels/stencil.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,27 +23,6 @@ inline u8 byteOf(float x) { return u8(int(clamped(x, 0.0f, 255.0f))); }
 inline u8 awayFrom(int blurred, int original, float amount)
 {
     return byteOf(float(original) + float(original - blurred) * amount / 200);
-}
-
-inline u8 sharpened(int centre, int up, int down, int left, int right, float amount)
-{
-    return byteOf(float(centre) + float(4 * centre - up - down - left - right) * amount / 255);
-}
-
-// Pixels 1 .. last - 1 of a row between its neighbours.
-void sharpenRow(const Bgra* above, const Bgra* at, const Bgra* below, Bgra* to, int last, float amount)
-{
-#pragma GCC ivdep
-    for (int x = 1; x < last; ++x) {
-        const Bgra p = pixels::load(at + x);
-        const Bgra u = pixels::load(above + x);
-        const Bgra d = pixels::load(below + x);
-        const Bgra l = pixels::load(at + x - 1);
-        const Bgra r = pixels::load(at + x + 1);
-        pixels::store(to + x,
-            {sharpened(p.b, u.b, d.b, l.b, r.b, amount), sharpened(p.g, u.g, d.g, l.g, r.g, amount),
-                sharpened(p.r, u.r, d.r, l.r, r.r, amount), p.a});
-    }
 }
 
 struct Lens {
@@ -87,19 +67,9 @@ void clarity(pixels::View picture, pixels::View blurred, float amount)
 
 void sharpen(pixels::ConstView src, pixels::View dst, float amount)
 {
-    pixels::rows::anyOrder(src.extent(), [=](int y) {
-        const Bgra* const at = src.row(y).data();
-        Bgra* const to = dst.row(y).data();
-        const int last = src.width() - 1;
-        if (y == 0 || y == src.height() - 1) {
-            std::copy_n(at, src.width(), to);
-            return;
-        }
-        to[0] = at[0];
-        to[last] = at[last];
-        pixels::widest([=, above = src.row(y - 1).data(), below = src.row(y + 1).data()] {
-            sharpenRow(above, at, below, to, last, amount);
-        });
+    pixels::stencil(src, dst, pixels::Border::kept, [amount](pixels::Neighbours n) {
+        const int steepness = 4 * n.centre - n.above - n.below - n.left - n.right;
+        return byteOf(float(n.centre) + float(steepness) * amount / 255);
     });
 }
 

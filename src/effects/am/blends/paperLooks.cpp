@@ -12,6 +12,9 @@ namespace KEXSDK::am {
 namespace {
 
 using pixels::Bgra;
+using pixels::Border;
+using pixels::RowsAround;
+using pixels::Scratch;
 
 // The canvas's mask: how far towards the picture a pixel goes, of 256.
 constexpr u8 kMostPicture = 240;
@@ -126,25 +129,13 @@ inline int onGrain(int grey, int grain)
     return grain >= 128 ? light : dark;
 }
 
-void whiten(std::span<const Bgra> from, std::span<Bgra> to)
-{
-    for (std::size_t x = 0; x < to.size(); ++x)
-        to[x] = pixels::grey(from[x], 255);
-}
-
 // Each grey against the brightest one around it gives pencil lines; the picture's frame stays white paper.
 i32 classic(const Frame& f)
 {
     const int w = f.dst.width();
-    const int h = f.dst.height();
-    whiten(f.src.row(0), f.dst.row(0));
-    whiten(f.src.row(h - 1), f.dst.row(h - 1));
-    for (int y = 1; y < h - 1; ++y)
-        for (const int x : {0, w - 1})
-            f.dst.at(x, y) = pixels::grey(f.src.at(x, y), 255);
-    eachInnerGreyRow(f, [&](int y, GreyRows greys) {
-        GreyRow brightest;
-        largestOfNine<1>(greys, brightest.data(), w);
+    pixels::stencilRows(f.src, f.dst, Border::white, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> brightest{std::size_t(w)};
+        pixels::largestOfNine(greys, 1, brightest.data(), w);
         pixels::widest([=, from = f.src.row(y).data(), texture = f.second.row(y).data(),
                            to = f.dst.row(y).data(), largest = brightest.data()] {
             pixels::mapColumns(from, to, 1, w - 1, [=](int x, Bgra p) {
@@ -173,11 +164,12 @@ i32 sketchUnderTexture(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
     blendRows<photoUnderTexture>(f.src, f.second, f.dst);
-    eachInnerGreyRow(f, [&](int y, GreyRows greys) {
-        GreyRow sketch;
-        drawWithPencil(greys, kDodgeReciprocals.data(), sketch.data(), f.dst.width());
+    const int width = f.dst.width();
+    pixels::stencilRows(f.src, f.dst, Border::untouched, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> sketch{std::size_t(width)};
+        drawWithPencil(greys, kDodgeReciprocals.data(), sketch.data(), width);
         pixels::widest([=, from = f.src.row(y).data(), texture = f.second.row(y).data(),
-                           to = f.dst.row(y).data(), drawn = sketch.data(), width = f.dst.width()] {
+                           to = f.dst.row(y).data(), drawn = sketch.data()] {
             pixels::mapColumns(from, to, 1, width - 1,
                 [=](int x, Bgra p) { return underTexture(p, pixels::grey(p, drawn[x]), load(texture + x)); });
         });

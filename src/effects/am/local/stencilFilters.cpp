@@ -3,7 +3,7 @@
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
-#include "effects/am/loops/neighbours.h"
+#include "effects/am/local/pencilQuotients.h"
 #include "effects/am/loops/pencil.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/byteQuotient.h"
@@ -13,6 +13,10 @@ namespace KEXSDK::am {
 namespace {
 
 using pixels::Bgra;
+using pixels::Border;
+using pixels::Neighbours;
+using pixels::RowsAround;
+using pixels::Scratch;
 
 constexpr int corners(const Neighbours& n) { return n.belowLeft + n.belowRight + n.aboveLeft + n.aboveRight; }
 constexpr int sides(const Neighbours& n) { return n.below + n.left + n.right + n.above; }
@@ -29,15 +33,15 @@ constexpr int edge(const Neighbours& n)
 
 i32 sharp(const Frame& f)
 {
-    eachInnerRow(f, Border::kept,
-        [&](int y) { sharpenRow(rowsAround(f.src, y), f.dst.row(y).data(), f.dst.width()); });
+    pixels::stencilRows(f.src, f.dst, Border::kept,
+        [&](int y, RowsAround around) { pixels::sharpenRow(around, f.dst.row(y).data(), f.dst.width()); });
     return kAmOk;
 }
 
 i32 blur(const Frame& f)
 {
-    eachByteFromNeighbours(
-        f, Border::kept, [](Neighbours n) { return (4 * n.centre + 2 * sides(n) + corners(n)) >> 4; });
+    pixels::stencil(f.src, f.dst, Border::kept,
+        [](Neighbours n) { return (4 * n.centre + 2 * sides(n) + corners(n)) >> 4; });
     return kAmOk;
 }
 
@@ -45,16 +49,25 @@ i32 blur(const Frame& f)
 i32 sketch(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
-    eachGreyFromNeighbours(
-        f, [ground = percentOf(f.block)](Neighbours n) { return 255 - ((edge(n) + ground) >> 1); });
+    const int width = f.dst.width();
+    const int ground = percentOf(f.block);
+    pixels::stencilRows(f.src, f.dst, Border::kept, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> lines{std::size_t(width)};
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), drawn = lines.data()] {
+            pixels::mapNeighbours<1>(
+                greys, drawn, width, [=](Neighbours n) { return 255 - ((edge(n) + ground) >> 1); });
+            pixels::mapColumns(
+                from, to, 1, width - 1, [=](int x, Bgra p) { return pixels::grey(p, drawn[x]); });
+        });
+    });
     return kAmOk;
 }
 
 i32 neon(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
-    eachByteFromNeighbours(
-        f, Border::black, [least = percentOf(f.block)](Neighbours n) { return std::max(edge(n), least); });
+    pixels::stencil(f.src, f.dst, Border::black,
+        [least = percentOf(f.block)](Neighbours n) { return std::max(edge(n), least); });
     return kAmOk;
 }
 
@@ -71,9 +84,9 @@ i32 pencil(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
     const int width = f.dst.width();
-    eachGreyRowInside(f, [&](int y, GreyRows greys) {
-        GreyRow largest;
-        largestOfNine<1>(greys, largest.data(), width);
+    pixels::stencilRows(f.src, f.dst, Border::kept, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> largest{std::size_t(width)};
+        pixels::largestOfNine(greys, 1, largest.data(), width);
         pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), most = largest.data(),
                            reciprocals = kReciprocals.data()] {
             pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
@@ -85,23 +98,35 @@ i32 pencil(const Frame& f)
     return kAmOk;
 }
 
-// The same for each channel, a little darker: (2^24 / d) * c >> 16 for d = largest + 8, both quotients
-// rounded downwards. That is 256 c / d, rounded downwards, but a whole 256 c / d with a remainder in 2^24 / d
-// comes out one lower. So the numerator is taken a little less there, and a little more where there is no
-// remainder; both are far more than single precision errs.
+// For each byte of a row, the largest of the nine around it in its own channel.
+class LargestAround {
+public:
+    LargestAround(RowsAround around, int width) : largest_(std::size_t(width))
+    {
+        pixels::largestOfNine(around, 4, reinterpret_cast<u8*>(largest_.data()), 4 * width);
+    }
+    const Bgra* row() const { return largest_.data(); }
+
+private:
+    Scratch<Bgra> largest_;
+};
+
+// A dodge as the pencil's for each channel, a little darker.
 i32 colourPencil(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
-    eachPixelByLargest(f, Border::black, [](Bgra p, Bgra largest) -> Bgra {
-        const auto inverse =
-            pixels::inversesOf(float(largest.b + 8), float(largest.g + 8), float(largest.r + 8));
-        const auto dodged = [](int c, int most, float inverse) {
-            const int d = most + 8;
-            const float trace = (d & (d - 1)) == 0 ? 0.25f : -0.5f;
-            return u8(int((float(256 * c) + trace) * inverse));
-        };
-        return {dodged(p.b, largest.b, inverse.first), dodged(p.g, largest.g, inverse.second),
-            dodged(p.r, largest.r, inverse.third), p.a};
+    const int width = f.dst.width();
+    pixels::stencilRows(f.src, f.dst, Border::black, [&](int y, RowsAround around) {
+        const LargestAround largest(around, width);
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), brightest = largest.row()] {
+            pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) -> Bgra {
+                const Bgra most = pixels::load(brightest + x);
+                const auto inverse =
+                    pixels::inversesOf(float(most.b + 8), float(most.g + 8), float(most.r + 8));
+                return {dodged(p.b, most.b, inverse.first), dodged(p.g, most.g, inverse.second),
+                    dodged(p.r, most.r, inverse.third), p.a};
+            });
+        });
     });
     return kAmOk;
 }
@@ -114,41 +139,33 @@ constexpr pixels::ByteTable kTwiceRootAndOne = pixels::tableOf([](int c) {
     return u8(2 + 2 * root);
 });
 
-// Bytes move towards white, the less the darker they are and the more their brightest neighbour exceeds
-// them: (3584 (j + 1) / (excess + 2 + 2 j)) / 10 of 256, rounded downwards.
+// Bytes move towards white, the less the darker they are and the more their brightest neighbour exceeds them:
+// by lightening() of 256 parts of the way.
 i32 colourSketch(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
-    eachInnerRow(f, Border::blackSides, [&](int y) {
-        const int width = f.dst.width();
-        ByteRow largest;
-        SpareRow spare;
-        const pixels::View roots = spare.view(width);
-        largestOfNine<4>(rowsAround(f.src, y), largest.data(), 4 * width);
+    const int width = f.dst.width();
+    pixels::stencilRows(f.src, f.dst, Border::blackSides, [&](int y, RowsAround around) {
+        const LargestAround largest(around, width);
+        const SpareRow roots(width);
         pixels::mapTables(
-            f.src.rows(y, y + 1), roots, {kTwiceRootAndOne, kTwiceRootAndOne, kTwiceRootAndOne});
-        pixels::widest(
-            [=, from = f.src.row(y).data(), to = f.dst.row(y).data(),
-                most = reinterpret_cast<const Bgra*>(largest.data()), roots = roots.row(0).data()] {
-                pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
-                    // No byte borrows from the next: none is larger than the largest.
-                    const Bgra excess =
-                        pixels::fromWord(pixels::toWord(pixels::load(most + x)) - pixels::toWord(p));
-                    const Bgra root = pixels::load(roots + x);
-                    const auto inverse = pixels::inversesOf(
-                        float(excess.b + root.b), float(excess.g + root.g), float(excess.r + root.r));
-                    const auto lightened = [](u32 c, int root, float inverse) {
-                        // 1792 (j + 1) / 5, and a little more: than single precision errs, but less than it
-                        // would take to the next integer.
-                        const u32 weight = u32(int((float(root) * 179.2f + 0.05f) * inverse));
-                        return c + ((255 - c) * weight >> 8);
-                    };
-                    // As one word, without a step through bytes: vectors keep their 32-bit lanes.
-                    return pixels::fromWord(lightened(p.b, root.b, inverse.first)
-                        | lightened(p.g, root.g, inverse.second) << 8
-                        | lightened(p.r, root.r, inverse.third) << 16 | u32(p.a) << 24);
-                });
+            f.src.rows(y, y + 1), roots.view(), {kTwiceRootAndOne, kTwiceRootAndOne, kTwiceRootAndOne});
+        pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), most = largest.row(),
+                           twice = roots.view().row(0).data()] {
+            pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
+                // No byte borrows from the next: none is larger than the largest.
+                const Bgra excess =
+                    pixels::fromWord(pixels::toWord(pixels::load(most + x)) - pixels::toWord(p));
+                const Bgra root = pixels::load(twice + x);
+                const auto inverse = pixels::inversesOf(
+                    float(excess.b + root.b), float(excess.g + root.g), float(excess.r + root.r));
+                const auto lightened = [](u32 c, u32 parts) { return c + ((255 - c) * parts >> 8); };
+                // As one word, without a step through bytes: vectors keep their 32-bit lanes.
+                return pixels::fromWord(lightened(p.b, lightening(root.b, inverse.first))
+                    | lightened(p.g, lightening(root.g, inverse.second)) << 8
+                    | lightened(p.r, lightening(root.r, inverse.third)) << 16 | u32(p.a) << 24);
             });
+        });
     });
     return kAmOk;
 }

@@ -51,8 +51,8 @@ constexpr u8 softened(int c, int light)
 i32 freshness(const Frame& f)
 {
     rows::anyOrder(f.dst.extent(), [&](int y) {
-        SpareRow spare;
-        const pixels::View light = spare.view(f.dst.width());
+        const SpareRow spare(f.dst.width());
+        const pixels::View light = spare.view();
         const pixels::ConstView from = f.src.rows(y, y + 1);
         const pixels::View to = f.dst.rows(y, y + 1);
         rows::map(from, light, [](Bgra p) { return pixels::grey(p, u8(y8(fresh(p)))); });

@@ -14,8 +14,11 @@ namespace KEXSDK::am {
 namespace {
 
 using pixels::Bgra;
+using pixels::Border;
 using pixels::ByteTable;
 using pixels::Point;
+using pixels::RowsAround;
+using pixels::Scratch;
 namespace rows = pixels::rows;
 
 void placeSketch(AmEffectParams& b)
@@ -91,8 +94,8 @@ i32 photoWithSketch(const Frame& f)
         copyRows(f, firstRow, endRow);
         firstRow = std::max({firstRow, bottom, 1});
         endRow = std::min({endRow, top + 1, height - 1});
-        eachGreyRow(f.src, firstRow, endRow, [&](int y, GreyRows greys) {
-            GreyRow sketch;
+        pixels::eachMadeRow(firstRow, endRow, width, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+            const Scratch<u8> sketch{std::size_t(width)};
             drawWithPencil(greys, reciprocals, sketch.data(), width);
             pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), drawn = sketch.data()] {
                 pixels::mapColumns(from, to, first, end,
@@ -110,8 +113,8 @@ i32 shadow(const Frame& f)
     if (!reciprocals)
         return kAmNoMemory;
     const int width = f.dst.width();
-    eachGreyRowInside(f, [&](int y, GreyRows greys) {
-        GreyRow sketch;
+    pixels::stencilRows(f.src, f.dst, Border::kept, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> sketch{std::size_t(width)};
         drawWithPencil(greys, reciprocals, sketch.data(), width);
         pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), drawn = sketch.data()] {
             pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) {
@@ -126,10 +129,10 @@ i32 shadow(const Frame& f)
 }
 
 // to[x] = 255 less the steepness of the greys around x, not below 0, for 1 <= x < width - 1.
-void outline(GreyRows greys, u8* to, int width)
+void outline(RowsAround greys, u8* to, int width)
 {
-    std::array<i16, kMaxExtent> smoothed;
-    std::array<i16, kMaxExtent> sloped;
+    const Scratch<i16> smoothed{std::size_t(width)};
+    const Scratch<i16> sloped{std::size_t(width)};
     pixels::widest([=, smooth = smoothed.data(), slope = sloped.data()] {
         pixels::eachIndex(0, width, [=](int x) {
             smooth[x] = i16(greys.below[x] + 2 * greys.row[x] + greys.above[x]);
@@ -148,8 +151,8 @@ void outline(GreyRows greys, u8* to, int width)
 i32 wash(const Frame& f)
 {
     const int width = f.dst.width();
-    eachGreyRowInside(f, [&](int y, GreyRows greys) {
-        GreyRow lightness;
+    pixels::stencilRows(f.src, f.dst, Border::kept, GreyMaker{f.src}, [&](int y, RowsAround greys) {
+        const Scratch<u8> lightness{std::size_t(width)};
         outline(greys, lightness.data(), width);
         pixels::widest([=, from = f.src.row(y).data(), to = f.dst.row(y).data(), k = lightness.data()] {
             pixels::mapColumns(from, to, 1, width - 1, [=](int x, Bgra p) -> Bgra {
@@ -171,14 +174,10 @@ constexpr ByteTable kComic = [] {
 i32 comic(const Frame& f)
 {
     const int width = f.dst.width();
-    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        if (!copyBorder(f, top, end))
-            return;
-        for (int y = top; y < end; ++y) {
-            sharpenRow(rowsAround(f.src, y), f.dst.row(y).data(), width);
-            const pixels::View row = f.dst.rows(y, y + 1);
-            pixels::mapTables(row, row, {kComic, kComic, kComic}, 1, width - 1);
-        }
+    pixels::stencilRows(f.src, f.dst, Border::kept, [&](int y, RowsAround around) {
+        const pixels::View row = f.dst.rows(y, y + 1);
+        pixels::sharpenRow(around, row.row(0).data(), width);
+        pixels::mapTables(row, row, {kComic, kComic, kComic}, 1, width - 1);
     });
     return kAmOk;
 }

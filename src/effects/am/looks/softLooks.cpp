@@ -4,10 +4,9 @@
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/HalfStepBlur.h"
-#include "effects/am/loops/pencil.h"
 #include "effects/am/loops/rowPasses.h"
 #include "pixels/Random.h"
-#include "pixels/columns.h"
+#include "pixels/stencil.h"
 
 namespace KEXSDK::am {
 
@@ -15,6 +14,8 @@ namespace {
 
 using pixels::Bgra;
 using pixels::ByteTable;
+using pixels::RowsAround;
+using pixels::Scratch;
 namespace rows = pixels::rows;
 
 // The blue channel with noise, averaged over three columns.
@@ -24,9 +25,9 @@ public:
 
     void makeRow(int y, u8* to) const
     {
-        std::array<u16, kMaxExtent> noise;
-        GreyRow noisy;
         const int width = src_.width();
+        const Scratch<u16> noise{std::size_t(width)};
+        const Scratch<u8> noisy{std::size_t(width)};
         pixels::RandomGenerator random = random_;
         random.skip(u32(y) * u32(width));
         random.fill(noise.data(), width);
@@ -47,8 +48,8 @@ private:
     pixels::RandomGenerator random_;
 };
 
-// Rows that do not count are zero.
-template <int kCount> void averageRows(GreyRows greys, const Bgra* from, Bgra* to, int width)
+// to[x] = the mean of kCount of the three rows; the others are zero.
+template <int kCount> void averageRows(RowsAround greys, const Bgra* from, Bgra* to, int width)
 {
     pixels::widest([=] {
         pixels::mapColumns(from, to, 0, width, [=](int x, Bgra p) {
@@ -59,27 +60,23 @@ template <int kCount> void averageRows(GreyRows greys, const Bgra* from, Bgra* t
 
 i32 noisyBlackAndWhite(const Frame& f)
 {
-    static constexpr GreyRow kNothing{};
     const NoisyGrey noisy(f.src, pixels::threadRandom());
     pixels::threadRandom().skip(u32(f.dst.width()) * u32(f.dst.height()));
+    const int width = f.dst.width();
     const int height = f.dst.height();
-    rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
-        std::array<GreyRow, 3> held;
-        const auto make = [&](int y) -> const u8* {
-            if (y < 0 || y >= height)
-                return kNothing.data();
-            u8* const to = held[std::size_t(y % 3)].data();
+    const auto make = [&](int y, u8* to) {
+        if (y < 0 || y >= height)
+            std::fill_n(to, width, u8(0));
+        else
             noisy.makeRow(y, to);
-            return to;
-        };
-        GreyRows greys{nullptr, make(top - 1), make(top)};
-        for (int y = top; y < end; ++y) {
-            greys = {greys.row, greys.above, make(y + 1)};
-            const int count = 1 + (y > 0) + (y < height - 1);
-            const auto average = count == 3 ? averageRows<3> : count == 2 ? averageRows<2> : averageRows<1>;
-            average(greys, f.src.row(y).data(), f.dst.row(y).data(), f.dst.width());
-        }
-    });
+    };
+    const auto draw = [&](int y, RowsAround greys) {
+        const int count = 1 + (y > 0) + (y < height - 1);
+        const auto average = count == 3 ? averageRows<3> : count == 2 ? averageRows<2> : averageRows<1>;
+        average(greys, f.src.row(y).data(), f.dst.row(y).data(), width);
+    };
+    rows::anyOrderRuns(
+        f.dst.extent(), [&](int top, int end) { pixels::eachMadeRow(top, end, width, make, draw); });
     return kAmOk;
 }
 

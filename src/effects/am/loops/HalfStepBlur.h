@@ -51,11 +51,10 @@ void HalfStepBlur::averageAcross(int top, int end, auto& take) const
     const int height = src_.height();
     const Sums sums(width * 4);
     startSums(top, sums);
-    const pixels::Scratch<pixels::Bgra> spare(width * 3);
-    const pixels::View spareRows(reinterpret_cast<u8*>(spare.data()), {width, 3});
-    pixels::View even = spareRows.rows(0, 1);
-    pixels::View next = spareRows.rows(1, 2);
-    const pixels::View odd = spareRows.rows(2, 3);
+    const SpareRow spare[] = {SpareRow(width), SpareRow(width), SpareRow(width)};
+    pixels::View even = spare[0].view();
+    pixels::View next = spare[1].view();
+    const pixels::View odd = spare[2].view();
     meanRow(top, sums, even.row(0).data());
     for (int y = top; y < end; y += 2) {
         const bool hasNext = y + 2 < height;

@@ -1,15 +1,15 @@
-// Loops over grey rows.
+// Greys of a row, and the pencil's lines among them.
 #include "effects/am/loops/pencil.h"
 
 #include "effects/am/library/amScratch.h"
-#include "pixels/columns.h"
 
 namespace KEXSDK::am {
 
-void greyOut(const pixels::Bgra* from, u8* to, int width)
+void GreyMaker::operator()(int y, u8* to) const
 {
-    pixels::widest(
-        [=] { pixels::eachIndex(0, width, [=](int x) { to[x] = u8(y4(pixels::load(from + x))); }); });
+    pixels::widest([=, from = src.row(y).data(), width = src.width()] {
+        pixels::eachIndex(0, width, [=](int x) { to[x] = u8(y4(pixels::load(from + x))); });
+    });
 }
 
 const u32* dodgeReciprocals(AmEffectParams& block)
@@ -22,10 +22,10 @@ const u32* dodgeReciprocals(AmEffectParams& block)
     return table;
 }
 
-void drawWithPencil(GreyRows greys, const u32* reciprocals, u8* to, int width)
+void drawWithPencil(pixels::RowsAround greys, const u32* reciprocals, u8* to, int width)
 {
-    GreyRow largest;
-    largestOfNine<1>(greys, largest.data(), width);
+    const pixels::Scratch<u8> largest{std::size_t(width)};
+    pixels::largestOfNine(greys, 1, largest.data(), width);
     pixels::widest([=, most = largest.data()] {
         pixels::eachIndex(1, width - 1,
             [=](int x) { to[x] = u8(std::min(reciprocals[most[x]] * greys.row[x] >> 16, 255u)); });

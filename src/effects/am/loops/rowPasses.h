@@ -3,16 +3,18 @@
 
 #include "effects/am/library/amFrame.h"
 #include "pixels/ByteTables.h"
+#include "pixels/Scratch.h"
 
 namespace KEXSDK::am {
 
-/// One row of pixels, for what a pass leaves to the next one.
+/// One row of pixels, for what a pass leaves to the next one. A variable of a function, as Scratch is.
 class SpareRow {
 public:
-    pixels::View view(int width) { return {reinterpret_cast<u8*>(pixels_.data()), {width, 1}}; }
+    explicit SpareRow(int width) : pixels_(std::size_t(width)) { }
+    pixels::View view() const { return {reinterpret_cast<u8*>(pixels_.data()), {int(pixels_.size()), 1}}; }
 
 private:
-    std::array<pixels::Bgra, kMaxExtent> pixels_;
+    pixels::Scratch<pixels::Bgra> pixels_;
 };
 
 /// Every pixel through the kernel, then every channel of the outcome through its table.
