@@ -15,7 +15,7 @@ using testing::Each;
 
 class TransitionNode : public test::TransitionFixture { };
 
-TEST_F(TransitionNode, TheTableHolds63DifferentTransitions)
+TEST_F(TransitionNode, TheTableHoldsDifferentTransitionsAtThePlacesThatHostsKnow)
 {
     std::set<std::string> guids;
     std::set<TransitionFunc*> functions;
@@ -23,9 +23,9 @@ TEST_F(TransitionNode, TheTableHolds63DifferentTransitions)
         guids.insert(entry.guid);
         functions.insert(entry.algorithm);
     }
-    EXPECT_EQ(transitionTable.size(), 63u);
-    EXPECT_EQ(guids.size(), 63u);
-    EXPECT_EQ(functions.size(), 63u);
+    ASSERT_GE(transitionTable.size(), 63u);
+    EXPECT_EQ(guids.size(), transitionTable.size());
+    EXPECT_EQ(functions.size(), transitionTable.size());
     EXPECT_STREQ(transitionTable[36].name, "Twrl");
     EXPECT_STREQ(transitionTable[62].guid, "0FBDABAD-9BC5-42e7-9596-EC20AC763806");
 }
@@ -50,7 +50,7 @@ TEST_F(TransitionNode, GuidsMatchByteByByteAlsoTheOneThatIsADigitShort)
 TEST_F(TransitionNode, ToolsSeeTheTableRowsWithTheirFacts)
 {
     const auto infos = transitionInfos();
-    ASSERT_EQ(infos.size(), 63u);
+    ASSERT_EQ(infos.size(), transitionTable.size());
     std::set<std::string> random;
     for (std::size_t i = 0; i < infos.size(); ++i) {
         EXPECT_EQ(infos[i].guid, transitionTable[i].guid);
