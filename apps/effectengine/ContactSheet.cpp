@@ -1,9 +1,9 @@
 // Drawing of tiles and labels, with the small font of the stb library, which needs no font file.
 #include "effectengine/ContactSheet.h"
 
-#include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/pictureFiles.h"
+#include "pictures/PictureCodecs.h"
 
 #include <stb/stb_easy_font.h>
 

@@ -1,10 +1,10 @@
 // Checks, loading and saving of picture files through the engine's codecs, which need no graphics system.
 #include "effectengine/pictureFiles.h"
 
-#include "EffectTovOgre/PictureCodecs.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "host/imageView.h"
+#include "pictures/PictureCodecs.h"
 
 #include <unistd.h>
 

@@ -1,53 +1,36 @@
-// The graphics system behind the render thread: OGRE's environment, its image type and the picture codecs.
+// The graphics system behind the render thread: OGRE's environment, and the picture codecs.
 #include "EffectTovOgre/GraphicsSystem.h"
-#include "EffectTovOgre/PictureCodecs.h"
-#include "EffectTovOgre/PixelFormats.h"
 #include "EffectTovOgre/ResourceFiles.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "core/DynClass.h"
+#include "pictures/PictureCodecs.h"
 
-#include <OgreImage.h>
-
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace {
 
-class OgreSharedImage : public SharedImage {
+/// A decoded picture, as the decoder leaves it.
+class DecodedImage : public SharedImage {
 public:
-    bool hasData() const override { return image_.getData() != nullptr; }
-    u32 width() const override { return hasData() ? image_.getWidth() : 0; }
-    u32 height() const override { return hasData() ? image_.getHeight() : 0; }
-    KEXSDK::RecordFormat format() const override
-    {
-        return KEXSDK::RecordFormat(recordNumber(image_.getFormat()));
-    }
-    u32 bitsPerPixel() const override { return image_.getBPP(); }
+    bool hasData() const override { return picture_.pixels != nullptr; }
+    u32 width() const override { return picture_.width; }
+    u32 height() const override { return picture_.height; }
+    KEXSDK::RecordFormat format() const override { return KEXSDK::RecordFormat::A8R8G8B8; }
+    u32 bitsPerPixel() const override { return 32; }
     std::span<const u8> bytes() const override
     {
-        return hasData() ? std::span<const u8>(image_.getData(), image_.getSize()) : std::span<const u8>{};
+        return {picture_.pixels.get(), hasData() ? std::size_t{width()} * height() * 4 : 0};
     }
+    bool scale(u32 width, u32 height) override { return pictures::scale(picture_, width, height); }
+    void freeMemory() override { picture_ = {}; }
 
-    bool scale(u32 width, u32 height) override
-    {
-        if (!hasData() || width == 0 || height == 0 || width > 0xFFFF || height > 0xFFFF)
-            return false;
-        image_.resize(Ogre::ushort(width), Ogre::ushort(height), Ogre::Image::FILTER_BILINEAR);
-        return true;
-    }
-
-    void freeMemory() override { image_.freeMemory(); }
-
-    void assign(const pictures::Decoded& picture)
-    {
-        image_.create(ogreFormat(KEXSDK::RecordFormat::A8R8G8B8), picture.width, picture.height);
-        std::memcpy(image_.getData(), picture.pixels.get(), image_.getSize());
-    }
+    void assign(pictures::Decoded&& picture) { picture_ = std::move(picture); }
 
 private:
-    Ogre::Image image_;
+    pictures::Decoded picture_;
 };
 
 /// The resource of that name; null when there is none.
@@ -115,21 +98,19 @@ private:
         try {
             if (const auto file = open(path))
                 picture = pictures::decode(*file);
-            if (picture.outcome == pictures::Decoded::Outcome::picture)
-                image_.assign(picture);
         } catch (const std::exception&) { // out of memory, or a resource that went away
-            image_.freeMemory();
-            picture.outcome = pictures::Decoded::Outcome::unreadable;
         }
         if (picture.outcome == pictures::Decoded::Outcome::tooLarge)
             log("The picture " + path + " is too large: " + std::to_string(picture.width) + " x "
                 + std::to_string(picture.height) + " pixels.");
         else if (picture.outcome == pictures::Decoded::Outcome::unreadable)
             log("The resouce: " + path + "not be add to resource group or path is not right!");
+        else
+            image_.assign(std::move(picture));
     }
 
     std::unique_ptr<TovOgreBase> environment_;
-    OgreSharedImage image_; // after the environment: an image goes before OGRE does
+    DecodedImage image_;
 };
 
 } // namespace

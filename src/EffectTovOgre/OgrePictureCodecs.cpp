@@ -1,8 +1,8 @@
 // One codec per file suffix over the one decoder, which tells the kinds apart by their bytes.
 #include "EffectTovOgre/OgrePictureCodecs.h"
 
-#include "EffectTovOgre/PictureCodecs.h"
 #include "EffectTovOgre/PixelFormats.h"
+#include "pictures/PictureCodecs.h"
 
 #include <OgreDataStream.h>
 #include <OgreException.h>

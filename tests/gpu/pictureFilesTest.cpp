@@ -1,6 +1,6 @@
 // Picture files through the render thread and OGRE: what is saved comes back, and nothing else comes in.
-#include "EffectTovOgre/PictureCodecs.h"
 #include "gpu/OgreTest.h"
+#include "pictures/PictureCodecs.h"
 
 #include <jpeglib.h>
 #include <malloc.h>

@@ -1,7 +1,7 @@
 // Textures of the numeric effect library: pictures that the engine finds by their names.
-#include "EffectTovOgre/PictureCodecs.h"
 #include "gpu/OgreTest.h"
 #include "host/Host.h"
+#include "pictures/PictureCodecs.h"
 #include "pixels/View.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Particle scenes: whatever way a host takes to a frame, it sees the same picture; attributes by name.
-#include "EffectTovOgre/PictureCodecs.h"
 #include "particles/attributePath.h"
+#include "pictures/PictureCodecs.h"
 #include "shader/ShaderEngine.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Metadata of photographs: read from files of other programs, and written for libjpeg and libpng to read.
 #include "host/photoMetadata.h"
 
-#include "EffectTovOgre/PictureCodecs.h"
 #include "host/exif.h"
+#include "pictures/PictureCodecs.h"
 
 #include <gtest/gtest.h>
 #include <jpeglib.h>

@@ -1,8 +1,8 @@
 // Scaling down by averages of square blocks, and the JPEG file.
 #include "effectengine/gallery/Strip.h"
 
-#include "EffectTovOgre/JpegCodec.h"
 #include "effectengine/PartialFile.h"
+#include "pictures/JpegCodec.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 // and never hands out memory that a damaged file left unwritten.
 #pragma once
 
-#include "EffectTovOgre/PictureCodecs.h"
+#include "pictures/PictureCodecs.h"
 
 namespace pictures {
 

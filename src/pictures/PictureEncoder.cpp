@@ -1,6 +1,6 @@
 // Writing picture files: PNG through its library, BMP and TGA directly.
-#include "EffectTovOgre/JpegCodec.h"
-#include "EffectTovOgre/PictureCodecs.h"
+#include "pictures/JpegCodec.h"
+#include "pictures/PictureCodecs.h"
 #include "platform/files.h"
 
 #include <fcntl.h>

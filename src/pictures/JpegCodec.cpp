@@ -1,5 +1,5 @@
 // JPEG in both directions.
-#include "EffectTovOgre/JpegCodec.h"
+#include "pictures/JpegCodec.h"
 
 #include <jerror.h>
 #include <jpeglib.h>

@@ -1,6 +1,6 @@
 // Reading picture files: JPEG through its own library, the other kinds through the system's stb library.
-#include "EffectTovOgre/JpegCodec.h"
-#include "EffectTovOgre/PictureCodecs.h"
+#include "pictures/JpegCodec.h"
+#include "pictures/PictureCodecs.h"
 
 #include <stb_image.h>
 
