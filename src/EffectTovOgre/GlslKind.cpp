@@ -2,7 +2,7 @@
 #define GL_GLEXT_PROTOTYPES
 #include "EffectTovOgre/GlslKind.h"
 
-#include "EffectTovOgre/ShaderParameter.h"
+#include "graphics/ShaderParameter.h"
 
 #include <GL/gl.h>
 #include <GL/glext.h>

@@ -1,8 +1,8 @@
 // A trial link of a pair of programs, and the way from values to the uniforms of a program in use.
 #pragma once
 
-#include "EffectTovOgre/ShaderParameter.h"
 #include "core/Types.h"
+#include "graphics/ShaderParameter.h"
 
 #include <span>
 #include <string>

@@ -1,8 +1,9 @@
 // The graphics system behind the render thread: OGRE's environment, and the picture codecs.
-#include "EffectTovOgre/GraphicsSystem.h"
+#include "EffectTovOgre/RenderThreadState.h"
 #include "EffectTovOgre/ResourceFiles.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "core/DynClass.h"
+#include "graphics/GraphicsSystem.h"
 #include "pictures/PictureCodecs.h"
 
 #include <filesystem>
@@ -115,4 +116,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<GraphicsSystem> makeOgreGraphicsSystem() { return std::make_unique<OgreGraphicsSystem>(); }
+std::unique_ptr<GraphicsSystem> renderThread::makeOgreGraphicsSystem()
+{
+    return std::make_unique<OgreGraphicsSystem>();
+}

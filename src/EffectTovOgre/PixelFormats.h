@@ -2,8 +2,7 @@
 // versions, its names do not.
 #pragma once
 
-#include "core/Types.h"
-#include "model/ImageParam.h"
+#include "graphics/ImageParam.h"
 
 #include <OgrePixelFormat.h>
 
@@ -19,20 +18,4 @@ inline Ogre::PixelFormat ogreFormat(KEXSDK::RecordFormat format)
         return Ogre::PF_R8G8B8A8;
     }
     return Ogre::PF_UNKNOWN;
-}
-
-/// The number for an image record; 0 for a format that no record can have.
-inline u32 recordNumber(Ogre::PixelFormat format)
-{
-    using enum KEXSDK::RecordFormat;
-    switch (format) {
-    case Ogre::PF_A8R8G8B8:
-        return u32(A8R8G8B8);
-    case Ogre::PF_A8B8G8R8:
-        return u32(A8B8G8R8);
-    case Ogre::PF_R8G8B8A8:
-        return u32(R8G8B8A8);
-    default:
-        return 0;
-    }
 }

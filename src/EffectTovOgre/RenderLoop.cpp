@@ -1,7 +1,7 @@
 // The render thread's side: starts the graphics system and carries out requests, one after the other.
 #include "EffectTovOgre/RenderThreadState.h"
-#include "EffectTovOgre/TovEffectBase.h"
 #include "EffectTovOgre/TovOgreBase.h"
+#include "graphics/TovEffectBase.h"
 
 #include <algorithm>
 #include <exception>

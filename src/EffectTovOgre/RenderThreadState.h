@@ -1,8 +1,8 @@
 // What requesting threads and the render thread share: one slot for one request, and an event each way.
 #pragma once
 
-#include "EffectTovOgre/GraphicsSystem.h"
 #include "core/Types.h"
+#include "graphics/GraphicsSystem.h"
 #include "platform/CriticalSection.h"
 #include "platform/Event.h"
 
@@ -73,6 +73,9 @@ struct Process {
 };
 
 Process& process();
+
+/// The system that draws with OGRE and OpenGL.
+std::unique_ptr<GraphicsSystem> makeOgreGraphicsSystem();
 
 struct ThreadParameters {
     std::string resourceDirectory;

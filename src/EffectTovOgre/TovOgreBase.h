@@ -2,9 +2,9 @@
 #pragma once
 
 #include "EffectTovOgre/GlslLink.h"
-#include "EffectTovOgre/GraphicsSystem.h"
 #include "EffectTovOgre/OgrePictureCodecs.h"
 #include "core/Types.h"
+#include "graphics/GraphicsSystem.h"
 
 #include <map>
 #include <memory>

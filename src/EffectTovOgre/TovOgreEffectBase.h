@@ -2,9 +2,9 @@
 #pragma once
 
 #include "EffectTovOgre/MyRandomValueProvider.h"
-#include "EffectTovOgre/TovEffectBase.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "EffectTovOgre/TovOgrePicturePlane.h"
+#include "graphics/TovEffectBase.h"
 
 #include <OgreFrameListener.h>
 #include <OgreQuaternion.h>
@@ -29,25 +29,30 @@ public:
     void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
     void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) override;
     ShaderParameters* getShaderParameters() override;
+    void setShaderParameters(const ShaderParameters& parameters) override;
     /// Direct at first, which is the faster one where memory is shared.
     void setReadBackMode(ReadBackMode mode) override;
     void setPictureOnly(bool pictureOnly) override { pictureOnly_ = pictureOnly; }
     void setShaderSource(const char* text, bool isFragment, bool isSourceText) override;
 
-    void setParam(u32 programType, const char* name, const Ogre::ColourValue& value) override;
-    void setIntArrayParam(
-        u32 programType, const char* name, const i32* values, u32 count, u32 multiple) override;
-    void setDoubleArrayParam(
-        u32 programType, const char* name, const double* values, u32 count, u32 multiple) override;
-    void setFloatArrayParam(
-        u32 programType, const char* name, const float* values, u32 count, u32 multiple) override;
-    void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count) override;
-    void setParam(u32 programType, const char* name, const Ogre::Matrix4& value) override;
-    void setParam(u32 programType, const char* name, const Ogre::Vector2& value) override;
-    void setParam(u32 programType, const char* name, const Ogre::Vector3& value) override;
-    void setParam(u32 programType, const char* name, const Ogre::Vector4& value) override;
-    void setFloatParam(u32 programType, const char* name, float value) override;
-    void setIntParam(u32 programType, const char* name, i32 value) override;
+    // Values of uniforms by name. A value is converted to the type that the program declares; a name that it
+    // lacks is skipped. Arrays stay the caller's and are read by every render.
+
+    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value);
+    /// @param count, multiple  elements, and values per element
+    virtual void setIntArrayParam(
+        u32 programType, const char* name, const i32* values, u32 count, u32 multiple);
+    virtual void setDoubleArrayParam(
+        u32 programType, const char* name, const double* values, u32 count, u32 multiple);
+    virtual void setFloatArrayParam(
+        u32 programType, const char* name, const float* values, u32 count, u32 multiple);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value);
+    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value);
+    virtual void setFloatParam(u32 programType, const char* name, float value);
+    virtual void setIntParam(u32 programType, const char* name, i32 value);
 
 protected:
     virtual void createSceneNodes();

@@ -16,6 +16,28 @@ void TovOgreEffectBase::setShaderSource(const char* text, bool isFragment, bool 
         program.reset();
 }
 
+void TovOgreEffectBase::setShaderParameters(const ShaderParameters& parameters)
+{
+    TovEffectBase::setShaderParameters(parameters);
+    for (const ShaderParameter& parameter : shaderParameters_) {
+        const char* const name = parameter.name.c_str();
+        const void* const data = parameter.data.data();
+        switch (parameter.baseType) {
+        case ShaderParameter::integer:
+            setIntArrayParam(parameter.programType, name, static_cast<const i32*>(data), parameter.arraySize,
+                parameter.valuesPerElement);
+            break;
+        case ShaderParameter::real:
+            setFloatArrayParam(parameter.programType, name, static_cast<const float*>(data),
+                parameter.arraySize, parameter.valuesPerElement);
+            break;
+        default:
+            setDoubleArrayParam(parameter.programType, name, static_cast<const double*>(data),
+                parameter.arraySize, parameter.valuesPerElement);
+        }
+    }
+}
+
 template <class T> void TovOgreEffectBase::store(u32 programType, const char* name, T value)
 {
     std::get<Values<T>>(values_).insert_or_assign({programType, name}, value);

@@ -1,41 +1,12 @@
 // The thread that does all GPU work and all picture file work, one request at a time.
 #pragma once
 
-#include "EffectTovOgre/GraphicsSystem.h"
 #include "core/Types.h"
-#include "platform/CriticalSection.h"
+#include "graphics/GraphicsService.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
-
-/// The shared image after a load request. While a LoadedImage lives nobody else's request can overwrite the
-/// image: copy what you need and let it go, on the thread that loaded it. That thread's own requests are
-/// refused meanwhile.
-class LoadedImage {
-public:
-    LoadedImage() = default;
-    LoadedImage(LoadedImage&& other) noexcept
-        : lock_(std::move(other.lock_)),
-          image_(std::exchange(other.image_, nullptr))
-    {
-    }
-    LoadedImage& operator=(LoadedImage&&) = delete;
-
-    /// False when there is no render thread that could load. True says nothing about the file: ask hasData().
-    explicit operator bool() const { return image_ != nullptr; }
-    SharedImage* operator->() const { return image_; }
-    SharedImage& operator*() const { return *image_; }
-
-private:
-    friend class TovOgreRenderThread;
-    LoadedImage(MyCSingleLock&& lock, SharedImage* image) : lock_(std::move(lock)), image_(image) { }
-
-    std::optional<MyCSingleLock> lock_;
-    SharedImage* image_ = nullptr;
-};
 
 /// Requests block until the render thread has done them. Any thread may make them; those of two threads come
 /// one after the other. Without a running thread (failed start, ended by itself, shut down), on the render

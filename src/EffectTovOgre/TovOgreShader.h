@@ -2,7 +2,7 @@
 #pragma once
 
 #include "EffectTovOgre/GlslLink.h"
-#include "EffectTovOgre/ShaderParameter.h"
+#include "graphics/ShaderParameter.h"
 
 #include <OgreColourValue.h>
 #include <OgreGpuProgramParams.h>

@@ -1,8 +1,7 @@
 // Image memory, row order, picture files.
 #include "model/CEffectImage.h"
 
-#include "EffectTovOgre/GraphicsSystem.h"
-#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "graphics/GraphicsService.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,7 +27,7 @@ CEffectImage::~CEffectImage() = default;
 
 std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 width, u32 height)
 {
-    auto picture = TovOgreRenderThread::getInstance().loadImage(path);
+    auto picture = graphics().loadImage(path);
     if (!picture || !picture->hasData() || !picture->scale(width, height))
         return nullptr;
     auto image = std::make_unique<CEffectImage>(width, height, 1, picture->bitsPerPixel(), nullptr);
@@ -42,10 +41,9 @@ std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 w
 
 bool CEffectImage::saveToFile(const char* path)
 {
-    TovOgreRenderThread& renderThread = TovOgreRenderThread::getInstance();
-    renderThread.readBack(record_.get());
+    graphics().readBack(*record_);
     reverseRows();
-    const bool saved = renderThread.saveImage(path, pixels(), width(), height());
+    const bool saved = graphics().saveImage(path, pixels(), width(), height());
     reverseRows();
     return saved;
 }

@@ -1,7 +1,7 @@
 // The engine's one image type: host pictures, node outputs and GPU results.
 #pragma once
 
-#include "model/ImageParam.h"
+#include "graphics/ImageParam.h"
 #include "pixels/View.h"
 
 #include <memory>
@@ -21,12 +21,12 @@ public:
     CEffectImage& operator=(const CEffectImage&) = delete;
     virtual ~CEffectImage();
 
-    /// Decodes a picture file through the render thread and scales it to width x height (bilinear).
+    /// Decodes a picture file through the graphics system and scales it to width x height (bilinear).
     /// @return null when the file cannot be read or decoded, or pictures cannot be loaded at all
     static std::unique_ptr<CEffectImage> loadFromFile(const char* path, u32 width, u32 height);
 
     /// Encodes the picture into a file of the kind that the path's extension names.
-    /// @return whether the file was written; the failure itself is in the rendering library's log
+    /// @return whether the file was written; the failure itself is in the graphics system's log
     bool saveToFile(const char* path);
 
     /// Swaps the rows top to bottom.

@@ -1,9 +1,9 @@
 // A graphics system without a GPU: it keeps a diary, and can be told to fail.
 #pragma once
 
-#include "EffectTovOgre/GraphicsSystem.h"
-#include "EffectTovOgre/TovEffectBase.h"
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "graphics/GraphicsSystem.h"
+#include "graphics/TovEffectBase.h"
 
 #include <atomic>
 #include <functional>
@@ -84,17 +84,6 @@ public:
     void setReadBackMode(ReadBackMode) override { }
     void setPictureOnly(bool) override { }
     void setShaderSource(const char*, bool, bool) override { }
-    void setParam(u32, const char*, const Ogre::ColourValue&) override { }
-    void setIntArrayParam(u32, const char*, const i32*, u32, u32) override { }
-    void setDoubleArrayParam(u32, const char*, const double*, u32, u32) override { }
-    void setFloatArrayParam(u32, const char*, const float*, u32, u32) override { }
-    void setParam(u32, const char*, const Ogre::Matrix4*, u32) override { }
-    void setParam(u32, const char*, const Ogre::Matrix4&) override { }
-    void setParam(u32, const char*, const Ogre::Vector2&) override { }
-    void setParam(u32, const char*, const Ogre::Vector3&) override { }
-    void setParam(u32, const char*, const Ogre::Vector4&) override { }
-    void setFloatParam(u32, const char*, float) override { }
-    void setIntParam(u32, const char*, i32) override { }
 
     KEXSDK::_ImageParam record_;
 

@@ -1,7 +1,8 @@
 // What tests that draw share: a render thread on the real graphics system, and pictures.
 #pragma once
 
-#include "EffectTovOgre/GpuEffect.h"
+#include "EffectTovOgre/TovOgreEffectBase.h"
+#include "effects/gpu/GpuEffect.h"
 #include "gpu/OgreTest.h"
 
 #include <algorithm>
@@ -53,6 +54,12 @@ protected:
         effect->setSize(width, height);
         effect->setShaderSource(source, true, true);
         return effect;
+    }
+
+    /// What only the class over OGRE has.
+    static TovOgreEffectBase& ogre(const GpuEffect& effect)
+    {
+        return dynamic_cast<TovOgreEffectBase&>(*effect.get());
     }
 
     TovOgreRenderThread thread_;

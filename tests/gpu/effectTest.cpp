@@ -37,7 +37,7 @@ TEST_F(EffectTest, ProgramsSeeEveryInputUnderItsIndex)
     Picture target(64, 48);
     const char* const samplers[] = {"mSample0", "mSample1", "mSample2"};
     for (i32 i = 0; i < 3; ++i)
-        effect->setIntParam(ShaderParameter::fragment, samplers[i], i);
+        ogre(effect).setIntParam(ShaderParameter::fragment, samplers[i], i);
     effect->setInput(first->record(), 0);
     effect->setInput(third->record(), 2);
     ASSERT_TRUE(effect.draw(target));
@@ -174,8 +174,8 @@ TEST_F(EffectTest, UniformsOfEveryTypeTakeTheirValues)
     two.insert(two.end(), unit.begin(), unit.end());
     set("ma", two);
     effect->setShaderParameters(*uniforms);
-    effect->setFloatParam(ShaderParameter::fragment, "noSuchName", 1);
-    effect->setIntParam(ShaderParameter::vertex, "i", 1); // the default program is never changed
+    ogre(effect).setFloatParam(ShaderParameter::fragment, "noSuchName", 1);
+    ogre(effect).setIntParam(ShaderParameter::vertex, "i", 1); // the default program is never changed
     Picture target(8, 8);
     const auto input = Picture::plain(8, 8, {0, 0, 0, 0});
     effect->setInput(input->record(), 0);
@@ -194,7 +194,7 @@ TEST_F(EffectTest, ProgramsAreSharedAndTheirValuesAreNot)
     for (const float level : {0.2f, 0.6f}) {
         GpuEffect& effect = effects[level > 0.5f];
         effect->setInput(input->record(), 0);
-        effect->setFloatParam(ShaderParameter::fragment, "level", level);
+        ogre(effect).setFloatParam(ShaderParameter::fragment, "level", level);
     }
     ASSERT_TRUE(effects[1].draw(target));
     EXPECT_EQ(int(target.pixel(0, 0)[0]), 153);
@@ -353,7 +353,7 @@ TEST_F(EffectTest, AnEffectOutlivesItsThreadUnharmed)
     ASSERT_TRUE(effect.draw(target));
     thread_.shutdown();
     effect->setSize(9, 9);
-    effect->setFloatParam(ShaderParameter::fragment, "x", 1);
+    ogre(effect).setFloatParam(ShaderParameter::fragment, "x", 1);
     EXPECT_EQ(effect->getShaderParameters(), nullptr);
     EXPECT_FALSE(effect.draw(target));
     // Nor does it get into the way of the next thread's effects.

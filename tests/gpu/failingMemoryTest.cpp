@@ -25,7 +25,7 @@ protected:
     {
         effect->setInput(input_->record(), 0);
         effect->setInput(second_->record(), 1);
-        effect->setIntParam(ShaderParameter::fragment, "mSample1", 1);
+        ogre(effect).setIntParam(ShaderParameter::fragment, "mSample1", 1);
         if (ShaderParameters* const uniforms = effect->getShaderParameters())
             effect->setShaderParameters(*uniforms);
         return effect.draw(target);

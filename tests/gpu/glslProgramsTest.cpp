@@ -272,9 +272,9 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
     GpuEffect effect = effectOf(4, 4,
         "#version 130\nin vec2 textureCoord; uniform sampler2D mSample0; uniform sampler3D cube;"
         "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }");
-    effect->setIntParam(ShaderParameter::fragment, "cube", 0);
+    ogre(effect).setIntParam(ShaderParameter::fragment, "cube", 0);
     EXPECT_EQ(draw(effect), -1);
-    effect->setIntParam(ShaderParameter::fragment, "cube", 1);
+    ogre(effect).setIntParam(ShaderParameter::fragment, "cube", 1);
     EXPECT_EQ(draw(effect), 60);
 }
 
@@ -294,9 +294,9 @@ TEST_F(GlslProgramsTest, UniformsOfBothProgramsAreListedWhereTheyAreUsed)
         listed.emplace_back(uniform.programType, uniform.name);
     EXPECT_EQ(listed,
         (std::vector<std::pair<u32, std::string>>{{0, "common"}, {0, "shift"}, {1, "common"}, {1, "mine"}}));
-    effect->setFloatParam(ShaderParameter::vertex, "common", 1);
-    effect->setFloatParam(ShaderParameter::vertex, "shift", 3);
-    effect->setFloatParam(ShaderParameter::fragment, "mine", 2);
+    ogre(effect).setFloatParam(ShaderParameter::vertex, "common", 1);
+    ogre(effect).setFloatParam(ShaderParameter::vertex, "shift", 3);
+    ogre(effect).setFloatParam(ShaderParameter::fragment, "mine", 2);
     EXPECT_EQ(draw(effect), 0) << effect->problem();
 }
 

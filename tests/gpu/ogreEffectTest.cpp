@@ -1,5 +1,4 @@
 // What only hosts of OGRE itself call: values in its types, and the way back through a buffer of OpenGL's.
-#include "EffectTovOgre/TovOgreEffectBase.h"
 #include "gpu/GpuEffectTest.h"
 
 #include <OgreMatrix4.h>
@@ -8,13 +7,7 @@ namespace {
 
 using test::Picture;
 
-class OgreEffectTest : public test::GpuEffectTest {
-protected:
-    static TovOgreEffectBase& ogre(GpuEffect& effect)
-    {
-        return dynamic_cast<TovOgreEffectBase&>(*effect.operator->());
-    }
-};
+using OgreEffectTest = test::GpuEffectTest;
 
 TEST_F(OgreEffectTest, ValuesInOgresTypesArrive)
 {

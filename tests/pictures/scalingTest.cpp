@@ -32,8 +32,8 @@ TEST(PictureScaling, GivesTheBytesOfOgresBilinearFilter)
             std::ranges::copy(source, picture.pixels.get());
             ASSERT_TRUE(pictures::scale(picture, width, height));
             std::vector<u8> expected(std::size_t{width} * height * 4);
-            Ogre::Image::scale(Ogre::PixelBox(fromWidth, fromHeight, 1, Ogre::PF_A8R8G8B8,
-                                   const_cast<u8*>(source.data())),
+            Ogre::Image::scale(
+                Ogre::PixelBox(fromWidth, fromHeight, 1, Ogre::PF_A8R8G8B8, const_cast<u8*>(source.data())),
                 Ogre::PixelBox(width, height, 1, Ogre::PF_A8R8G8B8, expected.data()),
                 Ogre::Image::FILTER_BILINEAR);
             EXPECT_TRUE(std::ranges::equal(expected, std::span(picture.pixels.get(), expected.size())))

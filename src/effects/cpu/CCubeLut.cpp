@@ -1,12 +1,12 @@
 // Recolours a picture through a three-dimensional lookup table from a file.
-#include "EffectTovOgre/GpuEffect.h"
-#include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "effects/gpu/GpuEffect.h"
 #include "effects/gpu/uniforms.h"
 #include "effects/lut/LutFile.h"
 #include "effects/lut/LutTable.h"
 #include "effects/lut/lutShader.h"
 #include "effects/lut/lutTiles.h"
+#include "graphics/GraphicsService.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"
@@ -68,7 +68,7 @@ private:
     {
         const lut::TileLayout* const layout = lut::tileLayoutOf(table_.size());
         const CEffectImage* const source = getInputImage(0);
-        if (!layout || !source || !gpuAvailable())
+        if (!layout || !source || !graphics().available())
             return false;
         if (lookup_.pixels.empty())
             prepareGpu(*layout);

@@ -1,12 +1,12 @@
 // Photographic adjustment: white balance, tone and vignette, then local contrast, sharpness, lens and glow.
-#include "EffectTovOgre/GpuEffect.h"
-#include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "effects/gpu/GpuEffect.h"
 #include "effects/gpu/uniforms.h"
 #include "effects/lightroom/ColourSteps.h"
 #include "effects/lightroom/HazeRemoval.h"
 #include "effects/lightroom/colourShader.h"
 #include "effects/lightroom/detail.h"
+#include "graphics/GraphicsService.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"
@@ -95,16 +95,15 @@ public:
             return;
         gpu_->setShaderSource(lightroom::kColourShader, true, true);
         gpu_->setSize(width(), height());
-        const auto& driver = gpuCapabilities().driver;
-        TovOgreRenderThread::log("GL version is: " + std::to_string(driver.major) + "."
-            + std::to_string(driver.minor) + "." + std::to_string(driver.release) + "."
-            + std::to_string(driver.build));
+        const auto driver = graphics().capabilities().driver;
+        graphics().log("GL version is: " + std::to_string(driver.major) + "." + std::to_string(driver.minor)
+            + "." + std::to_string(driver.release) + "." + std::to_string(driver.build));
         useCpuColour_ = driver.major < 3 || (driver.major == 3 && driver.minor < 2);
         if (driver.major <= 2)
-            TovOgreRenderThread::log("GL version is too low, Program requires OpenGL 2.0 or higherra. Please "
-                                     "upgrade the driver of your video card!");
+            graphics().log("GL version is too low, Program requires OpenGL 2.0 or higherra. Please "
+                           "upgrade the driver of your video card!");
         else if (useCpuColour_)
-            TovOgreRenderThread::log("Using C algorithm to running!");
+            graphics().log("Using C algorithm to running!");
     }
 
     void run() override
@@ -161,7 +160,7 @@ private:
     /// The colour steps on the GPU. @return false when the CPU has to do them
     bool drawColours()
     {
-        if (useCpuColour_ || get(kColorEnable) == 0 || !gpuAvailable())
+        if (useCpuColour_ || get(kColorEnable) == 0 || !graphics().available())
             return false;
         boundInputs_.bind(*gpu_.get(), *this, inputs());
         setUniforms(*gpu_.get(), *this, kRunTag);

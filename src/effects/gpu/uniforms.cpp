@@ -1,8 +1,8 @@
 // The search for a uniform's parameter, and the copy of its value.
 #include "effects/gpu/uniforms.h"
 
-#include "EffectTovOgre/TovEffectBase.h"
 #include "core/Log.h"
+#include "graphics/TovEffectBase.h"
 
 using KEXSDK::CEffectBaseParam;
 using KEXSDK::ParamType;

@@ -1,9 +1,9 @@
 // From a descriptor file to a drawn frame.
 #include "effects/shader/CSimpleShaderEffect.h"
 
-#include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
 #include "effects/gpu/uniforms.h"
+#include "graphics/GraphicsService.h"
 #include "pixels/numbers.h"
 #include "pixels/sample.h"
 
@@ -64,7 +64,7 @@ CSimpleShaderEffect::CSimpleShaderEffect(u32 width, u32 height, std::string desc
 
 void CSimpleShaderEffect::init()
 {
-    TovOgreRenderThread::getInstance();
+    graphics().start();
     const shader::DescriptorFile file = shader::readDescriptor(descriptorPath_);
     if (!file.descriptor) {
         logging::error(kInitTag,
@@ -106,7 +106,7 @@ void CSimpleShaderEffect::bindTextures()
 
 void CSimpleShaderEffect::run()
 {
-    TovOgreRenderThread::getInstance();
+    graphics().start();
     if (gpu_) {
         boundInputs_.bind(*gpu_.get(), *this, inputs());
         placePicture();
@@ -185,7 +185,8 @@ void CSimpleShaderEffect::reportProblem()
 
 bool CPaticalUniverseEffect::setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value)
 {
-    KEXSDK::CEffectBaseParam* const particles = gpuEffect() ? gpuEffect()->particleParameters() : nullptr;
+    // Effects that can draw particles hold the attributes in a parameter store of their own.
+    auto* const particles = dynamic_cast<KEXSDK::CEffectBaseParam*>(gpuEffect());
     const std::string_view text = name;
     if (text.starts_with('.') || text.starts_with(':'))
         return particles && particles->setParamVariant(name, value);

@@ -1,7 +1,7 @@
 // A filter node around one GPU effect, as a descriptor file describes it.
 #pragma once
 
-#include "EffectTovOgre/GpuEffect.h"
+#include "effects/gpu/GpuEffect.h"
 #include "effects/gpu/uniforms.h"
 #include "effects/shader/ShaderDescriptor.h"
 #include "model/CSimpleEffect.h"

@@ -1,8 +1,8 @@
 // Fuzzer of particle templates: from the text of a script to drawn frames, off-screen.
-#include "EffectTovOgre/TovEffectBase.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "core/DynClass.h"
 #include "fuzz/mutateTemplate.h"
+#include "graphics/TovEffectBase.h"
 
 #include <OgreMaterialManager.h>
 #include <OgreMovableObject.h>
@@ -89,7 +89,7 @@ void draw(const std::string& name)
         } catch (const std::exception&) { // the render thread logs it, and the node copies its input
         }
     }
-    effect->destroyScene();
+    dynamic_cast<LiveEffect&>(*effect).destroyScene();
 }
 
 } // namespace

@@ -1,13 +1,13 @@
-// A node's GPU effect: made and ended by the render thread, set up and drawn through this handle.
+// A node's GPU effect: made and ended by the graphics system, set up and drawn through this handle.
 #pragma once
 
-#include "EffectTovOgre/TovEffectBase.h"
+#include "graphics/TovEffectBase.h"
 #include "model/CEffectImage.h"
 
 #include <memory>
 
-/// Empty when there is no GPU. The effect's scene may end before the handle does, with the render thread; its
-/// set-up calls stay harmless then, and nothing is drawn any more.
+/// Empty when there is no GPU. The effect's scene may end before the handle does, with the graphics system;
+/// its set-up calls stay harmless then, and nothing is drawn any more.
 class GpuEffect {
 public:
     GpuEffect() = default;

@@ -1,5 +1,5 @@
 // Numbers on their way into a uniform's data.
-#include "EffectTovOgre/ShaderParameter.h"
+#include "graphics/ShaderParameter.h"
 
 #include "pixels/numbers.h"
 

@@ -1,11 +1,7 @@
 // Inputs, output record and the other values that a GPU effect keeps between its renders.
-#include "EffectTovOgre/TovEffectBase.h"
+#include "graphics/TovEffectBase.h"
 
-#include "EffectTovOgre/PixelFormats.h"
-#include "EffectTovOgre/TovOgreRenderThread.h"
-#include "model/CEffectBaseParam.h"
-
-#include <OgreTexture.h>
+#include "graphics/GraphicsService.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,11 +21,11 @@ void TovEffectBase::setSize(u32 width, u32 height)
 bool TovEffectBase::loadPicture(const char* path, i32 index)
 {
     if (!path) {
-        TovOgreRenderThread::log("Image path is NULL!");
+        graphics().log("Image path is NULL!");
         return false;
     }
     {
-        const auto picture = TovOgreRenderThread::getInstance().loadResource(path);
+        const auto picture = graphics().loadResource(path);
         if (picture && picture->hasData()) {
             const auto bytes = picture->bytes();
             std::vector<u8>& loaded = loadedPictures_[index];
@@ -41,7 +37,7 @@ bool TovEffectBase::loadPicture(const char* path, i32 index)
         }
     }
     problem_ += (problem_.empty() ? "" : " ") + ("The picture " + std::string(path) + " cannot be loaded.");
-    TovOgreRenderThread::log("Pictrue path is not right or it did not been add to resource group.");
+    graphics().log("Pictrue path is not right or it did not been add to resource group.");
     return false;
 }
 
@@ -53,7 +49,7 @@ void TovEffectBase::setInput(const KEXSDK::_ImageParam* record, i32 index)
         setInputPixels(
             record->pixels, record->width, record->height, index, KEXSDK::RecordFormat(record->format));
     else
-        TovOgreRenderThread::log("Input parameter is NULL!");
+        graphics().log("Input parameter is NULL!");
 }
 
 void TovEffectBase::setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 index)
@@ -61,10 +57,6 @@ void TovEffectBase::setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 
     if (!texture)
         return;
     Input input;
-    input.width = texture->getWidth();
-    input.height = texture->getHeight();
-    input.depth = texture->getDepth();
-    input.format = KEXSDK::RecordFormat(recordNumber(texture->getFormat()));
     input.changed = false;
     input.texture = std::move(texture);
     inputs_[index] = std::move(input);
@@ -94,11 +86,6 @@ void TovEffectBase::removeInput(i32 index)
         removedInputs_.insert(index);
 }
 
-KEXSDK::CEffectBaseParam* TovEffectBase::particleParameters()
-{
-    return dynamic_cast<KEXSDK::CEffectBaseParam*>(this);
-}
-
 void TovEffectBase::setFlipVertical(bool flip) { flip_ = flip; }
 
 bool TovEffectBase::isWindowClosed() { return windowClosed_; }
@@ -108,24 +95,7 @@ void TovEffectBase::setShaderParameters(const ShaderParameters& parameters)
     if (&parameters != &shaderParameters_)
         shaderParameters_ = parameters;
     if (shaderParameters_.empty())
-        TovOgreRenderThread::log("Filter shader parameters is null!");
-    for (const ShaderParameter& parameter : shaderParameters_) {
-        const char* const name = parameter.name.c_str();
-        const void* const data = parameter.data.data();
-        switch (parameter.baseType) {
-        case ShaderParameter::integer:
-            setIntArrayParam(parameter.programType, name, static_cast<const i32*>(data), parameter.arraySize,
-                parameter.valuesPerElement);
-            break;
-        case ShaderParameter::real:
-            setFloatArrayParam(parameter.programType, name, static_cast<const float*>(data),
-                parameter.arraySize, parameter.valuesPerElement);
-            break;
-        default:
-            setDoubleArrayParam(parameter.programType, name, static_cast<const double*>(data),
-                parameter.arraySize, parameter.valuesPerElement);
-        }
-    }
+        graphics().log("Filter shader parameters is null!");
 }
 
 u32 TovEffectBase::getId() { return id_; }

@@ -1,8 +1,8 @@
-// What the render thread needs of a graphics system; nothing here knows which one stands behind it.
+// What the render thread needs of a graphics system: each one is a version of this interface.
 #pragma once
 
 #include "core/Types.h"
-#include "model/ImageParam.h"
+#include "graphics/ImageParam.h"
 
 #include <functional>
 #include <memory>
@@ -72,6 +72,3 @@ public:
 };
 
 using GraphicsSystemFactory = std::function<std::unique_ptr<GraphicsSystem>()>;
-
-/// The system that draws with OGRE and OpenGL.
-std::unique_ptr<GraphicsSystem> makeOgreGraphicsSystem();

@@ -1,5 +1,5 @@
 // Pixel memory of images.
-#include "model/ImageParam.h"
+#include "graphics/ImageParam.h"
 
 #include <cstring>
 #include <new>

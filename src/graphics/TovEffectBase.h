@@ -1,27 +1,15 @@
-// What the rest of the engine sees of a GPU effect.
+// What nodes see of a GPU effect, whatever graphics system draws it.
 #pragma once
 
-#include "EffectTovOgre/ShaderParameter.h"
 #include "core/Types.h"
-#include "model/ImageParam.h"
+#include "graphics/ImageParam.h"
+#include "graphics/ShaderParameter.h"
 
 #include <map>
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
-
-namespace KEXSDK {
-class CEffectBaseParam;
-}
-namespace Ogre {
-class ColourValue;
-class Matrix4;
-template <int dims, typename T> class Vector;
-using Vector2 = Vector<2, float>;
-using Vector3 = Vector<3, float>;
-using Vector4 = Vector<4, float>;
-} // namespace Ogre
 
 /// How a frame comes into memory: straight, or through a buffer of OpenGL's.
 enum class ReadBackMode : u32 { direct = 1, packBuffer = 2 };
@@ -35,7 +23,8 @@ struct PictureTransform {
 };
 
 /// An off-screen scene that draws its inputs, through a fragment program of its own or as they are, into a
-/// texture of the effect's size. The render thread makes, draws and ends effects (TovOgreRenderThread).
+/// texture of the effect's size. The graphics system makes, draws and ends effects on a thread of its own,
+/// the render thread.
 ///
 /// Set-up calls only store values. They come from the requesting thread, while no request for the same effect
 /// is under way; on an effect whose scene has ended they do nothing that could be seen.
@@ -62,7 +51,7 @@ public:
     // until the input is set again or removed.
 
     /// Decodes a picture file of the resource locations into an input that the effect keeps; its top row
-    /// comes first. @return false, with a line in the rendering library's log, when that is not possible
+    /// comes first. @return false, with a line in the graphics system's log, when that is not possible
     virtual bool loadPicture(const char* path, i32 index);
     /// Takes the record's texture if it has one, which spares the way through memory, else its pixels.
     virtual void setInput(const KEXSDK::_ImageParam* record, i32 index);
@@ -80,7 +69,8 @@ public:
     /// The uniforms of the effect's own programs with their current values, valid as long as the effect; null
     /// when its scene has ended. The first call makes the programs, as a request to the render thread.
     virtual ShaderParameters* getShaderParameters() = 0;
-    /// Sends every value to its uniform on each render from now on.
+    /// Sends every value to its uniform on each render from now on: override it, after this one, which keeps
+    /// the values.
     virtual void setShaderParameters(const ShaderParameters& parameters);
 
     /// Number that no other living effect has.
@@ -110,25 +100,6 @@ public:
     ///              which shows input 0
     virtual void setShaderSource(const char* text, bool isFragment, bool isSourceText) = 0;
 
-    // Values of uniforms by name. A value is converted to the type that the program declares; a name that it
-    // lacks is skipped. Arrays stay the caller's and are read by every render.
-
-    virtual void setParam(u32 programType, const char* name, const Ogre::ColourValue& value) = 0;
-    /// @param count, multiple  elements, and values per element
-    virtual void setIntArrayParam(
-        u32 programType, const char* name, const i32* values, u32 count, u32 multiple) = 0;
-    virtual void setDoubleArrayParam(
-        u32 programType, const char* name, const double* values, u32 count, u32 multiple) = 0;
-    virtual void setFloatArrayParam(
-        u32 programType, const char* name, const float* values, u32 count, u32 multiple) = 0;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count) = 0;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Matrix4& value) = 0;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector2& value) = 0;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector3& value) = 0;
-    virtual void setParam(u32 programType, const char* name, const Ogre::Vector4& value) = 0;
-    virtual void setFloatParam(u32 programType, const char* name, float value) = 0;
-    virtual void setIntParam(u32 programType, const char* name, i32 value) = 0;
-
     /// For an input whose pixels are about to go away. The effect goes on showing the picture that it has: a
     /// texture that someone else draws is copied with the next frame.
     void removeInput(i32 index);
@@ -138,8 +109,6 @@ public:
     /// Name of the particle template drawn in front of the picture; empty for none. Set before the first
     /// render.
     std::string particleTemplate;
-    /// Where particle attributes are set by name; null for a class of effects that has no particles.
-    KEXSDK::CEffectBaseParam* particleParameters();
 
     /// True when the latest render drew its frame.
     bool drewFrame() const { return drewFrame_; }
@@ -152,7 +121,7 @@ protected:
         const u8* pixels = nullptr;
         std::shared_ptr<Ogre::Texture> texture; ///< empty for an input in memory
         KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8;
-        u32 width = 0;
+        u32 width = 0; ///< this and the following for pixels only
         u32 height = 0;
         u32 depth = 1;
         bool changed = true;   ///< the pixels wait to be uploaded

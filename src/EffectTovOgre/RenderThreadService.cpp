@@ -1,0 +1,45 @@
+// The render thread as the program's graphics system.
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "graphics/GraphicsService.h"
+
+namespace {
+
+class RenderThreadService final : public GraphicsService {
+public:
+    void start() override { TovOgreRenderThread::getInstance(); }
+    bool available() const noexcept override { return gpuAvailable(); }
+    GpuCapabilities capabilities() const override { return gpuCapabilities(); }
+    void log(std::string_view message) override { TovOgreRenderThread::log(message); }
+    LoadedImage loadImage(const char* path) override
+    {
+        return TovOgreRenderThread::getInstance().loadImage(path);
+    }
+    LoadedImage loadResource(const char* name) override
+    {
+        return TovOgreRenderThread::getInstance().loadResource(name);
+    }
+    bool saveImage(const char* path, const u8* pixels, u32 width, u32 height) override
+    {
+        return TovOgreRenderThread::getInstance().saveImage(path, pixels, width, height);
+    }
+    void readBack(KEXSDK::_ImageParam& record) override
+    {
+        TovOgreRenderThread::getInstance().readBack(&record);
+    }
+    std::shared_ptr<TovEffectBase> createEffect() override
+    {
+        return TovOgreRenderThread::getInstance().createSharedEffect();
+    }
+    bool draw(TovEffectBase& effect, KEXSDK::_ImageParam& target) override
+    {
+        KEXSDK::_ImageParam* record = &target;
+        return TovOgreRenderThread::evaluateEffect(&effect, &record, nullptr) != 0;
+    }
+    // With the thread every scene has ended: none is started for this.
+    void endEffect(TovEffectBase& effect) override { TovOgreRenderThread::deleteEffect(&effect); }
+};
+
+constinit RenderThreadService service;
+const bool named = (setGraphicsService(&service), true);
+
+} // namespace

@@ -1,0 +1,31 @@
+// Life and drawing of a node's GPU effect.
+#include "effects/gpu/GpuEffect.h"
+
+#include "graphics/GraphicsService.h"
+
+#include <utility>
+
+GpuEffect& GpuEffect::operator=(GpuEffect&& other) noexcept
+{
+    GpuEffect previous;
+    previous.effect_ = std::exchange(effect_, std::move(other.effect_));
+    return *this;
+}
+
+GpuEffect::~GpuEffect()
+{
+    if (effect_)
+        graphics().endEffect(*effect_);
+}
+
+GpuEffect GpuEffect::create()
+{
+    GpuEffect made;
+    made.effect_ = graphics().createEffect();
+    return made;
+}
+
+bool GpuEffect::draw(KEXSDK::CEffectImage& target) const
+{
+    return effect_ && graphics().draw(*effect_, *target.record()) && effect_->drewFrame();
+}

@@ -1,0 +1,33 @@
+// The graphics system of the program, and the one that stands for none.
+#include "graphics/GraphicsService.h"
+
+#include <atomic>
+
+namespace {
+
+class NoGraphics final : public GraphicsService {
+public:
+    void start() override { }
+    bool available() const noexcept override { return false; }
+    GpuCapabilities capabilities() const override { return {}; }
+    void log(std::string_view) override { }
+    LoadedImage loadImage(const char*) override { return {}; }
+    LoadedImage loadResource(const char*) override { return {}; }
+    bool saveImage(const char*, const u8*, u32, u32) override { return false; }
+    void readBack(KEXSDK::_ImageParam&) override { }
+    std::shared_ptr<TovEffectBase> createEffect() override { return nullptr; }
+    bool draw(TovEffectBase&, KEXSDK::_ImageParam&) override { return false; }
+    void endEffect(TovEffectBase&) override { }
+};
+
+constinit NoGraphics none;
+constinit std::atomic<GraphicsService*> present = &none;
+
+} // namespace
+
+GraphicsService& graphics() noexcept { return *present.load(std::memory_order_acquire); }
+
+void setGraphicsService(GraphicsService* service) noexcept
+{
+    present.store(service ? service : &none, std::memory_order_release);
+}

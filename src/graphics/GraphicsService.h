@@ -1,0 +1,77 @@
+// What images and effects ask of a graphics system; nothing here knows which one there is, or whether.
+#pragma once
+
+#include "graphics/GraphicsSystem.h"
+#include "platform/CriticalSection.h"
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+/// The shared image after a load request. While a LoadedImage lives nobody else's request can overwrite the
+/// image: copy what you need and let it go, on the thread that loaded it. That thread's own requests are
+/// refused meanwhile.
+class LoadedImage {
+public:
+    LoadedImage() = default;
+    LoadedImage(MyCSingleLock&& lock, SharedImage* image) : lock_(std::move(lock)), image_(image) { }
+    LoadedImage(LoadedImage&& other) noexcept
+        : lock_(std::move(other.lock_)),
+          image_(std::exchange(other.image_, nullptr))
+    {
+    }
+    LoadedImage& operator=(LoadedImage&&) = delete;
+
+    /// False when nothing could be loaded at all. True says nothing about the file: ask hasData().
+    explicit operator bool() const { return image_ != nullptr; }
+    SharedImage* operator->() const { return image_; }
+    SharedImage& operator*() const { return *image_; }
+
+private:
+    std::optional<MyCSingleLock> lock_;
+    SharedImage* image_ = nullptr;
+};
+
+/// Any thread may ask; a call returns when the work is done, or at once when the system cannot do it.
+class GraphicsService {
+public:
+    /// Starts the system unless it is up, or has failed to start.
+    virtual void start() = 0;
+    /// False when nothing can be drawn: after a failed start, and when the system has ended by itself.
+    virtual bool available() const noexcept = 0;
+    /// Of the running, or last started, system.
+    virtual GpuCapabilities capabilities() const = 0;
+    /// One line of the system's own log; nothing while it is not up.
+    virtual void log(std::string_view message) = 0;
+
+    /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations. Starts the
+    /// system.
+    virtual LoadedImage loadImage(const char* path) = 0;
+    /// Decodes a file of the resource locations; others are not looked for. Starts the system.
+    virtual LoadedImage loadResource(const char* name) = 0;
+    /// Writes a picture file, its kind by the path's extension. Rows are top row first, bytes blue, green,
+    /// red, alpha. Starts the system. @return whether the file was written
+    virtual bool saveImage(const char* path, const u8* pixels, u32 width, u32 height) = 0;
+    /// Copies the picture of the effect that owns the record into the record's memory; a record without owner
+    /// stays as it is. Starts the system.
+    virtual void readBack(KEXSDK::_ImageParam& record) = 0;
+
+    /// A new GPU effect, or null. Starts the system. The object may outlive its scene, which ends with
+    /// endEffect or with the system.
+    virtual std::shared_ptr<TovEffectBase> createEffect() = 0;
+    /// Draws a frame into the record's memory, and gives the record its texture. @return false when the
+    /// effect was not asked; whether it drew it tells itself
+    virtual bool draw(TovEffectBase& effect, KEXSDK::_ImageParam& target) = 0;
+    virtual void endEffect(TovEffectBase& effect) = 0;
+
+protected:
+    ~GraphicsService() = default;
+};
+
+/// The program's graphics system; one that loads, saves and draws nothing while there is none.
+GraphicsService& graphics() noexcept;
+
+/// Names the system that graphics() answers from now on, null for none. It stays for the life of the process;
+/// the render thread's names itself while the library loads.
+void setGraphicsService(GraphicsService* service) noexcept;

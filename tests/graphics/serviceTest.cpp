@@ -1,0 +1,57 @@
+// Images and nodes in a program without a graphics system, and who stands for one.
+#include "EffectTovOgre/TovOgreRenderThread.h"
+#include "effects/gpu/GpuEffect.h"
+#include "graphics/GraphicsService.h"
+#include "model/CSimpleEffect.h"
+#include "model/EffectRegistry.h"
+#include "support/EngineFixture.h"
+
+namespace {
+
+class WithoutService : public testing::Test {
+protected:
+    WithoutService() { setGraphicsService(nullptr); }
+    ~WithoutService() override { setGraphicsService(&service_); }
+
+    GraphicsService& service_ = graphics();
+};
+
+TEST_F(WithoutService, NothingIsLoadedSavedOrDrawnAndNoThreadStarts)
+{
+    test::useNoGraphics(); // and if one starts, it says so
+    KEXSDK::CEffectImage image(2, 2, 0, 32, nullptr);
+    image.pixels()[0] = 7;
+    EXPECT_EQ(KEXSDK::CEffectImage::loadFromFile("any.png", 2, 2), nullptr);
+    EXPECT_FALSE(image.saveToFile("any.png"));
+    EXPECT_EQ(image.pixels()[0], 7);
+    EXPECT_FALSE(GpuEffect::create());
+    EXPECT_FALSE(GpuEffect().draw(image));
+    EXPECT_TRUE(gpuAvailable()) << "a start fails here";
+    TovOgreRenderThread::setGraphicsSystemFactory({});
+}
+
+TEST_F(WithoutService, EffectsWithAGpuPathComputeOnTheCpu)
+{
+    const std::unique_ptr<KEXSDK::CSimpleEffect> node(
+        KEXSDK::EffectRegistry::instance().create("CB87BAF6-5462-4877-BE55-C2A95D8FAF2A", 8, 8));
+    node->init();
+    KEXSDK::CEffectImage input(8, 8, 0, 32, nullptr);
+    std::fill_n(input.pixels(), input.byteSize(), u8(100));
+    node->setInputImage(&input, 0);
+    node->setParamFloatValue("u_brightness", 50);
+    ASSERT_TRUE(node->evaluate(nullptr));
+    EXPECT_GT(node->getOutputImage()->pixels()[0], 100);
+}
+
+TEST(ProgramsGraphics, TheRenderThreadStandsForTheProgramsGraphics)
+{
+    test::useNoGraphics();
+    graphics().start();
+    EXPECT_FALSE(graphics().available());
+    EXPECT_FALSE(gpuAvailable());
+    TovOgreRenderThread::getInstance().shutdown();
+    EXPECT_TRUE(graphics().available());
+    TovOgreRenderThread::setGraphicsSystemFactory({});
+}
+
+} // namespace
