@@ -35,4 +35,10 @@ void _ImageParam::usePixels(u8* memory)
     pixels = memory;
 }
 
+void _ImageParam::dropTexture()
+{
+    gpuOwner = nullptr;
+    sharedBuffer.reset();
+}
+
 } // namespace KEXSDK

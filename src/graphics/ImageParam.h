@@ -29,6 +29,7 @@ struct _ImageParam {
     u32 bytesPerPixel = 4;
     u8 ownsPixels = 0;
     u8 released = 0;
+    u32 textureLeases = 0; ///< alive
 
     _ImageParam() = default;
     _ImageParam(const _ImageParam&) = delete;
@@ -40,6 +41,9 @@ struct _ImageParam {
 
     /// Makes memory of someone else's, byteSize bytes, the pixels.
     void usePixels(u8* memory);
+
+    /// Makes the memory all there is of the picture.
+    void dropTexture();
 };
 
 } // namespace KEXSDK

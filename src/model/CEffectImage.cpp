@@ -8,6 +8,16 @@
 
 namespace KEXSDK {
 
+namespace {
+
+void swapRows(pixels::View picture)
+{
+    for (int y = 0; y < picture.height() / 2; ++y)
+        std::ranges::swap_ranges(picture.row(y), picture.pictureRow(y));
+}
+
+} // namespace
+
 CEffectImage::CEffectImage(u32 width, u32 height, u32 flipOnUnlock, u32 bitsPerPixel, void* externalPixels)
     : bitsPerPixel_(bitsPerPixel),
       flipOnUnlock_(flipOnUnlock),
@@ -42,23 +52,18 @@ std::unique_ptr<CEffectImage> CEffectImage::loadFromFile(const char* path, u32 w
 bool CEffectImage::saveToFile(const char* path)
 {
     graphics().readBack(*record_);
-    reverseRows();
+    swapRows(view());
     const bool saved = graphics().saveImage(path, pixels(), width(), height());
-    reverseRows();
+    swapRows(view());
     return saved;
 }
 
-void CEffectImage::reverseRows()
-{
-    const pixels::View rows = view();
-    for (int y = 0; y < rows.height() / 2; ++y)
-        std::ranges::swap_ranges(rows.row(y), rows.pictureRow(y));
-}
+void CEffectImage::reverseRows() { swapRows(viewToChange()); }
 
-void CEffectImage::forgetTexture()
+pixels::View CEffectImage::viewToChange()
 {
-    record_->gpuOwner = nullptr;
-    record_->sharedBuffer.reset();
+    record_->dropTexture();
+    return view();
 }
 
 } // namespace KEXSDK

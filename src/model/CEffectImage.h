@@ -40,8 +40,9 @@ public:
     pixels::Extent extent() const { return {int(width()), int(height())}; }
     pixels::View view() const { return {record_->pixels, extent()}; }
 
-    /// Makes the memory all there is of the picture; a texture with the same picture is let go.
-    void forgetTexture();
+    /// The pixels for a change in place, of a picture that the GPU may have drawn: from now on the memory is
+    /// all there is of it, and a texture with the picture before is let go.
+    pixels::View viewToChange();
 
     _ImageParam* record() const { return record_.get(); }
 

@@ -8,19 +8,26 @@ namespace KEXSDK {
 
 namespace {
 
-// A node's target for the time of an evaluation.
-class Entered {
-public:
-    Entered(CEffectImage*& target, CEffectImage* image) : target_(target) { target_ = image; }
-    ~Entered() { target_ = nullptr; }
-
-private:
-    CEffectImage*& target_;
-};
-
 std::string sizeText(u32 width, u32 height) { return std::to_string(width) + " x " + std::to_string(height); }
 
 } // namespace
+
+/// An evaluation under way: the node has a target, and perhaps textures to read.
+class CSimpleEffect::Entered {
+public:
+    Entered(CSimpleEffect& node, CEffectImage* target) : node_(node) { node_.target_ = target; }
+    Entered(const Entered&) = delete;
+    Entered& operator=(const Entered&) = delete;
+    ~Entered()
+    {
+        node_.target_ = nullptr;
+        for (auto& [index, connection] : node_.connections_)
+            connection.texture = {};
+    }
+
+private:
+    CSimpleEffect& node_;
+};
 
 CSimpleEffect::CSimpleEffect(u32 width, u32 height) : width_(width), height_(height)
 {
@@ -63,41 +70,35 @@ CEffectImage* CSimpleEffect::getInputImage(i32 index) const
 
 bool CSimpleEffect::evaluate(CEffectImage* external)
 {
-    const Evaluation evaluation = evaluateForReader(external);
-    // Hosts may write the memory of a picture whenever no evaluation is under way.
-    if (evaluation.image && !target_)
-        evaluation.image->forgetTexture();
-    return evaluation.done;
+    // No texture stays: hosts may write the memory of a picture whenever no evaluation is under way.
+    return evaluateForReader(external).done;
 }
 
 CSimpleEffect::Evaluation CSimpleEffect::evaluateForReader(CEffectImage* external)
 {
     // Entered again through a cycle: the node that asks reads what is being written.
     if (target_)
-        return {false, target_};
+        return {false, target_, {}};
     if (external && (external->width() != width_ || external->height() != height_))
-        return {false, nullptr};
+        return {false, nullptr, {}};
     if (!external && !output_) {
         ownOutput_ = std::make_unique<CEffectImage>(width_, height_, 0, 32, nullptr);
         output_ = ownOutput_.get();
     }
-    const Entered entered(target_, external ? external : output_);
+    const Entered entered(*this, external ? external : output_);
     evaluateUpstream(external);
     if (inputs_.empty())
-        return {false, external ? nullptr : output_};
+        return {false, external ? nullptr : output_, {}};
     CEffectImage* written = target_;
     if (getParamInt(kEnable.name, 0)) {
         output_ = target_;
-        runKeepingTextures();
+        runAndWatchTexture();
         written = getOutputImage();
     } else {
         passThrough();
     }
-    for (const auto& [index, connection] : connections_)
-        if (connection.fed && connection.fed != written)
-            connection.fed->forgetTexture();
     paramsChanged = 0;
-    return {true, written};
+    return {true, written, written ? TextureLease(*written->record()) : TextureLease()};
 }
 
 void CSimpleEffect::evaluateUpstream(CEffectImage* external)
@@ -105,27 +106,26 @@ void CSimpleEffect::evaluateUpstream(CEffectImage* external)
     for (auto& [index, connection] : connections_) {
         // A node of another size cannot draw into the host's picture, and draws into its own.
         const bool alike = connection.upstream->width() == width_ && connection.upstream->height() == height_;
-        connection.fed = connection.upstream->evaluateForReader(alike ? external : nullptr).image;
-        inputs_[index] = connection.fed;
+        Evaluation evaluation = connection.upstream->evaluateForReader(alike ? external : nullptr);
+        connection.fed = inputs_[index] = evaluation.image;
+        connection.texture = std::move(evaluation.texture);
     }
 }
 
-void CSimpleEffect::runKeepingTextures()
+void CSimpleEffect::runAndWatchTexture()
 {
     const auto before = output_->record()->sharedBuffer;
     run();
     // What the CPU wrote is in memory only, even over a picture that the GPU had drawn.
     if (output_->record()->sharedBuffer == before)
-        output_->forgetTexture();
+        output_->record()->dropTexture();
 }
 
 void CSimpleEffect::passThrough() const
 {
     const CEffectImage* const source = getInputImage(0);
-    if (source && source != target_ && source->extent() == target_->extent()) {
-        target_->forgetTexture();
-        pixels::rows::copy(source->view(), target_->view());
-    }
+    if (source && source != target_ && source->extent() == target_->extent())
+        pixels::rows::copy(source->view(), target_->viewToChange());
 }
 
 bool CSimpleEffect::fits(const CEffectImage& image)

@@ -1,6 +1,7 @@
 // The filter node: inputs, connections, an output image, and the evaluation of graphs.
 #pragma once
 
+#include "graphics/TextureLease.h"
 #include "model/CEffectBaseParam.h"
 #include "model/CEffectImage.h"
 
@@ -58,12 +59,13 @@ public:
 
     /// What an evaluation came to.
     struct Evaluation {
-        bool done;           ///< as evaluate() answers
-        CEffectImage* image; ///< what the node wrote, and its readers read; null when it has nothing to read
+        bool done;            ///< as evaluate() answers
+        CEffectImage* image;  ///< what the node wrote, and its readers read; null when it has nothing to read
+        TextureLease texture; ///< of the image, if the GPU drew it
     };
 
-    /// The same for a node inside another node's run: what the GPU drew stays at hand as a texture for the
-    /// node that reads it next.
+    /// Evaluates as evaluate() does, for a node inside another node's run: what the GPU drew stays at hand as
+    /// a texture while the answer lives.
     Evaluation evaluateForReader(CEffectImage* external);
 
     u32 width() const { return width_; }
@@ -80,10 +82,12 @@ private:
     struct Connection {
         CSimpleEffect* upstream;
         CEffectImage* fed; ///< what the last evaluation stored as the input; perhaps gone between evaluations
+        TextureLease texture{}; ///< of what is fed, until this node has run
     };
+    class Entered;
 
     void evaluateUpstream(CEffectImage* external);
-    void runKeepingTextures();
+    void runAndWatchTexture();
     void passThrough() const;
 
     std::map<i32, CEffectImage*> inputs_;

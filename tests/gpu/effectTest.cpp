@@ -94,7 +94,7 @@ TEST_F(EffectTest, ChainsHandTexturesOn)
         input = stages[i].get();
     }
     // In memory again, the texture being let go.
-    stages[0]->forgetTexture();
+    stages[0]->viewToChange();
     effects[1]->setInput(stages[0]->record(), 0);
     ASSERT_TRUE(effects[1].draw(*stages[1]));
     EXPECT_EQ(stages[1]->pixel(0, 0), (std::array<u8, 4>{99, 99, 100, 99}));

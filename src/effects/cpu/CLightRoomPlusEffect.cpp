@@ -112,16 +112,13 @@ public:
         if (!source)
             return;
         // Hosts get their own picture back without haze: it is cleared in place, before everything else.
-        if (const float dehaze = get(kDehaze); dehaze != 0) {
-            haze_.apply(source->view(), dehaze);
-            source->forgetTexture();
-        }
+        if (const float dehaze = get(kDehaze); dehaze != 0)
+            haze_.apply(source->viewToChange(), dehaze);
         if (!drawColours()) {
             CPureCEffect::run();
         } else if (changesDetail()) {
-            CEffectImage& target = *getOutputImage();
-            processFrame(target.pixels(), target.pixels());
-            target.forgetTexture();
+            u8* const picture = getOutputImage()->viewToChange().bytes();
+            processFrame(picture, picture);
         }
     }
 

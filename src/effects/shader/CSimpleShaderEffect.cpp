@@ -116,10 +116,8 @@ void CSimpleShaderEffect::run()
         const bool drawn = gpu_.draw(*getOutputImage());
         logging::write(logging::Severity::verbose, kRunTag, "DoFilter_End");
         if (drawn) {
-            if (getOutputImage()->flipsOnUnlock()) {
+            if (getOutputImage()->flipsOnUnlock())
                 getOutputImage()->reverseRows();
-                getOutputImage()->forgetTexture(); // its rows stand as before
-            }
             return;
         }
     }
