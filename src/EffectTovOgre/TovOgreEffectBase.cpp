@@ -1,4 +1,4 @@
-// Life of an effect's scene, and the drawing of its frames.
+// Life of an effect's scene, and its frames from drawing to memory.
 #include "EffectTovOgre/TovOgreEffectBase.h"
 
 #include "EffectTovOgre/OgreTextures.h"
@@ -150,9 +150,8 @@ void TovOgreEffectBase::destroyScene()
     planeNode_ = effectNode_ = nullptr;
     inputs_.clear();
     removedInputs_.clear();
-    std::apply([](auto&... maps) { (maps.clear(), ...); }, values_);
-    readBackMode_ = ReadBackMode::direct;
-    resizePackBuffer();
+    values_.clear();
+    readBack_.release();
     destroyCamera();
     environment_->removeLiveEffect(this);
     if (listening_)
@@ -194,16 +193,32 @@ void TovOgreEffectBase::removeRenderTexture()
     renderTexture_.reset();
 }
 
-bool TovOgreEffectBase::frameStarted(const Ogre::FrameEvent&) { return windowStays(); }
+bool TovOgreEffectBase::frameStarted(const Ogre::FrameEvent&)
+{
+    noticeClosedWindow();
+    return !windowClosed_;
+}
 
-bool TovOgreEffectBase::frameRenderingQueued(const Ogre::FrameEvent&) { return windowStays(); }
+bool TovOgreEffectBase::frameRenderingQueued(const Ogre::FrameEvent&)
+{
+    noticeClosedWindow();
+    return !windowClosed_;
+}
 
-bool TovOgreEffectBase::windowStays()
+void TovOgreEffectBase::noticeClosedWindow()
 {
     windowClosed_ = environment_->renderWindow()->isClosed();
     if (windowClosed_)
         destroyCamera();
-    return !windowClosed_;
+}
+
+void TovOgreEffectBase::setShaderSource(const char* text, bool isFragment, bool isSourceText)
+{
+    auto& program = isFragment ? fragmentText_ : vertexText_;
+    if (text)
+        program = ProgramText{text, isSourceText};
+    else
+        program.reset();
 }
 
 void TovOgreEffectBase::createShader()
@@ -333,7 +348,7 @@ void TovOgreEffectBase::prepareFrame()
     if (sizeChanged_) {
         resetViewports();
         createOutputRecord(width_, height_);
-        resizePackBuffer();
+        readBack_.prepare(width_, height_);
         fitPending_ = true;
     }
     if (!sceneCreated_) {
@@ -456,4 +471,40 @@ void TovOgreEffectBase::renderFrame()
     }
     if (!goesOn)
         destroyCamera();
+}
+
+void TovOgreEffectBase::setReadBackMode(ReadBackMode mode)
+{
+    readBack_.setMode(mode);
+    sizeChanged_ = true; // the buffer is made with the texture
+}
+
+void TovOgreEffectBase::getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels)
+{
+    if (!record) {
+        TovOgreBase::log("Error : Parameter is NULL!");
+        return;
+    }
+    if (!renderTexture_) {
+        TovOgreBase::log("Error: Render Texture is NULL!, Could not get pixels.");
+        return;
+    }
+    // The record may be older than the texture's present size, or than this effect.
+    if (!record->sharedBuffer || record->sharedBuffer != renderTexture_
+        || record->width != renderTexture_->getWidth() || record->height != renderTexture_->getHeight())
+        return;
+    record->bytesPerPixel = channels;
+    record->byteSize = record->width * record->height * 4;
+    if (buffer && channels == 4)
+        record->usePixels(buffer);
+    else if (!record->pixels)
+        record->allocatePixels();
+    readPixels(*record);
+}
+
+void TovOgreEffectBase::readPixels(KEXSDK::_ImageParam& record)
+{
+    record.format = u32(KEXSDK::RecordFormat::A8R8G8B8);
+    if (readBack_.read(*renderTexture_, record.pixels) && flip_)
+        flipVertical(record.pixels, record.width, record.height);
 }

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "EffectTovOgre/MyRandomValueProvider.h"
+#include "EffectTovOgre/ReadBack.h"
 #include "EffectTovOgre/TovOgreBase.h"
 #include "EffectTovOgre/TovOgrePicturePlane.h"
+#include "EffectTovOgre/UniformValues.h"
 #include "graphics/TovEffectBase.h"
 
 #include <OgreFrameListener.h>
@@ -11,9 +13,6 @@
 
 #include <optional>
 #include <string>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 /// All effects share one scene manager. Each has two nodes of its own, one for the picture plane and one for
 /// what stands in front of it, and shows nothing else while it draws.
@@ -30,7 +29,6 @@ public:
     void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) override;
     ShaderParameters* getShaderParameters() override;
     void setShaderParameters(const ShaderParameters& parameters) override;
-    /// Direct at first, which is the faster one where memory is shared.
     void setReadBackMode(ReadBackMode mode) override;
     void setPictureOnly(bool pictureOnly) override { pictureOnly_ = pictureOnly; }
     void setShaderSource(const char* text, bool isFragment, bool isSourceText) override;
@@ -93,19 +91,6 @@ protected:
     void moveCamera(const Ogre::Vector3& position, const Ogre::Vector3& target);
 
 private:
-    /// Values by program type and name, in that order.
-    using _CommDataType = std::pair<u32, std::string>;
-    template <class T> using Values = std::map<_CommDataType, T>;
-    template <class T> struct Array {
-        const T* values;
-        u32 count;
-        u32 multiple;
-    };
-    using _Matrix4Point = Array<Ogre::Matrix4>;
-    using _FloatPoint = Array<float>;
-    using _DoublePoint = Array<double>;
-    using _IntPoint = Array<i32>;
-
     struct ProgramText {
         std::string text;
         bool isSourceText = true;
@@ -113,7 +98,7 @@ private:
 
     bool frameStarted(const Ogre::FrameEvent& event) override;
     bool frameRenderingQueued(const Ogre::FrameEvent& event) override;
-    bool windowStays();
+    void noticeClosedWindow();
     void textureEnds(const std::shared_ptr<Ogre::Texture>& texture) override;
 
     void buildScene();
@@ -124,10 +109,6 @@ private:
     void placePicture();
     void stepFrames();
     void drawThroughFrames(u32 first, u32 last);
-    void readThroughPackBuffer(u8* pixels, std::size_t size);
-    void resizePackBuffer();
-    template <class T> void store(u32 programType, const char* name, T value);
-    template <class T> void apply(const Values<T>& values);
 
     TovOgreBase* environment_; ///< null after destroyScene
     Ogre::SceneNode* effectNode_ = nullptr;
@@ -147,13 +128,8 @@ private:
     bool fitPending_ = false;
     std::optional<ProgramText> vertexText_;
     std::optional<ProgramText> fragmentText_;
-    std::tuple<Values<i32>, Values<float>, Values<Ogre::Vector4>, Values<Ogre::Vector3>,
-        Values<Ogre::Vector2>, Values<Ogre::Matrix4>, Values<_Matrix4Point>, Values<_FloatPoint>,
-        Values<_DoublePoint>, Values<_IntPoint>, Values<Ogre::ColourValue>>
-        values_;
-
-    ReadBackMode readBackMode_ = ReadBackMode::direct;
-    u32 packBuffer_ = 0;
+    UniformValues values_;
+    ReadBack readBack_;
 
     float planeWidth_ = 0; ///< of the fitted picture, in scene units
     float planeHeight_ = 0;

@@ -1,4 +1,4 @@
-// Programs and the values of their uniforms, stored until the next render.
+// The values of an effect's uniforms, as they are set.
 #include "EffectTovOgre/TovOgreEffectBase.h"
 
 namespace {
@@ -6,15 +6,6 @@ namespace {
 constexpr u32 kMatrixValues = 16;
 
 } // namespace
-
-void TovOgreEffectBase::setShaderSource(const char* text, bool isFragment, bool isSourceText)
-{
-    auto& program = isFragment ? fragmentText_ : vertexText_;
-    if (text)
-        program = ProgramText{text, isSourceText};
-    else
-        program.reset();
-}
 
 void TovOgreEffectBase::setShaderParameters(const ShaderParameters& parameters)
 {
@@ -38,92 +29,62 @@ void TovOgreEffectBase::setShaderParameters(const ShaderParameters& parameters)
     }
 }
 
-template <class T> void TovOgreEffectBase::store(u32 programType, const char* name, T value)
-{
-    std::get<Values<T>>(values_).insert_or_assign({programType, name}, value);
-}
-
 void TovOgreEffectBase::setIntParam(u32 programType, const char* name, i32 value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setFloatParam(u32 programType, const char* name, float value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setIntArrayParam(
     u32 programType, const char* name, const i32* values, u32 count, u32 multiple)
 {
-    store(programType, name, _IntPoint{values, count, multiple});
+    values_.set(programType, name, _IntPoint{values, count, multiple});
 }
 
 void TovOgreEffectBase::setFloatArrayParam(
     u32 programType, const char* name, const float* values, u32 count, u32 multiple)
 {
-    store(programType, name, _FloatPoint{values, count, multiple});
+    values_.set(programType, name, _FloatPoint{values, count, multiple});
 }
 
 void TovOgreEffectBase::setDoubleArrayParam(
     u32 programType, const char* name, const double* values, u32 count, u32 multiple)
 {
-    store(programType, name, _DoublePoint{values, count, multiple});
+    values_.set(programType, name, _DoublePoint{values, count, multiple});
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Vector2& value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Vector3& value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Vector4& value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Matrix4& value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::ColourValue& value)
 {
-    store(programType, name, value);
+    values_.set(programType, name, value);
 }
 
 void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::Matrix4* values, u32 count)
 {
-    store(programType, name, _Matrix4Point{values, count, kMatrixValues});
+    values_.set(programType, name, _Matrix4Point{values, count, kMatrixValues});
 }
 
-template <class T> void TovOgreEffectBase::apply(const Values<T>& values)
-{
-    for (const auto& [key, value] : values) {
-        const u32 type = key.first;
-        const char* const name = key.second.c_str();
-        if constexpr (std::is_same_v<T, i32>)
-            plane_->setIntParam(type, name, value);
-        else if constexpr (std::is_same_v<T, float>)
-            plane_->setFloatParam(type, name, value);
-        else if constexpr (std::is_same_v<T, _Matrix4Point>)
-            plane_->setParam(type, name, value.values, value.count);
-        else if constexpr (std::is_same_v<T, _FloatPoint>)
-            plane_->setFloatArrayParam(type, name, value.values, value.count, value.multiple);
-        else if constexpr (std::is_same_v<T, _DoublePoint>)
-            plane_->setDoubleArrayParam(type, name, value.values, value.count, value.multiple);
-        else if constexpr (std::is_same_v<T, _IntPoint>)
-            plane_->setIntArrayParam(type, name, value.values, value.count, value.multiple);
-        else
-            plane_->setParam(type, name, value);
-    }
-}
-
-void TovOgreEffectBase::applyShaderParameters()
-{
-    std::apply([this](const auto&... maps) { (apply(maps), ...); }, values_);
-}
+void TovOgreEffectBase::applyShaderParameters() { values_.applyTo(*plane_); }

@@ -1,0 +1,49 @@
+// Values for the uniforms of an effect's programs, kept from frame to frame.
+#pragma once
+
+#include "core/Types.h"
+
+#include <OgreColourValue.h>
+#include <OgreMatrix4.h>
+#include <OgreVector.h>
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <variant>
+
+class TovOgrePicturePlane;
+
+/// Elements of several values each; the memory stays the caller's.
+template <class T> struct ValueArray {
+    const T* values;
+    u32 count;
+    u32 multiple;
+};
+using _Matrix4Point = ValueArray<Ogre::Matrix4>;
+using _FloatPoint = ValueArray<float>;
+using _DoublePoint = ValueArray<double>;
+using _IntPoint = ValueArray<i32>;
+
+/// One value of each kind for each program type and name.
+class UniformValues {
+public:
+    using Value = std::variant<i32, float, Ogre::Vector4, Ogre::Vector3, Ogre::Vector2, Ogre::Matrix4,
+        _Matrix4Point, _FloatPoint, _DoublePoint, _IntPoint, Ogre::ColourValue>;
+
+    /// Replaces a value of the same kind, program type and name.
+    void set(u32 programType, const char* name, const Value& value)
+    {
+        values_.insert_or_assign({value.index(), programType, name}, value);
+    }
+    void clear() { values_.clear(); }
+
+    /// Hands all values to the plane's programs: kind after kind in the order of Value, so that a later kind
+    /// overrules an earlier one, then by program type and name.
+    void applyTo(TovOgrePicturePlane& plane) const;
+
+private:
+    using _CommDataType = std::tuple<std::size_t, u32, std::string>; ///< kind, program type, name
+
+    std::map<_CommDataType, Value> values_;
+};
