@@ -25,7 +25,7 @@ public:
     /// Valid until the next change of the picture.
     virtual std::span<const u8> bytes() const = 0;
     /// Scales with a bilinear filter. False, with the picture unchanged, when there is no picture, a side
-    /// is 0 or above 65535, or memory is short.
+    /// is 0 or above 16384, or memory is short.
     virtual bool scale(u32 width, u32 height) = 0;
     virtual void freeMemory() = 0;
 };

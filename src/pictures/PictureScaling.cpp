@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 
 namespace pictures {
 
@@ -56,7 +57,7 @@ void scalePixels(const u8* from, u32 fromWidth, const std::vector<Between>& colu
 } // namespace
 
 bool scale(Decoded& picture, u32 width, u32 height)
-{
+try {
     if (!picture.pixels || width == 0 || height == 0 || width > kMaxSide || height > kMaxSide)
         return false;
     if (picture.width == width && picture.height == height)
@@ -71,6 +72,8 @@ bool scale(Decoded& picture, u32 width, u32 height)
     picture.width = width;
     picture.height = height;
     return true;
+} catch (const std::bad_alloc&) { // for the positions
+    return false;
 }
 
 } // namespace pictures
