@@ -14,8 +14,9 @@ struct Named {
     std::string title;
 };
 
-/// Index of what a word means: the one of exactly this name, otherwise the one whose name or title is the same
-/// when folded (host/nearest.h); no value when there is none. Throws GraphError that names them when there are several.
+/// Index of what a word means: the one of exactly this name, otherwise the one whose name or title is the
+/// same when folded (host/nearest.h); no value when there is none. Throws GraphError that names them when
+/// there are several.
 std::optional<std::size_t> meant(const std::vector<Named>& all, std::string_view word);
 
 /// `; did you mean "NAME"?` with the name or the title nearest to what was typed, or "" without candidates.

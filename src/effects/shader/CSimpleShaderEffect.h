@@ -17,8 +17,8 @@ inline constexpr KEXSDK::Param<float> kRotate =
 inline constexpr auto kScale = KEXSDK::ArrayParam<float>{"stScale", {1, 1}, 2, {-4, 4},
     "enlarges the picture about its middle, across and down"}
                                    .titled("Picture Scale");
-inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2, {-pixels::kLargestSide, pixels::kLargestSide},
-    "moves the picture right and down", "pixels"}
+inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2,
+    {-pixels::kLargestSide, pixels::kLargestSide}, "moves the picture right and down", "pixels"}
                                        .titled("Picture Shift");
 inline constexpr KEXSDK::Param<float> kFrameRate =
     KEXSDK::Param<float>{"u_frame_rate", 25.0f, {1, 240}, "steps of particle scenes"}

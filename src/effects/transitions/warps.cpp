@@ -51,6 +51,62 @@ struct Gathered {
     Line over(const Line& line) const { return {line.v, line.width, line.dst, from.data(), to.data()}; }
 };
 
+// For each position along a side, the one of the picture that shows there once it is scaled about its middle;
+// -1 where it does not reach.
+void findScaledPlaces(const Scratch<i16>& places, double scale)
+{
+    const int side = int(places.size());
+    const int size = pixels::truncated(side * scale);
+    const int edge = (side - size) >> 1;
+    for (int i = 0; i < side; ++i) {
+        const bool inside = i > edge && i < edge + size;
+        places[std::size_t(i)] = i16(inside ? std::min(pixels::truncated((i - edge) / scale), side - 1) : -1);
+    }
+}
+
+// A picture scaled and then turned, both about its middle; black around it, with the alpha that is there.
+struct TurnedPicture {
+    pixels::ConstView picture;
+    const i16* columns; ///< as findScaledPlaces gives them
+    const i16* rows;
+    double cosine;
+    double sine;
+
+    void drawRow(const Line& line) const
+    {
+        const int height = picture.height();
+        const int j = line.v - (height >> 1);
+        const int alongColumns = int(j * sine + line.width / 2);
+        const int alongRows = int(j * cosine);
+        const Scratch<u16> turnedColumns(line.width);
+        const Scratch<u16> turnedRows(line.width);
+        // The members' values in variables: for all that the compiler knows, stores may change members.
+        const double across = cosine;
+        const double down = sine;
+#pragma GCC ivdep
+        for (int x = 0; x < line.width; ++x) {
+            // No larger than a few picture sides.
+            const int i = x - (line.width >> 1);
+            const int column = int(i * across + alongColumns);
+            const int row = int(alongRows - i * down + height / 2);
+            turnedColumns[std::size_t(x)] = u16(std::clamp(column, 0, line.width - 1));
+            turnedRows[std::size_t(x)] = u16(std::clamp(row, 0, height - 1));
+        }
+        const i16* const columnAt = columns;
+        const i16* const rowAt = rows;
+        const pixels::ConstView shown = picture;
+        Bgra* const to = line.dst;
+        for (int x = 0; x < line.width; ++x) {
+            const int column = columnAt[turnedColumns[std::size_t(x)]];
+            const int row = rowAt[turnedRows[std::size_t(x)]];
+            if (column >= 0 && row >= 0)
+                to[x] = shown.pictureRow(row)[std::size_t(column)];
+            else
+                to[x] = {0, 0, 0, to[x].a};
+        }
+    }
+};
+
 } // namespace
 
 void pixelate(const Canvas& c, const Progress& p)
@@ -135,59 +191,16 @@ void twrl(const Canvas& c, const Progress& p)
         });
     }
     const bool growing = p.time() > half;
-    const double turned = growing ? p.time() - half : p.time();
-    const double angle = turned / half * 2 * kPi;
-    const double scale = (growing ? turned : half - turned) * 0.95 / half + 0.05;
-    const double cosine = std::cos(angle);
-    const double sine = std::sin(angle);
-
-    // Which column or row of the picture shows at a position of the upright scaled picture; -1 outside.
-    const auto scaled = [=](const Scratch<i16>& sources) {
-        const int side = int(sources.size());
-        const int size = pixels::truncated(side * scale);
-        const int edge = (side - size) >> 1;
-        for (int i = 0; i < side; ++i) {
-            const bool inside = i > edge && i < edge + size;
-            sources[std::size_t(i)] =
-                i16(inside ? std::min(pixels::truncated((i - edge) / scale), side - 1) : -1);
-        }
-    };
+    const double passed = growing ? p.time() - half : p.time();
+    const double angle = passed / half * 2 * kPi;
+    const double scale = (growing ? passed : half - passed) * 0.95 / half + 0.05;
     const Scratch<i16> columns(c.width);
     const Scratch<i16> rows(c.height);
-    scaled(columns);
-    scaled(rows);
-
-    const pixels::ConstView picture = growing ? c.to : c.from;
-    drawRows(c, [=, sourceColumns = columns.data(), sourceRows = rows.data()](const Line& line) {
-        const int j = line.v - (c.height >> 1);
-        const int alongColumns = int(j * sine + c.width / 2);
-        const int alongRows = int(j * cosine);
-        const Scratch<u16> turnedColumns(line.width);
-        const Scratch<u16> turnedRows(line.width);
-#pragma GCC ivdep
-        for (int x = 0; x < line.width; ++x) {
-            // No larger than a few picture sides.
-            const int i = x - (line.width >> 1);
-            const int column = int(i * cosine + alongColumns);
-            const int row = int(alongRows - i * sine + c.height / 2);
-            turnedColumns[std::size_t(x)] = u16(std::clamp(column, 0, line.width - 1));
-            turnedRows[std::size_t(x)] = u16(std::clamp(row, 0, c.height - 1));
-        }
-        // Stores of pixels might change what a lambda holds, for all that the compiler knows: not these
-        // copies.
-        const i16* const columnAt = sourceColumns;
-        const i16* const rowAt = sourceRows;
-        const pixels::ConstView shown = picture;
-        Bgra* const to = line.dst;
-        for (int x = 0; x < line.width; ++x) {
-            const int column = columnAt[turnedColumns[std::size_t(x)]];
-            const int row = rowAt[turnedRows[std::size_t(x)]];
-            if (column >= 0 && row >= 0)
-                to[x] = shown.pictureRow(row)[std::size_t(column)];
-            else
-                to[x] = {0, 0, 0, to[x].a};
-        }
-    });
+    findScaledPlaces(columns, scale);
+    findScaledPlaces(rows, scale);
+    drawRows(c,
+        [turned = TurnedPicture{growing ? c.to : c.from, columns.data(), rows.data(), std::cos(angle),
+             std::sin(angle)}](const Line& line) { turned.drawRow(line); });
 }
 
 void turn(const Canvas& c, const Progress& p)
