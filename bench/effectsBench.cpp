@@ -78,7 +78,7 @@ void registerAll()
 int main(int argc, char** argv)
 {
     const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, nullptr);
-    if (gpuAvailable())
+    if (KEXSDK::gpuAvailable())
         listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
     registerAll();
     benchmark::Initialize(&argc, argv);

@@ -89,7 +89,7 @@ int main(int argc, char** argv)
         return 2;
     const Resources resources;
     const host::Engine engine(resources.path(), nullptr);
-    if (!gpuAvailable()) {
+    if (!KEXSDK::gpuAvailable()) {
         std::fputs("effectengine_gpu_bench: nothing here can draw with OpenGL.\n", stderr);
         return 8;
     }

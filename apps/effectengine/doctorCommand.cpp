@@ -81,7 +81,7 @@ std::string noted(const std::string& log, const std::string& key)
 
 void examineGraphics(Examination& examination, const fs::path& logs)
 {
-    if (!gpuAvailable()) {
+    if (!KEXSDK::gpuAvailable()) {
         examination.bad(ExitCode::noGraphics, "graphics",
             "OpenGL did not start; effects that need it are missing",
             "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
@@ -94,7 +94,7 @@ void examineGraphics(Examination& examination, const fs::path& logs)
     for (const auto& entry : fs::directory_iterator(logs, ignored))
         log += logText(logs, entry.path().filename().c_str());
     const std::string renderer = noted(log, "GL_RENDERER");
-    const GpuCapabilities gpu = gpuCapabilities();
+    const KEXSDK::GpuCapabilities gpu = KEXSDK::gpuCapabilities();
     examination.good("graphics", renderer.empty() ? "OpenGL" : renderer);
     examination.good("driver",
         noted(log, "GL_VERSION") + " (textures up to " + std::to_string(gpu.maxTextureSize)
@@ -193,7 +193,7 @@ void doctor(const SessionOptions& options)
         const Session session(own);
         examineGraphics(examination, own.logs);
         examineEffects(examination);
-        if (gpuAvailable())
+        if (KEXSDK::gpuAvailable())
             examinePictures(examination, work);
     }
     examineClips(examination);

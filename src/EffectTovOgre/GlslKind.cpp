@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace KEXSDK {
+
 namespace {
 
 template <class T, auto get> void read(u32 program, i32 location, void* values)
@@ -88,3 +90,5 @@ const GlslKind* GlslKind::of(u32 type)
 }
 
 bool GlslKind::isSampler(u32 type) { return type == GL_SAMPLER_2D || type == GL_SAMPLER_3D; }
+
+} // namespace KEXSDK

@@ -3,6 +3,8 @@
 
 #include "core/Types.h"
 
+namespace KEXSDK {
+
 struct GlslKind {
     u32 type; ///< OpenGL's number
     u32 base; ///< a ShaderParameter::BaseType
@@ -17,3 +19,5 @@ struct GlslKind {
     static const GlslKind* of(u32 type);
     static bool isSampler(u32 type);
 };
+
+} // namespace KEXSDK

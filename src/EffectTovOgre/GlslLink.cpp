@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <utility>
 
+namespace KEXSDK {
+
 namespace {
 
 /// A shader or program of OpenGL's, for the time of one scope.
@@ -266,3 +268,5 @@ void GlslLink::send(std::span<const GlslUniform> values) const
             GlslKind::of(uniform.type)
                 ->send(uniform.location, GLsizei(uniform.value.arraySize), uniform.value.data.data());
 }
+
+} // namespace KEXSDK

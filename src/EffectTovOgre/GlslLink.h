@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace KEXSDK {
+
 /// A uniform in use, as the driver names and counts it.
 struct GlslUniform {
     /// Its shape, and its present values; first those that the program gives it. A name has no "[0]" at its
@@ -39,3 +41,5 @@ struct GlslLink {
     /// show one texture unit: nothing is drawn then.
     void send(std::span<const GlslUniform> values) const;
 };
+
+} // namespace KEXSDK

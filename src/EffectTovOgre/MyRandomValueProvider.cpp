@@ -1,6 +1,8 @@
 // The generator behind particle templates.
 #include "EffectTovOgre/MyRandomValueProvider.h"
 
+namespace KEXSDK {
+
 Ogre::Real MyRandomValueProvider::getRandomUnit()
 {
     constexpr Ogre::Real kLargest = 32767;
@@ -8,3 +10,5 @@ Ogre::Real MyRandomValueProvider::getRandomUnit()
 }
 
 void MyRandomValueProvider::reset() { generator_.seed(1); }
+
+} // namespace KEXSDK

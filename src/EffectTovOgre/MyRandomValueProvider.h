@@ -5,6 +5,8 @@
 
 #include <OgreMath.h>
 
+namespace KEXSDK {
+
 /// Every provider has a sequence of its own, so that what one effect draws does not depend on another.
 class MyRandomValueProvider : public Ogre::Math::RandomValueProvider {
 public:
@@ -28,3 +30,5 @@ public:
     RandomNumbersOf& operator=(const RandomNumbersOf&) = delete;
     ~RandomNumbersOf() { Ogre::Math::SetRandomValueProvider(nullptr); }
 };
+
+} // namespace KEXSDK

@@ -11,6 +11,8 @@
 #include <sstream>
 #include <utility>
 
+namespace KEXSDK {
+
 namespace {
 
 /// A decoded picture, as the decoder leaves it.
@@ -19,7 +21,7 @@ public:
     bool hasData() const override { return picture_.pixels != nullptr; }
     u32 width() const override { return picture_.width; }
     u32 height() const override { return picture_.height; }
-    KEXSDK::RecordFormat format() const override { return KEXSDK::RecordFormat::A8R8G8B8; }
+    RecordFormat format() const override { return RecordFormat::A8R8G8B8; }
     u32 bitsPerPixel() const override { return 32; }
     std::span<const u8> bytes() const override
     {
@@ -76,12 +78,12 @@ public:
 
     SharedImage& sharedImage() override { return image_; }
 
-    bool saveImage(const std::string& path, const u8* pixels, u32 width, u32 height,
-        KEXSDK::RecordFormat format) override
+    bool saveImage(
+        const std::string& path, const u8* pixels, u32 width, u32 height, RecordFormat format) override
     {
         bool saved = false;
         try {
-            saved = format == KEXSDK::RecordFormat::A8R8G8B8 && pictures::save(path, pixels, width, height);
+            saved = format == RecordFormat::A8R8G8B8 && pictures::save(path, pixels, width, height);
         } catch (const std::exception&) { // out of memory
         }
         if (!saved)
@@ -120,3 +122,5 @@ std::unique_ptr<GraphicsSystem> renderThread::makeOgreGraphicsSystem()
 {
     return std::make_unique<OgreGraphicsSystem>();
 }
+
+} // namespace KEXSDK

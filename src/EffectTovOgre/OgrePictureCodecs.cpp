@@ -15,6 +15,8 @@
 #include <cstring>
 #include <sstream>
 
+namespace KEXSDK {
+
 namespace {
 
 constexpr const char* kSuffixes[] = {
@@ -36,8 +38,7 @@ public:
                 "cannot be read as a picture: " + input->getName(), "PictureCodec::decode");
         auto& image = *Ogre::any_cast<Ogre::Image*>(output);
         const u32 mipmaps = mipmapsOf(picture.width, picture.height);
-        image.create(
-            ogreFormat(KEXSDK::RecordFormat::A8R8G8B8), picture.width, picture.height, 1, 1, mipmaps);
+        image.create(ogreFormat(RecordFormat::A8R8G8B8), picture.width, picture.height, 1, 1, mipmaps);
         std::memcpy(image.getData(), picture.pixels.get(), std::size_t{picture.width} * picture.height * 4);
         for (u32 level = 1; level <= mipmaps; ++level)
             Ogre::Image::scale(
@@ -72,3 +73,5 @@ OgrePictureCodecs::~OgrePictureCodecs()
     for (const auto& codec : codecs_)
         Ogre::Codec::unregisterCodec(codec.get());
 }
+
+} // namespace KEXSDK

@@ -8,6 +8,8 @@ namespace Ogre {
 class Codec;
 }
 
+namespace KEXSDK {
+
 /// Known to OGRE while it lives, under every suffix that the decoder reads and no other codec has taken.
 /// OGRE's own picture plug-in is not used: what it allocates OGRE frees in another way, and it fills up
 /// truncated files without a word. Made once the root is there, and destroyed before it.
@@ -21,3 +23,5 @@ public:
 private:
     std::vector<std::unique_ptr<Ogre::Codec>> codecs_;
 };
+
+} // namespace KEXSDK

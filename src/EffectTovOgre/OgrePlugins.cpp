@@ -32,7 +32,7 @@ bool load(Ogre::Root& root, const std::string& file)
         root.loadPlugin(pathOf(file));
         return true;
     } catch (const std::exception& error) {
-        TovOgreBase::log(error.what());
+        KEXSDK::TovOgreBase::log(error.what());
         return false;
     }
 }
@@ -45,7 +45,8 @@ bool loadRenderSystem(Ogre::Root& root)
         offscreenGl::disable();
         const char* const display = std::getenv("DISPLAY");
         if (!display || !*display) {
-            TovOgreBase::log("No OpenGL: drawing off-screen is not possible here, and there is no display.");
+            KEXSDK::TovOgreBase::log(
+                "No OpenGL: drawing off-screen is not possible here, and there is no display.");
             return false;
         }
     }

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace KEXSDK {
+
 struct TextureSize {
     u32 width;
     u32 height;
@@ -49,7 +51,7 @@ inline Ogre::TexturePtr makeTexture(const std::string& name, Ogre::TextureType t
     }
 }
 
-/// Another size and format for a texture that keeps its name. When that fails it has no size, so that the
+/// Gives a texture another size and format; it keeps its name. When that fails it has no size, so that the
 /// next attempt does not take it for done. Throws what OGRE throws.
 inline void resizeTexture(Ogre::Texture& texture, TextureSize size, Ogre::PixelFormat format)
 {
@@ -67,3 +69,5 @@ inline void resizeTexture(Ogre::Texture& texture, TextureSize size, Ogre::PixelF
         throw;
     }
 }
+
+} // namespace KEXSDK

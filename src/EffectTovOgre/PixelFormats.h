@@ -6,9 +6,11 @@
 
 #include <OgrePixelFormat.h>
 
-inline Ogre::PixelFormat ogreFormat(KEXSDK::RecordFormat format)
+namespace KEXSDK {
+
+inline Ogre::PixelFormat ogreFormat(RecordFormat format)
 {
-    using enum KEXSDK::RecordFormat;
+    using enum RecordFormat;
     switch (format) {
     case A8R8G8B8:
         return Ogre::PF_A8R8G8B8;
@@ -19,3 +21,5 @@ inline Ogre::PixelFormat ogreFormat(KEXSDK::RecordFormat format)
     }
     return Ogre::PF_UNKNOWN;
 }
+
+} // namespace KEXSDK

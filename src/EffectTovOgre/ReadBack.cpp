@@ -14,6 +14,8 @@
 
 #include <cstring>
 
+namespace KEXSDK {
+
 namespace {
 
 void forgetErrors()
@@ -85,3 +87,5 @@ void ReadBack::readThroughBuffer(Ogre::Texture& texture, u8* pixels) const
     if (!arrived)
         texture.getBuffer()->blitToMemory(Ogre::PixelBox(width, height, 1, Ogre::PF_A8R8G8B8, pixels));
 }
+
+} // namespace KEXSDK

@@ -7,6 +7,8 @@ namespace Ogre {
 class Texture;
 }
 
+namespace KEXSDK {
+
 /// The way back of one effect's frames. Render thread only, but for setMode.
 class ReadBack {
 public:
@@ -32,3 +34,5 @@ private:
     ReadBackMode mode_ = ReadBackMode::direct;
     u32 packBuffer_ = 0; ///< OpenGL's number; 0 in direct mode
 };
+
+} // namespace KEXSDK

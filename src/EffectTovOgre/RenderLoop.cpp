@@ -8,6 +8,8 @@
 #include <memory>
 #include <vector>
 
+namespace KEXSDK {
+
 namespace renderThread {
 
 namespace {
@@ -107,7 +109,7 @@ private:
             evaluate(slot);
             break;
         case kReadBack:
-            if (KEXSDK::_ImageParam* const record = *slot.outputSlot; record && find(record->gpuOwner))
+            if (_ImageParam* const record = *slot.outputSlot; record && find(record->gpuOwner))
                 record->gpuOwner->getPixels(record, nullptr, slot.channels);
             break;
         case kDeleteEffect:
@@ -237,3 +239,5 @@ Process& process()
 }
 
 } // namespace renderThread
+
+} // namespace KEXSDK

@@ -2,6 +2,8 @@
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "graphics/GraphicsService.h"
 
+namespace KEXSDK {
+
 namespace {
 
 class RenderThreadService final : public GraphicsService {
@@ -22,17 +24,14 @@ public:
     {
         return TovOgreRenderThread::getInstance().saveImage(path, pixels, width, height);
     }
-    void readBack(KEXSDK::_ImageParam& record) override
-    {
-        TovOgreRenderThread::getInstance().readBack(&record);
-    }
+    void readBack(_ImageParam& record) override { TovOgreRenderThread::getInstance().readBack(&record); }
     std::shared_ptr<TovEffectBase> createEffect() override
     {
         return TovOgreRenderThread::getInstance().createSharedEffect();
     }
-    bool draw(TovEffectBase& effect, KEXSDK::_ImageParam& target) override
+    bool draw(TovEffectBase& effect, _ImageParam& target) override
     {
-        KEXSDK::_ImageParam* record = &target;
+        _ImageParam* record = &target;
         return TovOgreRenderThread::evaluateEffect(&effect, &record, nullptr) != 0;
     }
     // With the thread every scene has ended: none is started for this.
@@ -43,3 +42,5 @@ constinit RenderThreadService service;
 const bool named = (setGraphicsService(&service), true);
 
 } // namespace
+
+} // namespace KEXSDK

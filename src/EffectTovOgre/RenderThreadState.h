@@ -13,6 +13,8 @@
 #include <string>
 #include <thread>
 
+namespace KEXSDK {
+
 class TovOgreRenderThread;
 
 namespace renderThread {
@@ -37,7 +39,7 @@ struct Slot {
     u32 code = kIdle;
     std::array<char, 256> className{};
     TovEffectBase* effect = nullptr;
-    KEXSDK::_ImageParam** outputSlot = nullptr;
+    _ImageParam** outputSlot = nullptr;
     u8* outputBuffer = nullptr;
     u32 channels = kChannels;
     const char* filePath = nullptr;
@@ -45,7 +47,7 @@ struct Slot {
     const u8* pixels = nullptr;
     u32 width = 0;
     u32 height = 0;
-    KEXSDK::RecordFormat pixelFormat = KEXSDK::RecordFormat::A8B8G8R8;
+    RecordFormat pixelFormat = RecordFormat::A8B8G8R8;
 
     std::shared_ptr<TovEffectBase> createdEffect;
     SharedImage* loadedImage = nullptr;
@@ -54,9 +56,10 @@ struct Slot {
 
 /// Everything that exists once per process.
 struct Process {
-    CriticalSection requests; ///< held for the whole of one request, and while the thread starts or ends
-    Event request;
-    Event done;
+    platform::CriticalSection
+        requests; ///< held for the whole of one request, and while the thread starts or ends
+    platform::Event request;
+    platform::Event done;
     Slot slot;
     bool windowClosed = false;        ///< the effect drawn last has lost its window; guarded by `requests`
     std::thread thread;               ///< guarded by `requests`
@@ -89,3 +92,5 @@ struct ThreadParameters {
 void run(const ThreadParameters& parameters) noexcept;
 
 } // namespace renderThread
+
+} // namespace KEXSDK

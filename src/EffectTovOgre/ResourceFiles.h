@@ -15,7 +15,7 @@ inline constexpr std::size_t kLongestText = 4 << 20;
 /// one behind which a link points elsewhere. Throws as well for what is no regular file.
 Ogre::DataStreamPtr open(const std::string& name);
 
-/// The same as a text. Throws too when it is longer than kLongestText.
+/// The contents of such a file. Throws as open() does, and when they are longer than kLongestText.
 std::string readText(const std::string& name);
 
 /// Whether there is such a file; no more than open() does it look outside.

@@ -19,6 +19,8 @@
 
 #include <utility>
 
+namespace KEXSDK {
+
 namespace {
 
 TovOgreBase* singleton = nullptr;
@@ -245,3 +247,5 @@ void TovOgreBase::log(const std::string& message)
     if (auto* const manager = Ogre::LogManager::getSingletonPtr(); manager && manager->getDefaultLog())
         manager->logMessage(message, Ogre::LML_NORMAL);
 }
+
+} // namespace KEXSDK

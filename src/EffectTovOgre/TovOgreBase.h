@@ -25,6 +25,8 @@ namespace resourceFiles {
 class Guard;
 }
 
+namespace KEXSDK {
+
 /// A scene within the environment's scene manager.
 class LiveEffect {
 public:
@@ -118,3 +120,5 @@ private:
     bool layeredWindow_ = false;
     GpuCapabilities capabilities_;
 };
+
+} // namespace KEXSDK

@@ -20,6 +20,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+namespace KEXSDK {
+
 namespace {
 
 DYN_CLASS::CFactory<TovOgreEffectBase> factory;
@@ -391,7 +393,7 @@ void TovOgreEffectBase::placePicture()
         node.rotate(Ogre::Vector3(transform.axis), Ogre::Degree(transform.angle), Ogre::Node::TS_LOCAL);
 }
 
-void TovOgreEffectBase::render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels)
+void TovOgreEffectBase::render(_ImageParam** output, u8* buffer, u32 channels)
 {
     drewFrame_ = false;
     if (!environment_ || !camera_)
@@ -479,7 +481,7 @@ void TovOgreEffectBase::setReadBackMode(ReadBackMode mode)
     sizeChanged_ = true; // the buffer is made with the texture
 }
 
-void TovOgreEffectBase::getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels)
+void TovOgreEffectBase::getPixels(_ImageParam* record, u8* buffer, u32 channels)
 {
     if (!record) {
         TovOgreBase::log("Error : Parameter is NULL!");
@@ -502,9 +504,11 @@ void TovOgreEffectBase::getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 c
     readPixels(*record);
 }
 
-void TovOgreEffectBase::readPixels(KEXSDK::_ImageParam& record)
+void TovOgreEffectBase::readPixels(_ImageParam& record)
 {
-    record.format = u32(KEXSDK::RecordFormat::A8R8G8B8);
+    record.format = u32(RecordFormat::A8R8G8B8);
     if (readBack_.read(*renderTexture_, record.pixels) && flip_)
         flipVertical(record.pixels, record.width, record.height);
 }
+
+} // namespace KEXSDK

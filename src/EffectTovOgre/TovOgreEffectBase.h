@@ -14,6 +14,8 @@
 #include <optional>
 #include <string>
 
+namespace KEXSDK {
+
 /// All effects share one scene manager. Each has two nodes of its own, one for the picture plane and one for
 /// what stands in front of it, and shows nothing else while it draws.
 ///
@@ -25,8 +27,8 @@ public:
     TovOgreEffectBase();
     ~TovOgreEffectBase() override;
 
-    void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
-    void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) override;
+    void render(_ImageParam** output, u8* buffer, u32 channels) override;
+    void getPixels(_ImageParam* record, u8* buffer, u32 channels) override;
     ShaderParameters* getShaderParameters() override;
     void setShaderParameters(const ShaderParameters& parameters) override;
     void setReadBackMode(ReadBackMode mode) override;
@@ -61,7 +63,7 @@ protected:
     /// Brings every input onto the plane.
     virtual void updateInputTextures();
     /// Copies the render texture into the record's memory.
-    virtual void readPixels(KEXSDK::_ImageParam& record);
+    virtual void readPixels(_ImageParam& record);
 
 public:
     void destroyScene() override;
@@ -137,3 +139,5 @@ private:
     Ogre::Vector3 baseScale_ = Ogre::Vector3::UNIT_SCALE;
     Ogre::Quaternion baseOrientation_ = Ogre::Quaternion::IDENTITY;
 };
+
+} // namespace KEXSDK

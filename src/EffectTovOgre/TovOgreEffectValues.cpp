@@ -1,6 +1,8 @@
 // The values of an effect's uniforms, as they are set.
 #include "EffectTovOgre/TovOgreEffectBase.h"
 
+namespace KEXSDK {
+
 namespace {
 
 constexpr u32 kMatrixValues = 16;
@@ -88,3 +90,5 @@ void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::
 }
 
 void TovOgreEffectBase::applyShaderParameters() { values_.applyTo(*plane_); }
+
+} // namespace KEXSDK

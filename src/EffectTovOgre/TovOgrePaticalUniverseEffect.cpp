@@ -9,8 +9,7 @@
 #include <span>
 #include <utility>
 
-using KEXSDK::ParamType;
-using KEXSDK::ParamVariant;
+namespace KEXSDK {
 
 namespace {
 
@@ -110,7 +109,7 @@ void TovOgrePaticalUniverseEffect::leaveOut(const char* reason)
     logging::error(kSceneTag, "The particles of [" + particleTemplate + "] are left out: " + reason);
 }
 
-void TovOgrePaticalUniverseEffect::render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels)
+void TovOgrePaticalUniverseEffect::render(_ImageParam** output, u8* buffer, u32 channels)
 {
     stopInReach();
     wantedFrame_ = currentFrame_;
@@ -159,3 +158,5 @@ void TovOgrePaticalUniverseEffect::renderFrame()
     TovOgreEffectBase::renderFrame();
     scene_->hide();
 }
+
+} // namespace KEXSDK

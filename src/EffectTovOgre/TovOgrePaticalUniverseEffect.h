@@ -9,18 +9,20 @@
 #include <optional>
 #include <string>
 
+namespace KEXSDK {
+
 /// Without a particle template it is its base. Particles move by whole frames, from frame 0 on, and random
 /// numbers come from a sequence of the scene's own: whatever way a host takes to a frame, the picture is the
 /// same.
 ///
 /// The parameter store holds attributes of the particles, named as particles/attributePath.h says. They reach
 /// the scene with the next frame, and again when the scene begins anew.
-class TovOgrePaticalUniverseEffect final : public TovOgreEffectBase, public KEXSDK::CEffectBaseParam {
+class TovOgrePaticalUniverseEffect final : public TovOgreEffectBase, public CEffectBaseParam {
 public:
     TovOgrePaticalUniverseEffect();
     ~TovOgrePaticalUniverseEffect() override;
 
-    void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) override;
+    void render(_ImageParam** output, u8* buffer, u32 channels) override;
     void destroyScene() override;
 
 private:
@@ -44,3 +46,5 @@ private:
     bool leftOut_ = false; ///< there is no such template, or it cannot be simulated
     bool stopReported_ = false;
 };
+
+} // namespace KEXSDK

@@ -16,6 +16,8 @@
 #include <OgreTechnique.h>
 #include <OgreTextureManager.h>
 
+namespace KEXSDK {
+
 namespace {
 
 std::string numbered(const char* name)
@@ -290,3 +292,5 @@ void TovOgrePicturePlane::setIntParam(u32 programType, const char* name, i32 val
 {
     shader_.setIntParam(programType, name, value);
 }
+
+} // namespace KEXSDK

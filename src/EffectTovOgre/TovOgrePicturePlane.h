@@ -18,6 +18,8 @@ class SceneNode;
 class TextureUnitState;
 } // namespace Ogre
 
+namespace KEXSDK {
+
 /// A plane that fills a 4:3 view at distance 1010, one material with one pass, one texture unit per input:
 /// unit n holds the input with the n-th index. Render thread only; the plane goes before the camera and the
 /// node do.
@@ -56,13 +58,13 @@ public:
 
     /// Shows a texture that someone else draws, without a copy.
     void setPictruePlaneImage(const Ogre::TexturePtr& texture, i32 index);
-    /// The same with a copy of the texture's present content, for one that is about to be drawn into.
+    /// Shows a copy of a texture's present content, for a texture that is about to be drawn into.
     void setPictruePlaneCopy(const Ogre::TexturePtr& texture, i32 index);
 
     /// Replaces a texture that someone else draws by a copy of its present content, wherever the plane shows
     /// it: it is about to go away.
     void keepCopyOf(const Ogre::TexturePtr& texture);
-    /// The same for the texture of one input.
+    /// Replaces the texture of one input in the same way.
     void keepCopyOf(i32 index);
 
     /// Puts the pictures into the pass's units, the shader's programs into the pass, and its values into
@@ -104,3 +106,5 @@ private:
     TovOgreShader shader_;
     bool programsBound_ = false;
 };
+
+} // namespace KEXSDK

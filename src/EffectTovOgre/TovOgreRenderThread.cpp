@@ -9,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+namespace KEXSDK {
+
 namespace {
 
 using namespace renderThread;
@@ -16,12 +18,12 @@ using namespace renderThread;
 constexpr std::string_view kEffectClass = "TovOgrePaticalUniverseEffect";
 
 /// The request lock, or nothing when the calling thread cannot be served.
-std::optional<MyCSingleLock> enterRequest()
+std::optional<platform::MyCSingleLock> enterRequest()
 {
     Process& all = process();
     if (TovOgreRenderThread::isCurrent())
         return std::nullopt;
-    MyCSingleLock lock(all.requests);
+    platform::MyCSingleLock lock(all.requests);
     if (!lock || !all.running)
         return std::nullopt;
     return lock;
@@ -45,7 +47,7 @@ TovOgreRenderThread::TovOgreRenderThread(
       pluginsDirectory_(textOrEmpty(pluginsDirectory)),
       logDirectory_(textOrEmpty(logDirectory))
 {
-    if (MyCSingleLock lock(process().requests); lock)
+    if (platform::MyCSingleLock lock(process().requests); lock)
         start();
 }
 
@@ -95,7 +97,7 @@ TovOgreRenderThread& TovOgreRenderThread::getInstance()
     static TovOgreRenderThread* const onDemand = new TovOgreRenderThread(Deferred{});
     if (isCurrent())
         return *onDemand; // starting up: whoever started this thread will be the instance
-    const MyCSingleLock lock(all.requests);
+    const platform::MyCSingleLock lock(all.requests);
     if (TovOgreRenderThread* const instance = all.instance)
         return *instance;
     if (lock) {
@@ -132,7 +134,7 @@ u32 TovOgreRenderThread::prepareEffect(TovEffectBase* effect)
     return 1;
 }
 
-u32 TovOgreRenderThread::evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer)
+u32 TovOgreRenderThread::evaluateEffect(TovEffectBase* effect, _ImageParam** slot, u8* buffer)
 {
     const auto lock = enterRequest();
     Process& all = process();
@@ -149,7 +151,7 @@ u32 TovOgreRenderThread::evaluateEffect(TovEffectBase* effect, KEXSDK::_ImagePar
     return 1;
 }
 
-u32 TovOgreRenderThread::readBack(KEXSDK::_ImageParam* record)
+u32 TovOgreRenderThread::readBack(_ImageParam* record)
 {
     const auto lock = enterRequest();
     Process& all = process();
@@ -210,7 +212,7 @@ bool TovOgreRenderThread::saveImage(const char* path, const u8* pixels, u32 widt
     slot.pixels = pixels;
     slot.width = width;
     slot.height = height;
-    slot.pixelFormat = KEXSDK::RecordFormat::A8R8G8B8;
+    slot.pixelFormat = RecordFormat::A8R8G8B8;
     slot.saved = false;
     perform(kSaveImage);
     slot.filePath = nullptr;
@@ -239,7 +241,7 @@ u32 TovOgreRenderThread::shutdown()
     Process& all = process();
     if (isCurrent())
         return 0;
-    const MyCSingleLock lock(all.requests);
+    const platform::MyCSingleLock lock(all.requests);
     if (!lock || !all.instance)
         return 0;
     if (all.running)
@@ -268,3 +270,5 @@ GpuCapabilities gpuCapabilities()
     const std::lock_guard guard(process().settings);
     return process().capabilities;
 }
+
+} // namespace KEXSDK

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace KEXSDK {
+
 /// Requests block until the render thread has done them. Any thread may make them; those of two threads come
 /// one after the other. Without a running thread (failed start, ended by itself, shut down), on the render
 /// thread itself, and while the calling thread holds a LoadedImage they return at once without effect.
@@ -40,18 +42,18 @@ public:
     /// Draws a frame of an effect made by createEffect. `slot` is the variable with the output record (it may
     /// hold null: it then receives the effect's own), `buffer` memory to read the frame into, or null.
     /// @return 1 when the request was made. After a closed window one call is passed over.
-    static u32 evaluateEffect(TovEffectBase* effect, KEXSDK::_ImageParam** slot, u8* buffer);
+    static u32 evaluateEffect(TovEffectBase* effect, _ImageParam** slot, u8* buffer);
 
     /// Copies the render target of the effect that owns the record into the record's pixels; a record without
     /// owner stays as it is. @return 1 when the request was made, else 0
-    u32 readBack(KEXSDK::_ImageParam* record);
+    u32 readBack(_ImageParam* record);
 
     /// Destroys an effect made by createEffect. @return 1 when the request was made, else 0
     static u32 deleteEffect(TovEffectBase* effect);
 
     /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations.
     LoadedImage loadImage(const char* path);
-    /// The same with a file of the resource locations only.
+    /// Decodes a picture file of the resource locations; no other is read.
     LoadedImage loadResource(const char* name);
 
     /// Writes a picture file, its kind by the path's extension. Rows are top row first, bytes blue, green,
@@ -93,3 +95,5 @@ u32 maxTextureSize() noexcept;
 
 /// What the running (or last started) GPU reported. Any thread.
 GpuCapabilities gpuCapabilities();
+
+} // namespace KEXSDK

@@ -16,6 +16,8 @@
 #include <new>
 #include <utility>
 
+namespace KEXSDK {
+
 namespace {
 
 using ProgramPtr = Ogre::HighLevelGpuProgramPtr;
@@ -327,3 +329,5 @@ void TovOgreShader::collectConstants(u32 programType, ShaderParameters& list) co
             list.back().programType = programType;
         }
 }
+
+} // namespace KEXSDK

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace KEXSDK {
+
 /// A program that the effect does not supply is replaced by the default one of its kind: the vertex program
 /// puts the plane into the picture, the fragment program shows the first texture. Between the two stands the
 /// varying "textureCoord". Programs are the process's, known by name, and live until OGRE ends; their values
@@ -93,3 +95,5 @@ private:
     const GlslLink* link_ = nullptr;  ///< of the environment; null without an own program
     std::vector<GlslUniform> uniforms_;
 };
+
+} // namespace KEXSDK

@@ -3,6 +3,8 @@
 
 #include "EffectTovOgre/TovOgrePicturePlane.h"
 
+namespace KEXSDK {
+
 namespace {
 
 struct Setter {
@@ -43,3 +45,5 @@ void UniformValues::applyTo(TovOgrePicturePlane& plane) const
         std::visit(Setter{plane, programType, name.c_str()}, value);
     }
 }
+
+} // namespace KEXSDK

@@ -12,6 +12,8 @@
 #include <tuple>
 #include <variant>
 
+namespace KEXSDK {
+
 class TovOgrePicturePlane;
 
 /// Elements of several values each; the memory stays the caller's.
@@ -47,3 +49,5 @@ private:
 
     std::map<_CommDataType, Value> values_;
 };
+
+} // namespace KEXSDK

@@ -14,6 +14,8 @@ namespace {
 constinit CFactoryManager* head = nullptr;
 constinit unsigned factoryCount = 0;
 
+constexpr std::string_view kEngineNamespace = "KEXSDK::";
+
 } // namespace
 
 CFactoryManager::CFactoryManager(CAbstractFactory& factory) : factory_(&factory), next_(head)
@@ -40,13 +42,18 @@ bool hasClassName(const std::type_info& type, std::string_view name)
     int status = 0;
     const std::unique_ptr<char, decltype(&std::free)> own(
         abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-    return own && name == own.get();
+    if (!own)
+        return false;
+    std::string_view fullName = own.get();
+    if (fullName.starts_with(kEngineNamespace))
+        fullName.remove_prefix(kEngineNamespace.size());
+    return name == fullName;
 }
 
-TovEffectBase* create(const char* className)
+KEXSDK::TovEffectBase* create(const char* className)
 {
     for (const CFactoryManager* link = head; link; link = link->next_)
-        if (TovEffectBase* const made = link->factory_->create(className))
+        if (KEXSDK::TovEffectBase* const made = link->factory_->create(className))
             return made;
     return nullptr;
 }

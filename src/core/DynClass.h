@@ -4,14 +4,16 @@
 #include <string_view>
 #include <typeinfo>
 
+namespace KEXSDK {
 class TovEffectBase;
+}
 
 namespace DYN_CLASS {
 
 class CAbstractFactory {
 public:
     /// A new object that the caller owns, or null when the name is not this factory's.
-    virtual TovEffectBase* create(const char* className) = 0;
+    virtual KEXSDK::TovEffectBase* create(const char* className) = 0;
     virtual ~CAbstractFactory() = default;
 };
 
@@ -27,18 +29,18 @@ public:
     static unsigned count();
 
 private:
-    friend TovEffectBase* create(const char* className);
+    friend KEXSDK::TovEffectBase* create(const char* className);
 
     CAbstractFactory* factory_;
     CFactoryManager* next_;
 };
 
-/// True when the type is called exactly that, namespaces included.
+/// True when the type is called exactly that, namespaces included: all but the engine's own one.
 bool hasClassName(const std::type_info& type, std::string_view name);
 
 template <class T> class CFactory : public CAbstractFactory {
 public:
-    TovEffectBase* create(const char* className) override
+    KEXSDK::TovEffectBase* create(const char* className) override
     {
         return className && hasClassName(typeid(T), className) ? new T : nullptr;
     }
@@ -48,6 +50,6 @@ private:
 };
 
 /// The first object that a factory of the list makes for the name, or null. The caller owns it.
-TovEffectBase* create(const char* className);
+KEXSDK::TovEffectBase* create(const char* className);
 
 } // namespace DYN_CLASS

@@ -1,4 +1,5 @@
-// Fixed-width numbers used throughout the engine.
+// Fixed-width numbers used throughout the engine: in no namespace, so that they are as short as int
+// everywhere.
 #pragma once
 
 #include <cstddef>

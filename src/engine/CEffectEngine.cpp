@@ -9,6 +9,8 @@
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 
+namespace KEXSDK {
+
 CEffectEngine::CEffectEngine() = default;
 CEffectEngine::~CEffectEngine() = default;
 
@@ -19,7 +21,7 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
     const bool canDraw = initOgreEnvirenment();
-    transitionMgrInit();
+    transitions::transitionMgrInit();
     initAmEffects();
     if (canDraw) {
         initShaderEffects();
@@ -43,7 +45,7 @@ bool CEffectEngine::initOgreEnvirenment()
 
 void CEffectEngine::initAmEffects()
 {
-    for (const auto& [effect, family] : KEXSDK::amCatalog()) {
+    for (const auto& [effect, family] : amCatalog()) {
         amIdByGuid_[effect->entry.guid] = effect->id;
         if (effect->texture)
             amTextureByGuid_[effect->entry.guid] = effect->texture;
@@ -76,7 +78,7 @@ void CEffectEngine::unInitialize()
     logging::info(kTag, "Uninitialze end.");
 }
 
-void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height, KEXSDK::CSimpleEffect** out)
+void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height, CSimpleEffect** out)
 {
     constexpr const char* kTag = "CEffectEngine::createEffectFromGUID";
     *out = nullptr;
@@ -110,16 +112,18 @@ CEffectEngine::Node CEffectEngine::makeAmEffect(const char* guid, u32 width, u32
     if (id == amIdByGuid_.end())
         return nullptr;
     const auto texture = amTextureByGuid_.find(std::string_view(guid));
-    return std::make_unique<KEXSDK::CSimpleAmEffect>(
+    return std::make_unique<CSimpleAmEffect>(
         id->second, width, height, texture == amTextureByGuid_.end() ? nullptr : texture->second.c_str());
 }
 
 CEffectEngine::Node CEffectEngine::makeRegistered(const char* guid, u32 width, u32 height) const
 {
-    return Node(KEXSDK::EffectRegistry::instance().create(guid, width, height));
+    return Node(EffectRegistry::instance().create(guid, width, height));
 }
 
 CEffectEngine::Node CEffectEngine::makeTransition(const char* guid, u32 width, u32 height) const
 {
-    return createTransition(width, height, guid);
+    return transitions::createTransition(width, height, guid);
 }
+
+} // namespace KEXSDK

@@ -8,11 +8,11 @@
 #include <memory>
 #include <string>
 
+namespace KEXSDK {
+
 class TovOgreRenderThread;
 
-namespace KEXSDK {
 class CSimpleEffect;
-}
 
 /// One per process, made by InitializeEngine. Its tables are written during initialize() and only read
 /// afterwards; all operations run on the host's calling thread.
@@ -33,10 +33,10 @@ public:
 
     /// Writes a new node, initialised and owned by the caller, to *out, or null when no source knows the
     /// GUID. Throws std::bad_alloc.
-    void createEffectFromGUID(const char* guid, u32 width, u32 height, KEXSDK::CSimpleEffect** out);
+    void createEffectFromGUID(const char* guid, u32 width, u32 height, CSimpleEffect** out);
 
 private:
-    using Node = std::unique_ptr<KEXSDK::CSimpleEffect>;
+    using Node = std::unique_ptr<CSimpleEffect>;
 
     bool initOgreEnvirenment();
     void initAmEffects();
@@ -59,3 +59,5 @@ private:
     std::map<std::string, i32, std::less<>> amIdByGuid_;
     std::map<std::string, std::string, std::less<>> amTextureByGuid_;
 };
+
+} // namespace KEXSDK

@@ -37,7 +37,7 @@ EffectList gather(shader::DescriptorList shaders)
     for (const auto& [guid, entry] : KEXSDK::EffectRegistry::instance().entries())
         effects.push_back(entry.info);
     std::ranges::move(KEXSDK::amEffectInfos(), std::back_inserter(effects));
-    std::ranges::move(transitionInfos(), std::back_inserter(effects));
+    std::ranges::move(transitions::transitionInfos(), std::back_inserter(effects));
     // The engine asks the descriptors first.
     std::erase_if(effects, [&](const EffectInfo& effect) { return shaders.contains(effect.guid); });
     for (const auto& [guid, descriptor] : shaders)

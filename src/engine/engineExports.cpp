@@ -9,7 +9,7 @@
 
 namespace {
 
-CEffectEngine* theEngine = nullptr;
+KEXSDK::CEffectEngine* theEngine = nullptr;
 
 const bool makesNodes = [] {
     KEXSDK::setNodeMaker([](const char* guid, u32 width, u32 height) {
@@ -23,7 +23,7 @@ const bool makesNodes = [] {
 
 } // namespace
 
-CEffectEngine* engineInstance() { return theEngine; }
+KEXSDK::CEffectEngine* engineInstance() { return theEngine; }
 
 unsigned int InitializeEngine(const char* resourceDir, const char* logDir)
 {
@@ -32,7 +32,7 @@ unsigned int InitializeEngine(const char* resourceDir, const char* logDir)
             return EFFECTENGINE_ALREADY_INITIALIZED;
         if (!resourceDir)
             return EFFECTENGINE_BAD_ARGUMENT;
-        theEngine = new CEffectEngine;
+        theEngine = new KEXSDK::CEffectEngine;
         return theEngine->initialize(resourceDir, logDir) ? EFFECTENGINE_OK : EFFECTENGINE_INIT_FAILED;
     });
 }
@@ -42,7 +42,7 @@ unsigned int UninitializeEngine()
     return guarded(
         "UninitializeEngine",
         []() -> unsigned int {
-            CEffectEngine* const engine = theEngine;
+            KEXSDK::CEffectEngine* const engine = theEngine;
             theEngine = nullptr;
             if (engine) {
                 engine->unInitialize();

@@ -4,10 +4,12 @@
 #include "EffectEngine/EffectEngine.h"
 #include "pixels/View.h"
 
+namespace KEXSDK {
 class CEffectEngine;
+}
 
 /// Null while the engine does not exist.
-CEffectEngine* engineInstance();
+KEXSDK::CEffectEngine* engineInstance();
 
 static_assert(
     EFFECTENGINE_LARGEST_SIDE == pixels::kLargestSide, "what hosts are told is what pictures may be");

@@ -3,6 +3,8 @@
 
 #include <atomic>
 
+namespace KEXSDK {
+
 namespace {
 
 class NoGraphics final : public GraphicsService {
@@ -14,9 +16,9 @@ public:
     LoadedImage loadImage(const char*) override { return {}; }
     LoadedImage loadResource(const char*) override { return {}; }
     bool saveImage(const char*, const u8*, u32, u32) override { return false; }
-    void readBack(KEXSDK::_ImageParam&) override { }
+    void readBack(_ImageParam&) override { }
     std::shared_ptr<TovEffectBase> createEffect() override { return nullptr; }
-    bool draw(TovEffectBase&, KEXSDK::_ImageParam&) override { return false; }
+    bool draw(TovEffectBase&, _ImageParam&) override { return false; }
     void endEffect(TovEffectBase&) override { }
 };
 
@@ -31,3 +33,5 @@ void setGraphicsService(GraphicsService* service) noexcept
 {
     present.store(service ? service : &none, std::memory_order_release);
 }
+
+} // namespace KEXSDK

@@ -9,13 +9,17 @@
 #include <string_view>
 #include <utility>
 
+namespace KEXSDK {
+
 /// The shared image after a load request. While a LoadedImage lives nobody else's request can overwrite the
 /// image: copy what you need and let it go, on the thread that loaded it. That thread's own requests are
 /// refused meanwhile.
 class LoadedImage {
 public:
     LoadedImage() = default;
-    LoadedImage(MyCSingleLock&& lock, SharedImage* image) : lock_(std::move(lock)), image_(image) { }
+    LoadedImage(platform::MyCSingleLock&& lock, SharedImage* image)
+        : lock_(std::move(lock)),
+          image_(image) { }
     LoadedImage(LoadedImage&& other) noexcept
         : lock_(std::move(other.lock_)),
           image_(std::exchange(other.image_, nullptr))
@@ -29,7 +33,7 @@ public:
     SharedImage& operator*() const { return *image_; }
 
 private:
-    std::optional<MyCSingleLock> lock_;
+    std::optional<platform::MyCSingleLock> lock_;
     SharedImage* image_ = nullptr;
 };
 
@@ -55,14 +59,14 @@ public:
     virtual bool saveImage(const char* path, const u8* pixels, u32 width, u32 height) = 0;
     /// Copies the picture of the effect that owns the record into the record's memory; a record without owner
     /// stays as it is. Starts the system.
-    virtual void readBack(KEXSDK::_ImageParam& record) = 0;
+    virtual void readBack(_ImageParam& record) = 0;
 
     /// A new GPU effect, or null. Starts the system. The object may outlive its scene, which ends with
     /// endEffect or with the system.
     virtual std::shared_ptr<TovEffectBase> createEffect() = 0;
     /// Draws a frame into the record's memory, and gives the record its texture. @return false when the
     /// effect was not asked; whether it drew it tells itself
-    virtual bool draw(TovEffectBase& effect, KEXSDK::_ImageParam& target) = 0;
+    virtual bool draw(TovEffectBase& effect, _ImageParam& target) = 0;
     virtual void endEffect(TovEffectBase& effect) = 0;
 
 protected:
@@ -75,3 +79,5 @@ GraphicsService& graphics() noexcept;
 /// Names the system that graphics() answers from now on, null for none. It stays for the life of the process;
 /// the render thread's names itself while the library loads.
 void setGraphicsService(GraphicsService* service) noexcept;
+
+} // namespace KEXSDK

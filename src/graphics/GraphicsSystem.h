@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace KEXSDK {
+
 class TovEffectBase;
 
 /// The one picture that every load request decodes into: 32-bit pixels in the bytes blue, green, red, alpha
@@ -20,7 +22,7 @@ public:
     virtual bool hasData() const = 0;
     virtual u32 width() const = 0;
     virtual u32 height() const = 0;
-    virtual KEXSDK::RecordFormat format() const = 0;
+    virtual RecordFormat format() const = 0;
     virtual u32 bitsPerPixel() const = 0;
     /// Valid until the next change of the picture.
     virtual std::span<const u8> bytes() const = 0;
@@ -58,17 +60,19 @@ public:
 
     /// Decodes the file into the shared image; a file that cannot be read leaves it empty and is logged.
     virtual void loadImage(const std::string& path) = 0;
-    /// The same with a file of the resource locations, which the effects' pictures are; no other is read.
+    /// Decodes a file of the resource locations, where the effects' pictures lie; no other is read.
     virtual void loadResource(const std::string& name) { loadImage(name); }
     virtual SharedImage& sharedImage() = 0;
 
     /// Writes rows, top row first, as the kind of picture that the path's extension names.
     /// @return whether the file is complete; a failure is logged
     virtual bool saveImage(
-        const std::string& path, const u8* pixels, u32 width, u32 height, KEXSDK::RecordFormat format) = 0;
+        const std::string& path, const u8* pixels, u32 width, u32 height, RecordFormat format) = 0;
 
     /// One line of the graphics system's own log, at its normal level. Nothing before `start`.
     virtual void log(std::string_view message) = 0;
 };
 
 using GraphicsSystemFactory = std::function<std::unique_ptr<GraphicsSystem>()>;
+
+} // namespace KEXSDK

@@ -5,12 +5,13 @@
 
 #include <memory>
 
-class TovEffectBase;
 namespace Ogre {
 class Texture;
 }
 
 namespace KEXSDK {
+
+class TovEffectBase;
 
 /// Pixel-format numbers as the record stores them. The installed rendering library counts differently:
 /// its own enumerators are looked up by name (EffectTovOgre/PixelFormats.h), never by these numbers.

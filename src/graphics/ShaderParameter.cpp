@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace KEXSDK {
+
 namespace {
 
 template <class To, class From> To convertedTo(From value)
@@ -42,3 +44,5 @@ void ShaderParameter::set(std::span<const i32> values) { storeAs(baseType, value
 void ShaderParameter::set(std::span<const float> values) { storeAs(baseType, values, data); }
 
 void ShaderParameter::set(std::span<const double> values) { storeAs(baseType, values, data); }
+
+} // namespace KEXSDK

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace KEXSDK {
+
 /// One uniform with its current value. The numbers are those that descriptor tools see.
 struct ShaderParameter {
     enum ProgramType : u32 { vertex = 0, fragment = 1 };
@@ -31,3 +33,5 @@ struct ShaderParameter {
 };
 
 using ShaderParameters = std::vector<ShaderParameter>;
+
+} // namespace KEXSDK

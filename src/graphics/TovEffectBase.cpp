@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace KEXSDK {
+
 TovEffectBase::TovEffectBase() = default;
 TovEffectBase::~TovEffectBase() = default;
 
@@ -41,13 +43,12 @@ bool TovEffectBase::loadPicture(const char* path, i32 index)
     return false;
 }
 
-void TovEffectBase::setInput(const KEXSDK::_ImageParam* record, i32 index)
+void TovEffectBase::setInput(const _ImageParam* record, i32 index)
 {
     if (record && record->sharedBuffer)
         setInputTexture(record->sharedBuffer, index);
     else if (record && record->pixels)
-        setInputPixels(
-            record->pixels, record->width, record->height, index, KEXSDK::RecordFormat(record->format));
+        setInputPixels(record->pixels, record->width, record->height, index, RecordFormat(record->format));
     else
         graphics().log("Input parameter is NULL!");
 }
@@ -62,14 +63,13 @@ void TovEffectBase::setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 
     inputs_[index] = std::move(input);
 }
 
-void TovEffectBase::setInputPixels(
-    const u8* pixels, u32 width, u32 height, i32 index, KEXSDK::RecordFormat format)
+void TovEffectBase::setInputPixels(const u8* pixels, u32 width, u32 height, i32 index, RecordFormat format)
 {
     setInputData(pixels, width, height, 1, index, format);
 }
 
 void TovEffectBase::setInputData(
-    const u8* pixels, u32 width, u32 height, u32 depth, i32 index, KEXSDK::RecordFormat format)
+    const u8* pixels, u32 width, u32 height, u32 depth, i32 index, RecordFormat format)
 {
     Input input;
     input.pixels = pixels;
@@ -114,18 +114,18 @@ void TovEffectBase::setFrameRate(float framesPerSecond)
 
 void TovEffectBase::createOutputRecord(u32 width, u32 height)
 {
-    output_ = std::make_unique<KEXSDK::_ImageParam>();
+    output_ = std::make_unique<_ImageParam>();
     output_->gpuOwner = this;
     output_->width = width;
     output_->height = height;
     output_->byteSize = width * height * output_->bytesPerPixel;
 }
 
-void TovEffectBase::copyOutput(KEXSDK::_ImageParam** slot)
+void TovEffectBase::copyOutput(_ImageParam** slot)
 {
     if (!*slot)
         *slot = output_.get();
-    KEXSDK::_ImageParam& target = **slot;
+    _ImageParam& target = **slot;
     if (&target == output_.get())
         return;
     target.gpuOwner = output_->gpuOwner;
@@ -145,3 +145,5 @@ void TovEffectBase::flipVertical(u8* pixels, u32 width, u32 height)
         std::swap_ranges(upper, upper + row, pixels + (height - 1 - y) * row);
     }
 }
+
+} // namespace KEXSDK

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace KEXSDK {
+
 /// How a frame comes into memory: straight, or through a buffer of OpenGL's.
 enum class ReadBackMode : u32 { direct = 1, packBuffer = 2 };
 
@@ -41,11 +43,11 @@ public:
     /// Draws one frame and copies it into the record's pixel memory. Render thread only.
     /// @param output  variable with the output record; when it holds null, put the effect's own record there
     /// @param buffer  memory of the output's size to read the frame into, or null for the record's own
-    virtual void render(KEXSDK::_ImageParam** output, u8* buffer, u32 channels) = 0;
+    virtual void render(_ImageParam** output, u8* buffer, u32 channels) = 0;
 
     /// Copies the latest frame into the record's pixel memory, or into `buffer` when given; a record that
     /// does not hold this effect's texture stays as it is. Render thread only.
-    virtual void getPixels(KEXSDK::_ImageParam* record, u8* buffer, u32 channels) = 0;
+    virtual void getPixels(_ImageParam* record, u8* buffer, u32 channels) = 0;
 
     // Inputs. Pixels are 4 bytes each, rows packed, and stay the caller's: they are read by every render
     // until the input is set again or removed.
@@ -54,12 +56,12 @@ public:
     /// comes first. @return false, with a line in the graphics system's log, when that is not possible
     virtual bool loadPicture(const char* path, i32 index);
     /// Takes the record's texture if it has one, which spares the way through memory, else its pixels.
-    virtual void setInput(const KEXSDK::_ImageParam* record, i32 index);
+    virtual void setInput(const _ImageParam* record, i32 index);
     virtual void setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 index);
-    virtual void setInputPixels(const u8* pixels, u32 width, u32 height, i32 index,
-        KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8);
+    virtual void setInputPixels(
+        const u8* pixels, u32 width, u32 height, i32 index, RecordFormat format = RecordFormat::A8R8G8B8);
     virtual void setInputData(
-        const u8* pixels, u32 width, u32 height, u32 depth, i32 index, KEXSDK::RecordFormat format);
+        const u8* pixels, u32 width, u32 height, u32 depth, i32 index, RecordFormat format);
     /// Reverses the rows of every frame read back.
     virtual void setFlipVertical(bool flip);
 
@@ -84,7 +86,7 @@ public:
     /// Replaces the effect's own record.
     virtual void createOutputRecord(u32 width, u32 height);
     /// Puts the effect's own record into an empty slot; another record there takes its picture's facts.
-    virtual void copyOutput(KEXSDK::_ImageParam** slot);
+    virtual void copyOutput(_ImageParam** slot);
     /// Swaps the rows top to bottom.
     virtual void flipVertical(u8* pixels, u32 width, u32 height);
 
@@ -120,7 +122,7 @@ protected:
     struct Input {
         const u8* pixels = nullptr;
         std::shared_ptr<Ogre::Texture> texture; ///< empty for an input in memory
-        KEXSDK::RecordFormat format = KEXSDK::RecordFormat::A8R8G8B8;
+        RecordFormat format = RecordFormat::A8R8G8B8;
         u32 width = 0; ///< this and the following for pixels only
         u32 height = 0;
         u32 depth = 1;
@@ -133,7 +135,7 @@ protected:
     u32 width_ = 800;
     u32 height_ = 600;
     bool sizeChanged_ = true;
-    std::unique_ptr<KEXSDK::_ImageParam> output_;
+    std::unique_ptr<_ImageParam> output_;
     bool windowClosed_ = false;
     ShaderParameters shaderParameters_;
     u32 id_ = 0;
@@ -145,3 +147,5 @@ protected:
     bool drewFrame_ = false;
     std::string problem_;
 };
+
+} // namespace KEXSDK

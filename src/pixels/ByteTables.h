@@ -26,7 +26,7 @@ struct ByteTables {
 /// dst are not touched. src and dst may be the same rows.
 void mapTables(ConstView src, View dst, const ByteTables& tables, int first, int last);
 
-/// Whole rows.
+/// Maps whole rows.
 inline void mapTables(ConstView src, View dst, const ByteTables& tables)
 {
     mapTables(src, dst, tables, 0, dst.width());

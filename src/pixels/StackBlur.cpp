@@ -1,4 +1,4 @@
-// Both passes of the Stack Blur, as one kernel that steps many lines of pixels at once.
+// The two passes of the Stack Blur as one kernel, which steps many lines of pixels at once.
 #include "pixels/StackBlur.h"
 
 #include "pixels/Scratch.h"

@@ -8,6 +8,8 @@
 #include <thread>
 #include <utility>
 
+namespace platform {
+
 class CriticalSection {
 public:
     /// Waits until the section is free. False, at once, when the calling thread is inside already.
@@ -54,3 +56,5 @@ private:
     CriticalSection* section_;
     u32 locked_;
 };
+
+} // namespace platform

@@ -5,6 +5,8 @@
 
 #include <array>
 
+namespace platform {
+
 const EglContext* EglContext::get()
 {
     static std::optional<EglContext> opened;
@@ -124,3 +126,5 @@ EGLSurface EglContext::currentSurface() const
 void EglContext::releaseThread() const { releaseThread_(); }
 
 EglContext::Function EglContext::function(const char* name) const { return getProcAddress_(name); }
+
+} // namespace platform

@@ -8,6 +8,8 @@
 
 #include <optional>
 
+namespace platform {
+
 /// EGL as far as drawing off-screen needs it: one display, one configuration (8 bits per colour and alpha, 24
 /// bits depth, 8 bits stencil). It stays initialised for the life of the process, because another user of EGL
 /// may hold the same display, and terminating it would end his contexts as well.
@@ -53,3 +55,5 @@ private:
     EGLDisplay display_ = EGL_NO_DISPLAY;
     EGLConfig config_ = nullptr;
 };
+
+} // namespace platform

@@ -4,6 +4,8 @@
 #include <condition_variable>
 #include <mutex>
 
+namespace platform {
+
 /// Resets itself: a wait consumes the set that released it. Sets without a waiter release one later wait.
 class Event {
 public:
@@ -31,3 +33,5 @@ private:
     std::condition_variable changed_;
     bool signalled_ = false;
 };
+
+} // namespace platform

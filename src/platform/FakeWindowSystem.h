@@ -38,7 +38,7 @@ struct WindowSystem {
     /// A window or pbuffer; 0 when EGL refuses. The surface may be smaller than the window claims to be.
     XID create(int x, int y, int width, int height, int surfaceWidth, int surfaceHeight)
     {
-        const EGLSurface surface = EglContext::get()->createSurface(surfaceWidth, surfaceHeight);
+        const EGLSurface surface = platform::EglContext::get()->createSurface(surfaceWidth, surfaceHeight);
         if (surface == EGL_NO_SURFACE)
             return 0;
         drawables[++lastId] = {surface, x, y, width, height};
@@ -47,7 +47,7 @@ struct WindowSystem {
     void destroy(XID id)
     {
         if (const auto found = drawables.find(id); found != drawables.end()) {
-            EglContext::get()->destroySurface(found->second.surface);
+            platform::EglContext::get()->destroySurface(found->second.surface);
             drawables.erase(found);
         }
     }

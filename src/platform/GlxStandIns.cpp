@@ -88,14 +88,14 @@ GLXContext createContextAttributes(
             break;
         }
     wanted[used] = EGL_NONE;
-    return static_cast<GLXContext>(EglContext::get()->create(shared, wanted));
+    return static_cast<GLXContext>(platform::EglContext::get()->create(shared, wanted));
 }
 
 Bool makeCurrent(Display*, GLXDrawable drawable, GLXContext context)
 {
     const OffscreenSurface* const target = windowSystem().find(drawable);
-    return context && target ? EglContext::get()->makeCurrent(target->surface, context)
-                             : EglContext::get()->makeCurrent(EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    return context && target ? platform::EglContext::get()->makeCurrent(target->surface, context)
+                             : platform::EglContext::get()->makeCurrent(EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
 
 XVisualInfo* visualInfo()
@@ -124,10 +124,10 @@ GLXPbuffer createPbuffer(Display*, GLXFBConfig, const int* attributes)
     return windowSystem().create(0, 0, width, height, width, height);
 }
 
-EglContext::Function procAddress(const GLubyte* name)
+platform::EglContext::Function procAddress(const GLubyte* name)
 {
     const std::string_view wanted = reinterpret_cast<const char*>(name);
-    const auto as = [](auto* function) { return reinterpret_cast<EglContext::Function>(function); };
+    const auto as = [](auto* function) { return reinterpret_cast<platform::EglContext::Function>(function); };
     if (wanted == "glXCreateContextAttribsARB")
         return as(&createContextAttributes);
     if (wanted == "glXSwapIntervalEXT")
@@ -136,7 +136,7 @@ EglContext::Function procAddress(const GLubyte* name)
         return as(+[](unsigned) { return 0; });
     if (wanted == "glXSwapIntervalSGI")
         return as(+[](int) { return 0; });
-    return wanted.starts_with("glX") ? nullptr : EglContext::get()->function(wanted.data());
+    return wanted.starts_with("glX") ? nullptr : platform::EglContext::get()->function(wanted.data());
 }
 
 } // namespace
@@ -161,17 +161,17 @@ void addGlxStandIns(StandIns& all)
         standIn<decltype(glXGetVisualFromFBConfig)>([](Display*, GLXFBConfig) { return visualInfo(); });
     all["glXCreateNewContext"] =
         standIn<decltype(glXCreateNewContext)>([](Display*, GLXFBConfig, int, GLXContext shared, Bool) {
-            return static_cast<GLXContext>(EglContext::get()->create(shared, nullptr));
+            return static_cast<GLXContext>(platform::EglContext::get()->create(shared, nullptr));
         });
     all["glXDestroyContext"] = standIn<decltype(glXDestroyContext)>(
-        [](Display*, GLXContext context) { EglContext::get()->destroy(context); });
+        [](Display*, GLXContext context) { platform::EglContext::get()->destroy(context); });
     all["glXMakeCurrent"] = standIn<decltype(glXMakeCurrent)>(makeCurrent);
     all["glXGetCurrentContext"] = standIn<decltype(glXGetCurrentContext)>(
-        [] { return static_cast<GLXContext>(EglContext::get()->current()); });
+        [] { return static_cast<GLXContext>(platform::EglContext::get()->current()); });
     all["glXGetCurrentDisplay"] = standIn<decltype(glXGetCurrentDisplay)>(
-        [] { return EglContext::get()->current() ? windowSystem().display : nullptr; });
+        [] { return platform::EglContext::get()->current() ? windowSystem().display : nullptr; });
     all["glXGetCurrentDrawable"] = standIn<decltype(glXGetCurrentDrawable)>([]() -> GLXDrawable {
-        const EGLSurface surface = EglContext::get()->currentSurface();
+        const EGLSurface surface = platform::EglContext::get()->currentSurface();
         for (const auto& [id, drawable] : windowSystem().drawables)
             if (drawable.surface == surface)
                 return id;

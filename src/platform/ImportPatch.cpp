@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace platform {
+
 namespace {
 
 #if defined(__x86_64__)
@@ -139,3 +141,5 @@ bool ImportPatch::write(void* Slot::*value) const
         mprotect(reinterpret_cast<void*>(protectBegin), protectEnd - protectBegin, PROT_READ);
     return true;
 }
+
+} // namespace platform

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace platform {
+
 /// Import slots of a loaded object, chosen by name, each with the function that it held and its replacement.
 class ImportPatch {
 public:
@@ -39,3 +41,5 @@ private:
     std::string missing_;
     std::string_view readOnly_; ///< memory that the loader protected after it had relocated the object
 };
+
+} // namespace platform

@@ -20,11 +20,11 @@ bool isWindowSystemCall(std::string_view name)
 /// The plug-in with the patch of its imports. It stays open for ever, because the patch points into it.
 struct Plugin {
     std::string file;
-    std::unique_ptr<ImportPatch> imports;
+    std::unique_ptr<platform::ImportPatch> imports;
 };
 
 /// The patch of the opened plug-in; null when it cannot be opened, or when the host draws with it.
-const ImportPatch* openPlugin(const std::string& file)
+const platform::ImportPatch* openPlugin(const std::string& file)
 {
     static Plugin* const plugin = new Plugin;
     if (plugin->imports)
@@ -40,23 +40,25 @@ const ImportPatch* openPlugin(const std::string& file)
     addXlibStandIns(standIns);
     addGlxStandIns(standIns);
     plugin->file = file;
-    plugin->imports = std::make_unique<ImportPatch>(handle, isWindowSystemCall, [&](std::string_view name) {
-        const auto found = standIns.find(name);
-        return found == standIns.end() ? nullptr : found->second;
-    });
+    plugin->imports =
+        std::make_unique<platform::ImportPatch>(handle, isWindowSystemCall, [&](std::string_view name) {
+            const auto found = standIns.find(name);
+            return found == standIns.end() ? nullptr : found->second;
+        });
     return plugin->imports.get();
 }
 
 bool allowedForTests = true;
-const ImportPatch* inForce = nullptr;
+const platform::ImportPatch* inForce = nullptr;
 
 } // namespace
 
 bool enable(const std::string& pluginFile)
 {
     // Opened first: OGRE then gets this copy even if its calls go on to X, and they can be led to EGL later.
-    const ImportPatch* const imports = openPlugin(pluginFile);
-    if (!allowedForTests || !imports || !imports->complete() || !EglContext::get() || !imports->apply())
+    const platform::ImportPatch* const imports = openPlugin(pluginFile);
+    if (!allowedForTests || !imports || !imports->complete() || !platform::EglContext::get()
+        || !imports->apply())
         return false;
     inForce = imports;
     return true;

@@ -17,10 +17,10 @@ int closeDisplay(Display*)
     WindowSystem& system = windowSystem();
     if (--system.openCount > 0)
         return 0;
-    EglContext::get()->makeCurrent(EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    platform::EglContext::get()->makeCurrent(EGL_NO_SURFACE, EGL_NO_CONTEXT);
     while (!system.drawables.empty())
         system.destroy(system.drawables.begin()->first);
-    EglContext::get()->releaseThread();
+    platform::EglContext::get()->releaseThread();
     return 0;
 }
 

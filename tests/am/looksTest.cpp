@@ -18,7 +18,7 @@ AmPicture greys(std::initializer_list<int> values)
     return picture;
 }
 
-// The same row three times.
+// A picture of three equal rows.
 AmPicture thrice(AmPicture row)
 {
     AmPicture picture(row.view().width(), 3);

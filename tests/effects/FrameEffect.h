@@ -35,7 +35,7 @@ protected:
         SetInputImage(filter_->handle(), frame_->image(), 0);
         return *filter_;
     }
-    /// The same with every pixel at its place.
+    /// Opens an effect on a frame whose pixels tell their places.
     host::Filter& openPlaces(const char* guid, int width, int height)
     {
         open(guid, width, height);

@@ -95,12 +95,12 @@ TEST_F(Threads, NodesOfOneSharedOrderMayDifferInSize)
 TEST(ThreadsOnTheGpu, GraphsOnFourOfThemGiveTheBytesOfOne)
 {
     unsetenv("DISPLAY");
-    TovOgreRenderThread::setGraphicsSystemFactory({});
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
     listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
     {
         const test::TemporaryDirectory logs;
         const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, logs.path().c_str());
-        ASSERT_TRUE(gpuAvailable());
+        ASSERT_TRUE(KEXSDK::gpuAvailable());
         for (const EffectInfo& effect : listEffects())
             if (effect.needsGpu)
                 expectSameOnFourThreads(effect, 64, 48);

@@ -23,7 +23,7 @@ TEST(EngineLifeCycle, StartsOnceAndAgainAfterItsEnd)
     EXPECT_EQ(UninitializeEngine(), 0u);
     EXPECT_EQ(InitializeEngine("./", nullptr), 0u);
     EXPECT_EQ(UninitializeEngine(), 0u);
-    TovOgreRenderThread::setGraphicsSystemFactory({});
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
 }
 
 TEST(Images, SizesArePicky)

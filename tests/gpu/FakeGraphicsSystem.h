@@ -51,7 +51,7 @@ struct Diary {
     }
 };
 
-class FakeEffect : public TovEffectBase {
+class FakeEffect : public KEXSDK::TovEffectBase {
 public:
     explicit FakeEffect(Diary& diary) : diary_(diary), id_(++diary.nextId) { ++diary_.effects; }
     ~FakeEffect() override
@@ -76,12 +76,12 @@ public:
     }
     bool isWindowClosed() override { return diary_.windowCloses; }
     u32 getId() override { return id_; }
-    ShaderParameters* getShaderParameters() override
+    KEXSDK::ShaderParameters* getShaderParameters() override
     {
         diary_.note("prepare " + std::to_string(id_));
         return &shaderParameters_;
     }
-    void setReadBackMode(ReadBackMode) override { }
+    void setReadBackMode(KEXSDK::ReadBackMode) override { }
     void setPictureOnly(bool) override { }
     void setShaderSource(const char*, bool, bool) override { }
 
@@ -93,7 +93,7 @@ private:
 };
 
 /// Its "decoder" fills a 16 x 16 picture with the last character of the path, slowly enough to be disturbed.
-class FakeImage : public SharedImage {
+class FakeImage : public KEXSDK::SharedImage {
 public:
     bool hasData() const override { return !bytes_.empty(); }
     u32 width() const override { return 16; }
@@ -115,7 +115,7 @@ private:
     std::vector<u8> bytes_;
 };
 
-class FakeGraphicsSystem : public GraphicsSystem {
+class FakeGraphicsSystem : public KEXSDK::GraphicsSystem {
 public:
     explicit FakeGraphicsSystem(Diary& diary) : diary_(diary) { ++diary_.systems; }
     ~FakeGraphicsSystem() override
@@ -132,16 +132,16 @@ public:
         diary_.perhapsThrow("start");
         return diary_.startWorks;
     }
-    GpuCapabilities capabilities() const override
+    KEXSDK::GpuCapabilities capabilities() const override
     {
-        GpuCapabilities found;
+        KEXSDK::GpuCapabilities found;
         found.maxTextureSize = 4321;
         found.textures3D = true;
         found.driver.major = diary_.driver.first;
         found.driver.minor = diary_.driver.second;
         return found;
     }
-    TovEffectBase* createEffect(const char* className) override
+    KEXSDK::TovEffectBase* createEffect(const char* className) override
     {
         diary_.note(std::string("create ") + className);
         diary_.perhapsThrow("create");
@@ -154,7 +154,7 @@ public:
         if (!path.empty())
             image_.decode(u8(path.back()));
     }
-    SharedImage& sharedImage() override { return image_; }
+    KEXSDK::SharedImage& sharedImage() override { return image_; }
     bool saveImage(
         const std::string& path, const u8*, u32 width, u32 height, KEXSDK::RecordFormat format) override
     {

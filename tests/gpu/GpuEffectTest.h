@@ -48,21 +48,21 @@ protected:
     }
 
     /// An effect with a fragment program, or the default one.
-    static GpuEffect effectOf(u32 width, u32 height, const char* source = nullptr)
+    static KEXSDK::GpuEffect effectOf(u32 width, u32 height, const char* source = nullptr)
     {
-        GpuEffect effect = GpuEffect::create();
+        KEXSDK::GpuEffect effect = KEXSDK::GpuEffect::create();
         effect->setSize(width, height);
         effect->setShaderSource(source, true, true);
         return effect;
     }
 
     /// What only the class over OGRE has.
-    static TovOgreEffectBase& ogre(const GpuEffect& effect)
+    static KEXSDK::TovOgreEffectBase& ogre(const KEXSDK::GpuEffect& effect)
     {
-        return dynamic_cast<TovOgreEffectBase&>(*effect.get());
+        return dynamic_cast<KEXSDK::TovOgreEffectBase&>(*effect.get());
     }
 
-    TovOgreRenderThread thread_;
+    KEXSDK::TovOgreRenderThread thread_;
 };
 
 } // namespace test

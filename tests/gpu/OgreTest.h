@@ -23,7 +23,7 @@ protected:
             offscreenGl::setAllowed(false);
         else
             unsetenv("DISPLAY");
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         char name[] = "/tmp/effectengine-gpu-XXXXXX";
         directory_ = std::string(mkdtemp(name)) + "/";
     }

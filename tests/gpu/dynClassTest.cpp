@@ -7,19 +7,25 @@
 
 #include <optional>
 
-// Outside of any namespace, as the effects are: a class is asked for by its full name.
+namespace KEXSDK {
+
+// Where the effects are: a class is asked for by its name within the engine's namespace.
 struct DynTestEffect : FakeEffect {
     DynTestEffect() : FakeEffect(shared) { }
     static inline Diary shared;
 };
 
+} // namespace KEXSDK
+
 namespace {
+
+using KEXSDK::DynTestEffect;
 
 struct Nested : DynTestEffect { };
 
-std::unique_ptr<TovEffectBase> make(const char* name)
+std::unique_ptr<KEXSDK::TovEffectBase> make(const char* name)
 {
-    return std::unique_ptr<TovEffectBase>(DYN_CLASS::create(name));
+    return std::unique_ptr<KEXSDK::TovEffectBase>(DYN_CLASS::create(name));
 }
 
 TEST(DynClass, ComparesTheWholeNameExactly)
@@ -28,7 +34,7 @@ TEST(DynClass, ComparesTheWholeNameExactly)
     const DYN_CLASS::CFactory<DynTestEffect> factory;
     EXPECT_NE(make("DynTestEffect"), nullptr);
     for (const char* const other : {"", "dynTestEffect", "DynTestEffect ", "DynTestEffec", "FakeEffect",
-             "13DynTestEffect", "class DynTestEffect", "CCubeLut"})
+             "13DynTestEffect", "class DynTestEffect", "KEXSDK::DynTestEffect", "CCubeLut"})
         EXPECT_EQ(make(other), nullptr) << other;
     EXPECT_EQ(make(nullptr), nullptr);
 }

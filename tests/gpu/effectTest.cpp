@@ -11,7 +11,7 @@ class EffectTest : public test::GpuEffectTest { };
 
 TEST_F(EffectTest, PassesPicturesThroughToTheByteAtAnySize)
 {
-    GpuEffect effect = effectOf(640, 480);
+    KEXSDK::GpuEffect effect = effectOf(640, 480);
     const std::pair<u32, u32> sizes[] = {
         {640, 480}, {1920, 1080}, {37, 23}, {1, 1}, {4096, 16}, {1921, 1079}, {800, 600}, {640, 480}};
     for (const auto& [width, height] : sizes) {
@@ -30,14 +30,14 @@ TEST_F(EffectTest, ProgramsSeeEveryInputUnderItsIndex)
     const auto first = Picture::plain(64, 48, {10, 20, 30, 255});
     const auto second = Picture::plain(9, 5, {40, 50, 60, 255});
     const auto third = Picture::plain(64, 48, {70, 80, 90, 255});
-    GpuEffect effect = effectOf(64, 48,
+    KEXSDK::GpuEffect effect = effectOf(64, 48,
         "uniform sampler2D mSample0; uniform sampler2D mSample1; uniform sampler2D mSample2;"
         "varying vec2 textureCoord; void main() { gl_FragColor = vec4(texture2D(mSample0, textureCoord).r,"
         "texture2D(mSample1, textureCoord).g, texture2D(mSample2, textureCoord).b, 1.0); }");
     Picture target(64, 48);
     const char* const samplers[] = {"mSample0", "mSample1", "mSample2"};
     for (i32 i = 0; i < 3; ++i)
-        ogre(effect).setIntParam(ShaderParameter::fragment, samplers[i], i);
+        ogre(effect).setIntParam(KEXSDK::ShaderParameter::fragment, samplers[i], i);
     effect->setInput(first->record(), 0);
     effect->setInput(third->record(), 2);
     ASSERT_TRUE(effect.draw(target));
@@ -48,7 +48,7 @@ TEST_F(EffectTest, ProgramsSeeEveryInputUnderItsIndex)
 
 TEST_F(EffectTest, ManyEffectsLiveSideBySide)
 {
-    std::vector<GpuEffect> effects;
+    std::vector<KEXSDK::GpuEffect> effects;
     std::vector<std::unique_ptr<Picture>> sources;
     std::vector<std::unique_ptr<Picture>> targets;
     for (u32 i = 0; i < 20; ++i) {
@@ -81,7 +81,7 @@ TEST_F(EffectTest, ChainsHandTexturesOn)
         "uniform sampler2D mSample0; varying vec2 textureCoord; void main() {"
         "gl_FragColor = texture2D(mSample0, textureCoord) + vec4(1.0 / 255.0, 0.0, 0.0, 0.0); }";
     const auto source = Picture::plain(200, 100, {1, 2, 3, 4});
-    std::vector<GpuEffect> effects;
+    std::vector<KEXSDK::GpuEffect> effects;
     std::vector<std::unique_ptr<Picture>> stages;
     const KEXSDK::CEffectImage* input = source.get();
     for (int i = 0; i < 5; ++i) {
@@ -131,18 +131,18 @@ TEST_F(EffectTest, UniformsOfEveryTypeTakeTheirValues)
             if (m2[0] != vec2(1, 3) || keptMatrix[1] != vec2(3, 4)) second += 4.0;
             gl_FragColor = vec4(second / 255.0, 0.0, float(wrong) / 255.0, 1.0);
         })";
-    GpuEffect effect = effectOf(8, 8, source);
-    ShaderParameters* const uniforms = effect->getShaderParameters();
+    KEXSDK::GpuEffect effect = effectOf(8, 8, source);
+    KEXSDK::ShaderParameters* const uniforms = effect->getShaderParameters();
     ASSERT_NE(uniforms, nullptr);
     EXPECT_EQ(effect->problem(), "");
-    const auto find = [&](const std::string& name) -> ShaderParameter& {
-        const auto found = std::ranges::find(*uniforms, name, &ShaderParameter::name);
+    const auto find = [&](const std::string& name) -> KEXSDK::ShaderParameter& {
+        const auto found = std::ranges::find(*uniforms, name, &KEXSDK::ShaderParameter::name);
         if (found == uniforms->end())
             throw std::runtime_error(name);
         return *found;
     };
     const auto shape = [&](const std::string& name) {
-        const ShaderParameter& p = find(name);
+        const KEXSDK::ShaderParameter& p = find(name);
         EXPECT_EQ(p.data.size(), p.arraySize * p.bytesPerElement) << name;
         return std::array{p.programType, p.arraySize, p.baseType, p.valuesPerElement, p.bytesPerElement};
     };
@@ -174,8 +174,8 @@ TEST_F(EffectTest, UniformsOfEveryTypeTakeTheirValues)
     two.insert(two.end(), unit.begin(), unit.end());
     set("ma", two);
     effect->setShaderParameters(*uniforms);
-    ogre(effect).setFloatParam(ShaderParameter::fragment, "noSuchName", 1);
-    ogre(effect).setIntParam(ShaderParameter::vertex, "i", 1); // the default program is never changed
+    ogre(effect).setFloatParam(KEXSDK::ShaderParameter::fragment, "noSuchName", 1);
+    ogre(effect).setIntParam(KEXSDK::ShaderParameter::vertex, "i", 1); // the default program is never changed
     Picture target(8, 8);
     const auto input = Picture::plain(8, 8, {0, 0, 0, 0});
     effect->setInput(input->record(), 0);
@@ -188,13 +188,13 @@ TEST_F(EffectTest, UniformsOfEveryTypeTakeTheirValues)
 TEST_F(EffectTest, ProgramsAreSharedAndTheirValuesAreNot)
 {
     const char* const source = "uniform float level; void main() { gl_FragColor = vec4(level); }";
-    GpuEffect effects[] = {effectOf(4, 4, source), effectOf(4, 4, source)};
+    KEXSDK::GpuEffect effects[] = {effectOf(4, 4, source), effectOf(4, 4, source)};
     const auto input = Picture::plain(4, 4, {0, 0, 0, 0});
     Picture target(4, 4);
     for (const float level : {0.2f, 0.6f}) {
-        GpuEffect& effect = effects[level > 0.5f];
+        KEXSDK::GpuEffect& effect = effects[level > 0.5f];
         effect->setInput(input->record(), 0);
-        ogre(effect).setFloatParam(ShaderParameter::fragment, "level", level);
+        ogre(effect).setFloatParam(KEXSDK::ShaderParameter::fragment, "level", level);
     }
     ASSERT_TRUE(effects[1].draw(target));
     EXPECT_EQ(int(target.pixel(0, 0)[0]), 153);
@@ -219,7 +219,7 @@ TEST_F(EffectTest, WhatCannotBeDrawnSaysWhyAndLeavesTheTarget)
     };
     const auto input = Picture::plain(4, 4, {1, 2, 3, 4});
     for (const auto& row : rows) {
-        GpuEffect effect = GpuEffect::create();
+        KEXSDK::GpuEffect effect = KEXSDK::GpuEffect::create();
         effect->setSize(4, 4);
         effect->setShaderSource(row.text, true, row.isSource);
         effect->setInput(input->record(), 0);
@@ -230,13 +230,13 @@ TEST_F(EffectTest, WhatCannotBeDrawnSaysWhyAndLeavesTheTarget)
         EXPECT_EQ(effect->problem().find('\n'), std::string::npos) << "it goes into one line of a log";
         EXPECT_EQ(target.bytes(), std::vector<u8>(64));
     }
-    GpuEffect effect = effectOf(4, 4);
+    KEXSDK::GpuEffect effect = effectOf(4, 4);
     EXPECT_FALSE(effect->loadPicture(path("none.png").c_str(), 1));
     EXPECT_FALSE(effect->problem().empty());
     EXPECT_TRUE(logged("none.pngnot be add to resource group or path is not right!"));
     EXPECT_TRUE(logged("Pictrue path is not right or it did not been add to resource group."));
     // The rest goes on as before.
-    GpuEffect good = effectOf(4, 4);
+    KEXSDK::GpuEffect good = effectOf(4, 4);
     good->setInput(input->record(), 0);
     Picture target(4, 4);
     ASSERT_TRUE(good.draw(target));
@@ -253,7 +253,7 @@ protected:
         own_.emplace(directory_.c_str(), EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str());
     }
 
-    std::optional<TovOgreRenderThread> own_;
+    std::optional<KEXSDK::TovOgreRenderThread> own_;
 };
 
 TEST_F(EffectFilesTest, ACorrectedShaderFileIsReadAnew)
@@ -262,7 +262,7 @@ TEST_F(EffectFilesTest, ACorrectedShaderFileIsReadAnew)
     const auto input = Picture::plain(4, 4, {0, 0, 0, 0});
     Picture target(4, 4);
     const auto drawn = [&] {
-        GpuEffect effect = GpuEffect::create();
+        KEXSDK::GpuEffect effect = KEXSDK::GpuEffect::create();
         effect->setSize(4, 4);
         effect->setShaderSource("red.frag", true, false);
         effect->setInput(input->record(), 0);
@@ -277,7 +277,7 @@ TEST_F(EffectFilesTest, ACorrectedShaderFileIsReadAnew)
 TEST_F(EffectTest, TheTransformMovesTurnsAndScalesThePicture)
 {
     const auto source = Picture::noise(40, 30, 3);
-    GpuEffect effect = effectOf(40, 30);
+    KEXSDK::GpuEffect effect = effectOf(40, 30);
     effect->setInput(source->record(), 0);
     Picture target(40, 30);
     effect->transform.translation[0] = 7;
@@ -303,7 +303,7 @@ TEST_F(EffectTest, TheTransformMovesTurnsAndScalesThePicture)
 TEST_F(EffectTest, FlippingReversesTheRows)
 {
     const auto source = Picture::noise(21, 13, 3);
-    GpuEffect effect = effectOf(21, 13);
+    KEXSDK::GpuEffect effect = effectOf(21, 13);
     effect->setInput(source->record(), 0);
     effect->setFlipVertical(true);
     Picture target(21, 13);
@@ -318,7 +318,7 @@ TEST_F(EffectFilesTest, ATextureFileMayBeAnInput)
     for (u32 i = 3; i < picture->byteSize(); i += 4)
         picture->pixels()[i] = 255;
     ASSERT_TRUE(own_->saveImage(path("texture.png").c_str(), picture->pixels(), 31, 17));
-    GpuEffect effect = effectOf(31, 17);
+    KEXSDK::GpuEffect effect = effectOf(31, 17);
     EXPECT_FALSE(effect->loadPicture(path("texture.png").c_str(), 1)) << "by its name alone";
     effect = effectOf(31, 17);
     ASSERT_TRUE(effect->loadPicture("texture.png", 0));
@@ -332,34 +332,34 @@ TEST_F(EffectFilesTest, ATextureFileMayBeAnInput)
 TEST_F(EffectTest, TooLargeAnInputKeepsThePictureBefore)
 {
     const auto source = Picture::noise(8, 8, 5);
-    const std::vector<u8> wide(std::size_t{4} * (maxTextureSize() + 1));
-    GpuEffect effect = effectOf(8, 8);
+    const std::vector<u8> wide(std::size_t{4} * (KEXSDK::maxTextureSize() + 1));
+    KEXSDK::GpuEffect effect = effectOf(8, 8);
     effect->setInput(source->record(), 0);
     Picture target(8, 8);
     ASSERT_TRUE(effect.draw(target));
-    effect->setInputPixels(wide.data(), maxTextureSize() + 1, 1, 0);
+    effect->setInputPixels(wide.data(), KEXSDK::maxTextureSize() + 1, 1, 0);
     ASSERT_TRUE(effect.draw(target));
     EXPECT_TRUE(target.bytes() == source->bytes());
-    EXPECT_TRUE(
-        logged("dimension is large max texture size " + std::to_string(maxTextureSize()) + "of supported"));
+    EXPECT_TRUE(logged(
+        "dimension is large max texture size " + std::to_string(KEXSDK::maxTextureSize()) + "of supported"));
 }
 
 TEST_F(EffectTest, AnEffectOutlivesItsThreadUnharmed)
 {
     const auto source = Picture::noise(8, 8, 5);
     Picture target(8, 8);
-    GpuEffect effect = effectOf(8, 8);
+    KEXSDK::GpuEffect effect = effectOf(8, 8);
     effect->setInput(source->record(), 0);
     ASSERT_TRUE(effect.draw(target));
     thread_.shutdown();
     effect->setSize(9, 9);
-    ogre(effect).setFloatParam(ShaderParameter::fragment, "x", 1);
+    ogre(effect).setFloatParam(KEXSDK::ShaderParameter::fragment, "x", 1);
     EXPECT_EQ(effect->getShaderParameters(), nullptr);
     EXPECT_FALSE(effect.draw(target));
     // Nor does it get into the way of the next thread's effects.
-    TovOgreRenderThread again(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", "");
+    KEXSDK::TovOgreRenderThread again(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", "");
     EXPECT_FALSE(effect.draw(target));
-    GpuEffect later = effectOf(8, 8);
+    KEXSDK::GpuEffect later = effectOf(8, 8);
     later->setInput(target.record(), 0); // with a texture of the thread before
     EXPECT_TRUE(later.draw(target));
     later->setInput(source->record(), 0);
@@ -373,7 +373,7 @@ TEST_F(EffectTest, MemoryStaysFlatWhileEffectsComeAndGo)
     Picture target(320, 240);
     const auto cycles = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            GpuEffect effect = effectOf(320, 240,
+            KEXSDK::GpuEffect effect = effectOf(320, 240,
                 "uniform sampler2D mSample0; varying vec2 textureCoord;"
                 "void main() { gl_FragColor = texture2D(mSample0, textureCoord); }");
             effect->setInput(source->record(), 0);

@@ -26,11 +26,12 @@ std::size_t openFiles()
 
 TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)
 {
-    TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
+    KEXSDK::TovOgreBase environment(
+        EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
     ASSERT_TRUE(environment.initialisationSucceeded()) << read("Ogre.log");
     EXPECT_FALSE(environment.configurationRestored());
     EXPECT_FALSE(environment.layeredWindow());
-    EXPECT_EQ(&TovOgreBase::getInstance(), &environment);
+    EXPECT_EQ(&KEXSDK::TovOgreBase::getInstance(), &environment);
     EXPECT_EQ(Ogre::Root::getSingleton().getSceneManager("OgreSceneManager"), environment.sceneManager());
     EXPECT_EQ(Ogre::Root::getSingleton().getAutoCreatedWindow(), environment.renderWindow());
     EXPECT_EQ(Ogre::TextureManager::getSingleton().getDefaultNumMipmaps(), 5u);
@@ -46,16 +47,16 @@ TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)
     glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
     EXPECT_EQ((std::vector<int>(pixel, pixel + 3)), (std::vector<int>{51, 102, 153}));
 
-    TovOgreBase second(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
+    KEXSDK::TovOgreBase second(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
     EXPECT_EQ(second.root(), nullptr);
     EXPECT_FALSE(second.initialisationSucceeded());
-    EXPECT_EQ(&TovOgreBase::getInstance(), &environment);
+    EXPECT_EQ(&KEXSDK::TovOgreBase::getInstance(), &environment);
 }
 
 TEST_F(EnvironmentTest, TearsDownTheScenesThatAreLeftWhileOgreIsStillUp)
 {
-    struct Scene final : LiveEffect {
-        TovOgreBase* environment = nullptr;
+    struct Scene final : KEXSDK::LiveEffect {
+        KEXSDK::TovOgreBase* environment = nullptr;
         int destroyed = 0;
         void textureEnds(const std::shared_ptr<Ogre::Texture>&) override { }
         void destroyScene() override
@@ -67,7 +68,7 @@ TEST_F(EnvironmentTest, TearsDownTheScenesThatAreLeftWhileOgreIsStillUp)
         }
     } leaves, stays, gone;
     {
-        TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
+        KEXSDK::TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
         leaves.environment = &environment;
         for (Scene* const scene : {&leaves, &stays, &gone})
             environment.addLiveEffect(scene);
@@ -82,8 +83,9 @@ TEST_F(EnvironmentTest, TearsDownTheScenesThatAreLeftWhileOgreIsStillUp)
 TEST_F(EnvironmentTest, WithoutOffscreenAndWithoutALivingDisplayTheGpuIsUnavailable)
 {
     const auto start = [&] {
-        TovOgreRenderThread thread(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str());
-        const bool available = gpuAvailable();
+        KEXSDK::TovOgreRenderThread thread(
+            EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str());
+        const bool available = KEXSDK::gpuAvailable();
         EXPECT_EQ(static_cast<bool>(thread.loadImage("x")), available);
         return available;
     };
@@ -102,9 +104,9 @@ TEST_F(EnvironmentTest, StartingOftenCostsNeitherFilesNorMemory)
 {
     const auto startOften = [&](int times) {
         for (int i = 0; i < times; ++i) {
-            TovOgreRenderThread thread(
+            KEXSDK::TovOgreRenderThread thread(
                 EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str());
-            ASSERT_TRUE(gpuAvailable());
+            ASSERT_TRUE(KEXSDK::gpuAvailable());
         }
     };
     startOften(10);
@@ -120,8 +122,8 @@ TEST_F(EnvironmentTest, StartingOftenCostsNeitherFilesNorMemory)
 
 TEST_F(EnvironmentTest, WithoutItsResourcesFileItIsNotUsable)
 {
-    TovOgreRenderThread thread(directory_.c_str(), nullptr, directory_.c_str());
-    EXPECT_FALSE(gpuAvailable());
+    KEXSDK::TovOgreRenderThread thread(directory_.c_str(), nullptr, directory_.c_str());
+    EXPECT_FALSE(KEXSDK::gpuAvailable());
     EXPECT_TRUE(logged(path("resources.cfg") + " not found, automatic resource loading disabled."));
     EXPECT_TRUE(logged("Initialze Ogre failed!"));
 }
@@ -132,9 +134,9 @@ TEST_F(EnvironmentTest, ResourceLocationsStartAtTheFilesDirectoryAndMayBeMissing
     write("otherresources.cfg", "[General]\nFileSystem=there\nFileSystem=missing\nNoSuchType=there\n");
     std::filesystem::create_directory(path("there"));
     write("there/by-name.pgm", "P5 1 1 255 \x40");
-    TovOgreRenderThread thread(path("other").c_str(), nullptr, directory_.c_str());
-    ASSERT_TRUE(gpuAvailable()) << read("Ogre.log");
-    const LoadedImage image = thread.loadImage("by-name.pgm");
+    KEXSDK::TovOgreRenderThread thread(path("other").c_str(), nullptr, directory_.c_str());
+    ASSERT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
+    const KEXSDK::LoadedImage image = thread.loadImage("by-name.pgm");
     ASSERT_TRUE(image && image->hasData());
     EXPECT_EQ(image->bytes()[0], 0x40);
 }
@@ -147,7 +149,7 @@ TEST_F(EnvironmentTest, AConfigurationInTheCurrentDirectoryReplacesTheOptions)
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(directory_);
     {
-        TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
+        KEXSDK::TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
         EXPECT_TRUE(environment.initialisationSucceeded()) << read("Ogre.log");
         EXPECT_TRUE(environment.configurationRestored());
         EXPECT_EQ(environment.renderWindow()->getWidth(), 320u);
@@ -160,9 +162,9 @@ TEST_F(EnvironmentTest, TheProcessMayEndWhileTheThreadWaits)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            new TovOgreRenderThread(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str());
+            new KEXSDK::TovOgreRenderThread(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str());
             std::filesystem::remove_all(directory_); // this process makes its own, and no fixture's end
-            std::exit(gpuAvailable() ? 42 : 1);
+            std::exit(KEXSDK::gpuAvailable() ? 42 : 1);
         },
         testing::ExitedWithCode(42), "");
 }

@@ -21,12 +21,12 @@ protected:
             + std::to_string(number);
     }
 
-    bool draw(GpuEffect& effect, Picture& target) const
+    bool draw(KEXSDK::GpuEffect& effect, Picture& target) const
     {
         effect->setInput(input_->record(), 0);
         effect->setInput(second_->record(), 1);
-        ogre(effect).setIntParam(ShaderParameter::fragment, "mSample1", 1);
-        if (ShaderParameters* const uniforms = effect->getShaderParameters())
+        ogre(effect).setIntParam(KEXSDK::ShaderParameter::fragment, "mSample1", 1);
+        if (KEXSDK::ShaderParameters* const uniforms = effect->getShaderParameters())
             effect->setShaderParameters(*uniforms);
         return effect.draw(target);
     }
@@ -47,7 +47,7 @@ TEST_F(FailingMemoryTest, TheNextFrameAndTheNextEffectOfThatProgramAreRight)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.particles);
         const auto make = [&](const std::string& program) {
-            GpuEffect effect = GpuEffect::create();
+            KEXSDK::GpuEffect effect = KEXSDK::GpuEffect::create();
             if (effect) {
                 effect->setSize(kWidth, kHeight);
                 effect->setShaderSource(program.c_str(), true, true);
@@ -55,11 +55,11 @@ TEST_F(FailingMemoryTest, TheNextFrameAndTheNextEffectOfThatProgramAreRight)
             }
             return effect;
         };
-        const auto drawFrame = [&](GpuEffect& effect, Picture& target) {
+        const auto drawFrame = [&](KEXSDK::GpuEffect& effect, Picture& target) {
             effect->setFrameIndex(row.frame);
             return draw(effect, target);
         };
-        GpuEffect older = make(programOf(0));
+        KEXSDK::GpuEffect older = make(programOf(0));
         Picture expected(kWidth, kHeight);
         ASSERT_TRUE(drawFrame(older, expected));
         EXPECT_EQ(expected.bytes() == input_->bytes(), row.frame == 0);
@@ -70,11 +70,11 @@ TEST_F(FailingMemoryTest, TheNextFrameAndTheNextEffectOfThatProgramAreRight)
             const std::string program = programOf(number);
             Picture target(kWidth, kHeight);
             test::failAllocation(number, row.inRenderingLibrary);
-            GpuEffect unlucky = make(program);
+            KEXSDK::GpuEffect unlucky = make(program);
             lost += unlucky && drawFrame(unlucky, target) ? 0 : 1;
             failed = test::allocationFailed();
-            GpuEffect next = make(program);
-            for (GpuEffect* const effect : {&unlucky, &next, &older, &unlucky}) {
+            KEXSDK::GpuEffect next = make(program);
+            for (KEXSDK::GpuEffect* const effect : {&unlucky, &next, &older, &unlucky}) {
                 if (!*effect) // it could not be made
                     continue;
                 std::fill_n(target.pixels(), target.byteSize(), u8(1));

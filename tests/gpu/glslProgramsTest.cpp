@@ -16,33 +16,33 @@ protected:
     };
 
     /// What the parameter holds.
-    static Values valuesOf(const ShaderParameter& parameter)
+    static Values valuesOf(const KEXSDK::ShaderParameter& parameter)
     {
         Values values(parameter.capacity());
         for (std::size_t i = 0; i < values.size(); ++i)
-            if (parameter.baseType == ShaderParameter::integer)
+            if (parameter.baseType == KEXSDK::ShaderParameter::integer)
                 values[i] = at<i32>(parameter, i);
-            else if (parameter.baseType == ShaderParameter::real)
+            else if (parameter.baseType == KEXSDK::ShaderParameter::real)
                 values[i] = at<float>(parameter, i);
             else
                 values[i] = at<double>(parameter, i);
         return values;
     }
-    template <class T> static double at(const ShaderParameter& parameter, std::size_t i)
+    template <class T> static double at(const KEXSDK::ShaderParameter& parameter, std::size_t i)
     {
         T value;
         std::memcpy(&value, parameter.data.data() + i * sizeof value, sizeof value);
         return double(value);
     }
 
-    static void set(ShaderParameter& parameter, const Values& values)
+    static void set(KEXSDK::ShaderParameter& parameter, const Values& values)
     {
         const std::vector<float> numbers(values.begin(), values.end());
         parameter.set(numbers);
     }
 
     /// Blue of what the effect draws; -1 when it draws nothing.
-    static int draw(GpuEffect& effect)
+    static int draw(KEXSDK::GpuEffect& effect)
     {
         const auto input = Picture::plain(4, 4, {60, 70, 80, 90});
         effect->setInput(input->record(), 0);
@@ -152,11 +152,11 @@ TEST_F(GlslProgramsTest, UniformsOfEverySpellingTakeTheirValues)
     };
     for (const auto& program : programs) {
         SCOPED_TRACE(program.what);
-        GpuEffect effect = effectOf(4, 4,
+        KEXSDK::GpuEffect effect = effectOf(4, 4,
             (program.declarations + "void main() { gl_FragColor = vec4(" + program.isRight
                 + " ? 0.0 : 1.0); }\n")
                 .c_str());
-        ShaderParameters* const uniforms = effect->getShaderParameters();
+        KEXSDK::ShaderParameters* const uniforms = effect->getShaderParameters();
         ASSERT_NE(uniforms, nullptr);
         ASSERT_EQ(effect->problem(), "");
         EXPECT_EQ(draw(effect), 255) << "before they are set";
@@ -164,7 +164,7 @@ TEST_F(GlslProgramsTest, UniformsOfEverySpellingTakeTheirValues)
         std::vector<std::string> listed;
         for (const Named& named : program.uniforms)
             expected.push_back(named.name);
-        for (const ShaderParameter& uniform : *uniforms)
+        for (const KEXSDK::ShaderParameter& uniform : *uniforms)
             listed.push_back(uniform.name);
         ASSERT_EQ(listed, expected);
         for (std::size_t i = 0; i < uniforms->size(); ++i)
@@ -178,7 +178,7 @@ TEST_F(GlslProgramsTest, UniformsOfEverySpellingTakeTheirValues)
 
 TEST_F(GlslProgramsTest, InitialValuesAreTheProgramsOwn)
 {
-    GpuEffect effect = effectOf(4, 4, R"(#version 430 compatibility
+    KEXSDK::GpuEffect effect = effectOf(4, 4, R"(#version 430 compatibility
         struct S { float a; float b[2]; };
         uniform float one=0.5, two = 2., three[2]=float[](3.,4.);
         uniform uint big = 4000000000u;
@@ -193,7 +193,7 @@ TEST_F(GlslProgramsTest, InitialValuesAreTheProgramsOwn)
         Values values;
     } expected[] = {{"big", {double(i32(4000000000u))}}, {"fine", {0.1, 0.25}}, {"m", {1, 4, 2, 5, 3, 6}},
         {"one", {0.5}}, {"s.a", {7}}, {"s.b", {8, 9}}, {"three", {3, 4}}, {"two", {2}}, {"yes", {1}}};
-    const ShaderParameters* const uniforms = effect->getShaderParameters();
+    const KEXSDK::ShaderParameters* const uniforms = effect->getShaderParameters();
     ASSERT_TRUE(uniforms);
     ASSERT_EQ(uniforms->size(), std::size(expected)) << effect->problem();
     for (std::size_t i = 0; i < uniforms->size(); ++i) {
@@ -220,7 +220,7 @@ TEST_F(GlslProgramsTest, DialectsOfGlslDraw)
         "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }",
     };
     for (const char* const program : programs) {
-        GpuEffect effect = effectOf(4, 4, program);
+        KEXSDK::GpuEffect effect = effectOf(4, 4, program);
         EXPECT_EQ(draw(effect), 60) << program << effect->problem();
     }
 }
@@ -258,7 +258,7 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
         SCOPED_TRACE(program.declarations);
         const std::string text = program.declarations;
         const bool hasOut = text.starts_with("#version 4") || text.starts_with("#version 15");
-        GpuEffect effect = effectOf(4, 4,
+        KEXSDK::GpuEffect effect = effectOf(4, 4,
             (text
                 + (hasOut ? "\nout vec4 result; void main() { result = " : "\nvoid main() { gl_FragColor = ")
                 + program.use + "; }")
@@ -269,18 +269,18 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
         EXPECT_EQ(effect->problem().find('\n'), std::string::npos);
     }
     // Nor is anything drawn while two kinds of samplers meet in one unit.
-    GpuEffect effect = effectOf(4, 4,
+    KEXSDK::GpuEffect effect = effectOf(4, 4,
         "#version 130\nin vec2 textureCoord; uniform sampler2D mSample0; uniform sampler3D cube;"
         "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }");
-    ogre(effect).setIntParam(ShaderParameter::fragment, "cube", 0);
+    ogre(effect).setIntParam(KEXSDK::ShaderParameter::fragment, "cube", 0);
     EXPECT_EQ(draw(effect), -1);
-    ogre(effect).setIntParam(ShaderParameter::fragment, "cube", 1);
+    ogre(effect).setIntParam(KEXSDK::ShaderParameter::fragment, "cube", 1);
     EXPECT_EQ(draw(effect), 60);
 }
 
 TEST_F(GlslProgramsTest, UniformsOfBothProgramsAreListedWhereTheyAreUsed)
 {
-    GpuEffect effect = effectOf(4, 4,
+    KEXSDK::GpuEffect effect = effectOf(4, 4,
         "varying float passed; uniform float common, mine; void main() { gl_FragColor = vec4(common == 1.0 "
         "&& mine"
         " == 2.0 && passed == 4.0 ? 0.0 : 1.0); }");
@@ -290,13 +290,13 @@ TEST_F(GlslProgramsTest, UniformsOfBothProgramsAreListedWhereTheyAreUsed)
                             "void main() { gl_Position = _worldViewProj * vertex; passed = common + shift; }",
         false, true);
     std::vector<std::pair<u32, std::string>> listed;
-    for (const ShaderParameter& uniform : *effect->getShaderParameters())
+    for (const KEXSDK::ShaderParameter& uniform : *effect->getShaderParameters())
         listed.emplace_back(uniform.programType, uniform.name);
     EXPECT_EQ(listed,
         (std::vector<std::pair<u32, std::string>>{{0, "common"}, {0, "shift"}, {1, "common"}, {1, "mine"}}));
-    ogre(effect).setFloatParam(ShaderParameter::vertex, "common", 1);
-    ogre(effect).setFloatParam(ShaderParameter::vertex, "shift", 3);
-    ogre(effect).setFloatParam(ShaderParameter::fragment, "mine", 2);
+    ogre(effect).setFloatParam(KEXSDK::ShaderParameter::vertex, "common", 1);
+    ogre(effect).setFloatParam(KEXSDK::ShaderParameter::vertex, "shift", 3);
+    ogre(effect).setFloatParam(KEXSDK::ShaderParameter::fragment, "mine", 2);
     EXPECT_EQ(draw(effect), 0) << effect->problem();
 }
 

@@ -51,11 +51,11 @@ protected:
     std::vector<std::vector<u8>> render(std::span<const Row> rows, test::GuardedFrame& source, bool onGpu)
     {
         if (onGpu)
-            TovOgreRenderThread::setGraphicsSystemFactory({});
+            KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         else
             test::useNoGraphics();
         EXPECT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
-        EXPECT_EQ(gpuAvailable(), onGpu) << read("Ogre.log");
+        EXPECT_EQ(KEXSDK::gpuAvailable(), onGpu) << read("Ogre.log");
         std::vector<std::vector<u8>> pictures;
         for (const Row& row : rows) {
             host::Filter filter(row.guid, kWidth, kHeight);
@@ -74,7 +74,7 @@ protected:
             pictures.emplace_back(bytes.begin(), bytes.end());
         }
         UninitializeEngine();
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         return pictures;
     }
 

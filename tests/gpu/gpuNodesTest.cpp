@@ -22,7 +22,7 @@ protected:
     GpuNodesTest()
     {
         EXPECT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
-        EXPECT_TRUE(gpuAvailable());
+        EXPECT_TRUE(KEXSDK::gpuAvailable());
     }
     ~GpuNodesTest() override { UninitializeEngine(); }
 
@@ -164,7 +164,7 @@ TEST_F(GpuNodesTest, ANodeGoesOnOnTheCpuOnceTheThreadHasEnded)
         SetInputImage(filter->handle(), source.image(), 0);
         EXPECT_TRUE(copyOf(filter->run()) == source.bytes());
     }
-    TovOgreRenderThread::getInstance().shutdown();
+    KEXSDK::TovOgreRenderThread::getInstance().shutdown();
     source.fill({50, 100, 150, 255});
     for (host::Filter* const filter : {&lightRoom, &blur})
         EXPECT_TRUE(copyOf(filter->run()) == source.bytes());
@@ -188,7 +188,7 @@ TEST(LightRoomOnOldDrivers, TheDriversVersionDecidesWhoDraws)
     for (const auto& driver : drivers) {
         Diary diary;
         diary.driver = {driver.major, driver.minor};
-        TovOgreRenderThread::setGraphicsSystemFactory(
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory(
             [&] { return std::make_unique<FakeGraphicsSystem>(diary); });
         ASSERT_EQ(InitializeEngine("./", nullptr), 0u);
         {
@@ -210,7 +210,7 @@ TEST(LightRoomOnOldDrivers, TheDriversVersionDecidesWhoDraws)
         EXPECT_EQ(has("render 1 4"), driver.draws ? 1 : 0) << "one failure is enough";
         EXPECT_EQ(diary.effects, 0);
     }
-    TovOgreRenderThread::setGraphicsSystemFactory({});
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
 }
 
 } // namespace

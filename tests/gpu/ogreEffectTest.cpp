@@ -27,9 +27,9 @@ TEST_F(OgreEffectTest, ValuesInOgresTypesArrive)
             if (whole != ivec2(3, -4)) wrong += 128;
             gl_FragColor = vec4(float(wrong) / 255.0);
         })";
-    GpuEffect effect = effectOf(4, 4, source);
-    TovOgreEffectBase& values = ogre(effect);
-    constexpr u32 kFragment = ShaderParameter::fragment;
+    KEXSDK::GpuEffect effect = effectOf(4, 4, source);
+    KEXSDK::TovOgreEffectBase& values = ogre(effect);
+    constexpr u32 kFragment = KEXSDK::ShaderParameter::fragment;
     Ogre::Matrix4 matrices[2] = {Ogre::Matrix4::IDENTITY, Ogre::Matrix4::IDENTITY};
     matrices[0].setTrans({10, 20, 30});
     matrices[1].setScale({2, 2, 2});
@@ -53,13 +53,14 @@ TEST_F(OgreEffectTest, ValuesInOgresTypesArrive)
 TEST_F(OgreEffectTest, BothWaysBackGiveTheSameBytes)
 {
     const auto source = Picture::noise(37, 23, 8);
-    GpuEffect effect = effectOf(37, 23);
+    KEXSDK::GpuEffect effect = effectOf(37, 23);
     effect->setInput(source->record(), 0);
     Picture small(37, 23);
     Picture large(120, 64);
     std::vector<u8> before;
     // The buffer comes with the mode, grows with the picture, and goes.
-    for (const ReadBackMode mode : {ReadBackMode::direct, ReadBackMode::packBuffer, ReadBackMode::direct}) {
+    for (const KEXSDK::ReadBackMode mode :
+        {KEXSDK::ReadBackMode::direct, KEXSDK::ReadBackMode::packBuffer, KEXSDK::ReadBackMode::direct}) {
         ogre(effect).setReadBackMode(mode);
         effect->setSize(37, 23);
         std::fill_n(small.pixels(), small.byteSize(), u8(7));

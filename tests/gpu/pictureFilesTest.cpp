@@ -21,13 +21,13 @@ class PictureFilesTest : public OgreTest {
 protected:
     PictureFilesTest() : thread_(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str())
     {
-        EXPECT_TRUE(gpuAvailable()) << read("Ogre.log");
+        EXPECT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
     }
 
     /// The bytes of a file's pixels; none when it cannot be loaded.
     Bytes load(const std::string& file)
     {
-        const LoadedImage image = thread_.loadImage(file.c_str());
+        const KEXSDK::LoadedImage image = thread_.loadImage(file.c_str());
         EXPECT_TRUE(image);
         EXPECT_EQ(image->hasData(), !image->bytes().empty());
         if (!image->hasData())
@@ -64,7 +64,7 @@ protected:
         std::fclose(file);
     }
 
-    TovOgreRenderThread thread_;
+    KEXSDK::TovOgreRenderThread thread_;
 };
 
 Bytes noise(u32 width, u32 height)
@@ -308,7 +308,7 @@ TEST_F(PictureFilesTest, ScalingGivesTheSizeAskedForAndKeepsPlainColours)
     for (int i = 0; i < 20 * 10; ++i)
         plain.insert(plain.end(), {11, 22, 33, 44});
     ASSERT_TRUE(save(path("plain.png"), plain, 20, 10));
-    const LoadedImage image = thread_.loadImage(path("plain.png").c_str());
+    const KEXSDK::LoadedImage image = thread_.loadImage(path("plain.png").c_str());
     for (const auto& [width, height] : {std::pair{20u, 10u}, {50u, 33u}, {3u, 1u}, {4096u, 1u}}) {
         ASSERT_TRUE(image->scale(width, height));
         EXPECT_EQ(image->width(), width);

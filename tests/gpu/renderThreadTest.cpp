@@ -33,9 +33,9 @@ class RenderThreadTest : public testing::Test {
 protected:
     RenderThreadTest()
     {
-        TovOgreRenderThread::setGraphicsSystemFactory(
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory(
             [this] { return std::make_unique<FakeGraphicsSystem>(diary_); });
-        TovOgreRenderThread::getInstance().shutdown(); // whatever an earlier test left behind
+        KEXSDK::TovOgreRenderThread::getInstance().shutdown(); // whatever an earlier test left behind
         diary_.taken();
         diary_.starts = 0;
         diary_.threads.clear();
@@ -44,7 +44,7 @@ protected:
     {
         EXPECT_EQ(diary_.systems, 0);
         EXPECT_EQ(diary_.effects, 0);
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
     }
 
     Diary diary_;
@@ -54,12 +54,12 @@ TEST_F(RenderThreadTest, CarriesOutRequestsInOrderOnOneThreadOfItsOwn)
 {
     u8 buffer[4]{};
     {
-        TovOgreRenderThread thread("res/", "plug/", nullptr);
-        EXPECT_TRUE(gpuAvailable());
-        EXPECT_EQ(maxTextureSize(), 4321u);
-        EXPECT_TRUE(gpuCapabilities().textures3D);
-        EXPECT_EQ(&TovOgreRenderThread::getInstance(), &thread);
-        TovEffectBase* const effect = thread.createEffect();
+        KEXSDK::TovOgreRenderThread thread("res/", "plug/", nullptr);
+        EXPECT_TRUE(KEXSDK::gpuAvailable());
+        EXPECT_EQ(KEXSDK::maxTextureSize(), 4321u);
+        EXPECT_TRUE(KEXSDK::gpuCapabilities().textures3D);
+        EXPECT_EQ(&KEXSDK::TovOgreRenderThread::getInstance(), &thread);
+        KEXSDK::TovEffectBase* const effect = thread.createEffect();
         ASSERT_NE(effect, nullptr);
         KEXSDK::_ImageParam* output = nullptr;
         EXPECT_EQ(thread.evaluateEffect(effect, &output, buffer), 1u);
@@ -76,8 +76,9 @@ TEST_F(RenderThreadTest, CarriesOutRequestsInOrderOnOneThreadOfItsOwn)
 
 TEST_F(RenderThreadTest, DeletesTheEffectAskedForAndAtTheEndTheOthersFromTheFirstToTheLast)
 {
-    TovOgreRenderThread thread("", "", "");
-    TovEffectBase* const effects[] = {thread.createEffect(), thread.createEffect(), thread.createEffect()};
+    KEXSDK::TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovEffectBase* const effects[] = {
+        thread.createEffect(), thread.createEffect(), thread.createEffect()};
     diary_.taken();
     EXPECT_EQ(thread.deleteEffect(effects[1]), 1u);
     EXPECT_EQ(thread.deleteEffect(effects[1]), 1u) << "the request is made, though nothing is left to delete";
@@ -90,13 +91,13 @@ TEST_F(RenderThreadTest, DeletesTheEffectAskedForAndAtTheEndTheOthersFromTheFirs
 
 TEST_F(RenderThreadTest, IgnoresEffectsThatOutlivedTheThreadThatMadeThem)
 {
-    TovOgreRenderThread thread("", "", "");
-    TovEffectBase* const old = thread.createEffect();
+    KEXSDK::TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovEffectBase* const old = thread.createEffect();
     KEXSDK::_ImageParam record;
     record.gpuOwner = old;
     KEXSDK::_ImageParam* slot = &record;
     thread.shutdown();
-    TovOgreRenderThread again("", "", "");
+    KEXSDK::TovOgreRenderThread again("", "", "");
     diary_.taken();
     again.evaluateEffect(old, &slot, nullptr);
     again.readBack(&record);
@@ -106,7 +107,7 @@ TEST_F(RenderThreadTest, IgnoresEffectsThatOutlivedTheThreadThatMadeThem)
 
 TEST_F(RenderThreadTest, ReadsBackOnlyWhatAnEffectOwns)
 {
-    TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovOgreRenderThread thread("", "", "");
     KEXSDK::_ImageParam owned, plain;
     owned.gpuOwner = thread.createEffect();
     diary_.taken();
@@ -118,7 +119,7 @@ TEST_F(RenderThreadTest, ReadsBackOnlyWhatAnEffectOwns)
 
 TEST_F(RenderThreadTest, MissingArgumentsMakeNoRequest)
 {
-    TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovOgreRenderThread thread("", "", "");
     KEXSDK::_ImageParam* slot = nullptr;
     const u8 pixel[4]{};
     diary_.taken();
@@ -136,8 +137,8 @@ TEST_F(RenderThreadTest, AFailedStartLeavesEveryRequestWithoutEffect)
     for (const char* const how : {"", "start"}) {
         diary_.startWorks = false;
         diary_.throwIn = how;
-        TovOgreRenderThread thread("", "", "");
-        EXPECT_FALSE(gpuAvailable());
+        KEXSDK::TovOgreRenderThread thread("", "", "");
+        EXPECT_FALSE(KEXSDK::gpuAvailable());
         EXPECT_EQ(diary_.taken(), (Lines{"start |||0", "log Initialze Ogre failed!", "end"}));
         finishes([&] {
             KEXSDK::_ImageParam record;
@@ -156,9 +157,9 @@ TEST_F(RenderThreadTest, AFailedStartLeavesEveryRequestWithoutEffect)
         // A later initialisation tries again, whether or not the failed object still exists.
         diary_.startWorks = true;
         diary_.throwIn.clear();
-        TovOgreRenderThread later("", "", "");
-        EXPECT_TRUE(gpuAvailable());
-        EXPECT_EQ(&TovOgreRenderThread::getInstance(), &later);
+        KEXSDK::TovOgreRenderThread later("", "", "");
+        EXPECT_TRUE(KEXSDK::gpuAvailable());
+        EXPECT_EQ(&KEXSDK::TovOgreRenderThread::getInstance(), &later);
         later.shutdown();
         diary_.taken();
     }
@@ -167,35 +168,35 @@ TEST_F(RenderThreadTest, AFailedStartLeavesEveryRequestWithoutEffect)
 TEST_F(RenderThreadTest, WhoeverComesFirstStartsTheThreadAndAFailureIsNotRepeated)
 {
     diary_.startWorks = false;
-    TovOgreRenderThread& instance = TovOgreRenderThread::getInstance();
-    EXPECT_FALSE(gpuAvailable());
-    EXPECT_FALSE(TovOgreRenderThread::getInstance().loadImage("a"));
-    EXPECT_EQ(&TovOgreRenderThread::getInstance(), &instance);
+    KEXSDK::TovOgreRenderThread& instance = KEXSDK::TovOgreRenderThread::getInstance();
+    EXPECT_FALSE(KEXSDK::gpuAvailable());
+    EXPECT_FALSE(KEXSDK::TovOgreRenderThread::getInstance().loadImage("a"));
+    EXPECT_EQ(&KEXSDK::TovOgreRenderThread::getInstance(), &instance);
     EXPECT_EQ(diary_.starts, 1);
     EXPECT_EQ(instance.shutdown(), 1u);
-    EXPECT_TRUE(gpuAvailable());
+    EXPECT_TRUE(KEXSDK::gpuAvailable());
 
     diary_.startWorks = true;
     std::vector<std::thread> users;
     for (int i = 0; i < 8; ++i)
-        users.emplace_back([] { EXPECT_TRUE(TovOgreRenderThread::getInstance().loadImage("a")); });
+        users.emplace_back([] { EXPECT_TRUE(KEXSDK::TovOgreRenderThread::getInstance().loadImage("a")); });
     for (std::thread& user : users)
         user.join();
     EXPECT_EQ(diary_.starts, 2);
-    TovOgreRenderThread::getInstance().shutdown();
+    KEXSDK::TovOgreRenderThread::getInstance().shutdown();
 }
 
 TEST_F(RenderThreadTest, StartsAnewAfterEveryShutdown)
 {
     for (int i = 0; i < 50; ++i) {
         if (i % 2) {
-            TovOgreRenderThread thread("", "", "");
+            KEXSDK::TovOgreRenderThread thread("", "", "");
             EXPECT_TRUE(thread.loadImage("x"));
         } else {
-            EXPECT_TRUE(TovOgreRenderThread::getInstance().loadImage("x"));
-            EXPECT_EQ(TovOgreRenderThread::getInstance().shutdown(), 1u);
+            EXPECT_TRUE(KEXSDK::TovOgreRenderThread::getInstance().loadImage("x"));
+            EXPECT_EQ(KEXSDK::TovOgreRenderThread::getInstance().shutdown(), 1u);
         }
-        EXPECT_TRUE(gpuAvailable());
+        EXPECT_TRUE(KEXSDK::gpuAvailable());
         EXPECT_EQ(diary_.systems, 0);
     }
     EXPECT_EQ(diary_.starts, 50);
@@ -203,8 +204,8 @@ TEST_F(RenderThreadTest, StartsAnewAfterEveryShutdown)
 
 TEST_F(RenderThreadTest, EndsByItselfWhenAWindowIsClosed)
 {
-    TovOgreRenderThread thread("", "", "");
-    TovEffectBase* const first = thread.createEffect();
+    KEXSDK::TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovEffectBase* const first = thread.createEffect();
     thread.createEffect();
     diary_.taken();
     diary_.windowCloses = true;
@@ -213,17 +214,17 @@ TEST_F(RenderThreadTest, EndsByItselfWhenAWindowIsClosed)
         EXPECT_EQ(thread.evaluateEffect(first, &slot, nullptr), 1u);
         EXPECT_EQ(
             diary_.taken(), (Lines{"render 1 4", "log Delete all effect!", "destroy 1", "destroy 2", "end"}));
-        EXPECT_FALSE(gpuAvailable());
+        EXPECT_FALSE(KEXSDK::gpuAvailable());
         EXPECT_EQ(thread.evaluateEffect(first, &slot, nullptr), 0u);
         EXPECT_EQ(thread.deleteEffect(first), 0u);
-        EXPECT_FALSE(TovOgreRenderThread::getInstance().loadImage("a"));
+        EXPECT_FALSE(KEXSDK::TovOgreRenderThread::getInstance().loadImage("a"));
         EXPECT_EQ(thread.createEffect(), nullptr);
     });
     diary_.windowCloses = false;
     {
-        TovOgreRenderThread later("", "", "");
-        EXPECT_TRUE(gpuAvailable());
-        TovEffectBase* const effect = later.createEffect();
+        KEXSDK::TovOgreRenderThread later("", "", "");
+        EXPECT_TRUE(KEXSDK::gpuAvailable());
+        KEXSDK::TovEffectBase* const effect = later.createEffect();
         KEXSDK::_ImageParam* slot = nullptr;
         EXPECT_EQ(later.evaluateEffect(effect, &slot, nullptr), 1u) << "the closed window is forgotten";
         EXPECT_NE(slot, nullptr);
@@ -232,8 +233,8 @@ TEST_F(RenderThreadTest, EndsByItselfWhenAWindowIsClosed)
 
 TEST_F(RenderThreadTest, ARequestThatThrowsReleasesItsRequester)
 {
-    TovOgreRenderThread thread("", "", "");
-    TovEffectBase* const effect = thread.createEffect();
+    KEXSDK::TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovEffectBase* const effect = thread.createEffect();
     finishes([&] {
         KEXSDK::_ImageParam* slot = nullptr;
         const u8 pixel[4]{};
@@ -253,13 +254,13 @@ TEST_F(RenderThreadTest, ARequestThatThrowsReleasesItsRequester)
 
 TEST_F(RenderThreadTest, NobodyDisturbsALoadedImageWhileItIsHeld)
 {
-    TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovOgreRenderThread thread("", "", "");
     std::vector<std::thread> users;
     std::atomic<int> disturbed = 0;
     for (char name = 'a'; name < 'e'; ++name)
         users.emplace_back([&, name] {
             for (int i = 0; i < 200; ++i) {
-                const LoadedImage moved = thread.loadImage(std::string(20, name).c_str());
+                const KEXSDK::LoadedImage moved = thread.loadImage(std::string(20, name).c_str());
                 const auto bytes = moved->bytes();
                 std::this_thread::yield();
                 disturbed += !std::ranges::all_of(bytes, [&](u8 byte) { return byte == u8(name); });
@@ -273,12 +274,12 @@ TEST_F(RenderThreadTest, NobodyDisturbsALoadedImageWhileItIsHeld)
 
 TEST_F(RenderThreadTest, HoldingALoadedImageRefusesTheHoldersRequestsAndDelaysTheOthers)
 {
-    TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovOgreRenderThread thread("", "", "");
     finishes([&] {
         std::atomic<bool> otherDone = false;
         std::thread other;
         {
-            const LoadedImage held = thread.loadImage("a");
+            const KEXSDK::LoadedImage held = thread.loadImage("a");
             EXPECT_FALSE(thread.loadImage("b"));
             EXPECT_EQ(thread.createEffect(), nullptr);
             EXPECT_EQ(thread.shutdown(), 0u);
@@ -297,11 +298,11 @@ TEST_F(RenderThreadTest, HoldingALoadedImageRefusesTheHoldersRequestsAndDelaysTh
 
 TEST_F(RenderThreadTest, AnEffectThatMakesRequestsWhileItIsDrawnGetsNothing)
 {
-    TovOgreRenderThread thread("", "", "");
-    TovEffectBase* const effect = thread.createEffect();
+    KEXSDK::TovOgreRenderThread thread("", "", "");
+    KEXSDK::TovEffectBase* const effect = thread.createEffect();
     diary_.duringRender = [] {
-        EXPECT_FALSE(TovOgreRenderThread::getInstance().loadImage("a"));
-        EXPECT_EQ(TovOgreRenderThread::getInstance().shutdown(), 0u);
+        EXPECT_FALSE(KEXSDK::TovOgreRenderThread::getInstance().loadImage("a"));
+        EXPECT_EQ(KEXSDK::TovOgreRenderThread::getInstance().shutdown(), 0u);
     };
     finishes([&] {
         KEXSDK::_ImageParam* slot = nullptr;
@@ -318,18 +319,19 @@ TEST_F(RenderThreadTest, RequestsThatMeetAShutdownAreServedOrRefusedButNeverLeft
         for (int i = 0; i < 3; ++i)
             users.emplace_back([&] {
                 while (!stop) {
-                    const LoadedImage image = TovOgreRenderThread::getInstance().loadImage("q");
+                    const KEXSDK::LoadedImage image =
+                        KEXSDK::TovOgreRenderThread::getInstance().loadImage("q");
                     EXPECT_EQ(image ? image->bytes()[0] : 'q', 'q');
                 }
             });
         for (int i = 0; i < 100; ++i) {
-            TovOgreRenderThread::getInstance().shutdown();
+            KEXSDK::TovOgreRenderThread::getInstance().shutdown();
             std::this_thread::sleep_for(1ms);
         }
         stop = true;
         for (std::thread& user : users)
             user.join();
-        TovOgreRenderThread::getInstance().shutdown();
+        KEXSDK::TovOgreRenderThread::getInstance().shutdown();
     });
     EXPECT_GT(diary_.starts, 1);
 }

@@ -10,10 +10,10 @@ namespace {
 
 class WithoutService : public testing::Test {
 protected:
-    WithoutService() { setGraphicsService(nullptr); }
-    ~WithoutService() override { setGraphicsService(&service_); }
+    WithoutService() { KEXSDK::setGraphicsService(nullptr); }
+    ~WithoutService() override { KEXSDK::setGraphicsService(&service_); }
 
-    GraphicsService& service_ = graphics();
+    KEXSDK::GraphicsService& service_ = KEXSDK::graphics();
 };
 
 TEST_F(WithoutService, NothingIsLoadedSavedOrDrawnAndNoThreadStarts)
@@ -24,10 +24,10 @@ TEST_F(WithoutService, NothingIsLoadedSavedOrDrawnAndNoThreadStarts)
     EXPECT_EQ(KEXSDK::CEffectImage::loadFromFile("any.png", 2, 2), nullptr);
     EXPECT_FALSE(image.saveToFile("any.png"));
     EXPECT_EQ(image.pixels()[0], 7);
-    EXPECT_FALSE(GpuEffect::create());
-    EXPECT_FALSE(GpuEffect().draw(image));
-    EXPECT_TRUE(gpuAvailable()) << "a start fails here";
-    TovOgreRenderThread::setGraphicsSystemFactory({});
+    EXPECT_FALSE(KEXSDK::GpuEffect::create());
+    EXPECT_FALSE(KEXSDK::GpuEffect().draw(image));
+    EXPECT_TRUE(KEXSDK::gpuAvailable()) << "a start fails here";
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
 }
 
 TEST_F(WithoutService, EffectsWithAGpuPathComputeOnTheCpu)
@@ -46,12 +46,12 @@ TEST_F(WithoutService, EffectsWithAGpuPathComputeOnTheCpu)
 TEST(ProgramsGraphics, TheRenderThreadStandsForTheProgramsGraphics)
 {
     test::useNoGraphics();
-    graphics().start();
-    EXPECT_FALSE(graphics().available());
-    EXPECT_FALSE(gpuAvailable());
-    TovOgreRenderThread::getInstance().shutdown();
-    EXPECT_TRUE(graphics().available());
-    TovOgreRenderThread::setGraphicsSystemFactory({});
+    KEXSDK::graphics().start();
+    EXPECT_FALSE(KEXSDK::graphics().available());
+    EXPECT_FALSE(KEXSDK::gpuAvailable());
+    KEXSDK::TovOgreRenderThread::getInstance().shutdown();
+    EXPECT_TRUE(KEXSDK::graphics().available());
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
 }
 
 } // namespace

@@ -63,19 +63,19 @@ class PackFiles : public OgreTest {
 protected:
     PackFiles() : thread_(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str())
     {
-        EXPECT_TRUE(gpuAvailable()) << read("Ogre.log");
+        EXPECT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
     }
 
     /// By its bare name, as effects ask for it.
     Decoded load(const std::string& name)
     {
-        const LoadedImage image = thread_.loadImage(name.c_str());
+        const KEXSDK::LoadedImage image = thread_.loadImage(name.c_str());
         if (!image || !image->hasData())
             return {};
         return {image->width(), image->height(), {image->bytes().begin(), image->bytes().end()}};
     }
 
-    TovOgreRenderThread thread_;
+    KEXSDK::TovOgreRenderThread thread_;
 };
 
 TEST_F(PackFiles, EveryTextureOfTheCatalogueIsThereWithTheAlphaThatItsBlendReads)

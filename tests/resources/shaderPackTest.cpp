@@ -46,10 +46,10 @@ class ShaderPack : public testing::Test {
 protected:
     void SetUp() override
     {
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
         engine.emplace(EFFECTENGINE_RESOURCE_DIR, logs.path().c_str());
-        ASSERT_TRUE(gpuAvailable());
+        ASSERT_TRUE(KEXSDK::gpuAvailable());
         first.emplace(scene(0));
         second.emplace(scene(1));
     }

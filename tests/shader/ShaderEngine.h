@@ -37,7 +37,7 @@ protected:
     ShaderEngine()
     {
         unsetenv("DISPLAY");
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         files.write("resources.cfg",
             "[General]\nFileSystem = .\nFileSystem = Shader\nFileSystem = Transitions\nFileSystem = "
             "Particles\n");
@@ -47,7 +47,7 @@ protected:
     void start(bool withLog = false)
     {
         engine.emplace(files.path(), withLog ? files.path().c_str() : nullptr);
-        ASSERT_TRUE(gpuAvailable());
+        ASSERT_TRUE(KEXSDK::gpuAvailable());
     }
 
     static std::string guid(int number)
@@ -61,7 +61,7 @@ protected:
         files.write("Shader/" + std::to_string(number) + ".conf",
             "{\n\"GUID\":\"" + guid(number) + "\"" + (members.empty() ? "" : ",\n" + members) + "\n}\n");
     }
-    /// The same with a fragment program, of which `body` is the main function's.
+    /// Writes a descriptor with a fragment program, whose main function has this body.
     void program(
         int number, const std::string& uniforms, const std::string& body, const std::string& members = "")
     {

@@ -17,13 +17,13 @@ protected:
     void TearDown() override
     {
         engine.reset();
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
     }
 
     /// An engine whose effects only write a diary.
     void startFake()
     {
-        TovOgreRenderThread::setGraphicsSystemFactory(
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory(
             [this] { return std::make_unique<FakeGraphicsSystem>(diary); });
         engine.emplace(files.path(), nullptr);
     }

@@ -9,20 +9,20 @@
 namespace test {
 
 /// A graphics system that never starts.
-class NoGraphics final : public GraphicsSystem {
+class NoGraphics final : public KEXSDK::GraphicsSystem {
 public:
     bool start(const std::string&, const std::string&, const std::string&, u32) override { return false; }
-    GpuCapabilities capabilities() const override { return {}; }
-    TovEffectBase* createEffect(const char*) override { return nullptr; }
+    KEXSDK::GpuCapabilities capabilities() const override { return {}; }
+    KEXSDK::TovEffectBase* createEffect(const char*) override { return nullptr; }
     void loadImage(const std::string&) override { }
-    SharedImage& sharedImage() override { std::abort(); }
+    KEXSDK::SharedImage& sharedImage() override { std::abort(); }
     bool saveImage(const std::string&, const u8*, u32, u32, KEXSDK::RecordFormat) override { return false; }
     void log(std::string_view) override { }
 };
 
 inline void useNoGraphics()
 {
-    TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<NoGraphics>(); });
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<NoGraphics>(); });
 }
 
 class EngineWithoutGpu : public testing::Test {
@@ -35,7 +35,7 @@ protected:
     static void TearDownTestSuite()
     {
         UninitializeEngine();
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
     }
 };
 

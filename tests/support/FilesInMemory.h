@@ -18,7 +18,7 @@ struct Files {
 };
 inline Files files;
 
-class RepeatedPixels final : public SharedImage {
+class RepeatedPixels final : public KEXSDK::SharedImage {
 public:
     bool hasData() const override { return !tile_.empty(); }
     u32 width() const override { return 1; }
@@ -47,18 +47,18 @@ private:
     std::vector<u8> bytes_;
 };
 
-class FilesInMemory final : public GraphicsSystem {
+class FilesInMemory final : public KEXSDK::GraphicsSystem {
 public:
     bool start(const std::string&, const std::string&, const std::string&, u32) override { return true; }
-    GpuCapabilities capabilities() const override { return {}; }
-    TovEffectBase* createEffect(const char*) override { return nullptr; }
+    KEXSDK::GpuCapabilities capabilities() const override { return {}; }
+    KEXSDK::TovEffectBase* createEffect(const char*) override { return nullptr; }
     void loadImage(const std::string& path) override
     {
         files.asked.push_back(path);
         const auto found = files.pixels.find(path);
         image_.hold(found == files.pixels.end() ? files.others : found->second);
     }
-    SharedImage& sharedImage() override { return image_; }
+    KEXSDK::SharedImage& sharedImage() override { return image_; }
     bool saveImage(const std::string&, const u8*, u32, u32, KEXSDK::RecordFormat) override { return false; }
     void log(std::string_view) override { }
 
@@ -68,7 +68,7 @@ private:
 
 inline void useFilesInMemory()
 {
-    TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<FilesInMemory>(); });
+    KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<FilesInMemory>(); });
 }
 
 } // namespace test

@@ -33,10 +33,10 @@ class Catalogue : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        TovOgreRenderThread::setGraphicsSystemFactory({});
+        KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
         ASSERT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR, nullptr), 0u);
-        ASSERT_TRUE(gpuAvailable());
+        ASSERT_TRUE(KEXSDK::gpuAvailable());
     }
     static void TearDownTestSuite()
     {

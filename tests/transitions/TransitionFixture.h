@@ -34,7 +34,7 @@ protected:
         SetInputImage(filter_->handle(), from_->image(), 0);
         SetInputImage(filter_->handle(), to_->image(), 1);
     }
-    /// The same with every pixel at its place: from is picture 1, to picture 2.
+    /// Opens a transition between frames whose pixels tell their places: from is picture 1, to picture 2.
     void openPlaces(const std::string& name, int width, int height)
     {
         open(name, width, height);

@@ -94,7 +94,7 @@ const Exception* exceptionOf(const std::string& name, End end)
 
 TEST_F(EveryTransition, ShowsItsPicturesAtTheEnds)
 {
-    for (const KEXSDK::EffectInfo& info : transitionInfos()) {
+    for (const KEXSDK::EffectInfo& info : transitions::transitionInfos()) {
         openNoise(info.name, kWidth, kHeight);
         for (const End end : {End::start, End::finish}) {
             SCOPED_TRACE(info.name + (end == End::start ? " at the start" : " at the end"));
@@ -127,7 +127,7 @@ TEST_F(EveryTransition, ShowsItsPicturesAtTheEnds)
 TEST_F(EveryTransition, StaysInsideItsBuffersAtAnySizeAndTime)
 {
     constexpr float kTotal = 2;
-    for (const KEXSDK::EffectInfo& info : transitionInfos()) {
+    for (const KEXSDK::EffectInfo& info : transitions::transitionInfos()) {
         for (const auto [width, height] :
             {pixels::Extent{1, 1}, {1, 64}, {64, 1}, {2, 3}, {37, 23}, {101, 100}, {4096, 16}}) {
             SCOPED_TRACE(testing::Message() << info.name << ", " << width << " x " << height);
@@ -151,7 +151,7 @@ TEST_F(EveryTransition, StaysInsideItsBuffersAtAnySizeAndTime)
 
 TEST_F(EveryTransition, MayDrawIntoEitherOfItsInputs)
 {
-    for (const KEXSDK::EffectInfo& info : transitionInfos()) {
+    for (const KEXSDK::EffectInfo& info : transitions::transitionInfos()) {
         for (const float time : {0.0f, 0.3f, 0.8f, 1.1f, 1.6f, 2.0f}) {
             for (const bool intoFrom : {true, false}) {
                 openNoise(info.name, 333, 101);
@@ -169,7 +169,7 @@ TEST_F(EveryTransition, MayDrawIntoEitherOfItsInputs)
 
 TEST_F(EveryTransition, LooksTheSameOnAnyThreadsAndVectors)
 {
-    for (const KEXSDK::EffectInfo& info : transitionInfos()) {
+    for (const KEXSDK::EffectInfo& info : transitions::transitionInfos()) {
         openNoise(info.name, 333, 301);
         for (const float time : {0.2f, 0.5f, 0.83f, 1.05f, 1.3f, 1.8f}) {
             pixels::limitVectors(pixels::VectorLevel::base);

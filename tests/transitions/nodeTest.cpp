@@ -18,29 +18,29 @@ class TransitionNode : public test::TransitionFixture { };
 TEST_F(TransitionNode, TheTableHoldsDifferentTransitionsAtThePlacesThatHostsKnow)
 {
     std::set<std::string> guids;
-    std::set<TransitionFunc*> functions;
-    for (const TransitionTableEntry& entry : transitionTable) {
+    std::set<transitions::TransitionFunc*> functions;
+    for (const transitions::TransitionTableEntry& entry : transitions::transitionTable) {
         guids.insert(entry.guid);
         functions.insert(entry.algorithm);
     }
-    ASSERT_GE(transitionTable.size(), 63u);
-    EXPECT_EQ(guids.size(), transitionTable.size());
-    EXPECT_EQ(functions.size(), transitionTable.size());
-    EXPECT_STREQ(transitionTable[36].name, "Twrl");
-    EXPECT_STREQ(transitionTable[62].guid, "0FBDABAD-9BC5-42e7-9596-EC20AC763806");
+    ASSERT_GE(transitions::transitionTable.size(), 63u);
+    EXPECT_EQ(guids.size(), transitions::transitionTable.size());
+    EXPECT_EQ(functions.size(), transitions::transitionTable.size());
+    EXPECT_STREQ(transitions::transitionTable[36].name, "Twrl");
+    EXPECT_STREQ(transitions::transitionTable[62].guid, "0FBDABAD-9BC5-42e7-9596-EC20AC763806");
 }
 
 TEST_F(TransitionNode, GuidsMatchByteByByteAlsoTheOneThatIsADigitShort)
 {
     const std::string first = "4C481959-DA74-459b-B538-D0590BFB2CE";
-    EXPECT_TRUE(createTransition(4, 4, first.c_str()));
+    EXPECT_TRUE(transitions::createTransition(4, 4, first.c_str()));
     for (const std::string& other :
         {first + "0", first.substr(1), "4c481959-da74-459b-b538-d0590bfb2ce"s, ""s})
-        EXPECT_FALSE(createTransition(4, 4, other.c_str())) << other;
+        EXPECT_FALSE(transitions::createTransition(4, 4, other.c_str())) << other;
 
-    transitionMgrInit();
-    for (const TransitionTableEntry& entry : transitionTable) {
-        const auto node = createTransition(5, 3, entry.guid);
+    transitions::transitionMgrInit();
+    for (const transitions::TransitionTableEntry& entry : transitions::transitionTable) {
+        const auto node = transitions::createTransition(5, 3, entry.guid);
         ASSERT_TRUE(node) << entry.name;
         EXPECT_EQ(node->getInputCount(), 2u);
         EXPECT_EQ(node->width(), 5u);
@@ -49,11 +49,11 @@ TEST_F(TransitionNode, GuidsMatchByteByByteAlsoTheOneThatIsADigitShort)
 
 TEST_F(TransitionNode, ToolsSeeTheTableRowsWithTheirFacts)
 {
-    const auto infos = transitionInfos();
-    ASSERT_EQ(infos.size(), transitionTable.size());
+    const auto infos = transitions::transitionInfos();
+    ASSERT_EQ(infos.size(), transitions::transitionTable.size());
     std::set<std::string> random;
     for (std::size_t i = 0; i < infos.size(); ++i) {
-        EXPECT_EQ(infos[i].guid, transitionTable[i].guid);
+        EXPECT_EQ(infos[i].guid, transitions::transitionTable[i].guid);
         if (infos[i].random)
             random.insert(infos[i].name);
     }

@@ -35,27 +35,27 @@ public:
         if (!value || !value->holds(ParamType::filePath) || !value->value.text
             || !load(text::utf8(value->path())))
             return false;
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         return CPureCEffect::setParamVariant(name, value);
     }
 
     /// Evaluation asks here whether the node is enabled, perhaps while the first file is being stored.
     int getParamInt(const char* name, int defaultValue) override
     {
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         return CPureCEffect::getParamInt(name, defaultValue);
     }
 
     void run() override
     {
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         if (!drawOnGpu())
             CPureCEffect::run();
     }
 
     void processFrame(const u8* src, u8* dst) override
     {
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         if (table_.size() > 0)
             table_.apply(input(src), output(dst));
         else
@@ -117,7 +117,7 @@ private:
             return refuse(
                 path, file.line, file.reason + " (status " + std::to_string(int(file.status)) + ")");
 
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         table_.set(file);
         lookup_ = {};
         gpu_ = {};
@@ -130,7 +130,7 @@ private:
     bool refuse(const std::string& path, int line, const std::string& reason)
     {
         logRefusal(path, line, reason);
-        const MyCSingleLock lock(lock_);
+        const platform::MyCSingleLock lock(lock_);
         table_.clear();
         return false;
     }
@@ -141,7 +141,7 @@ private:
         logging::info(kSetterTag, "Refused 3D lut [" + place + "]: " + reason);
     }
 
-    CriticalSection lock_; ///< guards everything below, and the stored file
+    platform::CriticalSection lock_; ///< guards everything below, and the stored file
     lut::LutTable table_;
     lut::LookupTexture lookup_; ///< empty until the GPU needs it; its effect reads it on every frame
     GpuEffect gpu_;

@@ -54,7 +54,7 @@ void showPixels(const u8* ring, Offsets offset, const u8* delays, pixels::Bgra* 
     }
 }
 
-// The same for wider blocks.
+// A row of blocks of `size` pixels from the ring, each from its own frame.
 void showBlocks(
     const u8* ring, const Offsets& offset, const u8* delays, pixels::Bgra* to, int count, int size)
 {

@@ -7,7 +7,7 @@
 
 namespace KEXSDK {
 
-/// The same drawing for the two shapes of a frame.
+/// Files that hold one drawing for the two shapes of a frame.
 struct OverlayFiles {
     const char* wide;   ///< for frames of exactly 16:9
     const char* narrow; ///< for every other frame

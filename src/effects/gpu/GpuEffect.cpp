@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace KEXSDK {
+
 GpuEffect& GpuEffect::operator=(GpuEffect&& other) noexcept
 {
     GpuEffect previous;
@@ -25,7 +27,9 @@ GpuEffect GpuEffect::create()
     return made;
 }
 
-bool GpuEffect::draw(KEXSDK::CEffectImage& target) const
+bool GpuEffect::draw(CEffectImage& target) const
 {
     return effect_ && graphics().draw(*effect_, *target.record()) && effect_->drewFrame();
 }
+
+} // namespace KEXSDK

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace KEXSDK {
+
 /// Empty when there is no GPU. The effect's scene may end before the handle does, with the graphics system;
 /// its set-up calls stay harmless then, and nothing is drawn any more.
 class GpuEffect {
@@ -25,8 +27,10 @@ public:
     /// Draws a frame into the image: its memory holds the picture when the call returns, and its record the
     /// texture. @return false, with the image as it was, when nothing could be drawn; problem() of the effect
     /// then says why if it is the fault of a program or picture
-    bool draw(KEXSDK::CEffectImage& target) const;
+    bool draw(CEffectImage& target) const;
 
 private:
     std::shared_ptr<TovEffectBase> effect_;
 };
+
+} // namespace KEXSDK

@@ -4,9 +4,7 @@
 #include "core/Log.h"
 #include "graphics/TovEffectBase.h"
 
-using KEXSDK::CEffectBaseParam;
-using KEXSDK::ParamType;
-using KEXSDK::ParamVariant;
+namespace KEXSDK {
 
 namespace {
 
@@ -68,8 +66,7 @@ void setUniforms(TovEffectBase& effect, CEffectBaseParam& parameters, const char
     effect.setShaderParameters(*uniforms);
 }
 
-void bindInput(
-    TovEffectBase& effect, CEffectBaseParam& parameters, const KEXSDK::CEffectImage& image, i32 index)
+void bindInput(TovEffectBase& effect, CEffectBaseParam& parameters, const CEffectImage& image, i32 index)
 {
     effect.setInput(image.record(), index);
     nameSampler(parameters, index);
@@ -83,7 +80,7 @@ void nameSampler(CEffectBaseParam& parameters, i32 index)
 }
 
 void BoundInputs::bind(
-    TovEffectBase& effect, CEffectBaseParam& parameters, const std::map<i32, KEXSDK::CEffectImage*>& images)
+    TovEffectBase& effect, CEffectBaseParam& parameters, const std::map<i32, CEffectImage*>& images)
 {
     std::erase_if(bound_, [&](i32 index) {
         const auto image = images.find(index);
@@ -98,3 +95,5 @@ void BoundInputs::bind(
             bound_.insert(index);
         }
 }
+
+} // namespace KEXSDK

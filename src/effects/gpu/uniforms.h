@@ -7,28 +7,31 @@
 #include <map>
 #include <set>
 
+namespace KEXSDK {
+
 class TovEffectBase;
 
 /// Gives every uniform the value of the parameter of its name; a "u_name" without one takes that of "Name".
 /// What the node does not hold keeps the program's own value. Numbers are converted to the uniform's type.
 /// @param tag  of the debug records about it
-void setUniforms(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters, const char* tag);
+void setUniforms(TovEffectBase& effect, CEffectBaseParam& parameters, const char* tag);
 
 /// Stores which texture unit a sampler shows: "mSample" and the index is the parameter, the index its value.
-void nameSampler(KEXSDK::CEffectBaseParam& parameters, i32 index);
+void nameSampler(CEffectBaseParam& parameters, i32 index);
 
 /// Makes an image the effect's input and names the sampler that shows it.
-void bindInput(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters, const KEXSDK::CEffectImage& image,
-    i32 index);
+void bindInput(TovEffectBase& effect, CEffectBaseParam& parameters, const CEffectImage& image, i32 index);
 
 /// The images of a node that are inputs of its effect.
 class BoundInputs {
 public:
     /// Binds every image there is. An input that was bound before and is gone is taken away: the effect would
     /// read its pixels again, and they may be gone as well.
-    void bind(TovEffectBase& effect, KEXSDK::CEffectBaseParam& parameters,
-        const std::map<i32, KEXSDK::CEffectImage*>& images);
+    void bind(
+        TovEffectBase& effect, CEffectBaseParam& parameters, const std::map<i32, CEffectImage*>& images);
 
 private:
     std::set<i32> bound_;
 };
+
+} // namespace KEXSDK

@@ -12,8 +12,7 @@
 #include <cmath>
 #include <utility>
 
-using KEXSDK::ParamType;
-using KEXSDK::ParamVariant;
+namespace KEXSDK {
 
 namespace {
 
@@ -91,7 +90,7 @@ void CSimpleShaderEffect::init()
     }
     if (!descriptor_->particleTemplate.empty())
         declare(shader::kFrameRate);
-    for (const KEXSDK::ParamInfo& param : descriptor_->params)
+    for (const ParamInfo& param : descriptor_->params)
         describe(param);
 }
 
@@ -148,15 +147,15 @@ void CSimpleShaderEffect::setTime()
         return;
     float rate = get(shader::kFrameRate);
     rate = rate > 0 ? std::clamp(rate, kSlowest, kFastest) : shader::kFrameRate.fallback;
-    const double time = getParamFloat(KEXSDK::kGlobalTime.name, 0) + descriptor_->lead;
+    const double time = getParamFloat(kGlobalTime.name, 0) + descriptor_->lead;
     gpu_->setFrameRate(rate);
     gpu_->setFrameIndex(u32(std::clamp(pixels::roundHalfUp(time * rate), 0, kLastFrame)));
 }
 
 void CSimpleShaderEffect::copyFirstInput()
 {
-    const KEXSDK::CEffectImage* const source = getInputImage(0);
-    KEXSDK::CEffectImage& target = *getOutputImage();
+    const CEffectImage* const source = getInputImage(0);
+    CEffectImage& target = *getOutputImage();
     if (!source || source == &target)
         return;
     const pixels::Extent from = source->extent();
@@ -184,13 +183,13 @@ void CSimpleShaderEffect::reportProblem()
 bool CPaticalUniverseEffect::setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value)
 {
     // Effects that can draw particles hold the attributes in a parameter store of their own.
-    auto* const particles = dynamic_cast<KEXSDK::CEffectBaseParam*>(gpuEffect());
+    auto* const particles = dynamic_cast<CEffectBaseParam*>(gpuEffect());
     const std::string_view text = name;
     if (text.starts_with('.') || text.starts_with(':'))
         return particles && particles->setParamVariant(name, value);
 
-    const bool isTime = text == KEXSDK::kGlobalTime.name || text == KEXSDK::kTotalTime.name
-        || text == shader::kFrameRate.name;
+    const bool isTime =
+        text == kGlobalTime.name || text == kTotalTime.name || text == shader::kFrameRate.name;
     if (!isTime || !particles || !value)
         return CSimpleShaderEffect::setParamVariant(name, value);
     const float number = value->holds(ParamType::integer) ? float(value->value.integer) : value->value.real;
@@ -198,3 +197,5 @@ bool CPaticalUniverseEffect::setParamVariant(const char* name, std::unique_ptr<P
     const bool stored = CSimpleShaderEffect::setParamVariant(name, value);
     return isNumber ? particles->setParamFloatValue(name, number) : stored;
 }
+
+} // namespace KEXSDK

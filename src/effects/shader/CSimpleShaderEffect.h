@@ -28,9 +28,11 @@ inline constexpr KEXSDK::Param<float> kFrameRate =
 
 } // namespace shader
 
+namespace KEXSDK {
+
 /// Inputs and extra textures share one row of texture units: input i, or the texture of index i, is the
 /// sampler "mSample" + i. Uniforms take their values from the parameters of their names.
-class CSimpleShaderEffect : public KEXSDK::CSimpleEffect {
+class CSimpleShaderEffect : public CSimpleEffect {
 public:
     /// @param descriptorPath  read by init()
     CSimpleShaderEffect(u32 width, u32 height, std::string descriptorPath);
@@ -69,5 +71,7 @@ class CPaticalUniverseEffect final : public CSimpleShaderEffect {
 public:
     using CSimpleShaderEffect::CSimpleShaderEffect;
 
-    bool setParamVariant(const char* name, std::unique_ptr<KEXSDK::ParamVariant>& value) override;
+    bool setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value) override;
 };
+
+} // namespace KEXSDK

@@ -17,7 +17,7 @@ void CTransitionEffect::run()
     const pixels::StableInput second(to->view(), output);
     if (!first.view().bytes() || !second.view().bytes())
         return;
-    TransitionFrame frame{i32(width()), i32(height()), i32(width() * 4), 32, 0, 0};
+    transitions::TransitionFrame frame{i32(width()), i32(height()), i32(width() * 4), 32, 0, 0};
     getParamFloatValue(kTotalTime.name, &frame.totalTime, 0);
     getParamFloatValue(kGlobalTime.name, &frame.time, 0);
     algorithm_(output.bytes(), first.view().bytes(), second.view().bytes(), &frame);

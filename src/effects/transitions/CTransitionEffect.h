@@ -8,7 +8,7 @@ namespace KEXSDK {
 
 class CTransitionEffect final : public CSimpleEffect {
 public:
-    CTransitionEffect(u32 width, u32 height, TransitionFunc* algorithm)
+    CTransitionEffect(u32 width, u32 height, transitions::TransitionFunc* algorithm)
         : CSimpleEffect(width, height),
           algorithm_(algorithm)
     {
@@ -21,7 +21,7 @@ public:
     void run() override;
 
 private:
-    TransitionFunc* const algorithm_;
+    transitions::TransitionFunc* const algorithm_;
 };
 
 } // namespace KEXSDK

@@ -69,7 +69,7 @@ struct Line {
             pixels::store(out + x, kernel(pixels::load(f + x), pixels::load(t + x), x));
     }
 
-    /// The same for transitions that leave byte 3 of the destination alone.
+    /// Blue, green and red of dst(x) = those of kernel(from(x), to(x), x); byte 3 of dst stays as it is.
     template <class Kernel> void mixColours(int first, int last, Kernel kernel) const
     {
         Bgra* const out = dst;

@@ -34,7 +34,7 @@ public:
     float smoothedPart(int whole) const { return part(whole, smoothed_); }
     /// What the smoothed part leaves: exactly `whole` at the start and 0 at the end.
     float smoothedRest(int whole) const { return part(whole, total_ - smoothed_); }
-    /// Both rounded to whole pixels.
+    /// The smoothed part and the smoothed rest of `whole`, rounded to whole pixels.
     int smoothedAmount(int whole) const { return pixels::roundHalfUp(smoothedPart(whole)); }
     int smoothedRestAmount(int whole) const { return pixels::roundHalfUp(smoothedRest(whole)); }
     /// The linear part of `whole` in whole pixels.

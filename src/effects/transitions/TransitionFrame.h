@@ -3,6 +3,8 @@
 
 #include "core/Types.h"
 
+namespace transitions {
+
 /// What a transition needs to know about one frame.
 struct TransitionFrame {
     i32 width;        ///< pixels
@@ -18,3 +20,5 @@ struct TransitionFrame {
 /// as the nearer end; a total time that is no positive number shows `from`. Frames with a side outside
 /// 1..pixels::kLargestSide are not drawn.
 using TransitionFunc = void(u8* dst, const u8* from, const u8* to, const TransitionFrame* frame);
+
+} // namespace transitions

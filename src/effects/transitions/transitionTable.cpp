@@ -9,6 +9,8 @@
 #include <map>
 #include <string>
 
+namespace transitions {
+
 using namespace transitions;
 
 namespace {
@@ -210,3 +212,5 @@ std::vector<KEXSDK::EffectInfo> transitionInfos()
     }
     return infos;
 }
+
+} // namespace transitions

@@ -9,6 +9,8 @@
 #include <span>
 #include <vector>
 
+namespace transitions {
+
 struct TransitionTableEntry {
     char name[64]; ///< for menus
     TransitionFunc* algorithm;
@@ -26,3 +28,5 @@ std::unique_ptr<KEXSDK::CTransitionEffect> createTransition(u32 width, u32 heigh
 
 /// The rows as tools list them, in the table's order.
 std::vector<KEXSDK::EffectInfo> transitionInfos();
+
+} // namespace transitions

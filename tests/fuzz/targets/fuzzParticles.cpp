@@ -45,9 +45,9 @@ const std::string& directory()
 /// The graphics system; it stays for the process.
 void start()
 {
-    static TovOgreBase* const environment = [] {
+    static KEXSDK::TovOgreBase* const environment = [] {
         unsetenv("DISPLAY");
-        return new TovOgreBase(directory().c_str(), directory().c_str(), nullptr, 0);
+        return new KEXSDK::TovOgreBase(directory().c_str(), directory().c_str(), nullptr, 0);
     }();
     if (!environment->initialisationSucceeded())
         std::abort();
@@ -76,7 +76,7 @@ std::vector<std::string> templateNames()
 /// Some frames forward, over a gap, and back.
 void draw(const std::string& name)
 {
-    const std::unique_ptr<TovEffectBase> effect(DYN_CLASS::create("TovOgrePaticalUniverseEffect"));
+    const std::unique_ptr<KEXSDK::TovEffectBase> effect(DYN_CLASS::create("TovOgrePaticalUniverseEffect"));
     const std::vector<u8> input(std::size_t(kWidth) * kHeight * 4, 255);
     effect->setSize(kWidth, kHeight);
     effect->setInputPixels(input.data(), kWidth, kHeight, 0);
@@ -89,7 +89,7 @@ void draw(const std::string& name)
         } catch (const std::exception&) { // the render thread logs it, and the node copies its input
         }
     }
-    dynamic_cast<LiveEffect&>(*effect).destroyScene();
+    dynamic_cast<KEXSDK::LiveEffect&>(*effect).destroyScene();
 }
 
 } // namespace

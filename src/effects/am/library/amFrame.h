@@ -39,7 +39,7 @@ template <class Kernel> i32 eachPixel(const Frame& frame)
     return kAmOk;
 }
 
-/// The same for a function of the pixel alone.
+/// dst(x, y) = kFunction(src(x, y)), for a function of the pixel alone.
 template <pixels::Bgra (*kFunction)(pixels::Bgra)> i32 eachPixel(const Frame& frame)
 {
     pixels::rows::map(frame.src, frame.dst, [](pixels::Bgra p) { return kFunction(p); });

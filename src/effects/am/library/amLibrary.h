@@ -22,8 +22,8 @@ i32 AmReleaseParams(AmEffectParams* block);
 /// @return kAmOk or a negative code
 i32 AmApplyEffect(AmEffectParams* block, const AmImageDesc* image, const AmImageDesc* second);
 
-/// The same for a picture that still lies elsewhere: as if source had been copied into image first, and in
-/// most effects without that pass over memory. When the effect fails, image is the plain copy.
+/// Applies an effect to a picture that still lies elsewhere, as if source had been copied into image first;
+/// most effects do without that pass over memory. When the effect fails, image is the plain copy.
 /// @param source  a picture of image's size that does not overlap image's pixels, or exactly those pixels
 i32 AmApplyEffectFrom(
     pixels::ConstView source, AmEffectParams* block, const AmImageDesc* image, const AmImageDesc* second);

@@ -24,8 +24,8 @@ inline u8 dodged(int c, int most, float inverse)
 /// `twice`, 2..17.
 /// @param inverse  1 / d, wrong by less than 2^-21 of itself
 ///
-/// Both roundings are one: 358.4 n / d, which is 179.2 times 2 n over d, rounded downwards. Its numerator is
-/// a multiple of 0.2, so 0.05 more reaches no other whole number. Numerators are below 2^13, where single
+/// Two roundings become one: 358.4 n / d, which is 179.2 times 2 n over d, rounded downwards. Its numerator
+/// is a multiple of 0.2, so 0.05 more reaches no other whole number. Numerators are below 2^13, where single
 /// precision and the inverse err by less than 0.005, so whole quotients stay above theirs.
 inline u32 lightening(int twice, float inverse)
 {

@@ -1,6 +1,7 @@
 // A box blur that averages every other column and every other row.
 #pragma once
 
+#include "effects/am/loops/rowPasses.h"
 #include "pixels/Scratch.h"
 #include "pixels/rows.h"
 
