@@ -12,7 +12,7 @@ fail() {
 for document in *.md docs/*.md docs/decisions/*.md; do
     while read -r link; do
         [ -e "$(dirname "$document")/${link%%#*}" ] || fail "$document: no $link"
-    done < <(grep -Eo '\]\([^)#:]+[^):]*\)' "$document" | sed 's/^](//; s/)$//')
+    done < <(sed '/^```/,/^```/d' "$document" | grep -Eo '\]\([^)#:]+[^):]*\)' | sed 's/^](//; s/)$//')
 done
 
 examples=$(cat docs/examples/*)

@@ -229,8 +229,9 @@ TEST_F(ShaderPack, EveryWayToAFrameOfAParticleSceneShowsTheSamePicture)
         for (int i = 0; i < kFrames; ++i) {
             walking.set("u_global_time", float(i) / kFrameRate);
             const Bytes frame = run(walking);
-            if (i >= kFirst)
+            if (i >= kFirst) {
                 EXPECT_TRUE(frame == jumped[std::size_t(i - kFirst)]) << "frame " << i;
+            }
         }
     }
     EXPECT_GE(scenes, 10);
