@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace tool {
+
 namespace {
 
 constexpr pixels::Bgra kGround{32, 32, 32, 255};
@@ -98,3 +100,5 @@ void ContactSheet::save(const std::filesystem::path& file) const
         throwCannotWrite(file, errno ? errno : EIO);
     partial.keep();
 }
+
+} // namespace tool

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 class ContactSheet {
 public:
     ContactSheet(std::size_t tiles, int columns, pixels::Extent tile);
@@ -31,3 +33,5 @@ private:
     pixels::Extent size_;
     std::vector<pixels::Bgra> pixels_; ///< top row first
 };
+
+} // namespace tool

@@ -10,6 +10,8 @@
 #include <cctype>
 #include <set>
 
+namespace tool {
+
 using KEXSDK::EffectInfo;
 
 namespace {
@@ -59,3 +61,5 @@ std::vector<EffectInfo> chosen(const EffectChoice& choice)
     });
     return effects;
 }
+
+} // namespace tool

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 struct EffectChoice {
     std::vector<std::string> names; ///< or titles or GUIDs; empty stands for all
     std::string kind;
@@ -23,3 +25,5 @@ std::vector<KEXSDK::EffectInfo> chosen(const EffectChoice& choice);
 
 /// The families of a list, sorted.
 std::vector<std::string> familiesOf(const std::vector<KEXSDK::EffectInfo>& effects);
+
+} // namespace tool

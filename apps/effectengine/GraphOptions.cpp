@@ -4,6 +4,8 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 
+namespace tool {
+
 struct GraphOptions::Values {
     std::vector<std::string> effects;
     std::vector<std::string> parameters;
@@ -69,3 +71,5 @@ host::GraphDescription GraphOptions::description(const std::string& effect) cons
         writeTextFile(v.savedPreset, host::graphText(graph));
     return graph;
 }
+
+} // namespace tool

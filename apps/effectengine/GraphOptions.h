@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace tool {
+
 /// Adds the options to a verb and makes the graph that they describe.
 class GraphOptions {
 public:
@@ -26,3 +28,5 @@ private:
     CLI::App& command_;
     std::shared_ptr<Values> values_;
 };
+
+} // namespace tool

@@ -12,6 +12,8 @@
 #include <cstring>
 #include <fstream>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 PartialFile::PartialFile(fs::path target)
@@ -81,3 +83,5 @@ void throwCannotWrite(const fs::path& file, int errorNumber)
     throw ToolError(
         ExitCode::cannotWrite, "cannot write " + file.string() + ": " + std::strerror(errorNumber));
 }
+
+} // namespace tool

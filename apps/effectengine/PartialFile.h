@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace tool {
+
 /// Names a hidden file beside the target, with the target's extension, and removes it unless keep() was
 /// called. A target that is a link stays one; what it leads to is replaced.
 class PartialFile {
@@ -45,3 +47,5 @@ void writeTextFile(const std::filesystem::path& file, const std::string& text);
 
 /// Throws ToolError: diskFull when the error number says so, else cannotWrite.
 [[noreturn]] void throwCannotWrite(const std::filesystem::path& file, int errorNumber);
+
+} // namespace tool

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <cstdio>
 
+namespace tool {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -121,3 +123,5 @@ void Progress::showJson(double rate, double remaining) const
         unit_.c_str(), done_, total.c_str(), fixed(rate, 2).c_str(), left.c_str());
     std::fflush(stdout);
 }
+
+} // namespace tool

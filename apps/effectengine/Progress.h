@@ -6,6 +6,8 @@
 #include <chrono>
 #include <string>
 
+namespace tool {
+
 enum class ProgressKind {
     automatic, ///< a bar when stderr is a terminal, else nothing
     bar,       ///< on stderr
@@ -48,3 +50,5 @@ private:
     Clock::time_point begun_ = Clock::now();
     Clock::time_point lastShown_{};
 };
+
+} // namespace tool

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -92,3 +94,5 @@ Session::~Session()
     if (!temporaryLogs_.empty())
         fs::remove_all(temporaryLogs_, ignored);
 }
+
+} // namespace tool

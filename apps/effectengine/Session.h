@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <optional>
 
+namespace tool {
+
 /// Where the engine finds its data and leaves its logs; both may be empty for the defaults.
 struct SessionOptions {
     std::filesystem::path resources;
@@ -31,3 +33,5 @@ std::filesystem::path resourceDirectory(const std::filesystem::path& named);
 /// Adds the shader effects of the resource directory to the list of effects. Without a directory that was
 /// named or found there are none.
 void listShaderEffects(const SessionOptions& options);
+
+} // namespace tool

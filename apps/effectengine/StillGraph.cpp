@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace tool {
+
 namespace {
 
 std::string listed(const std::vector<std::string>& names)
@@ -122,3 +124,5 @@ std::string StillGraph::wantOf(const host::GraphNode& node) const
         return "does nothing here: it works with earlier frames, and a picture stands still";
     return "";
 }
+
+} // namespace tool

@@ -6,6 +6,8 @@
 #include <optional>
 #include <span>
 
+namespace tool {
+
 /// A graph over pictures, at one moment or at several. Effects with a history have seen the pictures before,
 /// at the frame rate and for as many frames as they depend on.
 class StillGraph {
@@ -35,3 +37,5 @@ private:
     long long seen_ = 0; ///< frames that effects with a history have seen
     host::FrameTime last_;
 };
+
+} // namespace tool

@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+namespace tool {
+
 // Prints a message with one write, so that the lines of several processes do not mix.
 void complain(const std::string& message)
 {
@@ -30,3 +32,5 @@ ExitCode codeOf(host::GraphFault fault)
     }
     return ExitCode::internal;
 }
+
+} // namespace tool

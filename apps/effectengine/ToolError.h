@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace tool {
+
 /// Exit codes; documented in the README and in --help.
 enum class ExitCode {
     success = 0,
@@ -65,3 +67,5 @@ template <class Work> ExitCode reportingFailure(Work work, const std::string& pl
         return ExitCode::internal;
     }
 }
+
+} // namespace tool

@@ -17,6 +17,8 @@
 #include <system_error>
 #include <vector>
 
+namespace tool {
+
 // The state that all processes share, in memory that stays shared across fork.
 class Workers::Board {
 public:
@@ -163,3 +165,5 @@ ExitCode Workers::run(int processes, const MakePiece& makePiece, Progress& progr
     }
     return result;
 }
+
+} // namespace tool

@@ -7,6 +7,8 @@
 #include <functional>
 #include <string>
 
+namespace tool {
+
 /// Numbered pieces of work, each on its own. A failed piece is reported on stderr in one line and the
 /// others go on, unless the disk is full.
 class Workers {
@@ -36,3 +38,5 @@ private:
     std::size_t count_;
     Name nameOf_;
 };
+
+} // namespace tool

@@ -13,6 +13,8 @@
 #include <memory>
 #include <thread>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -153,3 +155,5 @@ void addApplyCommand(CLI::App& tool, const SessionOptions& session)
     command->callback(
         [options, graph, &session] { interruptibly([&] { apply(*options, graph, session); }); });
 }
+
+} // namespace tool

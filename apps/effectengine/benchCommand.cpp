@@ -13,6 +13,8 @@
 #include <memory>
 #include <thread>
 
+namespace tool {
+
 namespace {
 
 struct Options {
@@ -120,3 +122,5 @@ void addBenchCommand(CLI::App& tool, const SessionOptions& session)
                     "  effectengine bench --kind transition --size 3840x2160 --threads 1 --threads 4");
     command->callback([options, &session] { interruptibly([&] { bench(*options, session); }); });
 }
+
+} // namespace tool

@@ -1,6 +1,8 @@
 // video and render: the verbs for clips on the command line.
 #include "effectengine/clipVerbs.h"
 
+namespace tool {
+
 namespace {
 
 void addAlphaOption(CLI::App& command, AlphaChoice& alpha)
@@ -88,3 +90,5 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     addProgressOption(*command, options->progress);
     command->callback([options, &session] { runRender(*options, session); });
 }
+
+} // namespace tool

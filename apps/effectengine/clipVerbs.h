@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 /// The choice between outputs that are transparent where their frames are, and opaque ones.
 enum class AlphaChoice {
     automatic, ///< transparent when an input may be, and the output can be
@@ -75,3 +77,5 @@ void addEncodingOptions(CLI::App& command, EncodingOptions& options);
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session);
 void addRenderCommand(CLI::App& tool, const SessionOptions& session);
+
+} // namespace tool

@@ -3,6 +3,8 @@
 
 #include "effectengine/commandText.h"
 
+namespace tool {
+
 /// The page of the whole tool (verb null), or of one verb, in roff.
 std::string manPage(const VerbText& tool, const VerbText* verb, const std::string& version);
 
@@ -10,3 +12,5 @@ std::string manPage(const VerbText& tool, const VerbText* verb, const std::strin
 std::string bashCompletion(const VerbText& tool);
 std::string zshCompletion(const VerbText& tool);
 std::string fishCompletion(const VerbText& tool);
+
+} // namespace tool

@@ -3,6 +3,8 @@
 
 #include <sstream>
 
+namespace tool {
+
 namespace {
 
 // Takes the value's name and choices from the parser's text, such as "KIND:{png,jpg}" or "N:INT in [1 - 9]".
@@ -66,3 +68,5 @@ std::vector<std::pair<std::string, std::vector<std::string>>> sectionsOf(const s
     }
     return sections;
 }
+
+} // namespace tool

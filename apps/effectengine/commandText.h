@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 struct OptionText {
     std::vector<std::string> names; ///< "-e", "--effect"; one name without dashes for a positional
     std::string value;              ///< name of its value: "FILE", "N"; empty for a flag
@@ -29,3 +31,5 @@ VerbText textOf(const CLI::App& app);
 /// The headings of a footer, such as "Examples:", with the lines below each; lines before the first heading
 /// come first, under "".
 std::vector<std::pair<std::string, std::vector<std::string>>> sectionsOf(const std::string& footer);
+
+} // namespace tool

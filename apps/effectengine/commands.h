@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+namespace tool {
+
 void addListCommand(CLI::App& tool);
 void addDescribeCommand(CLI::App& tool);
 void addApplyCommand(CLI::App& tool, const SessionOptions& session);
@@ -16,3 +18,5 @@ void addBenchCommand(CLI::App& tool, const SessionOptions& session);
 void addSheetCommand(CLI::App& tool, const SessionOptions& session);
 void addDoctorCommand(CLI::App& tool, const SessionOptions& session);
 void addGalleryCommand(CLI::App& tool, const SessionOptions& session);
+
+} // namespace tool

@@ -1,6 +1,8 @@
 // Completion scripts for bash, zsh and fish.
 #include "effectengine/commandPages.h"
 
+namespace tool {
+
 namespace {
 
 // What a shell offers for the value of an option.
@@ -325,3 +327,5 @@ end
     }
     return text;
 }
+
+} // namespace tool

@@ -15,6 +15,8 @@
 #include <memory>
 #include <sstream>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -212,3 +214,5 @@ void addDoctorCommand(CLI::App& tool, const SessionOptions& session)
     tool.add_subcommand("codecs", "Lists the codecs that clips can be read from and written to.")
         ->callback(runCodecs);
 }
+
+} // namespace tool

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <memory>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -74,3 +76,5 @@ void addCompletionCommand(CLI::App& tool)
         std::fputs(script(textOf(tool)).c_str(), stdout);
     });
 }
+
+} // namespace tool

@@ -11,6 +11,8 @@
 #include <csignal>
 #include <string>
 
+namespace tool {
+
 // The name of one leftover file. A signal's handler reads it, so it owns no memory and is complete before it
 // is marked as used.
 struct Leftover::Place {
@@ -134,3 +136,5 @@ void interruptibly(const std::function<void()>& work)
     }
     std::raise(received.load());
 }
+
+} // namespace tool

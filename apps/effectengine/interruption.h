@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <functional>
 
+namespace tool {
+
 /// Runs the work so that SIGINT, SIGTERM and SIGHUP no longer end the process at once: stopIfAsked() throws
 /// instead, the work unwinds and cleans up, and then the process ends by that signal, as shells expect. One
 /// second after the signal it ends so in any case; nothing is cleaned up then but what a Leftover names.
@@ -38,3 +40,5 @@ private:
 
 /// Removes the files of all leftovers of this process. May be called in a handler of a signal.
 void removeLeftovers() noexcept;
+
+} // namespace tool

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <memory>
 
+namespace tool {
+
 using KEXSDK::EffectInfo;
 
 namespace {
@@ -154,3 +156,5 @@ void addDescribeCommand(CLI::App& tool)
                     "  effectengine describe \"Black and White\"");
     command->callback([options] { describe(*options); });
 }
+
+} // namespace tool

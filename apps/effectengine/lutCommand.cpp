@@ -15,6 +15,8 @@
 #include <memory>
 #include <sstream>
 
+namespace tool {
+
 namespace {
 
 lut::LutFile readLut(const std::string& path)
@@ -183,3 +185,5 @@ void addLutCommand(CLI::App& tool)
                     "  effectengine lut fix broken.cube film.cube\n"
                     "  effectengine lut fix --blue-first film.3dl film.cube");
 }
+
+} // namespace tool

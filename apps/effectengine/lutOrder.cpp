@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+namespace tool {
+
 namespace {
 
 /// How much a channel changes from neighbour to neighbour, summed over the table.
@@ -29,3 +31,5 @@ bool looksBlueFirst(const lut::LutFile& file)
     };
     return clearlyMore(&lut::LutEntry::b, 1, slowest) && clearlyMore(&lut::LutEntry::r, slowest, 1);
 }
+
+} // namespace tool

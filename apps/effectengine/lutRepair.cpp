@@ -17,6 +17,8 @@
 #include <sstream>
 #include <utility>
 
+namespace tool {
+
 namespace {
 
 using Entry = std::array<float, 3>;
@@ -396,3 +398,5 @@ LutRepair repairLut(const std::filesystem::path& file, const LutRepairOptions& o
 {
     return Repairer(file, options).repair();
 }
+
+} // namespace tool

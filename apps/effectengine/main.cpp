@@ -3,6 +3,8 @@
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
 
+namespace tool {
+
 namespace {
 
 constexpr const char* kFooter = "Examples:\n"
@@ -60,7 +62,9 @@ void run(int argc, char** argv)
 
 } // namespace
 
+} // namespace tool
+
 int main(int argc, char** argv)
 {
-    return int(reportingFailure([&] { run(argc, argv); }));
+    return int(tool::reportingFailure([&] { tool::run(argc, argv); }));
 }

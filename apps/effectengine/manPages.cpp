@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cctype>
 
+namespace tool {
+
 namespace {
 
 // The text for roff: dashes become minus signs, which people can copy and type, and a dot or a quote at the
@@ -118,3 +120,5 @@ std::string manPage(const VerbText& tool, const VerbText* verb, const std::strin
             + "(1) has the options that come before the verb, and the exit codes.\n";
     return roff;
 }
+
+} // namespace tool

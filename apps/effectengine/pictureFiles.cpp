@@ -20,6 +20,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -230,3 +232,5 @@ void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMet
         warn(file.string() + ": the EXIF data or the colour profile is too large for this kind of file");
     writeFile(file, bytes);
 }
+
+} // namespace tool

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+namespace tool {
+
 struct PictureSize {
     unsigned width;
     unsigned height;
@@ -52,3 +54,5 @@ void makeDirectory(const std::filesystem::path& directory);
 /// @param metadata  goes into files of kinds that have room for it
 void savePicture(
     CEffectImage* image, const std::filesystem::path& file, const host::PhotoMetadata& metadata = {});
+
+} // namespace tool

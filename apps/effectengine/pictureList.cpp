@@ -9,6 +9,8 @@
 #include <map>
 #include <set>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -98,3 +100,5 @@ std::vector<PictureJob> listPictures(
         makeDirectory(directoryOf(job.out));
     return jobs;
 }
+
+} // namespace tool

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 struct PictureJob {
     std::filesystem::path in;
     std::filesystem::path out;
@@ -21,3 +23,5 @@ struct PictureListOptions {
 /// that cannot be made.
 std::vector<PictureJob> listPictures(const std::vector<std::filesystem::path>& in,
     const std::filesystem::path& out, const PictureListOptions& options);
+
+} // namespace tool

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <memory>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -149,3 +151,5 @@ void addSheetCommand(CLI::App& tool, const SessionOptions& session)
                     "  effectengine sheet from.jpg sheet.png --second to.jpg --kind transition --columns 9");
     command->callback([options, &session] { interruptibly([&] { sheet(*options, session); }); });
 }
+
+} // namespace tool

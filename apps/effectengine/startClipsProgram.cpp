@@ -9,6 +9,8 @@
 #include <fstream>
 #include <iterator>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -41,3 +43,5 @@ void runVideo(const VideoOptions&, const GraphOptions&, const SessionOptions&) {
 void runClipTransition(const ClipTransitionOptions&, const SessionOptions&) { startClipsProgram(); }
 void runRender(const RenderOptions&, const SessionOptions&) { startClipsProgram(); }
 void runCodecs() { startClipsProgram(); }
+
+} // namespace tool

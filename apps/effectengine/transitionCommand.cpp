@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <memory>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -154,3 +156,5 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
     addEncodingOptions(*command, options->encoding);
     command->callback([options, &session] { transition(*options, session); });
 }
+
+} // namespace tool

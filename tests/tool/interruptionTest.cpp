@@ -19,7 +19,7 @@ template <class Work> int statusAfter(int signal, Work work)
 {
     const pid_t child = fork();
     if (child == 0) {
-        interruptibly([&] {
+        tool::interruptibly([&] {
             raise(signal);
             work();
         });
@@ -39,8 +39,8 @@ TEST(Interruption, WorkThatNeverAsksEndsWithinASecondAndLeavesNoPartialFile)
         files.write("partial", "");
         const auto begin = std::chrono::steady_clock::now();
         const int status = statusAfter(signal, [&] {
-            const Leftover whole(files.path() + "gone already");
-            const Leftover leftover(partial);
+            const tool::Leftover whole(files.path() + "gone already");
+            const tool::Leftover leftover(partial);
             for (;;)
                 std::this_thread::sleep_for(10ms);
         });
@@ -69,8 +69,8 @@ TEST(Interruption, WorkThatAsksUnwinds)
     const test::TemporaryDirectory files;
     files.write("kept", "");
     const int status = statusAfter(SIGTERM, [&] {
-        const Leftover leftover(files.path() + "kept");
-        stopIfAsked();
+        const tool::Leftover leftover(files.path() + "kept");
+        tool::stopIfAsked();
     });
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
     EXPECT_TRUE(std::filesystem::exists(files.path() + "kept"))

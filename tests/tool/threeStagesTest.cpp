@@ -19,7 +19,7 @@ TEST(ThreeStages, HandsEveryPieceOnInOrderAndLeavesOutWhatIsNotToBeConsumed)
     std::vector<Counted> outs(2);
     std::vector<int> consumed;
     int next = 0;
-    media::runThreeStages<Counted, Counted>(ins, outs,
+    tool::media::runThreeStages<Counted, Counted>(ins, outs,
         {.produce =
                 [&](Counted& in) {
                     in.value = next;
@@ -50,7 +50,7 @@ TEST(ThreeStages, EndsAllStagesWhenOneThrowsAndThrowsThatAgain)
             return true;
         };
         try {
-            media::runThreeStages<Counted, Counted>(ins, outs,
+            tool::media::runThreeStages<Counted, Counted>(ins, outs,
                 {.produce = [&](Counted&) { return step(0); },
                     .process = [&](Counted&, Counted&) { return step(1); },
                     .consume = [&](Counted&) { step(2); }});

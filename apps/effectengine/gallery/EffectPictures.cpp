@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <array>
 
+namespace tool {
+
 using KEXSDK::EffectInfo;
 using KEXSDK::ParamInfo;
 
@@ -191,3 +193,5 @@ void EffectPictures::makeSweep(
     if (strip.changes())
         strip.save(file);
 }
+
+} // namespace tool

@@ -6,6 +6,8 @@
 #include "effectengine/gallery/sweepSteps.h"
 #include "host/Host.h"
 
+namespace tool {
+
 /// How a loop is recorded and played.
 inline constexpr unsigned kLoopFrames = 24;
 inline constexpr unsigned kLoopRate = 12;
@@ -67,3 +69,5 @@ private:
     std::filesystem::path directory_;
     bool sweeps_;
 };
+
+} // namespace tool

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <numbers>
 
+namespace tool {
+
 namespace {
 
 constexpr unsigned kLongestSide = 320;
@@ -87,3 +89,5 @@ void GalleryScene::show(std::optional<unsigned> frame)
         std::ranges::copy(row, viewOf(first_).row(y).begin());
     }
 }
+
+} // namespace tool

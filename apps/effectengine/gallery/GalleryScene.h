@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace tool {
+
 /// Sizes of a gallery's pictures. Effects work at `scale` times a cell's sides, so that averages of whole
 /// blocks make the small pictures.
 struct GalleryLayout {
@@ -47,3 +49,5 @@ private:
     host::Image second_;
     host::Image secondPicture_;
 };
+
+} // namespace tool

@@ -8,6 +8,8 @@
 
 #include <string_view>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -80,3 +82,5 @@ void StagedDirectory::publish(const std::vector<std::string>& names)
             throwCannotWrite(target_ / name, error.value());
     }
 }
+
+} // namespace tool

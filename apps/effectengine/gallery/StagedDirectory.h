@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace tool {
+
 /// Gathers files in a hidden directory inside the target, so that both are on one disk. Removes it at the
 /// end, and the target as well if this object made it and nothing was published.
 class StagedDirectory {
@@ -27,3 +29,5 @@ private:
     std::filesystem::path staging_;
     bool madeTarget_;
 };
+
+} // namespace tool

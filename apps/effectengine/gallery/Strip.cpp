@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cerrno>
 
+namespace tool {
+
 using pixels::Bgra;
 
 namespace {
@@ -89,3 +91,5 @@ void Strip::save(const std::filesystem::path& file) const
         throwCannotWrite(file, EFBIG);
     writeTextFile(file, {bytes.begin(), bytes.end()});
 }
+
+} // namespace tool

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <vector>
 
+namespace tool {
+
 class Strip {
 public:
     /// Room for `count` cells; pictures have `scale` times a cell's sides.
@@ -28,3 +30,5 @@ private:
     std::vector<pixels::Bgra> pixels_; ///< rows of all cells, the top one first
     std::size_t rowLength_;
 };
+
+} // namespace tool

@@ -7,6 +7,8 @@
 
 #include <string>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -152,3 +154,5 @@ void writeEffectPages(const Json::Value& data, const fs::path& directory)
     writeTextFile(directory / "index.html", indexPage(data));
     writeTextFile(directory / "style.css", std::string(pageParts::effectPageCss));
 }
+
+} // namespace tool

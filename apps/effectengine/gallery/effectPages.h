@@ -5,7 +5,11 @@
 
 #include <filesystem>
 
+namespace tool {
+
 /// Writes NAME.html for each effect, index.html and style.css into the directory, which must exist; pictures
 /// are in "../pictures". Throws ToolError.
 /// @param data  what galleryData() gave
 void writeEffectPages(const Json::Value& data, const std::filesystem::path& directory);
+
+} // namespace tool

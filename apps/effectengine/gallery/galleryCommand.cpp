@@ -16,6 +16,8 @@
 #include <memory>
 #include <thread>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -151,3 +153,5 @@ void addGalleryCommand(CLI::App& tool, const SessionOptions& session)
                     "  effectengine gallery transitions/ a.jpg --with b.jpg --kind transition");
     command->callback([options, &session] { interruptibly([&] { gallery(*options, session); }); });
 }
+
+} // namespace tool

@@ -9,6 +9,8 @@
 
 #include <json/writer.h>
 
+namespace tool {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -92,3 +94,5 @@ std::string galleryPage(const Json::Value& data, const std::string& title)
         {{"mark", kPageMark}, {"title", escaped(title)}, {"style", std::string(pageParts::galleryCss)},
             {"script", std::string(pageParts::galleryJs)}, {"data", scriptData(data)}});
 }
+
+} // namespace tool

@@ -7,6 +7,8 @@
 
 #include <span>
 
+namespace tool {
+
 /// The mark in pages of this tool, which it may replace.
 inline constexpr const char* kPageMark = "<meta name=\"generator\" content=\"effectengine gallery\">";
 
@@ -19,3 +21,5 @@ Json::Value galleryData(std::span<const KEXSDK::EffectInfo> effects, const Galle
 /// The page as HTML. It needs the directory "pictures" beside it and nothing else.
 /// @param title  of the picture that the effects are shown on
 std::string galleryPage(const Json::Value& data, const std::string& title);
+
+} // namespace tool

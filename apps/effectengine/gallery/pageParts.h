@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+namespace tool {
+
 namespace pageParts {
 
 extern const std::string_view galleryHtml;
@@ -13,3 +15,5 @@ extern const std::string_view effectPageCss;
 extern const std::string_view effectIndexHtml;
 
 } // namespace pageParts
+
+} // namespace tool

@@ -1,6 +1,8 @@
 // Escaping of text for HTML, and replacement of {{names}}.
 #include "effectengine/gallery/pageText.h"
 
+namespace tool {
+
 std::string escaped(std::string_view text)
 {
     std::string out;
@@ -39,3 +41,5 @@ std::string filledIn(std::string_view page, const std::map<std::string, std::str
     }
     return out;
 }
+
+} // namespace tool

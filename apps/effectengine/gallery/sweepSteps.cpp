@@ -9,6 +9,8 @@
 #include <cmath>
 #include <map>
 
+namespace tool {
+
 using KEXSDK::ParamInfo;
 using KEXSDK::ParamType;
 
@@ -98,3 +100,5 @@ std::vector<SweepStep> sweepOf(const ParamInfo& param, PictureSize size)
     }
     return steps;
 }
+
+} // namespace tool

@@ -6,6 +6,8 @@
 
 #include <set>
 
+namespace tool {
+
 struct SweepStep {
     host::ParameterValue value;
     std::string text;  ///< as a command line takes it
@@ -23,3 +25,5 @@ std::string commandText(const std::vector<double>& numbers);
 /// Empty for files, common parameters, and those without a range.
 /// @param size  of the pictures, the range of positions
 std::vector<SweepStep> sweepOf(const KEXSDK::ParamInfo& param, PictureSize size);
+
+} // namespace tool

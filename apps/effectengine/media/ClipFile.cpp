@@ -7,7 +7,7 @@
 
 #include <limits>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -158,4 +158,4 @@ void ClipFile::finish()
     file_.keep();
 }
 
-} // namespace media
+} // namespace tool::media

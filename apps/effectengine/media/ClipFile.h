@@ -8,7 +8,7 @@
 #include <map>
 #include <optional>
 
-namespace media {
+namespace tool::media {
 
 class ClipFile final : public ClipSink {
 public:
@@ -48,4 +48,4 @@ private:
     std::int64_t lastTime_ = AV_NOPTS_VALUE;
 };
 
-} // namespace media
+} // namespace tool::media

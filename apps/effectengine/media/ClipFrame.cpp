@@ -1,7 +1,7 @@
 // Times of frames as graphs take them.
 #include "effectengine/media/ClipFrame.h"
 
-namespace media {
+namespace tool::media {
 
 host::FrameTime timeOf(const FramePlace& place, const ClipInfo& clip)
 {
@@ -10,4 +10,4 @@ host::FrameTime timeOf(const FramePlace& place, const ClipInfo& clip)
         .total = clip.duration};
 }
 
-} // namespace media
+} // namespace tool::media

@@ -7,7 +7,7 @@
 #include <array>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// Where a frame stands in its clip.
 struct FramePlace {
@@ -30,4 +30,4 @@ struct ClipFrame {
     bool shown = true; ///< false for frames that only an effect's history needs
 };
 
-} // namespace media
+} // namespace tool::media

@@ -12,7 +12,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -269,4 +269,4 @@ bool ClipReader::feed()
     return true;
 }
 
-} // namespace media
+} // namespace tool::media

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace media {
+namespace tool::media {
 
 /// The marks of a clip's colours: how its numbers stand for them. They go from the input to the output.
 struct Colour {
@@ -116,4 +116,4 @@ private:
     long long aheadNumber_ = -1;          ///< of frame ahead_; the count of frames at the end
 };
 
-} // namespace media
+} // namespace tool::media

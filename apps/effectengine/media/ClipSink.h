@@ -9,7 +9,7 @@
 #include <optional>
 #include <utility>
 
-namespace media {
+namespace tool::media {
 
 /// What the frames of an output have in common.
 struct FrameShape {
@@ -83,4 +83,4 @@ void checkClipOutput(const std::filesystem::path& out);
 std::unique_ptr<ClipSink> openSink(const std::filesystem::path& out, const FrameShape& shape,
     const EncoderChoice& choice, SideTracks tracks);
 
-} // namespace media
+} // namespace tool::media

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -52,4 +52,4 @@ bool CopiedTrack::next(AVPacket& packet)
     }
 }
 
-} // namespace media
+} // namespace tool::media

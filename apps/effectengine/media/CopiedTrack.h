@@ -3,7 +3,7 @@
 
 #include "effectengine/media/SideTrack.h"
 
-namespace media {
+namespace tool::media {
 
 /// Opens the file a second time, so that track and pictures never wait for each other.
 class CopiedTrack final : public SideTrack {
@@ -23,4 +23,4 @@ private:
     bool cut_ = false;
 };
 
-} // namespace media
+} // namespace tool::media

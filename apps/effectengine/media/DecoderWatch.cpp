@@ -1,7 +1,7 @@
 // The callback for the library's log, which notes errors by decoder and packet.
 #include "effectengine/media/DecoderWatch.h"
 
-namespace media {
+namespace tool::media {
 
 void DecoderWatch::listen() { av_log_set_callback(hear); }
 
@@ -43,4 +43,4 @@ void DecoderWatch::hear(void* source, int level, const char*, va_list)
     watch.times_.insert(decoder.reordered_opaque);
 }
 
-} // namespace media
+} // namespace tool::media

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <set>
 
-namespace media {
+namespace tool::media {
 
 /// Decoders answer for most damage, but tell of some, such as reference pictures that are not there, only in
 /// the library's log. This gathers the errors of the log by the packet at fault, as far as it has a time;
@@ -34,4 +34,4 @@ private:
     std::set<std::int64_t> times_;
 };
 
-} // namespace media
+} // namespace tool::media

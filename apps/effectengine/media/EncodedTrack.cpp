@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -129,4 +129,4 @@ bool EncodedTrack::next(AVPacket& packet)
     }
 }
 
-} // namespace media
+} // namespace tool::media

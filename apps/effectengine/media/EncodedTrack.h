@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace media {
+namespace tool::media {
 
 class EncodedTrack final : public SideTrack {
 public:
@@ -39,4 +39,4 @@ AVFilterContext* addFilter(AVFilterGraph& graph, const char* kind, const char* n
 /// Connects output 0 of one to an input of the other. Throws std::runtime_error.
 void connect(AVFilterContext* from, AVFilterContext* to, unsigned input = 0);
 
-} // namespace media
+} // namespace tool::media

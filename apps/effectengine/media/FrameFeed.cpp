@@ -5,7 +5,7 @@
 #include "host/imageView.h"
 #include "host/parts.h"
 
-namespace media {
+namespace tool::media {
 
 FrameFeed::FrameFeed(ClipReader& reader, pixels::Extent size, FrameRange range, long long preRoll)
     : reader_(reader),
@@ -54,4 +54,4 @@ bool FrameFeed::next(ClipFrame& in)
     return true;
 }
 
-} // namespace media
+} // namespace tool::media

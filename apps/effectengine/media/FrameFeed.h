@@ -7,7 +7,7 @@
 
 #include <set>
 
-namespace media {
+namespace tool::media {
 
 class FrameFeed {
 public:
@@ -35,4 +35,4 @@ private:
     bool started_ = false;
 };
 
-} // namespace media
+} // namespace tool::media

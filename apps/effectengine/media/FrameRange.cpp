@@ -5,7 +5,7 @@
 
 #include <charconv>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -56,4 +56,4 @@ FrameRange parseChunk(const std::string& text, long long frames)
     return {frames * (part - 1) / parts, frames * part / parts - 1};
 }
 
-} // namespace media
+} // namespace tool::media

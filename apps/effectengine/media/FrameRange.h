@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-namespace media {
+namespace tool::media {
 
 /// Frames first to last, both counted, from 0.
 struct FrameRange {
@@ -22,4 +22,4 @@ FrameRange parseFrames(const std::string& text);
 /// Reads "I/N": the I-th of N equal parts of a clip with so many frames. Throws ToolError.
 FrameRange parseChunk(const std::string& text, long long frames);
 
-} // namespace media
+} // namespace tool::media

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <array>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -86,4 +86,4 @@ FrameTable readFrameTable(const std::filesystem::path& file, const std::string& 
     return table;
 }
 
-} // namespace media
+} // namespace tool::media

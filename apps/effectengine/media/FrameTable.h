@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// What a pass over the packets tells without decoding them.
 struct FrameTable {
@@ -28,4 +28,4 @@ struct FrameTable {
 /// Reads all packets of a clip. Throws ToolError.
 FrameTable readFrameTable(const std::filesystem::path& file, const std::string& pictureRate = {});
 
-} // namespace media
+} // namespace tool::media

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace media {
+namespace tool::media {
 
 std::int64_t JoinedFeed::Side::timeAhead(AVRational unit) const
 {
@@ -85,4 +85,4 @@ bool JoinedFeed::nextOfSecond(ClipFrame& in)
     return false;
 }
 
-} // namespace media
+} // namespace tool::media

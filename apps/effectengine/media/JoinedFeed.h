@@ -4,7 +4,7 @@
 #include "effectengine/media/ClipFrame.h"
 #include "effectengine/media/PictureConversion.h"
 
-namespace media {
+namespace tool::media {
 
 /// Before the transition come the first clip's frames at their times, during it both at the first one's
 /// times, after it the second clip's at theirs. A clip that has ended shows its last frame on.
@@ -52,4 +52,4 @@ private:
     bool firstIsOver_ = false;
 };
 
-} // namespace media
+} // namespace tool::media

@@ -11,7 +11,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -175,4 +175,4 @@ std::string pixelHash(const AVFrame& rgba)
     return hex;
 }
 
-} // namespace media
+} // namespace tool::media

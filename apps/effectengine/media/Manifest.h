@@ -10,7 +10,7 @@
 #include <map>
 #include <optional>
 
-namespace media {
+namespace tool::media {
 
 /// A finished frame.
 struct RenderedFrame {
@@ -58,4 +58,4 @@ private:
 /// SHA-256 of an RGBA frame's pixels, as `ffmpeg -f framehash -pix_fmt rgba` tells it.
 std::string pixelHash(const AVFrame& rgba);
 
-} // namespace media
+} // namespace tool::media

@@ -8,7 +8,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 NumberedPictureEncoder::NumberedPictureEncoder(
     const fs::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take)
@@ -54,4 +54,4 @@ fs::path numbered(const fs::path& pattern, long long number)
     return name;
 }
 
-} // namespace media
+} // namespace tool::media

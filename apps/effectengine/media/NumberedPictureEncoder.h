@@ -7,7 +7,7 @@
 #include <functional>
 #include <span>
 
-namespace media {
+namespace tool::media {
 
 /// Encodes several frames at a time; their files come out in the order in which the frames went in.
 class NumberedPictureEncoder {
@@ -38,4 +38,4 @@ private:
 /// The file of a numbered picture. Throws ToolError when the name holds no place for a number.
 std::filesystem::path numbered(const std::filesystem::path& pattern, long long number);
 
-} // namespace media
+} // namespace tool::media

@@ -3,7 +3,7 @@
 
 #include "effectengine/media/EncodedTrack.h"
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -36,4 +36,4 @@ void PaletteFilter::apply(AVFrame& frame)
     require(av_buffersink_get_frame(sink_, &frame), "palette filters");
 }
 
-} // namespace media
+} // namespace tool::media

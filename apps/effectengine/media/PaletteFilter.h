@@ -3,7 +3,7 @@
 
 #include "effectengine/media/ClipSink.h"
 
-namespace media {
+namespace tool::media {
 
 /// Gives every frame the 256 colours that suit it best, with error diffusion.
 class PaletteFilter {
@@ -20,4 +20,4 @@ private:
     AVFilterContext* sink_ = nullptr;
 };
 
-} // namespace media
+} // namespace tool::media

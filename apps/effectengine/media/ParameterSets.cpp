@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -197,4 +197,4 @@ void ParameterSets::add(Data unit, Sets& sets) const
     sets[{kind, number}] = Bytes(unit.begin(), unit.end());
 }
 
-} // namespace media
+} // namespace tool::media

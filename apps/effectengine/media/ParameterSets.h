@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// Follows the parameter sets through a stream. A file's header holds some; packets bring others, also under
 /// the numbers of earlier ones, and they stay until they are replaced. A decoder that begins at a later
@@ -38,4 +38,4 @@ private:
     Sets now_;
 };
 
-} // namespace media
+} // namespace tool::media

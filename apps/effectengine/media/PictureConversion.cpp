@@ -4,7 +4,7 @@
 #include "effectengine/media/yuvPixels.h"
 #include "pixels/sample.h"
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -129,4 +129,4 @@ void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)
     scaler_.scale(*copied_, {.range = AVCOL_RANGE_JPEG}, frame, colour);
 }
 
-} // namespace media
+} // namespace tool::media

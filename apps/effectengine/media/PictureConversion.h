@@ -6,7 +6,7 @@
 
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// The scaling library's context for one kind of frame after another.
 class FrameScaler {
@@ -67,4 +67,4 @@ private:
     Frame copied_;
 };
 
-} // namespace media
+} // namespace tool::media

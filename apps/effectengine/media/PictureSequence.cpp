@@ -7,7 +7,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 PictureSequence::PictureSequence(
     const fs::path& pattern, const FrameShape& shape, const EncoderChoice& choice)
@@ -54,4 +54,4 @@ void PictureSequence::finish()
     }
 }
 
-} // namespace media
+} // namespace tool::media

@@ -3,7 +3,7 @@
 
 #include "effectengine/media/NumberedPictureEncoder.h"
 
-namespace media {
+namespace tool::media {
 
 class PictureSequence final : public ClipSink {
 public:
@@ -24,4 +24,4 @@ private:
     NumberedPictureEncoder encoder_;
 };
 
-} // namespace media
+} // namespace tool::media

@@ -5,7 +5,7 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
 
-namespace media {
+namespace tool::media {
 
 RenderedPictures::RenderedPictures(const std::filesystem::path& pattern, const ClipInfo& clip,
     pixels::Extent size, Manifest& manifest, long long wanted)
@@ -44,4 +44,4 @@ void RenderedPictures::finish()
     manifest_.finish();
 }
 
-} // namespace media
+} // namespace tool::media

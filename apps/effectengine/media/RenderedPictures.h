@@ -5,7 +5,7 @@
 #include "effectengine/media/NumberedPictureEncoder.h"
 #include "pixels/View.h"
 
-namespace media {
+namespace tool::media {
 
 class RenderedPictures final : public ClipSink {
 public:
@@ -32,4 +32,4 @@ private:
     NumberedPictureEncoder encoder_;
 };
 
-} // namespace media
+} // namespace tool::media

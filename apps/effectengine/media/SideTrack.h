@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// The part of a clip that is wanted, in seconds from the file's start; `from` becomes 0.
 struct Span {
@@ -41,4 +41,4 @@ SideTracks tracksOf(const std::filesystem::path& clip, const AVOutputFormat& con
 SideTracks crossfadedTracks(const std::filesystem::path& first, const std::filesystem::path& second,
     double at, double duration, const AVOutputFormat& container, const std::filesystem::path& outputName);
 
-} // namespace media
+} // namespace tool::media

@@ -9,7 +9,7 @@
 #include "host/imageView.h"
 #include "pixels/rows.h"
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -82,4 +82,4 @@ void runPipeline(const ClipPipeline& pipeline)
     progress.finish();
 }
 
-} // namespace media
+} // namespace tool::media

@@ -9,7 +9,7 @@
 #include <functional>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// What a verb tells the pipeline. All that it names must outlive the run.
 struct ClipPipeline {
@@ -39,4 +39,4 @@ struct ClipPipeline {
 /// completes the sink. Throws what a stage throws, and when a stop is asked; the sink is then incomplete.
 void runPipeline(const ClipPipeline& pipeline);
 
-} // namespace media
+} // namespace tool::media

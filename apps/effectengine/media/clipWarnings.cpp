@@ -3,9 +3,9 @@
 
 #include "effectengine/ToolError.h"
 
-namespace media {
+namespace tool::media {
 
-void warn(const std::filesystem::path& clip, const std::string& what) { ::warn(clip.string() + ": " + what); }
+void warn(const std::filesystem::path& clip, const std::string& what) { tool::warn(clip.string() + ": " + what); }
 
 void warnOfDepth(const ClipInfo& clip)
 {
@@ -31,4 +31,4 @@ void warnOfDamage(const ClipReader& reader)
     warn(reader.info().file, which + "; shown as far as it can be decoded");
 }
 
-} // namespace media
+} // namespace tool::media

@@ -3,7 +3,7 @@
 
 #include "effectengine/media/ClipReader.h"
 
-namespace media {
+namespace tool::media {
 
 /// Prints a warning about a clip.
 void warn(const std::filesystem::path& clip, const std::string& what);
@@ -14,4 +14,4 @@ void warnOfDepth(const ClipInfo& clip);
 /// Warns of the damaged frames that the reader has met.
 void warnOfDamage(const ClipReader& reader);
 
-} // namespace media
+} // namespace tool::media

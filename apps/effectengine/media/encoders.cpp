@@ -8,7 +8,7 @@
 #include <array>
 #include <span>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -58,7 +58,7 @@ AVPixelFormat wantedFormat(const AVCodec& codec, const FrameShape& shape)
     }
     const bool evenOnly = codec.id == AV_CODEC_ID_H264 || codec.id == AV_CODEC_ID_HEVC;
     if (evenOnly && ((shape.width % 2 && columns) || (shape.height % 2 && rows))) {
-        ::warn("odd size " + std::to_string(shape.width) + " x " + std::to_string(shape.height)
+        tool::warn("odd size " + std::to_string(shape.width) + " x " + std::to_string(shape.height)
             + ": written as 4:4:4, which some players cannot show");
         columns = rows = 0;
     }
@@ -243,4 +243,4 @@ Codec openEncoder(
     return encoder;
 }
 
-} // namespace media
+} // namespace tool::media

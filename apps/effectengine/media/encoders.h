@@ -3,7 +3,7 @@
 
 #include "effectengine/media/ClipSink.h"
 
-namespace media {
+namespace tool::media {
 
 /// The settings in the options of a command line. Throws ToolError.
 EncoderChoice choiceOf(const EncodingOptions& options);
@@ -27,4 +27,4 @@ bool offersAlpha(const AVCodec& codec);
 /// The usual encoder for the codec. Throws ToolError when this machine has none.
 const AVCodec& encoderFor(AVCodecID id, const std::filesystem::path& out);
 
-} // namespace media
+} // namespace tool::media

@@ -4,7 +4,7 @@
 #include <new>
 #include <stdexcept>
 
-namespace media {
+namespace tool::media {
 
 Frame makeFrame()
 {
@@ -53,4 +53,4 @@ int require(int result, const char* what)
     return result;
 }
 
-} // namespace media
+} // namespace tool::media

@@ -18,7 +18,7 @@ extern "C" {
 #include <memory>
 #include <string>
 
-namespace media {
+namespace tool::media {
 
 namespace detail {
 
@@ -88,4 +88,4 @@ std::string errorText(int result);
 /// @return the result
 int require(int result, const char* what);
 
-} // namespace media
+} // namespace tool::media

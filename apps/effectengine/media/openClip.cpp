@@ -7,7 +7,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -113,4 +113,4 @@ Codec openDecoder(const AVStream& stream, const fs::path& file, void* watcher)
     return decoder;
 }
 
-} // namespace media
+} // namespace tool::media

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-namespace media {
+namespace tool::media {
 
 /// Opens a clip file, or the pictures that a name with %04d stands for. Throws ToolError: missing,
 /// unreadable, or no clip.
@@ -26,4 +26,4 @@ bool hasAlphaBeside(const AVStream& stream);
 /// @param watcher  becomes the context's `opaque`, also on the decoder's threads
 Codec openDecoder(const AVStream& stream, const std::filesystem::path& file, void* watcher);
 
-} // namespace media
+} // namespace tool::media

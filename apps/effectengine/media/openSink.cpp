@@ -6,7 +6,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 FrameShape shapeOf(const ClipInfo& clip, int width, int height)
 {
@@ -56,4 +56,4 @@ std::unique_ptr<ClipSink> openSink(
     return std::make_unique<ClipFile>(out, shape, choice, std::move(tracks));
 }
 
-} // namespace media
+} // namespace tool::media

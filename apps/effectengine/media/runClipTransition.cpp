@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -118,10 +118,14 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
 
 } // namespace
 
-} // namespace media
+} // namespace tool::media
+
+namespace tool {
 
 void runClipTransition(const ClipTransitionOptions& options, const SessionOptions& session)
 {
     media::DecoderWatch::listen();
     interruptibly([&] { media::join(options, session); });
 }
+
+} // namespace tool

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+namespace tool {
+
 void runCodecs()
 {
     media::DecoderWatch::listen();
@@ -18,3 +20,5 @@ void runCodecs()
             encoder ? encoder->name : "no");
     }
 }
+
+} // namespace tool

@@ -16,7 +16,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -185,7 +185,9 @@ void render(
 
 } // namespace
 
-} // namespace media
+} // namespace tool::media
+
+namespace tool {
 
 void runRender(const RenderOptions& options, const SessionOptions& session)
 {
@@ -199,3 +201,5 @@ void runRender(const RenderOptions& options, const SessionOptions& session)
                 + " clips; render has one");
     interruptibly([&] { media::render(options, description, session); });
 }
+
+} // namespace tool

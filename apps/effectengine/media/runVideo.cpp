@@ -14,7 +14,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -156,7 +156,9 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
 
 } // namespace
 
-} // namespace media
+} // namespace tool::media
+
+namespace tool {
 
 void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session)
 {
@@ -166,3 +168,5 @@ void runVideo(const VideoOptions& options, const GraphOptions& graph, const Sess
         description = graph.description();
     interruptibly([&] { media::convertClip(options, description, session); });
 }
+
+} // namespace tool

@@ -9,7 +9,7 @@
 
 namespace fs = std::filesystem;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -163,4 +163,4 @@ SideTracks crossfadedTracks(const fs::path& first, const fs::path& second, doubl
     return tracks;
 }
 
-} // namespace media
+} // namespace tool::media

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// A queue of addresses between two threads. It holds no more than there are pieces, so push() never waits.
 template <class Piece> class Handoff {
@@ -163,4 +163,4 @@ void runThreeStages(std::vector<In>& ins, std::vector<Out>& outs, const Stages<I
     StagesRun<In, Out>(ins, outs, stages).run();
 }
 
-} // namespace media
+} // namespace tool::media

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -64,4 +64,4 @@ void AlphaWarning::look(pixels::ConstView picture)
         "or ffv1)");
 }
 
-} // namespace media
+} // namespace tool::media

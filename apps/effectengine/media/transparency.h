@@ -7,7 +7,7 @@
 
 #include <vector>
 
-namespace media {
+namespace tool::media {
 
 /// Whether an output is to be transparent where its frames are. For the automatic choice this looks through
 /// those clips whose format has room for transparency, up to the first frame with any; effects on opaque
@@ -25,4 +25,4 @@ private:
     bool looks_;
 };
 
-} // namespace media
+} // namespace tool::media

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace media {
+namespace tool::media {
 
 pixels::Extent workingSize(const ClipInfo& clip, const std::string& named)
 {
@@ -38,4 +38,4 @@ pixels::Extent shapedLike(const ClipInfo& clip, pixels::Extent size, AVRational 
     return {size.width, rounded(size.width / shape, size.height)};
 }
 
-} // namespace media
+} // namespace tool::media

@@ -4,7 +4,7 @@
 #include "effectengine/media/ClipReader.h"
 #include "pixels/View.h"
 
-namespace media {
+namespace tool::media {
 
 /// The size to work at: the named one, or the clip's, scaled down with a warning where it is too large for
 /// the engine. Throws ToolError.
@@ -15,4 +15,4 @@ pixels::Extent workingSize(const ClipInfo& clip, const std::string& named);
 /// @param pixelAspect  of those pictures; 0/1 for square pixels
 pixels::Extent shapedLike(const ClipInfo& clip, pixels::Extent size, AVRational pixelAspect);
 
-} // namespace media
+} // namespace tool::media

@@ -9,7 +9,7 @@
 
 using pixels::Bgra;
 
-namespace media {
+namespace tool::media {
 
 namespace {
 
@@ -315,4 +315,4 @@ void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame)
     });
 }
 
-} // namespace media
+} // namespace tool::media

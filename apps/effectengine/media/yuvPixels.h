@@ -4,7 +4,7 @@
 #include "effectengine/media/ClipReader.h"
 #include "pixels/View.h"
 
-namespace media {
+namespace tool::media {
 
 /// Whether the format is 4:2:0, 4:2:2 or 4:4:4 with 8 bits in planes, alpha or not.
 bool isPlainYuv(AVPixelFormat format);
@@ -27,4 +27,4 @@ void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
 /// came from such samples gives them back. The frame is writable and has the view's size.
 void bgraToYuv(pixels::ConstView picture, const Colour& colour, AVFrame& frame);
 
-} // namespace media
+} // namespace tool::media
