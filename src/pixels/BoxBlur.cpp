@@ -65,7 +65,8 @@ void BoxBlur::averageRow(Bgra* to, int y, int radius)
         }
     }
 
-    // The right end of the square slides until it reaches the border, the left end once it leaves it.
+    // sum[i] is the prefix at the square's right end, which stops at the border, less the prefix before its
+    // left end, where that lies inside the picture.
     const Scratch<u32> sums(bytes);
     u32* const sum = sums.data();
     const int sliding = std::max(0, size_.width - radius - 1) * 4;

@@ -28,7 +28,7 @@ private:
     Extent size_;
     Buffer<u32> sums_;
     Buffer<u32> widths_;     ///< four per column: the square's columns that lie in the picture
-    Buffer<float> inverses_; ///< their reciprocals, a trace too small
+    Buffer<float> inverses_; ///< kTraceLess over each of widths_
 };
 
 } // namespace pixels

@@ -1,4 +1,4 @@
-// Memory for large buffers.
+// The blocks behind buffers: zeroed, aligned, and on huge pages where the kernel has them.
 #include "pixels/Buffer.h"
 
 #include <sys/mman.h>
@@ -18,8 +18,8 @@ std::atomic<std::size_t> limit{std::numeric_limits<std::size_t>::max()};
 // Vector loads that straddle two cache lines take twice as long.
 constexpr std::size_t kAlignment = 64;
 
-// Huge pages save most of the page faults of the first frames and of the look-ups afterwards. Only a wish: a
-// kernel without them changes nothing.
+// Asks for huge pages, which save most of the page faults of the first frames and most address translations
+// afterwards. A kernel without them ignores the request.
 void wishForHugePages(void* block, std::size_t bytes) noexcept
 {
     constexpr std::size_t kWorthwhile = std::size_t(4) << 20;

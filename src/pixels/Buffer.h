@@ -7,7 +7,7 @@
 
 namespace pixels {
 
-/// For tests: buffers of more bytes than this cannot be allocated. The limit at start is none.
+/// For tests: buffers of more bytes than this cannot be allocated. At the start there is no limit.
 void limitBuffers(std::size_t mostBytes) noexcept;
 
 namespace detail {
@@ -17,13 +17,13 @@ struct Freed {
 };
 using Block = std::unique_ptr<void, Freed>;
 
-/// Zero bytes at an address that is a multiple of 64; null without memory.
+/// `bytes` bytes of zeros at an address that is a multiple of 64; null without memory.
 Block zeroedBlock(std::size_t bytes) noexcept;
 
 } // namespace detail
 
-/// Zeros at first; whoever runs out of memory is told instead of thrown at. The system provides the memory
-/// page by page as it is written, so a buffer that is never used costs nothing.
+/// Elements that are zeros at first. Allocation throws nothing: its answer says whether there was memory. The
+/// system provides the memory page by page as it is written, so a buffer that is never used costs nothing.
 template <class T> class Buffer {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
@@ -36,7 +36,8 @@ public:
         size_ = block_ ? count : 0;
         return block_ != nullptr;
     }
-    /// Keeps a buffer of this many elements with what it holds, allocates any other.
+    /// Keeps the buffer and its contents when it has exactly this many elements, otherwise allocates it anew.
+    /// False, holding nothing, without memory.
     bool ensure(std::size_t count) noexcept { return (block_ && size_ == count) || allocate(count); }
     void release() noexcept
     {

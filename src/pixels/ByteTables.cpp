@@ -47,7 +47,7 @@ EE_VBMI inline __m512i lookUp(const Quarters& table, __m512i index)
     return _mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high);
 }
 
-// All three tables answer for every byte, and each byte keeps the answer of its own channel.
+// Looks every byte up in all three tables and keeps the result of the byte's own channel.
 EE_VBMI void mapRunsVbmi(
     ConstView src, View dst, const ByteTables& tables, int first, int last, int top, int end)
 {

@@ -1,4 +1,4 @@
-// One table look-up per colour byte: the engine of every curve, level and equalise effect.
+// One table look-up per colour byte, which curves, levels and equalisation are made of.
 #pragma once
 
 #include "pixels/View.h"

@@ -17,7 +17,7 @@ struct ColourMatrix {
     /// @param weights  luminance weights of the first three components
     static ColourMatrix hueRotation(double degrees, const std::array<float, 3>& weights);
 
-    /// This matrix, then next.
+    /// The matrix that has the effect of this one followed by `next`.
     ColourMatrix then(const ColourMatrix& next) const;
 };
 

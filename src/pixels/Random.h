@@ -17,7 +17,7 @@ public:
         state_ = state_ * kMultiplier + kIncrement;
         return int(state_ >> 16 & 0x7FFF);
     }
-    /// As `count` calls of next().
+    /// Moves on as `count` calls of next() do.
     constexpr void skip(u32 count)
     {
         u32 multiplier = kMultiplier;
@@ -29,7 +29,7 @@ public:
             multiplier *= multiplier;
         }
     }
-    /// `count` results of next(), in its order and much faster.
+    /// Stores what `count` calls of next() give, in their order and much faster.
     void fill(u16* numbers, int count);
 
 private:

@@ -9,7 +9,7 @@ namespace pixels {
 
 /// Tells the thread sanitizer that what happens before give() is ordered before what follows take(). It
 /// cannot see the task library's own synchronisation, because that library's binary is not instrumented.
-/// Without the sanitizer nothing is left of this.
+/// Without the sanitizer both functions are empty.
 class SanitizerHandover {
 public:
     void give()

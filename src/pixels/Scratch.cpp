@@ -31,7 +31,7 @@ struct Filling {
 };
 constinit thread_local Filling filling{nullptr, nullptr, nullptr, true};
 
-// All blocks of a thread: full ones, the one that is being filled, empty ones.
+// All blocks of a thread, in this order: full ones, the one that is being filled, empty ones.
 class Arena {
 public:
     /// Begins a block with room for `bytes`. The blocks behind the current one are empty: one that is too
@@ -58,7 +58,7 @@ public:
 private:
     struct Held {
         Buffer<std::byte> memory;
-        std::size_t used = 0; ///< as long as a later one is being filled
+        std::size_t used = 0; ///< bytes in use, kept here while a later block is being filled
     };
 
     void fill(std::size_t block, std::size_t used) noexcept
@@ -68,7 +68,7 @@ private:
         current_ = block;
     }
 
-    std::array<Held, 24> blocks_; ///< each at least twice as large as the one before
+    std::array<Held, 24> blocks_; ///< block i, once allocated, has at least kFirstBlock << i bytes
     std::size_t current_ = 0;
 };
 

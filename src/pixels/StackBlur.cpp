@@ -46,7 +46,7 @@ class Stack {
 public:
     Stack(int count, int radius) : count_(count), radius_(radius), divisor_(stackDivisor(radius)) { }
 
-    /// Keeps the source line `i`, once all up to i - 1 are there.
+    /// Where to store source line `i`; lines are stored in order.
     Line& slot(int i) { return ring_[std::size_t(i % kRing)]; }
     /// The last source line that step(i) needs.
     int reach(int i) const { return std::min(i + radius_ + 2, count_ - 1); }

@@ -5,7 +5,7 @@
 
 namespace pixels {
 
-/// Largest radius whose sums fit the divisors.
+/// Largest radius at which every sum times its multiplier fits 32 bits.
 inline constexpr int kMostStackRadius = 254;
 
 /// sum / (radius + 1)² is taken as (sum * multiplier) >> shift in 32 unsigned bits.

@@ -1,4 +1,4 @@
-// Sampling without a filter, on purpose: the look is that of a video wall.
+// Sampling of single pixels; it goes without a filter on purpose, for the look of a video wall.
 #include "pixels/Thumbnail.h"
 
 #include "pixels/rows.h"

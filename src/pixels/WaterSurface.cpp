@@ -25,7 +25,7 @@ void refractAndStepRow(
     const i32* const below = here - w;
     const i32* const above = here + w;
     i32* const to = next + start;
-    // Rays that leave a row go on in the one beside it: the picture is one long row.
+    // Rays that leave a row go on in the one beside it: the picture counts as one long row.
     const ConstView line(src.bytes(), {int(pixelCount), 1});
     sampleRow(line, dst, 1, w - 1, [=](int x, auto at) {
         const u32 height = u32(here[x]);

@@ -25,7 +25,7 @@ private:
 /// @param density  a drop falls when fewer frames than this are left
 bool rainFalls(int density);
 
-/// For tests, which repeat pictures: the full count, as at the start of the program.
+/// For tests, which repeat pictures: sets rainFalls()'s count back to ten, as at the start of the program.
 void restartRain();
 
 /// Heights are signed 32-bit numbers that wrap around; only points off the border ever move.

@@ -1,4 +1,4 @@
-// One row's loops for kernels that depend on the column.
+// Loops over one row, for kernels that depend on the column.
 #pragma once
 
 #include "pixels/Pixel.h"
@@ -23,7 +23,8 @@ template <class Kernel> void eachIndex(int first, int end, Kernel kernel)
         kernel(i);
 }
 
-/// to's alpha becomes from's; for loops that work on all four bytes alike. Call it inside widest().
+/// Gives `count` pixels of `to` the alpha of `from`, after loops that worked on all four bytes alike. Call it
+/// inside widest().
 inline void copyAlpha(const Bgra* from, Bgra* to, int count)
 {
     constexpr u32 kColour = 0x00FFFFFF;

@@ -34,19 +34,21 @@ template <class Real> constexpr Real clamped(Real x, Real low, Real high)
 
 // The four blends. `a` is the weight of `to`, 0..255.
 
-/// Stored as its low 8 bits: at a = 255 it gives to * 255 >> 8, one less than a bright `to`.
+/// Each term is shifted on its own: at a = 255 the result is to * 255 >> 8, one less than `to` unless that is
+/// 0.
 constexpr u8 shiftBlend(int from, int to, int a) { return u8((to * a >> 8) + (from * (255 - a) >> 8)); }
 
-/// Each term divided on its own, so a blend of equal bytes may come out one lower.
+/// Each term is divided on its own, so a blend of equal bytes may come out one lower.
 constexpr u8 divisionBlend(int from, int to, int a) { return u8(to * a / 255 + from * (255 - a) / 255); }
 
-/// Single precision, truncated once.
+/// Both terms are added in single precision, and the sum is truncated.
 constexpr u8 floatBlend(int from, int to, int a)
 {
     return u8(float(to * a) / 255.0f + float(from * (255 - a)) / 255.0f);
 }
 
-/// In parts of 256, rounded up: a = 0 gives `from`, a = 255 still lets a trace of it through.
+/// The weights are parts of 256, and the sum is rounded up: a = 0 gives `from`; a = 255 still mixes 1/256
+/// of it in.
 constexpr u8 ceilingBlend(int from, int to, int a) { return u8((to * a + from * (256 - a) + 255) >> 8); }
 
 } // namespace pixels

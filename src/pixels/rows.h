@@ -48,7 +48,8 @@ template <class Work> struct RowTask {
 } // namespace detail
 
 /// fn(first, last) over half-open runs of rows that together cover the height, on any thread, in any
-/// order. Small pictures stay on the caller. The result must not depend on where the runs are cut.
+/// order. Small pictures are one run on the calling thread. The result must not depend on where the runs are
+/// cut.
 template <class Fn> void anyOrderRuns(Extent size, Fn&& fn)
 {
     const int grain = rowsPerTask(size);
@@ -82,7 +83,8 @@ template <class Fn> void inOrder(Extent size, Fn&& fn)
 }
 
 /// Folds runs of rows into one value: accumulate(first, last, value) adds rows [first, last) to a value,
-/// join(sum, part) adds part to sum. Both must be exact (integers), so that neither cuts nor order show.
+/// join(sum, part) adds part to sum. Both must be exact (integers), so that the result depends neither on the
+/// runs nor on their order.
 template <class Value, class Accumulate, class Join>
 Value fold(Extent size, const Value& zero, Accumulate accumulate, Join join)
 {

@@ -32,8 +32,9 @@ void sampleRow(const u8* bytes, Offset stride, Bgra* to, int first, int end, Ker
 } // namespace detail
 
 /// to[x] = kernel(x, at) for first <= x < end: for kernels that choose or mix what they read, and for parts
-/// of rows. Both are words; at(Point) reads a pixel of src, inside it. `to` lies outside of src. Call it
-/// inside widest(); everything the kernel needs must be in it by value.
+/// of rows. at(Point) gives the pixel of src there as a word, and the kernel answers a word; the point must
+/// lie inside src. `to` lies outside of src. Call it inside widest(); everything the kernel needs must be in
+/// it by value.
 template <class Kernel> void sampleRow(ConstView src, Bgra* to, int first, int end, Kernel kernel)
 {
     // Twice as many pixels to a register when their offsets fit 32 bits; only strange strides exceed them.
@@ -44,8 +45,9 @@ template <class Kernel> void sampleRow(ConstView src, Bgra* to, int first, int e
 }
 
 /// dst(x, y) = src(kernel(x, y)): the kernel gives a Point inside src. The views are the same memory or do
-/// not overlap, and may differ in size. The same memory is read from a copy; when there is no memory for
-/// that, dst stays as it is. The kernel is copied into each loop, so keep what it needs in it by value.
+/// not overlap, and may differ in size. When they are the same memory, src is read from a copy; without
+/// memory for that, dst stays as it is. The kernel is copied into each loop, so keep what it needs in it by
+/// value.
 template <class Kernel> void sample(ConstView src, View dst, Kernel kernel)
 {
     const StableInput stable(src, dst);

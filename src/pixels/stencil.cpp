@@ -49,7 +49,7 @@ void sharpenRow(RowsAround around, Bgra* to, int width)
             const i16 sharp = i16(10 * around.row[i] - sum[i - 4] - sum[i] - sum[i + 4]);
             out[i] = u8(std::min<i16>(std::max<i16>(sharp, 0), 255));
         });
-        // bytes of alpha were sharpened, too
+        // The loop has sharpened the alpha bytes, too: they become the source's again.
         copyAlpha(reinterpret_cast<const Bgra*>(around.row) + 1, to + 1, width - 2);
     });
 }

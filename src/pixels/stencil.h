@@ -25,9 +25,9 @@ struct Neighbours {
 enum class Border {
     untouched,  ///< what the caller has drawn there
     kept,       ///< the source's pixels
-    black,      ///< black with the source's alpha, as are the next two
-    blackSides, ///< black at both ends of the rows, but the first and the last row are kept
-    white,
+    black,      ///< black with the source's alpha
+    blackSides, ///< as black at both ends of the rows, but the whole first and last rows are kept
+    white,      ///< white with the source's alpha
 };
 
 namespace detail {
@@ -119,8 +119,8 @@ template <class Kernel> void stencil(ConstView src, View dst, Border border, Ker
 /// `step` of them to a pixel.
 void largestOfNine(RowsAround around, int step, u8* to, int count);
 
-/// to[x] = ten times pixel x less the nine around it, alpha kept, for 1 <= x < width - 1. The rows are a
-/// picture's.
+/// to[x] = ten times pixel x less the sum of the nine pixels around and including it, limited to 0..255,
+/// alpha kept, for 1 <= x < width - 1. The rows are a picture's, four bytes a pixel.
 void sharpenRow(RowsAround around, Bgra* to, int width);
 
 } // namespace pixels

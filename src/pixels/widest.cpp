@@ -1,4 +1,4 @@
-// What the processor can do.
+// Finds the widest vector registers of the processor.
 #include "pixels/widest.h"
 
 #include <algorithm>

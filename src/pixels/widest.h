@@ -3,7 +3,7 @@
 
 namespace pixels {
 
-/// Vector registers that widest() may use; the order is by width.
+/// Vector registers that widest() may use, in the order of their width.
 enum class VectorLevel { base, avx2, avx512 };
 
 /// What this processor has, or the lower level that limitVectors() set.

@@ -1,4 +1,4 @@
-// The plain CPU node: its pixel routine does nothing, so its output stays transparent black.
+// The plain CPU node as an effect: its pixel routine does nothing, so its output stays transparent black.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 

@@ -18,7 +18,7 @@ constexpr auto kStrength =
 constexpr auto kFaintStrength =
     Param<float>{"Strength", 0.2f, {0, 1}, "opacity of the frame; 0 leaves the picture"};
 
-// Weights as hosts may make them, negative or far beyond 256.
+// The overlay's blend for any strength that hosts give, be it negative or far beyond 256.
 class AnyStrength {
 public:
     explicit AnyStrength(int strength) : strength_(strength) { }

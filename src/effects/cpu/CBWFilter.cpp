@@ -1,4 +1,4 @@
-// Grey: the mean of the three colour bytes.
+// Black and white: every pixel becomes the mean of its three colour bytes.
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"

@@ -15,7 +15,7 @@ constexpr int kEchoDistance = 8;
 // Each colour byte divided by four, so that four of them never carry into the next byte.
 constexpr u32 quartered(u32 word) { return word >> 2 & 0x3F3F3F; }
 
-// One run of pixels; `newest` may be none of the echoes.
+// Draws a run of pixels and keeps it in `newest`, which must not be one of the echoes.
 void addEchoes(const u8* src, u8* dst, u32* newest, std::array<const u32*, 3> echoes, std::size_t count)
 {
     const auto [a, b, c] = echoes;

@@ -44,7 +44,7 @@ int delayOf(int mode, int fromTop, int fromRight, int rows, int columns)
 
 using Offsets = std::array<int, kFrames>;
 
-// A row of single pixels from the ring, each from its own frame.
+// Draws a row of single pixels from the ring, each from its own frame.
 void showPixels(const u8* ring, Offsets offset, const u8* delays, pixels::Bgra* to, int count)
 {
 #pragma GCC ivdep
@@ -54,7 +54,7 @@ void showPixels(const u8* ring, Offsets offset, const u8* delays, pixels::Bgra* 
     }
 }
 
-// A row of blocks of `size` pixels from the ring, each from its own frame.
+// Draws a row of blocks of `size` pixels from the ring, each from its own frame.
 void showBlocks(
     const u8* ring, const Offsets& offset, const u8* delays, pixels::Bgra* to, int count, int size)
 {

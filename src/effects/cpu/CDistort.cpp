@@ -56,7 +56,7 @@ struct Edge {
     }
 };
 
-// Columns of source coordinates for row j of a band of blocks.
+// Fills one axis of the source coordinates of every column, for row j of a band of blocks.
 void interpolate(const Edge& edge, int blocks, int j, i32* coordinates)
 {
 #pragma GCC ivdep
@@ -70,13 +70,14 @@ void interpolate(const Edge& edge, int blocks, int j, i32* coordinates)
     }
 }
 
-// Every sample of a row: the pixel that the coordinates name in memory order, or else the pixel in place.
+// Draws a row: each pixel is the one that its coordinates name in memory order, or the source's own where
+// they lie outside the picture.
 void drawRow(
     const u8* src, pixels::Bgra* to, pixels::Extent size, int y, int count, const i32* xs, const i32* ys)
 {
     const int start = y * size.width;
     const u32 pixelCount = u32(size.width) * u32(size.height);
-    // What leaves a row goes on in the one beside it: the picture is one long row.
+    // Coordinates that leave a row go on in the one beside it: the picture counts as one long row.
     const pixels::ConstView line(src, {int(pixelCount), 1});
     pixels::sampleRow(line, to, 0, count, [=, width = size.width](int x, auto at) {
         const u32 index = u32(width * (ys[x] >> 16) + (xs[x] >> 16));

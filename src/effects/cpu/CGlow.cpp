@@ -10,7 +10,7 @@ constexpr auto kBlur =
     Param<int>{"Blur", 10, {0, 100}, "reach of the glow, 100 for half of the longer side"}.titled("Reach").in(
         "percent");
 
-// A vector lane has no room for the 64-bit product of a general division.
+// x / 255 for x up to 255 * 255; a general division's 64-bit product has no room in a vector lane.
 constexpr u32 dividedBy255(u32 x) { return x * 0x8081u >> 23; }
 static_assert([] {
     for (u32 x = 0; x <= 255 * 255; ++x) {

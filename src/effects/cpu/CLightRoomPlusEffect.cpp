@@ -25,8 +25,8 @@ constexpr auto kResolution = ArrayParam<float>{"u_resolution", {640, 480}, 2, {1
     "size of the picture, for the vignette on the GPU", "pixels"}
                                  .titled("Picture Size");
 
-// The host adds these; a missing one counts as 0. Haze removal changes the input picture itself, so the
-// value that shows the effect is none.
+// The host adds these; a missing one counts as 0. The value given here shows the effect; that of haze removal
+// is 0, because it changes the input picture itself.
 constexpr auto kDehaze =
     Param<float>{"dehaze", 0, {0, 100}, "take haze off; the input itself changes"}.undeclared();
 constexpr auto kDistort =
@@ -134,7 +134,7 @@ public:
         if (sharpens != distorts)
             std::swap(picture, other);
 
-        // Where a host runs a chain in one image, the colour steps have no source to read.
+        // Where src and dst are one image, the colour steps are left out: they have no source to read.
         if (get(kColorEnable) != 0 && src != dst)
             colour_.apply(colourValues(), input(src), picture);
         else

@@ -46,7 +46,8 @@ private:
             water_.press({x, y}, radius, [=](i64) { return height; });
     }
 
-    // A position off the picture is drawn anew where the whole drop has room; false when there is no room.
+    // Replaces a negative position by a random one where the whole drop has room; false when there is no
+    // room.
     bool replaced(int& at, int extent, int radius)
     {
         if (at >= 0)

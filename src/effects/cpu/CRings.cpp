@@ -28,8 +28,8 @@ constexpr auto kProcess = Param<float>{"process", 0.5f, {0, 1}, "progress; nothi
                               .titled("Progress")
                               .undeclared();
 
-/// The cosine for 0 <= x < 100, right to about one unit of the last place below 1. It is its own so that the
-/// rings are the same with every runtime library, and so that the loop vectorises.
+/// The cosine for 0 <= x < 100, right to about one unit of the last place below 1. Written out here so
+/// that the rings are the same with every runtime library, and so that the loop vectorises.
 inline float cosine(float x)
 {
     // Pi in two parts: the first has few bits, so that its multiples are exact.
@@ -94,7 +94,8 @@ struct Distances {
     }
 };
 
-// Alphas of the first `count` distances, also in descending order: the way columns to the left meet them.
+// Alphas of the first `count` distances in both orders: `leftward` has them descending, as columns to the
+// left of the centre meet them.
 void computeAlphas(Rings rings, float dx, float dy, int count, float* rightward, float* leftward)
 {
 #pragma GCC ivdep

@@ -1,4 +1,4 @@
-// Blur: Stack Blur up to the radius that it can divide by, a box average beyond.
+// Blur: Stack Blur below pixels::kMostStackRadius, a box average from there on.
 #include "effects/cpu/CSquareBlur.h"
 
 #include "model/EffectRegistry.h"

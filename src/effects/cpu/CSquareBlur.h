@@ -8,7 +8,7 @@ namespace KEXSDK {
 
 class CSquareBlur : public CPureCEffect {
 public:
-    /// Allocates the table for the largest radii. Without memory those copy the input.
+    /// Allocates the table of the box average. Without memory, radii that need it copy the input.
     CSquareBlur(u32 width, u32 height);
 
     void processFrame(const u8* src, u8* dst) override;

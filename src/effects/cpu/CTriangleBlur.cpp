@@ -11,7 +11,7 @@ constexpr auto kRadius = Param<int>{"Radius", 50, {0, 200}, "reach of the blur"}
 
 constexpr const char* kBlurGuid = "1B967DBD-7E65-44cb-B2FC-782CE5D8CBFD";
 
-// Two nodes of one effect of descriptor files, one down the picture and one across.
+// Runs two nodes of a descriptor file's blur, one down the picture and one across.
 class CTriangleBlur final : public CPureCEffect {
 public:
     CTriangleBlur(u32 w, u32 h)

@@ -16,7 +16,8 @@ constexpr auto kZoomRate =
     Param<int>{"ZoomRate", 4, {-50, 100}, "zoom from frame to frame; 0 switches the effect off"}.in(
         "percent");
 
-// All of blue, and six bits of green and red: sums of four, shifted by two, never spill over.
+// The bits that are mixed: all of blue, and the upper six of green and red, so that sums of four, shifted by
+// two, never reach the next byte.
 constexpr u32 kMixedBits = 0xFCFCFF;
 
 // The affine map from the new picture to the previous one: where the first pixel comes from, and the step to

@@ -13,7 +13,7 @@ constexpr int kDamping = 4;
 constexpr u32 kTurn = 2048;
 using WaveTable = std::array<i32, kTurn>;
 
-// A turn in 2048 steps, in 16.16 fixed point.
+// Values of a wave over a turn in 2048 steps, in 16.16 fixed point.
 template <class Wave> WaveTable tableOf(Wave wave)
 {
     WaveTable table;

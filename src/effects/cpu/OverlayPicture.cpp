@@ -1,4 +1,4 @@
-// Choosing and loading overlays.
+// Chooses, loads and blends overlays.
 #include "effects/cpu/OverlayPicture.h"
 
 #include "core/Log.h"

@@ -1,4 +1,4 @@
-// Life and drawing of a node's GPU effect.
+// Creates, ends and draws a node's GPU effect through the graphics system.
 #include "effects/gpu/GpuEffect.h"
 
 #include "graphics/GraphicsService.h"

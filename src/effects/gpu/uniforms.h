@@ -12,8 +12,9 @@ namespace KEXSDK {
 class TovEffectBase;
 
 /// Gives every uniform the value of the parameter of its name; a "u_name" without one takes that of "Name".
-/// What the node does not hold keeps the program's own value. Numbers are converted to the uniform's type.
-/// @param tag  of the debug records about it
+/// A uniform that the node has no parameter for keeps the program's own value. Numbers are converted to the
+/// uniform's type.
+/// @param tag  names the caller in the debug records about each uniform
 void setUniforms(TovEffectBase& effect, CEffectBaseParam& parameters, const char* tag);
 
 /// Stores which texture unit a sampler shows: "mSample" and the index is the parameter, the index its value.
@@ -22,7 +23,7 @@ void nameSampler(CEffectBaseParam& parameters, i32 index);
 /// Makes an image the effect's input and names the sampler that shows it.
 void bindInput(TovEffectBase& effect, CEffectBaseParam& parameters, const CEffectImage& image, i32 index);
 
-/// The images of a node that are inputs of its effect.
+/// Remembers which images of a node are bound as inputs of its GPU effect.
 class BoundInputs {
 public:
     /// Binds every image there is. An input that was bound before and is gone is taken away: the effect would

@@ -17,7 +17,7 @@ using pixels::clamped;
 
 u8 byteOf(double x) { return u8(clamped(x, 0.0, 255.0)); }
 
-// The curves reach a pole there; from it on, values count as the last one before it.
+// The last float below the pole of a curve, for values from the pole on; smaller values as they are.
 float below(float value, float pole) { return value >= pole ? std::nextafter(pole, 0.0f) : value; }
 
 struct Brightness {
@@ -115,7 +115,7 @@ void ColourSteps::apply(const ColourValues& values, pixels::ConstView src, pixel
         saturation.emplace(values.saturation);
     const bool vignette = !values.vignette.neutral() && vignette_.prepare(values.vignette, dst.extent());
 
-    // Every step takes what the one before it left in the row, while the row is still near.
+    // Row by row: each step takes what the one before it left in the row, which is still in the cache.
     pixels::rows::anyOrder(dst.extent(), [&](int y) {
         const pixels::Extent size{dst.width(), 1};
         const pixels::View to(dst.bytes() + y * dst.strideBytes(), size);

@@ -8,7 +8,8 @@
 
 namespace lightroom {
 
-/// As hosts give them. Vibrance, highlights, shadows, white and black level are drawn by the GPU only.
+/// The values as hosts give them. Vibrance, highlights, shadows, white and black level are drawn by the GPU
+/// only.
 struct ColourValues {
     int temperature = Temperature::kNeutral;
     float tint = 0;
@@ -19,9 +20,10 @@ struct ColourValues {
     VignetteValues vignette;
 };
 
-/// Makes greys or deepens colours around the mean of the three channels.
+/// Moves colours towards the mean of their three channels or away from it.
 class Saturation {
 public:
+    /// @param value  percent: greyer below 0; above 0 greyer up to 50, and deeper colours from there
     explicit Saturation(float value);
 
     /// from and to may be the same rows.
@@ -31,7 +33,7 @@ private:
     double toMean_; ///< how far colours go towards their mean; negative values lead away from it
 };
 
-/// What exposure, brightness and contrast, each ending in bytes, do together to a byte.
+/// Exposure, brightness and contrast together as one table; each of them rounds to bytes.
 pixels::ByteTable toneTable(float exposure, float brightness, float contrast);
 
 /// Runs the steps that are not neutral, in their fixed order, each rounding to bytes.

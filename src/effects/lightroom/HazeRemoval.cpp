@@ -33,7 +33,7 @@ struct RowLevels {
     int brightest = 0;
 };
 
-// The least byte of every pixel; in all, their sum and the greatest byte.
+// dark[x] = the least colour byte of pixel x; answers the sum of those and the row's greatest colour byte.
 RowLevels darkRow(const Bgra* from, u8* dark, int width)
 {
     u32 sum = 0;
@@ -104,7 +104,7 @@ HazeRemoval::Levels HazeRemoval::drawDark(pixels::ConstView picture)
     return pixels::rows::fold(picture.extent(), Levels{}, accumulateRows, join);
 }
 
-// Answers the largest average of the dark channel.
+// Fills the haze plane from the dark channel; answers the channel's largest average.
 int HazeRemoval::drawHaze(pixels::Extent size, double strength)
 {
     const int width = size.width;

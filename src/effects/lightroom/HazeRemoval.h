@@ -8,7 +8,7 @@
 
 namespace lightroom {
 
-/// Keeps its planes from frame to frame; they are asked for on first use.
+/// Keeps its planes from frame to frame; they are allocated on first use.
 class HazeRemoval {
 public:
     using Table = std::array<std::array<u8, 256>, 256>; ///< output by haze and input

@@ -1,4 +1,4 @@
-// Mask and application, in double precision.
+// The vignette's mask and its application to rows, in double precision.
 #include "effects/lightroom/Vignette.h"
 
 #include "pixels/numbers.h"
@@ -24,7 +24,7 @@ inline double lit(double x, double mask, const Weights& weights)
     return x * mask * weights.exposure + x * (1 + weights.amount) * (1 - mask);
 }
 
-// One less the product of the complements, on a scale of 255.
+// x screened with k * x: one less the product of their complements, on a scale of 255.
 inline u8 screened(double x, double k)
 {
     return u8(int(pixels::clamped(255 - (255 - k * x) * (255 - x) / 255, 0.0, 255.0)));

@@ -6,7 +6,7 @@
 
 namespace lightroom {
 
-/// As hosts give them, in percent.
+/// The values as hosts give them, in percent.
 struct VignetteValues {
     float amount = 0;
     float feather = 0;

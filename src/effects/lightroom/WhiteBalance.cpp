@@ -1,4 +1,4 @@
-// The colour of a temperature, the conversion that keeps lightness, and the tint.
+// The colour of a temperature, its blend with a pixel's lightness kept, and the tint.
 #include "effects/lightroom/WhiteBalance.h"
 
 #include "pixels/Scratch.h"

@@ -1,4 +1,4 @@
-// White balance: colour temperature and tint. Steps work on views of any number of rows.
+// White balance: colour temperature and tint.
 #pragma once
 
 #include "pixels/ByteTables.h"
@@ -23,6 +23,7 @@ private:
 /// Shifts colours between green and magenta in proportion to their grey.
 class Tint {
 public:
+    /// @param value  below 0 turns colours green, above it magenta; hosts give -100 to 100
     explicit Tint(float value);
 
     /// from and to may be the same rows.

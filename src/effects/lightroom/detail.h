@@ -7,10 +7,12 @@
 namespace lightroom {
 
 /// Local contrast: pixels move away from their blurred surroundings.
-/// @param blurred  room for the blurred picture
+/// @param blurred  room for the blurred picture, elsewhere and of the same size
+/// @param amount   nothing happens unless 2 < |amount| < 254; half of it is the blur's radius when positive
 void clarity(pixels::View picture, pixels::View blurred, float amount);
 
 /// Steepens edges; border pixels are copied. The views must not overlap.
+/// @param amount  255 adds all of a pixel's difference from its four neighbours' values
 void sharpen(pixels::ConstView src, pixels::View dst, float amount);
 
 /// A veil of light: brightens, and softens by one pixel when the amount is positive.
@@ -20,9 +22,10 @@ void diffuse(pixels::View picture, float amount);
 class LensMap {
 public:
     /// To be called before apply(). False without memory for the map.
+    /// @param amount  percent; above 0 the middle grows, below 0 the corners
     bool prepare(float amount, pixels::Extent size);
 
-    /// Every pixel of dst from its place in src. The views have the prepared size.
+    /// Draws every pixel of dst from its place in src. The views have the prepared size.
     void apply(pixels::ConstView src, pixels::View dst) const;
 
 private:

@@ -130,7 +130,7 @@ public:
     }
 
 private:
-    // Ends at the first data line.
+    // Reads the keyword lines and stops at the first data line, which stays the current one.
     bool readKeywords()
     {
         while (reader_.nextLine("its table begins")) {

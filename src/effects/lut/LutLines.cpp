@@ -1,4 +1,4 @@
-// Blocks to lines to words.
+// Splits blocks of bytes into lines, and lines into words.
 #include "effects/lut/LutLines.h"
 
 #include <algorithm>

@@ -31,7 +31,7 @@ public:
 
     /// The current line without its end; valid until next(). At most the first 64 KiB of it.
     std::string_view text() const { return text_; }
-    /// Its number in the file, from 1; 0 before the first.
+    /// The current line's number in the file, from 1; 0 before the first.
     int number() const { return number_; }
 
 private:

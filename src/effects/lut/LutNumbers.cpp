@@ -1,4 +1,4 @@
-// Conversion without the locale.
+// Converts text to numbers by std::from_chars, which no locale changes.
 #include "effects/lut/LutNumbers.h"
 
 #include "effects/lut/LutLines.h"
@@ -27,7 +27,7 @@ template <class Number> Found take(std::string_view& text, Number& number, std::
     return error == std::errc() ? Found::inRange : Found::outOfRange;
 }
 
-// The float next to a number that float cannot hold: an infinity or a zero.
+// What a number beyond the range of float becomes: infinity or zero, of its sign.
 float beyondRange(std::string_view digits)
 {
     double wide = 0;

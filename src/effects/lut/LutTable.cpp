@@ -15,7 +15,7 @@ using pixels::Bgra;
 
 constexpr int kNumbersPerEntry = 3;
 
-// Red, green, blue and a number of no meaning.
+// An entry in a vector register: red, green, blue and a number of no meaning.
 using Lanes [[gnu::vector_size(16)]] = float;
 
 // A colour lies in one of the six tetrahedra that share the diagonal of its cell: from the lowest corner the

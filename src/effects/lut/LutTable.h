@@ -8,7 +8,7 @@
 
 namespace lut {
 
-/// Part of a node: it holds the largest table, about 3 MiB, and never asks for memory.
+/// Holds room for the largest table, about 3 MiB, as part of its node, and so never allocates memory.
 class LutTable {
 public:
     /// Takes over a file that was read successfully.
@@ -18,7 +18,7 @@ public:
     /// N, entries per axis; 0 without a table.
     int size() const { return lutSize_; }
 
-    /// 0 <= r, g, b < size().
+    /// The entry at these indices, each from 0 to size() - 1.
     LutEntry entry(int r, int g, int b) const;
 
     /// Looks every pixel up by tetrahedral interpolation, rounds to the nearest byte and limits to 0..255

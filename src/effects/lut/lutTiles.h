@@ -37,7 +37,7 @@ inline constexpr std::array<TileLayout, 20> kTileLayouts{{
 }};
 static_assert(std::ranges::all_of(kTileLayouts, [](TileLayout t) { return t.columns * t.rows == t.size; }));
 
-/// The layout of a size, or null.
+/// The layout of tables of this size, or null when there is none.
 constexpr const TileLayout* tileLayoutOf(int size)
 {
     const auto found = std::ranges::find(kTileLayouts, size, &TileLayout::size);

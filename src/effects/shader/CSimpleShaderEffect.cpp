@@ -1,4 +1,4 @@
-// From a descriptor file to a drawn frame.
+// Makes a GPU effect from a descriptor file and draws the node's frames with it.
 #include "effects/shader/CSimpleShaderEffect.h"
 
 #include "core/Log.h"
@@ -26,14 +26,15 @@ constexpr int kLastFrame = 1'000'000;
 constexpr float kSlowest = 0.1f;
 constexpr float kFastest = 1000;
 
-/// Within what a scene can be built from; OGRE ends the process over a box of no numbers.
+/// The number limited to what a scene can be built from, and 0 for NaN: OGRE ends the process over a bounding
+/// box with NaN in it.
 float bounded(float number)
 {
     constexpr float kFarthest = 1e5f;
     return std::isnan(number) ? 0 : std::clamp(number, -kFarthest, kFarthest);
 }
 
-/// Texture coordinates of a pixel's neighbours, and its own, row by row.
+/// Offsets in texture coordinates to the 3 x 3 pixels around a pixel and including it, row by row.
 std::array<float, 18> neighbourOffsets(u32 width, u32 height)
 {
     std::array<float, 18> offsets{};

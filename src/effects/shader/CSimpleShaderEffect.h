@@ -8,7 +8,8 @@
 
 namespace shader {
 
-// What every shader effect reads once the host adds it.
+// Parameters of every shader effect, and the frame rate of those with particles. Hosts add the undeclared
+// ones.
 inline constexpr KEXSDK::Param<float> kRotate =
     KEXSDK::Param<float>{"stRotate", 0.0f, {-360, 360}, "turns the picture clockwise about its middle"}
         .titled("Picture Rotation")

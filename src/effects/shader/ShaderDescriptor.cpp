@@ -1,4 +1,4 @@
-// The JSON members of a descriptor, each checked before it is believed.
+// Reads the JSON members of a descriptor and checks the type and range of each.
 #include "effects/shader/ShaderDescriptor.h"
 
 #include "effects/shader/descriptorFiles.h"
@@ -72,7 +72,7 @@ KEXSDK::EffectInfo factsOf(const Json::Value& object)
 DescriptorPtr parse(std::string_view json)
 {
     Json::CharReaderBuilder builder;
-    builder["stackLimit"] = 64; // nobody nests deeper; a reader that does runs out of stack
+    builder["stackLimit"] = 64; // no descriptor nests deeper; without a limit the stack could run out
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value object;
     if (!reader->parse(json.data(), json.data() + json.size(), &object, nullptr) || !object.isObject())

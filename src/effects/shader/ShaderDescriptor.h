@@ -20,7 +20,7 @@ struct DescriptorTexture {
     u32 index = 0;
 };
 
-/// One descriptor file. Nothing in it is to be trusted but its types and ranges.
+/// The contents of one descriptor file. Types and ranges have been checked, nothing else.
 struct ShaderDescriptor {
     std::string shader; ///< file of the fragment program; empty for one that draws input 0
     std::vector<DescriptorTexture> textures;

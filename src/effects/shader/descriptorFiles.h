@@ -17,8 +17,8 @@ inline constexpr const char* kTransitionDirectory = "Transitions/";
 inline constexpr std::array kDescriptorDirectories{kShaderDirectory, kLookupDirectory, kTransitionDirectory};
 
 /// Enters every descriptor of one directory, by file name, under the first GUID in it that nobody has
-/// claimed. Files whose names hold ".conf" count; directories below do not. A directory that is missing has
-/// none.
+/// claimed. Only files whose names hold ".conf" count, and no directories below this one. A directory that is
+/// missing counts as empty.
 /// @param directory  with its trailing separator; stands before the file names as it is
 void scanDescriptors(const std::string& directory, DescriptorMap& map);
 

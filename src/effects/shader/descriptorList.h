@@ -12,7 +12,7 @@ struct ListedDescriptor {
     DescriptorPtr descriptor;
 };
 
-/// By GUID.
+/// Descriptors by their GUID.
 using DescriptorList = std::map<std::string, ListedDescriptor, std::less<>>;
 
 /// Every descriptor of the three directories that can be read and has a well-formed GUID.

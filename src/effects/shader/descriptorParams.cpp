@@ -19,7 +19,7 @@ using KEXSDK::ParamType;
 constexpr std::size_t kLongestName = 63;
 constexpr Json::ArrayIndex kMostParams = 256;
 
-// Stored by every shader effect itself, with values that its frame gives.
+// Parameters that every shader effect has of its own: descriptors cannot describe others of these names.
 constexpr std::array kOwnNames{"kex_effect_enable", "u_global_time", "u_total_time", "u_resolution",
     "u_offset", "stRotate", "stScale", "stTranslate", "u_frame_rate"};
 

@@ -23,7 +23,7 @@ struct Line {
     const Bgra* from;
     const Bgra* to;
 
-    /// Whole pixels of a row that starts at `source`, to the same columns.
+    /// Copies columns [first, last), alpha included, of a row that starts at `source`.
     void copy(const Bgra* source, int first, int last) const
     {
         first = std::max(first, 0);
@@ -32,7 +32,7 @@ struct Line {
             std::memcpy(dst + first, source + first, std::size_t(last - first) * 4);
     }
 
-    /// Colours of `to` with alpha of `from`.
+    /// Draws columns [first, last) with the colours of `to` and the alpha of `from`.
     void colour(int first, int last) const
     {
         mix(first, last, [](Bgra f, Bgra t, int) { return Bgra{t.b, t.g, t.r, f.a}; });
@@ -48,7 +48,8 @@ struct Line {
         copy(from, last, width);
     }
 
-    /// The bits of `to` where mask[x] has ones, those of `from` elsewhere.
+    /// Draws columns [first, last): dst(x) has the bits of to(x) where mask[x] has ones, those of from(x)
+    /// elsewhere.
     void pick(const u32* mask, int first, int last) const
     {
         mix(first, last, [mask](Bgra f, Bgra t, int x) {

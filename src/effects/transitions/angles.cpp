@@ -43,7 +43,7 @@ void show(const Line& line, Shown picture, int first, int last)
         line.copy(line.from, first, last);
 }
 
-// Columns [first, last), along which quantity(x) rises or falls throughout.
+// Draws columns [first, last), along which quantity(x) rises or falls throughout.
 template <class Edge, class Quantity>
 void drawPiece(const Line& line, int first, int last, bool rising, const Edge& edge, Quantity quantity)
 {
@@ -88,7 +88,8 @@ template <class Edge> void drawSweep(const Canvas& c, Edge edge)
     });
 }
 
-// ratio(x, rows above the corner) is the tangent of the angle at the bottom left corner.
+// Draws an edge that turns about the bottom left corner; ratio(x, rows above the corner) is the tangent of a
+// pixel's angle there.
 template <class Ratio> void drawRoll(const Canvas& c, const Progress& p, bool rising, Ratio ratio)
 {
     const double theta = p.smoothed() * kQuarterAndEdge;
@@ -162,7 +163,7 @@ void rollClockwise(const Canvas& c, const Progress& p)
 
 void rollAntiClockwise(const Canvas& c, const Progress& p)
 {
-    // Infinite in column 0, where the angle is a right one.
+    // The ratio is infinite in column 0, where the angle is a right one.
     drawRoll(c, p, false, [](double x, double rows) { return rows / x; });
 }
 

@@ -9,8 +9,8 @@ constexpr int kBand = 10;
 
 bool inEvenBand(int position) { return position % (2 * kBand) < kBand; }
 
-// Even bands of rows take their first n pixels from `to`, odd ones their last n; returns the columns left
-// over.
+// Copies the first n pixels of a row from `to` in even bands of rows, the last n in odd ones; answers the
+// columns left over.
 std::pair<int, int> whiskRow(const Line& line, int n)
 {
     const bool even = inEvenBand(line.v);
@@ -26,7 +26,7 @@ void columnBands(const Scratch<u32>& even, const Scratch<u32>& odd)
     }
 }
 
-// Colours of `to` outside the columns [first, last), `from` inside.
+// Draws the colours of `to` outside the columns [first, last), and `from` inside.
 void colourAround(const Line& line, int first, int last)
 {
     first = std::clamp(first, 0, line.width);

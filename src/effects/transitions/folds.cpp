@@ -8,7 +8,7 @@ namespace transitions {
 
 namespace {
 
-// The curl's width suits the picture's.
+// The width of the curl in a picture of this width, both in pixels.
 int curlWidth(int width)
 {
     return width < 300 ? 32 : width < 400 ? 48 : width < 600 ? 56 : width < 800 ? 64 : 78;

@@ -6,13 +6,13 @@ namespace transitions {
 
 namespace {
 
-// The part of 255 that a time makes of the total, in single precision.
+// time / total as a weight of 0..255, in single precision.
 int weightOf(float time, float total)
 {
     return pixels::roundHalfUp(pixels::clamped(time * 255 / total, 0.0f, 255.0f));
 }
 
-// Each term shifted on its own; the weights may add up to 256.
+// Blends a row; each term is shifted on its own, and the weights may add up to 256.
 void mixWeighted(const Line& line, int fromWeight, int toWeight)
 {
     const auto byte = [=](int f, int t) { return u8((t * toWeight >> 8) + (f * fromWeight >> 8)); };
@@ -39,7 +39,7 @@ void fade(const Canvas& c, const Progress& p)
     const float level = float((rising ? p.time() - half : half - p.time()) / half);
     const pixels::ConstView source = 2 * double(p.time()) > p.total() ? c.to : c.from;
     drawRows(c, [=](const Line& line) {
-        // All four bytes alike: the picture sinks toward 16, the black of video.
+        // All four bytes, alpha too, sink toward 16, the black of video.
         const u8* const in = reinterpret_cast<const u8*>(source.pictureRow(line.v).data());
         u8* const out = reinterpret_cast<u8*>(line.dst);
 #pragma GCC ivdep

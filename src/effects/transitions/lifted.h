@@ -9,7 +9,7 @@
 
 namespace transitions {
 
-/// Brings the frame into the range that drawing functions rely on.
+/// Checks the frame and brings its times into the range that drawing functions rely on.
 template <void (*draw)(const Canvas&, const Progress&)>
 void lifted(u8* dst, const u8* from, const u8* to, const TransitionFrame* frame)
 {

@@ -34,13 +34,14 @@ Chord chordOf(int radius, int centre, int dy)
     return {centre - half, centre + half + 1, centre - innerHalf, centre + innerHalf + 1};
 }
 
-// The soft edge: full weight kSoft pixels inside the circle, none on it.
+// Draws columns [first, last) of the soft edge: full weight kSoft pixels inside the circle, none on it.
 template <PixelBlend blend>
 void drawEdge(const Line& line, int first, int last, int radius, int centre, int dy)
 {
     const int dy2 = dy * dy;
     line.mix(first, last, [=](Bgra f, Bgra t, int x) {
-        // Exact: a single holds these squares, and no root just below an integer rounds up to it.
+        // Single precision is exact here: it holds these squares, and no root just below an integer rounds up
+        // to it.
         const int distance = int(std::sqrt(float((x - centre) * (x - centre) + dy2)));
         return coloursOf<blend>(f, t, std::clamp((radius - distance) * 255 / kSoft, 0, 255));
     });
@@ -56,7 +57,7 @@ int diamondHalfWidth(int n, int need, int cx, int cy)
     return n - w;
 }
 
-// A circle of `to` with a soft edge; `part` of the radius at which it covers the picture.
+// Draws a circle of `to` with a soft edge, whose radius is `part` of the one at which it covers the picture.
 template <PixelBlend blend> void drawDisc(const Canvas& c, double part)
 {
     const double full =
@@ -75,7 +76,7 @@ template <PixelBlend blend> void drawDisc(const Canvas& c, double part)
     });
 }
 
-// A diamond of `to` that reaches n columns from the centre.
+// Draws a diamond of `to` that reaches n columns from the centre.
 void drawDiamond(const Canvas& c, int n)
 {
     if (n >= c.width || n == 0)
@@ -93,7 +94,7 @@ void drawDiamond(const Canvas& c, int n)
     });
 }
 
-// Closing shapes are opening ones with the pictures exchanged.
+// The pictures exchanged: with them, a closing shape is an opening one.
 Canvas exchanged(const Canvas& c) { return {c.dst, c.to, c.from, c.width, c.height}; }
 
 } // namespace

@@ -91,7 +91,7 @@ void vRandomLine(const Canvas& c, const Progress& p)
 void wind(const Canvas& c, const Progress& p)
 {
     const int n = p.smoothedAmount(c.width);
-    // Two rows share a gust.
+    // The wind reaches equally far in two rows each.
     const Scratch<int> reaches((c.height + 1) / 2);
     for (int& reach : reaches) {
         const int extra = pixels::truncated(pixels::threadRandom().next() / 65535.0 * n + 0.5);

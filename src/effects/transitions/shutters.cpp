@@ -7,22 +7,22 @@ namespace {
 
 constexpr int kSlat = 30;
 
-// Cells are a tenth of the height, an even number of pixels; 0 for pictures lower than ten rows, which these
-// transitions leave as they are filled.
+// The side of a cell: a tenth of the height, made even. 0 for pictures lower than ten rows, of which these
+// transitions show one or the other whole.
 int cellSize(int height)
 {
     const int size = pixels::truncated(height * 0.1);
     return size + size % 2;
 }
 
-// One mask per column: `bits` where chosen(x).
+// Fills one mask per column: `bits` where chosen(x), else 0.
 template <class Chosen> void choose(const Scratch<u32>& masks, u32 bits, Chosen chosen)
 {
     for (std::size_t x = 0; x < masks.size(); ++x)
         masks[x] = chosen(int(x)) ? bits : 0;
 }
 
-// Columns and rows whose place in their cell lies in [low, high].
+// Whether the place of a column or row in its cell lies in [low, high].
 struct Inside {
     int cell;
     int low;

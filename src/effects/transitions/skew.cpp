@@ -20,7 +20,8 @@ struct Profile {
     int last;
 };
 
-// Opening, once the band is wider than the picture: what is left to turn is turned everywhere at once.
+// The weight at distance d while opening, once n exceeds the width: the soft edge ends at the picture's far
+// side and becomes narrower until nothing is left of it.
 int wideWeight(int d, int width, int n)
 {
     const int left = width - n + kSoft;

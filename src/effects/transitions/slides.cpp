@@ -7,18 +7,19 @@ namespace transitions {
 
 namespace {
 
-// The first `n` pixels of the row are `to`, the rest is `from`.
+// Draws a row whose first `n` pixels are `to` and the rest `from`.
 void wipeRow(const Line& line, int n)
 {
     line.copy(line.to, 0, n);
     line.copy(line.from, n, line.width);
 }
 
-// Whole rows: source(v) gives the picture and its row for row v from the top.
+// A whole row of a picture, counted from the top.
 struct SourceRow {
     pixels::ConstView picture;
     int v;
 };
+// Draws every row as a copy: source(v) gives the SourceRow for row v from the top.
 template <class Source> void moveRows(const Canvas& c, Source source)
 {
     drawRows(c, [=](const Line& line) {
@@ -27,7 +28,7 @@ template <class Source> void moveRows(const Canvas& c, Source source)
     });
 }
 
-// `count` pixels of source from column `at` on, to column x of the row.
+// Copies `count` pixels of `source`, from column `at` on, to the row from column x on.
 void shift(const Line& line, const Bgra* source, int at, int x, int count)
 {
     std::memcpy(line.dst + x, source + at, std::size_t(count) * 4);

@@ -23,8 +23,8 @@ struct Tiling {
     int shownWidth, shownHeight; ///< of what is left of a tile
 };
 
-// Tiles move outward: `sideways` to the side on which their corner lies, and `along` times the slope of the
-// line from the centre through the corner.
+// Draws tiles that move outward: `sideways` to the side on which their corner lies, and `along` times the
+// slope of the line from the centre through the corner.
 void drawTiles(const Canvas& c, const Tiling& tiling, double sideways, double along)
 {
     std::array<Tile, kMostTiles> tiles;

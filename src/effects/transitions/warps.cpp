@@ -19,7 +19,7 @@ int blockCentre(int position, int block, int side)
     return std::clamp(position / block * block + block / 2, 0, std::max(side - 2, 0));
 }
 
-// A row whose blocks show their centre.
+// Draws a row whose blocks show their centre.
 void spreadBlocks(const Bgra* row, Bgra* out, int width, int block)
 {
     for (int x = 0; x < width; x += block) {
@@ -41,7 +41,7 @@ void drawBlocks(const Canvas& c, pixels::ConstView picture, int block)
     });
 }
 
-// Where a row of pictures comes from after resampling: two gathered rows that take the place of the line's.
+// A row of both pictures after resampling; over() gives a line with these in the place of its own.
 struct Gathered {
     explicit Gathered(int width) : from(width), to(width) { }
 
@@ -80,12 +80,13 @@ struct TurnedPicture {
         const int alongRows = int(j * cosine);
         const Scratch<u16> turnedColumns(line.width);
         const Scratch<u16> turnedRows(line.width);
-        // The members' values in variables: for all that the compiler knows, stores may change members.
+        // The loop reads the members' values from variables: the compiler must assume that stores change
+        // members.
         const double across = cosine;
         const double down = sine;
 #pragma GCC ivdep
         for (int x = 0; x < line.width; ++x) {
-            // No larger than a few picture sides.
+            // The sums are no larger than a few picture sides, so int holds them.
             const int i = x - (line.width >> 1);
             const int column = int(i * across + alongColumns);
             const int row = int(alongRows - i * down + height / 2);

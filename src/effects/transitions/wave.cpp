@@ -16,8 +16,8 @@ struct SineCosine {
     double cosine;
 };
 
-// To the last digits of a double for 0 <= x <= kMost, in arithmetic that compiles to vectors: the library's
-// functions would take most of the frame.
+// Sine and cosine, right to the last digits of a double for 0 <= x <= kMost, in arithmetic that compiles to
+// vectors: the standard library's functions would take most of a frame's time.
 struct VectorSineCosine {
     static constexpr double kMost = 1e5;
 

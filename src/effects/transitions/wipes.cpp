@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kRamp = 400;
 
-// The linear wipe adds before it shifts.
+// The blend of the linear wipe, which adds both terms before it shifts.
 constexpr Bgra sumBlend(Bgra from, Bgra to, int a)
 {
     const auto byte = [a](int f, int t) { return u8((t * a + f * (255 - a)) >> 8); };

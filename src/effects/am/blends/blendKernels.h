@@ -64,14 +64,15 @@ void blendRows(pixels::ConstView picture, pixels::ConstView texture, pixels::Vie
     pixels::rows::map2(picture, texture, dst, [](pixels::Bgra p, pixels::Bgra t) { return kFunction(p, t); });
 }
 
-/// The effect of the same.
+/// The effect that applies kFunction to every pixel of its picture and texture.
 template <pixels::Bgra (*kFunction)(pixels::Bgra, pixels::Bgra)> i32 eachPair(const Frame& f)
 {
     blendRows<kFunction>(f.src, f.second, f.dst);
     return kAmOk;
 }
 
-/// The effect of a blend that the library defines as a table: callers see the table's mark cleared.
+/// The effect of a blend that the library defines as a table. It needs no table, but clears the table's mark,
+/// as callers expect.
 template <auto kBlend> i32 asTable(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);

@@ -10,7 +10,7 @@ namespace {
 
 using pixels::Bgra;
 
-// The only one without a texture.
+// A blend with one colour, the only mode without a texture.
 struct ColourWash {
     int share;
     int b;
@@ -45,7 +45,7 @@ static_assert([] {
     return true;
 }());
 
-// Pulls the texture towards white, by 100 less the percentage.
+// How far a mode fades its texture towards white: by 100 less the percentage.
 struct Fade {
     u8 percent;
     explicit Fade(const AmEffectParams& block) : percent(u8(percentOf(block))) { }
@@ -65,13 +65,13 @@ template <auto kBlend> i32 withFaded(const Frame& f, const Fade* fade)
     return kAmOk;
 }
 
-// The fade's mark is never cleared, so the fade follows the percentage.
+// A hard light whose fade follows the percentage in every run: the fade's mark is never cleared.
 i32 hardLightWithFade(const Frame& f)
 {
     return withFaded<hardLight>(f, cached<Fade>(f.block, kAmDirtyTable2, kAmDirtyTable));
 }
 
-// Keeps the percentage of its first run until the picture's size changes.
+// A linear burn whose fade keeps the percentage of its first run until the picture's size changes.
 i32 linearBurnWithFade(const Frame& f)
 {
     constexpr u32 kMarks = kAmDirtyTable | kAmDirtyTable2 | kAmDirtySize;

@@ -1,4 +1,4 @@
-// A blurred photo under the picture of an old print.
+// The old photo: a Gaussian blur in two passes, and the blend with the picture of an old print.
 #include "effects/am/blends/oldPhoto.h"
 
 #include "effects/am/library/amScratch.h"
@@ -55,7 +55,7 @@ inline void blurBytes(Neighbours from, u8* to, int count, Weights weight)
     }
 }
 
-// Along the rows of src, whose first and last pixels go on beyond its sides.
+// Blurs src along its rows, whose first and last pixels go on beyond its sides.
 void blurRows(pixels::ConstView src, pixels::View dst)
 {
     constexpr std::size_t kSide = std::size_t(kReach) * 4;

@@ -16,7 +16,7 @@ using pixels::Border;
 using pixels::RowsAround;
 using pixels::Scratch;
 
-// The canvas's mask: how far towards the picture a pixel goes, of 256.
+// The most that the canvas's mask lets the picture through, of 256.
 constexpr u8 kMostPicture = 240;
 
 // Columns and rows of the middle, and the radii between which the picture fades out.
@@ -44,7 +44,7 @@ private:
     static int root(int square) { return pixels::truncated(std::sqrt(double(square))); }
 };
 
-// Half a sine from 0 to 2^20 over `count` entries.
+// Fills a ramp of `count` entries that rises from 0 to 2^20 as half a turn of a sine does.
 void fillRamp(i32* ramp, int count)
 {
     for (int i = 0; i < count; ++i)
@@ -58,8 +58,8 @@ u8 maskAt(int distance, const CanvasCircle& circle, const i32* ramp)
     return distance > circle.inner ? u8((ramp[circle.outer - distance] * kMostPicture) >> 20) : kMostPicture;
 }
 
-// The mask in scratch B, in the first byte of every pixel; the ramp is needed only while it is built. A
-// buffer that is new holds nothing, whatever the marks say.
+// Keeps the mask in scratch B, in the first byte of every pixel; the ramp is needed only while it is built. A
+// new buffer is always filled, whatever the marks say.
 i32 keepCanvasMask(const Frame& f)
 {
     AmEffectParams& block = f.block;

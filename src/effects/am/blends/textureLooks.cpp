@@ -37,7 +37,7 @@ constexpr int brightenedScreen(int a, int b)
     return 255 - (((255 - b) * (255 - bright)) >> 8);
 }
 
-// The colour of the run that found the table's mark.
+// The block's colour, as it was in the last run that found the table's mark.
 struct ScreenColour {
     u8 b;
     u8 g;
@@ -45,7 +45,8 @@ struct ScreenColour {
     explicit ScreenColour(const AmEffectParams& block) : b(block.blue), g(block.green), r(block.red) { }
 };
 
-// Screens the picture, in 64 steps a channel, with a colour.
+// Screens the picture, reduced to 64 levels a channel, with a colour, and blends the outcome with the
+// texture.
 template <auto kBlend> i32 screenedWithColour(const Frame& f)
 {
     const ScreenColour* const found = cached<ScreenColour>(f.block, kAmDirtyTable, kAmDirtyTable);
@@ -74,8 +75,8 @@ i32 twoTones(const Frame& f)
     return kAmOk;
 }
 
-// Runs of rows that one task handles, each with its rows of all three pictures: for looks of two steps,
-// whose second step then finds the rows of the first one in the cache.
+// Calls steps(src, second, dst) with matching rows of the three pictures, for each run of rows that one task
+// handles: the second step of a look then finds the first one's rows in the cache.
 template <class Steps> void strips(const Frame& f, Steps steps)
 {
     pixels::rows::anyOrderRuns(f.dst.extent(), [&](int top, int end) {
@@ -95,13 +96,13 @@ constexpr ByteTables kDanGui =
 constexpr ByteTables kLumbraLomo =
     curvesThrough({0, 41, 161, 237, 255}, {0, 18, 151, 227, 255}, {0, 53, 206, 249, 255});
 
-// Not rounded, unlike the mode of the library.
+// An overlay that is truncated, where the library's overlay mode rounds.
 constexpr int tuneOverlay(int a, int b)
 {
     return a < 128 ? (b * a) >> 7 : 255 - (((255 - b) * (255 - a)) >> 7);
 }
 
-/// `opacity` / 256 of the way from a to kBlend(a, b).
+/// kOpacity / 256 of the way from a to kBlend(a, b).
 template <auto kBlend, int kOpacity> constexpr int partly(int a, int b)
 {
     return a + ((kBlend(a, b) - a) * kOpacity >> 8);
@@ -146,8 +147,8 @@ Span around(i64 middle, int reach, int extent)
 
 constexpr Bgra greyOf(Bgra p) { return pixels::grey(p, u8(y10(p))); }
 
-// The second picture is a mask, as large as it likes, whose middle lies on the focus; it is read the other
-// way up. Outside it everything is grey.
+// The second picture is a mask of any size whose middle lies on the focus; it is read upside down. Outside it
+// everything is grey.
 i32 focusColour(const Frame& f)
 {
     const int w = f.dst.width();

@@ -10,7 +10,8 @@ namespace KEXSDK::am {
 inline constexpr int kSpeckSize = 10;
 using SpeckMask = std::array<std::array<u8, kSpeckSize>, kSpeckSize>;
 
-/// ANDed into the colour bytes, lowest row first. One of the shapes is twice as frequent as the others.
+/// Masks that are ANDed into the colour bytes, lowest row first. One of the shapes is twice as frequent as
+/// the others.
 inline constexpr std::array<SpeckMask, 6> kSpeckMasks{{
     {{
         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},

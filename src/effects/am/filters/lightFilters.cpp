@@ -98,7 +98,7 @@ constexpr auto kReciprocals = [] {
     return table;
 }();
 
-// 0..255 around the colour circle, or kAchromatic.
+// The hue of a pixel: 0..255 around the colour circle, or kAchromatic.
 inline int hueOf(Bgra p)
 {
     const int b = p.b;

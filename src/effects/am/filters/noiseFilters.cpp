@@ -15,7 +15,8 @@ namespace {
 using pixels::Bgra;
 namespace rows = pixels::rows;
 
-// The walk through the noise table takes groups of four pixels: only a group's first pixel adds its place.
+// Grey speckles, placed by a walk through the noise table. The first pixel of each group of four, and every
+// pixel beyond the last full group, adds its place to the walk.
 class Speckles {
 public:
     Speckles(int threshold, pixels::RandomGenerator& random)
@@ -68,7 +69,8 @@ i32 noise(const Frame& f)
 
 using Offsets = std::array<int, 64>;
 
-// Near an edge the offsets are pushed inwards; a narrow picture's first columns count as its left edge.
+// Which edge of the picture is near, if any: there the offsets are pushed inwards. Where both are near, the
+// first one counts.
 enum class Edge { first, none, last };
 
 Edge edgeAt(int position, int extent, int reach)
@@ -86,7 +88,7 @@ Offsets pushed(const Offsets& offsets, int reach, Edge edge)
     return result;
 }
 
-// Pixels come from the picture as it stands at that moment, so later ones may fetch what earlier ones did.
+// Moves pixels within the result as it stands, so a pixel may fetch another that was already replaced.
 i32 scatter(const Frame& f)
 {
     pixels::RandomGenerator& random = pixels::threadRandom();

@@ -35,7 +35,7 @@ constexpr Colour kScreenColours[] = {
     {255, 255, 255},
 };
 
-// Poster colours. Where one occurs twice the first one counts.
+// Poster colours. Of equal ones the first counts.
 constexpr Colour kPosterColours[] = {
     {255, 255, 255},
     {255, 0, 0},

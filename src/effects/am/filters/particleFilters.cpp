@@ -73,7 +73,8 @@ struct Velocity {
     double y;
 };
 
-// Down, up, left, right.
+// The unit of movement per frame for the directions 0 down, 1 up, 2 left and 3 right: one position at 25
+// frames per second.
 Velocity velocityOf(int direction, double frameRate)
 {
     constexpr Velocity kUnits[] = {{0, -1}, {0, 1}, {-1, 0}, {1, 0}};
@@ -92,7 +93,7 @@ bool moveWithin(Particle& p, i64 x, i64 y, int lastPosition)
     return true;
 }
 
-// Positions count 2^bits steps across the picture.
+// The pixel at a position, which counts 2^bits steps across the picture.
 int scaled(int position, int extent, int bits) { return (position & ((1 << bits) - 1)) * extent >> bits; }
 
 int movedInside(int centre, int radius, int extent)
@@ -182,7 +183,8 @@ i32 snow(const Frame& f)
         return kAmNoMemory;
 
     pixels::RandomGenerator& random = pixels::threadRandom();
-    // Hosts number the directions differently from the velocities.
+    // Hosts number the directions of snow up, down, right, left: each pair the other way round than
+    // velocityOf().
     constexpr int kOrder[] = {1, 0, 3, 2};
     const int direction = kOrder[std::clamp(f.block.direction, 0, 3)];
     const Velocity velocity = velocityOf(direction, frameRateOf(f.block));
@@ -249,7 +251,8 @@ i32 bubble(const Frame& f)
         const Bgra colour = pixels::fromWord(u32(p.look));
         const int r2 = radius * radius;
         const Quotient quotient(r2);
-        // A whole number above an eighth of the square is above its whole part, too.
+        // Truncating r2 / 8 changes nothing: a whole number is above an eighth of the square exactly when it
+        // is above its whole part.
         paint(
             f.dst, top, end, disc, r2 / 8,
             [=](int d2) { return quotient(5 * d2 < 4 * r2 ? 160 * d2 : 800 * (r2 - d2)); },

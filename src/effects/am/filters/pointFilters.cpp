@@ -54,7 +54,7 @@ constexpr Bgra fourTones(Bgra p)
     return {full(k <= 4 || (k > 9 && k <= 13)), full(k > 4), full(k <= 9), p.a};
 }
 
-// 256 - 128 is 128 again; as a byte 256 - c is what remains of -c.
+// Folds the upper half of the values down: 128 stays 128, and 255 becomes 1.
 constexpr u8 folded(u8 c) { return c < 128 ? c : u8(256 - c); }
 constexpr Bgra solarize(Bgra p) { return {folded(p.b), folded(p.g), folded(p.r), p.a}; }
 

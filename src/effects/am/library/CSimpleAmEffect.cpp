@@ -1,4 +1,4 @@
-// Between named parameters and the block.
+// Copies named parameters to and from a node's block, and applies the block to the node's pictures.
 #include "effects/am/library/CSimpleAmEffect.h"
 
 #include "core/Log.h"
@@ -20,7 +20,7 @@ constexpr float kFramesPerSecond = 25.0f;
 // Region bounds are whole pixels in the block and shares of the picture in the parameters.
 i32 asPixels(float share, int extent) { return pixels::truncated(float(extent) * share); }
 
-// One that comes back as the bound: the nearest may lie just below it.
+// A share that asPixels() turns into the bound again: the share nearest to it may lie just below.
 float asShare(i32 bound, int extent)
 {
     const float share = float(bound) / float(extent);
@@ -60,7 +60,7 @@ template <i32 Block::*kField, int Extent::*kSide> constexpr Parameter shareOf(co
         [](Block& b, double value, Extent size) { b.*kField = asPixels(float(value), size.*kSide); }};
 }
 
-// In the order of their declaration.
+// Every parameter of the block, in the order in which nodes declare them.
 constexpr Parameter kParameters[] = {
     integer<&Block::posX>("PositionX"),
     integer<&Block::posY>("PositionY"),
@@ -78,7 +78,7 @@ constexpr Parameter kParameters[] = {
     shareOf<&Block::bottom, &Extent::height>("BottomPos"),
 };
 
-// 0 when another type is stored.
+// The stored number, or 0 when another type is stored.
 double numberIn(const ParamVariant& stored, ParamType type)
 {
     if (!stored.holds(type))
@@ -117,7 +117,8 @@ void CSimpleAmEffect::setup(i32 id, const char* texturePath)
 void CSimpleAmEffect::declareParams()
 {
     static_assert(std::size(kParameters) == kParameterCount);
-    // Described first: the values that follow are the block's, for this node's size.
+    // The descriptions come first: their defaults are then replaced by the block's values for this node's
+    // size.
     for (const ParamInfo& info : amParameters(params->id))
         declare(info);
     for (const Parameter& parameter : kParameters) {

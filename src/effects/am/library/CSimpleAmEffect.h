@@ -19,7 +19,7 @@ public:
     CSimpleAmEffect(i32 id, u32 width, u32 height, const char* texturePath);
     ~CSimpleAmEffect() override;
 
-    /// One for every id: the texture is not the host's business.
+    /// One for every id: the effect loads its texture itself, hosts need not set it.
     u32 getInputCount() override { return 1; }
     void run() override;
 

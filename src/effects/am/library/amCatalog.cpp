@@ -34,7 +34,7 @@ ParamInfo integer(const char* name, const char* help, i32 value, double high, co
     return info;
 }
 
-// `whole` is what stands for 100 percent.
+// A real parameter from 0 to `whole`, the value that stands for 100 percent.
 ParamInfo share(const char* name, const char* help, float value, double whole)
 {
     ParamInfo info{name, ParamType::real, help};

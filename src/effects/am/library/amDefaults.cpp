@@ -1,4 +1,4 @@
-// Blocks as they are made.
+// The fields of a new block.
 #include "effects/am/library/amDefaults.h"
 
 namespace KEXSDK::am {

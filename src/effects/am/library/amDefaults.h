@@ -14,7 +14,7 @@ inline constexpr IdRange kFilters{1, 97};
 inline constexpr IdRange kLocals{1025, 1043};
 inline constexpr IdRange kBlends{2049, 2206};
 
-/// A block of that id without scratch buffers.
+/// A new block of that id, without scratch buffers. An id without an effect gets the Defaults of amRow.h.
 AmEffectParams defaultsOf(i32 id);
 
 } // namespace KEXSDK::am

@@ -46,7 +46,7 @@ template <pixels::Bgra (*kFunction)(pixels::Bgra)> i32 eachPixel(const Frame& fr
     return kAmOk;
 }
 
-// The luma forms of the library.
+// The library's three forms of luma, with weights in 4ths, 256ths and 1024ths.
 constexpr int y4(pixels::Bgra p) { return (p.b + 2 * p.g + p.r) >> 2; }
 constexpr int y8(pixels::Bgra p) { return (29 * p.b + 150 * p.g + 76 * p.r + 255) >> 8; }
 constexpr int y10(pixels::Bgra p) { return (117 * p.b + 601 * p.g + 306 * p.r + 512) >> 10; }

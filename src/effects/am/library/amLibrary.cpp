@@ -1,4 +1,4 @@
-// Checks, and the way from a block to its effect.
+// The library's calls: checks of what callers hand over, copies that an effect needs, and its run.
 #include "effects/am/library/amLibrary.h"
 
 #include "effects/am/library/amDefaults.h"
@@ -48,7 +48,8 @@ i64 copySize(const Frame& frame)
     return std::max<i64>(frame.dataSize, i64(frame.dst.width()) * frame.dst.height() * 4);
 }
 
-// Ids of the second family find the picture in scratch B, those that have no effect as well.
+// Runs the effect of the block's id. In place, ids of kLocals get a copy of the picture in scratch B first,
+// even when no effect has the id.
 i32 apply(Frame frame, const AmImageDesc* second)
 {
     AmEffectParams& block = frame.block;

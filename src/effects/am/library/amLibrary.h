@@ -23,7 +23,8 @@ i32 AmReleaseParams(AmEffectParams* block);
 i32 AmApplyEffect(AmEffectParams* block, const AmImageDesc* image, const AmImageDesc* second);
 
 /// Applies an effect to a picture that still lies elsewhere, as if source had been copied into image first;
-/// most effects do without that pass over memory. When the effect fails, image is the plain copy.
+/// most effects do without that pass over memory. When the effect fails, image is the plain copy; a block or
+/// an image that is refused leaves everything as it is.
 /// @param source  a picture of image's size that does not overlap image's pixels, or exactly those pixels
 i32 AmApplyEffectFrom(
     pixels::ConstView source, AmEffectParams* block, const AmImageDesc* image, const AmImageDesc* second);

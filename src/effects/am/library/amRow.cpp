@@ -1,4 +1,4 @@
-// The tables of the library as one.
+// Collects the registered tables into one, and refuses tables that do not fit together.
 #include "effects/am/library/amRow.h"
 
 #include <stdexcept>

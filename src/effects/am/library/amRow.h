@@ -13,7 +13,7 @@ namespace KEXSDK::am {
 
 struct Frame;
 
-/// Answers an AmResult. One that fails does so before it writes to dst.
+/// Draws a frame and answers an AmResult. An effect that fails does so before it writes to dst.
 using Effect = i32 (*)(const Frame&);
 
 /// How hosts find an effect. Effects without an entry are reached by their numbers alone.
@@ -23,7 +23,7 @@ struct CatalogueEntry {
     const char* guid = nullptr;
 };
 
-/// What people see.
+/// The texts that people see.
 struct Shown {
     const char* title = nullptr;
     const char* summary = nullptr; ///< one sentence
@@ -35,8 +35,8 @@ struct Meaning {
     const char* help = nullptr;
 };
 
-/// The parameters that an effect reads: what is told of one whose meaning is the effect's own, otherwise
-/// true.
+/// The parameters that an effect reads. A parameter whose meaning differs between effects holds what people
+/// are told of it; the others are true.
 struct Reads {
     Meaning percent{};
     Meaning radius{};

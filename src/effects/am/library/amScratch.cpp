@@ -1,4 +1,4 @@
-// Grow-only buffers.
+// A block's scratch buffers, which only grow, and the allocations behind them.
 #include "effects/am/library/amScratch.h"
 
 #include <cstdlib>

@@ -8,7 +8,7 @@
 namespace KEXSDK::am {
 
 // Each of these gives a buffer of the block at least `bytes` bytes. A buffer that is too small is freed and
-// its contents are lost. False, with an empty buffer, when there is no memory.
+// its contents are lost. False, with an empty buffer, without memory or for more than 2^31 - 1 bytes.
 bool ensureScratchA(AmEffectParams& block, i64 bytes);
 bool ensureScratchB(AmEffectParams& block, i64 bytes);
 /// @param dirtyBits  set in the block's dirty field when the buffer is a new one

@@ -1,4 +1,4 @@
-// The noise table.
+// Fills the noise table, once per process.
 #include "effects/am/library/amTables.h"
 
 #include "core/Clock.h"

@@ -85,7 +85,7 @@ enum AmResult : i32 {
     kAmOutOfRange = -2,  ///< the id lies in no family
     kAmNoTemporary = -2, ///< from an effect: its temporary picture could not be allocated
     kAmBadImage = -3,    ///< bad descriptor, or a second picture needed and missing
-    kAmMissing = -4,     ///< an effect was handed nothing
+    kAmMissing = -4,     ///< part of the numbering; no call answers it
     kAmBadParams = -5,   ///< no block, or not 176 bytes
     kAmNoMemory = -6,    ///< a scratch buffer could not be allocated
 };

@@ -17,7 +17,8 @@ namespace rows = pixels::rows;
 
 constexpr int kSweeps = 3;
 
-// Every third cell of the first rows, counted column by column, and the two rows before it.
+// Sets every third cell of the first rows, counted column by column, and the two cells before it in its
+// column.
 void seed(u32* plane, Extent size)
 {
     constexpr int kSeededRows = 5;
@@ -35,8 +36,8 @@ void seed(u32* plane, Extent size)
     }
 }
 
-// Row y >= 2. Cells are neighbours as they lie in memory: beyond a row's first cell lies the last one of the
-// row before, and its last cell reads its own row's first one, which is new by then.
+// Spreads and cools one row, y >= 2. Cells are neighbours as they lie in memory: beyond a row's first cell
+// lies the last one of the row before, and its last cell reads its own row's first one, which is new by then.
 void spread(u32* row, int width)
 {
     const u32* const before = row - width;
@@ -110,8 +111,8 @@ i32 frames(const Frame& f)
     seed(plane, size);
     spreadAll(plane, size);
 
-    // The first row of the plane lies beside the side that the flames start from; that side's own row of
-    // pixels, or the opposite one, is never painted.
+    // The plane's first rows lie at the side that the flames start from. The picture's first row in memory
+    // is never painted.
     const auto colours = coloursOf(percentOf(f.block));
     const bool rising = f.block.direction == 1;
     rows::anyOrderRuns(size, [&](int top, int end) {

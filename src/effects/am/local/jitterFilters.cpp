@@ -45,7 +45,7 @@ void buildWalk(i16* walk, int percent)
     }
 }
 
-// A sine of random height, whose period is half of the percentage.
+// A sine of random height at each entry, with a period of percent / 2 entries.
 void buildRipple(i16* ripple, int percent)
 {
     constexpr double kTwoTurns = 12.5663704;
@@ -136,7 +136,8 @@ i32 ripple(const Frame& f)
     return kAmOk;
 }
 
-// Each pixel's offset leads to the next one's; a margin as wide as the longest offset is kept.
+// Scatters pixels by a walk through random offsets, in which each offset helps to select the next. A margin
+// as wide as the longest offset stays as it is.
 i32 jitter(const Frame& f)
 {
     constexpr int kOffsets = 64;

@@ -45,7 +45,8 @@ i32 blur(const Frame& f)
     return kAmOk;
 }
 
-// Tables that the library keeps for what follows are calculated here; callers see their mark cleared.
+// Sketch, and the effects after it, calculate what the library defines as tables; they clear the table's mark
+// all the same, as callers expect.
 i32 sketch(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
@@ -71,7 +72,7 @@ i32 neon(const Frame& f)
     return kAmOk;
 }
 
-// 2^24 / k; nothing is divided by 0.
+// Entry k is 2^24 / k; entry 0 is 0.
 constexpr auto kReciprocals = [] {
     std::array<u32, 256> values{};
     for (u32 k = 1; k < values.size(); ++k)
@@ -111,7 +112,7 @@ private:
     Scratch<Bgra> largest_;
 };
 
-// A dodge as the pencil's for each channel, a little darker.
+// The pencil's colour dodge in each channel, a little darker.
 i32 colourPencil(const Frame& f)
 {
     takeDirty(f.block, kAmDirtyTable);
@@ -131,7 +132,7 @@ i32 colourPencil(const Frame& f)
     return kAmOk;
 }
 
-// 2 + 2 j of each byte c, j being its root: trunc(sqrt(c + 1)).
+// Entry c is 2 + 2 j, where j is trunc(sqrt(c + 1)).
 constexpr pixels::ByteTable kTwiceRootAndOne = pixels::tableOf([](int c) {
     int root = 1;
     while ((root + 1) * (root + 1) <= c + 1)

@@ -21,7 +21,7 @@ namespace rows = pixels::rows;
 
 int levelsOf(int width) { return int(std::sqrt(double(width)) * 0.1 + 5.0); }
 
-// levelsOf(kMaxExtent)
+// The most levels that a picture can have: levelsOf(kMaxExtent).
 constexpr int kMostLevels = [] {
     int levels = 5;
     while (100 * (levels - 4) * (levels - 4) <= kMaxExtent)
@@ -29,7 +29,8 @@ constexpr int kMostLevels = [] {
     return levels;
 }();
 
-// Beyond these a kernel's width would be none, or no longer change.
+// Limits of the percentage: below the first, the largest kernel's sigma would be 0; above the second, the
+// weights are nearly equal already.
 constexpr int kLeastPercent = -49;
 constexpr int kMostPercent = 10000;
 

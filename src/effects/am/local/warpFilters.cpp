@@ -16,7 +16,7 @@ using pixels::Point;
 using pixels::truncated;
 namespace rows = pixels::rows;
 
-// A position by its distance from a block's centre.
+// A position relative to a block's centre.
 struct Ray {
     int x;
     int y;
@@ -40,9 +40,9 @@ int farthestCorner(Point centre, Extent size)
     return int(corner.length());
 }
 
-// Every warp answers the place, relative to the centre, from where the pixel at `ray` comes.
+// The warps: each call answers the place, relative to the centre, from where the pixel at `ray` comes.
 
-// Outside the circle, the circle's rim in the same direction.
+// A pixel outside the circle shows the circle's rim in its direction.
 struct Tunnel {
     static constexpr u32 kRebuild = kAmDirtyMap | kAmDirtyMap2 | kAmDirtySize;
     int radius;
@@ -133,8 +133,8 @@ template <class Warp> void buildMap(const AmEffectParams& block, Extent size, u3
     });
 }
 
-// A bent row crosses many rows of the source: pieces of several rows share them while they are near, and the
-// processor is told some rows ahead what it cannot foresee.
+// A bent row crosses many rows of the source: pieces of several rows share them while they are in the cache,
+// and what the processor cannot foresee is prefetched some rows ahead.
 constexpr int kStrip = 128;
 constexpr int kBand = 64;
 constexpr int kRowsAhead = 8;

@@ -20,7 +20,7 @@ constexpr int kBytesPerDrop = 4;
 // Sums of heights wrap around: the buffer may hold anything when its block changed its id.
 i32 wrapped(u32 x) { return i32(x); }
 
-// A drop's place, size and depth all follow from one random byte; the larger ones lie outside.
+// A drop's place, size and depth all follow from one random byte; from 128 on its centre lies outside.
 void castDrop(i32* plane, Extent size, int byte, int radiusRange, int depthRange)
 {
     const int centreX = byte * size.width >> 7;

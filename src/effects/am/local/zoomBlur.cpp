@@ -17,15 +17,17 @@ using pixels::ConstView;
 using pixels::Point;
 namespace rows = pixels::rows;
 
-// Sizes differ by a fraction of what their 8 binary digits hold, so many samples fall on the same pixel.
-// Each size counts as often as it occurs: instead of 185 samples at 1920 pixels there are 25.
+// One size of the picture. Scales have 8 binary digits, and the samples differ by less than the last of them,
+// so many have the same scale. Each size counts as often as it occurs: 25 sizes take the place of 185 samples
+// at radius 50 and 1920 columns.
 struct Size {
     int scale; ///< distance from the centre of the sample, 256 for the pixel's own
     u32 times;
 };
 
-// In pictures of some size a step between samples is less than 1 / 256, and the samples span half the radius
-// in those; smaller pictures have fewer samples. Sums of two channels to a number hold 257 of them.
+// 257 bytes are the most that a 16-bit sum holds, and there are never as many sizes. Where the longer side is
+// well above 256 pixels, samples lie less than a scale apart and together span at most kMostRadius / 2
+// scales; smaller pictures have fewer samples than that.
 constexpr int kMostRadius = 500;
 constexpr std::size_t kMostSizes = 257;
 
@@ -43,7 +45,8 @@ public:
                 sizes_[count_++] = {scale, 0};
             ++sizes_[count_ - 1].times;
         }
-        // Those that count equally often are added before they are multiplied; there are few numbers.
+        // Sizes that count equally often are neighbours: their samples are added up before one
+        // multiplication.
         std::ranges::sort(sizes_.begin(), sizes_.begin() + std::ptrdiff_t(count_), {}, &Size::times);
     }
     u32 samples() const { return u32(samples_); }
@@ -56,7 +59,7 @@ private:
     std::array<Size, kMostSizes> sizes_;
 };
 
-// Eight columns at once. GCC makes of these whatever registers there are.
+// Eight columns at once, in whatever vector registers GCC finds for them.
 constexpr int kLanes = 8;
 using Lanes [[gnu::vector_size(4 * kLanes)]] = u32;
 using SignedLanes [[gnu::vector_size(4 * kLanes)]] = i32;

@@ -20,7 +20,7 @@ using pixels::Bgra;
 using pixels::Point;
 namespace rows = pixels::rows;
 
-// The broken set that all nodes of the process show; each frame of any of them is its next.
+// The broken television that all nodes of the process share: a frame that any of them draws is its next.
 struct Television {
     std::mutex guard;
     u32 frame = 0;
@@ -33,7 +33,8 @@ Television& television()
     return set;
 }
 
-// Rolls by whole rows and tears each one. The first and the last rows of the source are lost.
+// Rolls the picture by whole rows and shifts each row to the right, around its end. The first and the last
+// rows of the source become transparent black.
 i32 badSignal(const Frame& f)
 {
     constexpr int kLostRows = 10;
@@ -65,8 +66,8 @@ i32 badSignal(const Frame& f)
     return kAmOk;
 }
 
-// Straight lines in each eighth of the circle: within 0.07 of the arctangent, and -pi <= angle < pi. No
-// number at the centre itself.
+// The angle of (dx, dy), -pi <= angle < pi: it rises evenly along the sides of a square that stands on its
+// corner, and so stays within 0.08 of the arctangent. NaN at the centre itself.
 double fastAngle(int dy, int dx)
 {
     constexpr double kQuarter = std::numbers::pi / 4;

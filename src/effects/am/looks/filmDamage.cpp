@@ -1,4 +1,4 @@
-// Dust and scratches.
+// Chooses specks and scratches at random, and applies them to rows.
 #include "effects/am/looks/filmDamage.h"
 
 #include "effects/am/data/speckMasks.h"

@@ -53,8 +53,8 @@ template <const ByteTables& kTables> i32 damagedThroughCurves(const Frame& f)
     return kAmOk;
 }
 
-// Random offsets or factors that a walk reads, four at a time. Where it goes depends on the reds that it
-// made.
+// A walk through random offsets or factors, four entries at a time. It goes on by the sum of the reds that
+// it made.
 class GroupWalk {
 public:
     template <class Draw> GroupWalk(pixels::RandomGenerator& random, Draw draw)

@@ -48,7 +48,8 @@ struct Hue {
 
 enum class Saturation { kept, full };
 
-// In whole numbers the truncated results of the six sectors are exact.
+// Gives every pixel of row y the hue degreesAt(y, height). Whole numbers give the exact truncated results of
+// the six sectors.
 template <Saturation kSaturation> i32 rainbow(const Frame& f, int (*degreesAt)(int y, int height))
 {
     const int width = f.dst.width();
@@ -113,7 +114,7 @@ public:
         }
     }
 
-    // Lightness becomes another one, and a* and b* stay.
+    // Gives a pixel the lightness of flattened(); its a* and b* stay.
     Bgra flatten(Bgra p) const
     {
         const int fx = x_[std::size_t(weighted(p, kX))];
@@ -145,7 +146,7 @@ private:
         }
     }
 
-    // Rises steeply to full lightness at 91.
+    // The new lightness of 0..100: it rises steeply and reaches 100 at 91.
     static int flattened(int lightness)
     {
         const double rest = std::max(0.0, 1 - lightness / 91.0);

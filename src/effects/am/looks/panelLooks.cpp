@@ -19,7 +19,8 @@ constexpr std::array<int, kShadow> kTowardsLine{245, 224, 194, 153, 102};
 
 enum class Stroke { tint, shadeRight, shadeLeft, line, greyRight, greyLeft };
 
-// What is done to a run of columns. Right and left say where a shadow's line lies.
+// What is done to a run of columns. Right and left in a stroke say where the line lies that throws the
+// shadow.
 struct Ink {
     Stroke stroke;
     int r; ///< shares of 128 of full channels; a line has its value in r
@@ -129,7 +130,7 @@ private:
     int count_ = 0;
 };
 
-// Two interlocking pieces.
+// Layout A: two interlocking pieces.
 void layOutA(Panels& p)
 {
     const int w = p.w;
@@ -144,7 +145,7 @@ void layOutA(Panels& p)
     p.band(p.h, {{kRed, q - 2}, {kWhite, q + 1}, {kBlue, w}});
 }
 
-// Bricks.
+// Layout B: bricks.
 void layOutB(Panels& p)
 {
     const int w = p.w;
@@ -154,7 +155,7 @@ void layOutB(Panels& p)
     p.band(p.h, {{kSky, a - 1}, {kBlack, a + 1}, {kBlue, w}});
 }
 
-// A cross.
+// Layout C: a cross.
 void layOutC(Panels& p)
 {
     const int w = p.w;
@@ -164,7 +165,7 @@ void layOutC(Panels& p)
     p.band(p.h, {{kSand, m - 1}, {kBlack, m + 1}, {kSlate, w}});
 }
 
-// A framed window in the middle.
+// Layout D: a framed window in the middle.
 void layOutD(Panels& p)
 {
     const int w = p.w;

@@ -15,7 +15,7 @@ using pixels::ByteTables;
 using pixels::clampByte;
 namespace rows = pixels::rows;
 
-// 48 percent of the grey.
+// Mixes every colour with 48 percent of the pixel's grey.
 constexpr Bgra simpleElegant(Bgra p)
 {
     const int grey = y10(p) * 122;
@@ -29,7 +29,7 @@ constexpr Bgra fresh(Bgra p)
     return {lifted(p.b, 135), lifted(p.g, 39), lifted(p.r, 17), p.a};
 }
 
-// Half the height of the curves: what the soft light below is told.
+// The light's curves at half their height, as softened() takes them.
 constexpr ByteTables kFreshLight = [] {
     const ByteTables curves =
         curvesThrough({2, 54, 129, 204, 255}, {51, 93, 153, 214, 255}, {153, 174, 204, 235, 255});
@@ -81,7 +81,7 @@ struct Order {
     }
 };
 
-// What is added to the three complements.
+// Amounts that are added to the complements of red, green and blue.
 struct Ink {
     int cyan;
     int magenta;
@@ -89,8 +89,8 @@ struct Ink {
 };
 
 // The whole part of a share of `product`, which is not below 0 and not above 2^16; the denominator of the
-// share is not above 3200. Single precision errs by less than the trace, and whole numbers lie farther apart
-// from what is below them than that.
+// share is not above 3200. Single precision errs by less than the 1.5e-4 that is added, and every share below
+// a whole number is farther away from it than that.
 constexpr int part(int product, float share) { return int(float(product) * share + 1.5e-4f); }
 
 constexpr float choose(bool first, float a, float b) { return first ? a : b; }

@@ -39,7 +39,7 @@ struct Edge {
     }
 };
 
-// Its edges belong to a triangle.
+// A triangle of the plane, its edges included.
 struct Triangle {
     Edge edges[3];
 
@@ -106,7 +106,7 @@ i32 photoWithSketch(const Frame& f)
     return kAmOk;
 }
 
-// The drawing laid over the grey picture.
+// The grey picture with a pencil drawing of it as an overlay.
 i32 shadow(const Frame& f)
 {
     const u32* const reciprocals = dodgeReciprocals(f.block);
@@ -147,7 +147,7 @@ void outline(RowsAround greys, u8* to, int width)
     });
 }
 
-// Twice as bright, and dark where the grey picture is steep.
+// The picture twice as bright, darkened where its greys are steep.
 i32 wash(const Frame& f)
 {
     const int width = f.dst.width();

@@ -82,8 +82,8 @@ i32 noisyBlackAndWhite(const Frame& f)
 
 constexpr ByteTable kFuzzy = curveThrough({0, 97, 175, 223, 255});
 
-// The blurred picture laid over the sharp one. The scratch buffer holds what an effect changed in place has
-// kept there twice.
+// The blurred picture over the sharp one. Scratch A is free to take the rows that are blurred halfway: in
+// place, it holds a second copy of the picture that nobody reads.
 i32 softFocus(const Frame& f)
 {
     const int width = f.dst.width();

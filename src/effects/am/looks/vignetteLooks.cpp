@@ -1,4 +1,4 @@
-// Dark rims.
+// Looks with a dark rim around a centre.
 #include "effects/am/data/storedCurves.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
@@ -46,7 +46,8 @@ void measureDistances(float* distances, pixels::Extent size, float cx, float cy)
     });
 }
 
-// Everything here runs in single precision and in this order.
+// How a pixel's distance from the centre darkens or brightens it. Single precision and the order of the
+// operations decide the bytes.
 struct AegeanLight {
     float rim;     ///< where the picture starts to darken
     float farther; ///< from there to the picture's first pixel
@@ -58,7 +59,7 @@ struct AegeanLight {
         farther = (1.0f - share) * reference;
     }
 
-    // The comparisons are such that what is no number darkens to nothing, or brightens to the full.
+    // The comparisons turn NaN into black outside the rim and into full brightness inside.
     Bgra operator()(Bgra p, float distance) const
     {
         const bool outside = distance >= rim;
@@ -99,7 +100,7 @@ i32 aegean(const Frame& f)
     return kAmOk;
 }
 
-// Black outside a circle, and darkening towards it.
+// A circle, black outside and darkening towards it from within.
 class Rim {
 public:
     Rim(const AmEffectParams& b, pixels::Extent size) : x_(size.width / 2), y_(size.height / 2)

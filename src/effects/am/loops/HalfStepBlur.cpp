@@ -1,4 +1,4 @@
-// Sums that slide by two pixels.
+// The blur's two passes, along rows and across them, with sums that slide by two pixels.
 #include "effects/am/loops/HalfStepBlur.h"
 
 #include "pixels/columns.h"
@@ -12,11 +12,12 @@ namespace {
 using pixels::Bgra;
 namespace rows = pixels::rows;
 
-// Each mean of a row waits for the one before; those of several rows do not.
+// Rows that are averaged together: a mean must wait for the one before it in its row, but not for other
+// rows'.
 constexpr int kTogether = 4;
 constexpr int kHalves = 2 * kTogether;
 
-// A pixel in two words: blue and red, green and alpha, 16 bits each. One after the other for each row.
+// One pixel of each row that is averaged, in two words: blue and red, green and alpha, 16 bits each.
 using Halves = std::array<u32, kHalves>;
 constexpr u32 kEvenBytes = 0x00FF00FF;
 
@@ -25,7 +26,7 @@ constexpr u32 kEvenBytes = 0x00FF00FF;
 using Steps = pixels::Scratch<Halves>;
 constexpr int stepsOf(int width) { return width / 2; }
 
-// Added to changes, which may be negative.
+// Added to every lane of the changes: they go down to -510, and no lane may borrow from the next.
 constexpr u32 kBias = 512;
 
 // The exact quotient, for sums up to 255 times a count of a few thousand: half a unit keeps the product away
@@ -39,7 +40,9 @@ constexpr Bgra between(Bgra a, Bgra b)
     return pixels::fromWord((first & second) + ((first ^ second) >> 1 & 0x7F7F7F7F));
 }
 
-// Pixels come and go as they were. One that was averaged goes as it was, and its mean comes in its place.
+// How the sums change after each step, counted in source pixels: two enter; the step's own pixel and the odd
+// one of the two left behind leave. averageSteps() then adds the step's mean and subtracts the mean left
+// behind.
 void sumChanges(const Bgra* row, int width, int radius, const Steps& steps, std::size_t half)
 {
     for (int step = 0; step < stepsOf(width); ++step) {
@@ -58,13 +61,13 @@ void sumChanges(const Bgra* row, int width, int radius, const Steps& steps, std:
         change(x + radius + 1, true);
         change(x + radius + 2, true);
         change(x, false);
-        change((x - radius) | 1, false); // of the two that are left behind, the one between
+        change((x - radius) | 1, false); // the odd column of the two left behind
         steps[std::size_t(step)][half] = even;
         steps[std::size_t(step)][half + 1] = odd;
     }
 }
 
-// Sums of both lanes of the halves.
+// Sums of the low and of the high 16 bits of each word.
 struct RowSums {
     std::array<i32, kHalves> low{};
     std::array<i32, kHalves> high{};
@@ -85,7 +88,7 @@ struct RowSums {
     }
 };
 
-// Changes become means.
+// Replaces the changes in `steps` by the means. `sums` are those of the first step.
 void averageSteps(const Steps& steps, RowSums sums, int width, int radius)
 {
     constexpr auto kBiases = [] {

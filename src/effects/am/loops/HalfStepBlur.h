@@ -20,7 +20,7 @@ public:
     template <class Take> void eachRow(Take take)
     {
         averageAlong();
-        // Bands are high enough for their first sums not to matter, and start with even rows.
+        // Bands are high enough for the cost of their first sums not to matter, and start with even rows.
         const pixels::Extent size = src_.extent();
         const int band = std::max(64, 8 * radius_);
         pixels::rows::anyOrder({size.width * band, (size.height + band - 1) / band},
@@ -34,7 +34,7 @@ private:
     void averageAcross(int top, int end, auto& take) const;
     /// The sums over the rows around row y.
     void startSums(int y, const Sums& sums) const;
-    /// From the rows around y to those around y + 2.
+    /// Moves the sums from the rows around y to those around y + 2.
     void slideSums(int y, const Sums& sums) const;
     void meanRow(int y, const Sums& sums, pixels::Bgra* to) const;
     void betweenRows(const pixels::Bgra* a, const pixels::Bgra* b, pixels::Bgra* to) const;
