@@ -22,7 +22,7 @@ struct ByteTables {
     ByteTable b, g, r;
 };
 
-/// Columns [first, last) of every row: colour bytes through their tables, alpha copied. Other columns of
+/// Maps columns [first, last) of every row: colour bytes through their tables, alpha copied. Other columns of
 /// dst are not touched. src and dst may be the same rows.
 void mapTables(ConstView src, View dst, const ByteTables& tables, int first, int last);
 

@@ -11,7 +11,7 @@ class RandomGenerator {
 public:
     explicit constexpr RandomGenerator(u32 seed = 1) : state_(seed) { }
     constexpr void seed(u32 value) { state_ = value; }
-    /// 0 .. 32767.
+    /// The next number, 0 .. 32767.
     constexpr int next()
     {
         state_ = state_ * kMultiplier + kIncrement;

@@ -14,7 +14,7 @@ namespace {
 // the horizontal one.
 constexpr int kLanes = 32;
 constexpr int kBytes = kLanes * 4;
-// Columns that the horizontal pass turns over at once; a cache line of a row.
+// Columns that the horizontal pass transposes at once; a cache line of a row.
 constexpr int kTile = 16;
 // Source lines within reach of one step, and those that a tile brings early.
 constexpr int kRing = 2 * kMostStackRadius + 3 + kTile;
@@ -51,7 +51,7 @@ public:
     /// The last source line that step(i) needs.
     int reach(int i) const { return std::min(i + radius_ + 2, count_ - 1); }
 
-    /// Sums for line 0; the lines up to reach(0) must be there.
+    /// Makes the sums for line 0; the lines up to reach(0) must be stored.
     void start()
     {
         sum_.fill(0);
@@ -61,7 +61,7 @@ public:
             add(k, u32(radius_ + 1 - k), 1);
     }
 
-    /// The blurred line i; lines come in order and reach(i) must be there.
+    /// Gives the blurred line i; lines come in order, and those up to reach(i) must be stored.
     void step(int i, Line& result)
     {
         const u8* const first = at(i - radius_);
@@ -102,7 +102,7 @@ private:
     Scratch<Line> ring_{kRing};
 };
 
-// Columns [left, left + width) of the picture, in place.
+// Blurs columns [left, left + width) of the picture, in place.
 void blurColumns(View picture, int left, int width, int radius)
 {
     const int height = picture.height();
@@ -123,7 +123,7 @@ void blurColumns(View picture, int left, int width, int radius)
     }
 }
 
-// Rows [top, top + height), at most kLanes of them. Tiles are turned over, so that a line is a column.
+// Blurs rows [top, top + height), at most kLanes of them. Tiles are transposed, so that a line is a column.
 void blurRows(ConstView src, View dst, int top, int height, int radius)
 {
     const int width = src.width();

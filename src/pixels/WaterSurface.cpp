@@ -14,7 +14,7 @@ std::atomic<int> framesToNextDrop = kFramesBetweenDrops;
 
 i32 wrapped(u32 x) { return i32(x); }
 
-// Row y, 0 < y < height - 1: dst takes refracted pixels, `next` the heights of the next step.
+// Draws and moves row y, 0 < y < height - 1: dst takes refracted pixels, `next` the heights of the next step.
 void refractAndStepRow(
     ConstView src, Bgra* dst, const i32* current, i32* next, Extent size, int damping, int y)
 {

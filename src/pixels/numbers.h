@@ -7,8 +7,8 @@
 
 namespace pixels {
 
-/// Toward zero, saturating at the limits of int; NaN gives 0. (A plain cast of such values is undefined,
-/// and hosts do send them.)
+/// x rounded toward zero, saturating at the limits of int; NaN gives 0. (A plain cast of such values is
+/// undefined, and hosts do send them.)
 constexpr int truncated(double x)
 {
     constexpr double kLow = std::numeric_limits<int>::min();
@@ -26,7 +26,7 @@ constexpr u8 clampByte(int v) { return u8(v < 0 ? 0 : v > 255 ? 255 : v); }
 /// sum / 3 for sums of three bytes, exact up to 765; a plain division takes vectors twice the time.
 constexpr u8 third(int sum) { return u8(u32(sum) * 21846u >> 16); }
 
-/// Clamped to [low, high]; NaN gives low.
+/// x limited to [low, high]; NaN gives low.
 template <class Real> constexpr Real clamped(Real x, Real low, Real high)
 {
     return !(x > low) ? low : x < high ? x : high;

@@ -21,7 +21,8 @@ constexpr auto kBlockSize =
 constexpr int kFrames = 8;
 constexpr int kMostDelay = kFrames - 1;
 
-// Delay of the block that is `fromTop` rows and `fromRight` columns of blocks away from the far corner.
+// Delay of a block in frames; it lies `fromTop` rows of blocks from the top and `fromRight` columns from the
+// right.
 int delayOf(int mode, int fromTop, int fromRight, int rows, int columns)
 {
     const int dy = fromTop - rows / 2;

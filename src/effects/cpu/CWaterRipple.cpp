@@ -28,7 +28,7 @@ public:
             pixels::rows::copy(input(src), output(dst));
     }
 
-    /// One drop, the picture through the water, one step of the waves.
+    /// One drop falls, the picture is drawn through the water, the waves take one step.
     virtual void simulateStep(const u8* src, u8* dst)
     {
         const int radius = get(kRadius);

@@ -29,7 +29,8 @@ private:
 /// dst = src with alpha 255: what a frame shows when its overlay is missing.
 void copyOpaque(pixels::ConstView src, pixels::View dst);
 
-/// The overlay by its own alpha over base(src pixel), alpha 255. Without an overlay src stays as it is.
+/// dst = the overlay, by its own alpha, over base(src pixel), with alpha 255. Without an overlay it is
+/// copyOpaque(), and base is not asked.
 template <class Base>
 void layOver(pixels::ConstView src, pixels::View dst, const CEffectImage* overlay, Base base)
 {

@@ -24,7 +24,7 @@ public:
     /// To be called before the rows of a frame. False without memory for the mask.
     bool prepare(const VignetteValues& values, pixels::Extent size);
 
-    /// Row y of the frame; from and to may be the same.
+    /// Draws row y of the frame; from and to, one row each, may be the same.
     void applyToRow(pixels::ConstView from, pixels::View to, int y) const;
 
 private:

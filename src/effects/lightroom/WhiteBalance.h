@@ -13,7 +13,7 @@ public:
     /// @param value  below kNeutral cools, above it warms
     explicit Temperature(int value);
 
-    /// One row; from and to may be the same.
+    /// Draws one row; from and to may be the same.
     void applyToRow(pixels::ConstView from, pixels::View to) const;
 
 private:

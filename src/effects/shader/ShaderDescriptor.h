@@ -56,7 +56,7 @@ struct DescriptorFile {
     DescriptorPtr descriptor; ///< null unless read
 };
 
-/// Throws nothing.
+/// Reads and parses the file at a path. Throws nothing.
 DescriptorFile readDescriptor(const std::string& path) noexcept;
 
 } // namespace shader

@@ -19,7 +19,7 @@ bool isGuid(std::string_view text)
         text, kPattern, [](unsigned char c, char p) { return p == 'x' ? std::isxdigit(c) != 0 : c == '-'; });
 }
 
-/// Lower-case letters, digits and single hyphens; empty when nothing of the text is left.
+/// The text as lower-case letters, digits and single hyphens; empty when nothing of it is left.
 std::string commandName(std::string_view text)
 {
     std::string name;

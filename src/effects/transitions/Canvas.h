@@ -115,7 +115,7 @@ template <class Fn> void drawRows(const Canvas& c, Fn fn)
 /// A blend of two pixels; `a` is the weight of `to`, 0..255.
 using PixelBlend = Bgra (*)(Bgra from, Bgra to, int a);
 
-/// The blend of the colours, alpha of `from`.
+/// The blend of two pixels' colours, with the alpha of `from`.
 template <PixelBlend blend> constexpr Bgra coloursOf(Bgra from, Bgra to, int a)
 {
     const Bgra mixed = blend(from, to, a);

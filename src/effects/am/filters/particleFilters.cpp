@@ -48,7 +48,7 @@ private:
     float inverse_;
 };
 
-// The block's set of `count` particles; all unborn after a change of size. Empty pointer without memory.
+// Gives the block's set of `count` particles, all unborn after a change of size. False without memory.
 bool ensureParticles(AmEffectParams& block, int count, std::span<Particle>& set)
 {
     if (!ensureScratchC(block, i64(sizeof(Particle)) * count, kAmDirtySize))
@@ -82,7 +82,8 @@ Velocity velocityOf(int direction, double frameRate)
     return {kUnits[direction].x * scale, kUnits[direction].y * scale};
 }
 
-// Moves a particle unless that takes it over the edge of its square of positions.
+// Moves a particle, unless it is unborn or would cross the edge of its square of positions; answers whether
+// it moved.
 bool moveWithin(Particle& p, i64 x, i64 y, int lastPosition)
 {
     const auto inside = [&](i64 at) { return at >= p.size && at + p.size <= lastPosition; };

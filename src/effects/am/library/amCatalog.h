@@ -11,7 +11,7 @@
 
 namespace KEXSDK {
 
-/// The effects that have a GUID, in their order.
+/// The effects that have a GUID, in the order of their places.
 std::span<const am::Listed> amCatalog();
 
 /// The row with exactly this GUID, or null.
@@ -21,7 +21,7 @@ const am::EffectRow* findAmRow(std::string_view guid);
 /// them. The objects live as long as the process; empty for ids without a GUID.
 std::span<const ParamInfo> amParameters(i32 id);
 
-/// Catalogue entries for tools, in the same order.
+/// The entries of amCatalog() as tools read them, in its order.
 std::vector<EffectInfo> amEffectInfos();
 
 /// "FlipLR" -> "flip-lr": how a catalog name is typed on a command line.

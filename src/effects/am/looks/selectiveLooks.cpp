@@ -108,7 +108,7 @@ constexpr Ink ofPrimaries(int r, int b, Order order, Ink ink)
     };
 }
 
-// The part that its weakest channel stands for.
+// The part of a colour's hue that its weakest channel stands for.
 constexpr Ink ofSecondaries(int g, int b, Order order, Ink ink)
 {
     const int e = order.middle - order.least;

@@ -57,7 +57,8 @@ struct Triangle {
     }
 };
 
-// The four corners, in percent of the picture, turned about its first pixel.
+// The four corners that the block gives in percent of the picture, as pixels and turned about the first
+// pixel.
 struct Quadrilateral {
     Point corners[4];
 

@@ -48,7 +48,7 @@ private:
     pixels::RandomGenerator random_;
 };
 
-// to[x] = the mean of kCount of the three rows; the others are zero.
+// to[x] = the mean of the kCount rows that lie inside the picture; the others of the three are zero.
 template <int kCount> void averageRows(RowsAround greys, const Bgra* from, Bgra* to, int width)
 {
     pixels::widest([=] {

@@ -17,7 +17,7 @@ private:
     pixels::Scratch<pixels::Bgra> pixels_;
 };
 
-/// Every pixel through the kernel, then every channel of the outcome through its table.
+/// Draws every pixel through the kernel, and then every channel of the outcome through its table.
 template <class Kernel> void mapThenTables(const Frame& f, Kernel kernel, const pixels::ByteTables& tables)
 {
     pixels::rows::anyOrder(f.dst.extent(), [&](int y) {
