@@ -30,8 +30,8 @@ if(EFFECTENGINE_SANITIZE)
 endif()
 
 # effectengine_layer(<name> DIRECTORIES dir... [LIBRARIES target...])
-# One layer: every .cpp of the directories, built once as an object library that the shared library, the
-# host tool, the tests and the benches link. (A static archive would drop units that only register
+# Declares one layer: every .cpp of the directories, built once as an object library that the shared library,
+# the host tool, the tests and the benches link. (A static archive would drop units that only register
 # themselves.)
 function(effectengine_layer name)
     cmake_parse_arguments(layer "" "" "DIRECTORIES;LIBRARIES" ${ARGN})

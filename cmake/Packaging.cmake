@@ -13,11 +13,11 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/triggers) # the loader's cache is rebuilt
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debianFiles.cmake)
-set(CPACK_RESOURCE_FILE_CHANGELOG ${PROJECT_SOURCE_DIR}/CHANGELOG.md) # for that script
+set(CPACK_RESOURCE_FILE_CHANGELOG ${PROJECT_SOURCE_DIR}/CHANGELOG.md) # for debianFiles.cmake
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 
 # effectengine_package(<component> <name> <section> DESCRIPTION text [DEPENDS text] [ANY])
-# Without ANY the package is the same for all architectures.
+# Declares the Debian package of one component. Without ANY it is the same for all architectures.
 function(effectengine_package component name section)
     cmake_parse_arguments(package "ANY" "DESCRIPTION;DEPENDS" "" ${ARGN})
     string(TOUPPER ${component} key)

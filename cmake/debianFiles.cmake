@@ -1,6 +1,6 @@
-# What Debian wants in the packages beside the installed files; CPack runs it over the staged files of every component.
-# Manual pages are compressed, and each package gets the changelog, and one of the packaging, which has no changes of
-# its own. The date is SOURCE_DATE_EPOCH where that is set.
+# Adds what Debian wants in the packages beside the installed files; CPack runs it over the staged files of every
+# component. Each package gets the changelog, and one of the packaging, which has no changes of its own; changelogs and
+# manual pages are compressed. The date is SOURCE_DATE_EPOCH where that is set.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} key)

@@ -86,12 +86,13 @@ EFFECTENGINE_API unsigned int UnlockImageData(CEffectImage* image);
 /* Writes a PNG, JPEG, BMP or TGA file by the extension. 0 whether or not the file could be written. */
 EFFECTENGINE_API unsigned int SaveImage(CEffectImage* image, const char* path);
 
+/* Frees the image; memory that the host gave as its pixels stays. */
 EFFECTENGINE_API unsigned int ReleaseImage(CEffectImage* image);
 
 /* ---- Filters ---- */
 
 /* Makes the effect registered under the GUID (exact, case-sensitive) for pictures of width x height.
- * 1 and a null filter when nobody knows the GUID. */
+ * 1 with a null filter when no effect has the GUID. */
 EFFECTENGINE_API unsigned int GetFilter(const char* guid, int width, int height, CSimpleEffect** out);
 
 /* The number of inputs, not a result code; 0 for null. */
@@ -118,6 +119,7 @@ EFFECTENGINE_API unsigned int DoFilterEx(CSimpleEffect* filter, CEffectImage* ta
  * belongs to the filter and lives as long. */
 EFFECTENGINE_API unsigned int DoFilter(CSimpleEffect* filter, CEffectImage** output);
 
+/* Frees the filter and the image of its own; inputs and connected filters stay. */
 EFFECTENGINE_API unsigned int ReleaseFilter(CSimpleEffect* filter);
 
 /* ---- Parameters ---- */
@@ -154,7 +156,7 @@ enum tagVIParamType : unsigned int {
     VIParamFilePath = 5
 };
 
-/// 0, and nothing is written: images have one format.
+/// Answers 0 and writes nothing: images have one format.
 EFFECTENGINE_API unsigned int GetImageFormat(CEffectImage* image, unsigned int* format);
 
 EFFECTENGINE_API unsigned int GetParamCount(CSimpleEffect* filter, unsigned int* count);
@@ -163,15 +165,15 @@ EFFECTENGINE_API unsigned int GetParamCount(CSimpleEffect* filter, unsigned int*
 /// 1 when index >= count.
 EFFECTENGINE_API unsigned int enumParamName(CSimpleEffect* filter, unsigned int index, char* name);
 
-/// 0 also for a name that is not stored: *type then stays as it was.
+/// Answers 0 also for a name that is not stored: *type then stays as it was.
 EFFECTENGINE_API unsigned int getParamType(CSimpleEffect* filter, const char* name, tagVIParamType* type);
 
-/// Missing, or of another type: 1, and *value becomes 0.
+/// 1 when the value is missing or of another type; *value is 0 then.
 EFFECTENGINE_API unsigned int getParamIntValue(CSimpleEffect* filter, const char* name, int* value);
 EFFECTENGINE_API unsigned int getParamFloatValue(CSimpleEffect* filter, const char* name, float* value);
 
 /// *count: on entry the room in `values` in elements, on return the stored count; min(room, stored)
-/// elements are copied. Missing, or of another type: 1.
+/// elements are copied. 1 when the array is missing or of another type.
 EFFECTENGINE_API unsigned int getParamIntArrayValue(
     CSimpleEffect* filter, const char* name, int* values, int* count);
 EFFECTENGINE_API unsigned int getParamFloatArrayValue(

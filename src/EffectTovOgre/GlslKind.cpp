@@ -1,4 +1,4 @@
-// The table of types.
+// The table of uniform types.
 #define GL_GLEXT_PROTOTYPES
 #include "EffectTovOgre/GlslKind.h"
 

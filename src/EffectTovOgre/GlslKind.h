@@ -10,9 +10,9 @@ struct GlslKind {
     u32 base; ///< a ShaderParameter::BaseType
     u32 columns;
     u32 rows;
-    /// Reads one element of a program, column by column.
+    /// Reads one element of a uniform from a program, column by column.
     void (*read)(u32 program, i32 location, void* values);
-    /// Writes elements of the current program, each row by row.
+    /// Writes elements into a uniform of the current program, each row by row.
     void (*send)(i32 location, i32 count, const void* values);
 
     /// Null for a type that is not to be set.

@@ -1,4 +1,4 @@
-// The trial link, in plain OpenGL.
+// The trial link of two programs, in plain OpenGL, and the reading and writing of their uniforms.
 #define GL_GLEXT_PROTOTYPES
 #include "EffectTovOgre/GlslLink.h"
 
@@ -17,7 +17,7 @@ namespace KEXSDK {
 
 namespace {
 
-/// A shader or program of OpenGL's, for the time of one scope.
+/// An OpenGL shader or program that is deleted at the end of its scope.
 template <void (*destroy)(GLuint)> class Name {
 public:
     explicit Name(GLuint name) : name_(name) { }
@@ -120,7 +120,7 @@ void findUsers(GLuint program, GLint index, GlslUniform& uniform)
     uniform.inFragment = answers[1] != 0;
 }
 
-/// Blocks and subroutines take their values by ways of their own.
+/// The message about blocks and subroutines, which plain uniform calls cannot set; empty without any.
 std::string unusableParts(GLuint program)
 {
     GLint count = 0;
@@ -140,8 +140,8 @@ std::string unusableParts(GLuint program)
     return {};
 }
 
-/// Units are shared with the inputs from the first one on; a sampler that shows none is kept out of their
-/// way.
+/// Points a sampler at the last texture unit. Inputs take the units from the first one on, and samplers of
+/// two types must not show the same unit.
 void separate(GlslUniform& sampler)
 {
     GLint units = 0;
@@ -191,7 +191,8 @@ void describeUniforms(GLuint program, GlslLink& result)
         result.uniforms, [](const auto& a, const auto& b) { return a.value.name < b.value.name; });
 }
 
-/// While it lives, a program is the current one; the rendering library believes that it never changes.
+/// While it lives, a program is OpenGL's current one. Then the one before is again, because the rendering
+/// library believes that it never changes.
 class CurrentProgram {
 public:
     explicit CurrentProgram(GLuint program)
@@ -207,7 +208,7 @@ private:
     GLint before_ = 0;
 };
 
-/// OpenGL draws nothing, and says nothing, when a unit is to be read in two ways.
+/// Throws when samplers of two types show one unit: OpenGL would draw nothing then, and say nothing.
 void checkUnits(std::span<const GlslUniform> uniforms)
 {
     std::array<u32, 256> types{}; // by unit; those beyond exist on no driver

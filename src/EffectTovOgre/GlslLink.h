@@ -24,12 +24,12 @@ struct GlslUniform {
 /// What the driver says about a pair of programs. It is asked about everything: GLSL declares a uniform in so
 /// many ways that reading the text for them would take a compiler.
 struct GlslLink {
-    /// The driver's, or what the program asks for that no picture has; empty when the pair can be used.
+    /// Why the pair cannot be used, empty when it can: the driver's message, or a part that cannot be set.
     std::string message;
     std::vector<GlslUniform> uniforms; ///< by name
     u32 program = 0;                   ///< the one that is drawn with; 0 until drawWith
 
-    // All of these need a current OpenGL context.
+    // These functions need a current OpenGL context.
 
     /// Compiles and links the two, and lets the result go again.
     static GlslLink of(const std::string& vertexSource, const std::string& fragmentSource);

@@ -53,8 +53,8 @@ std::string_view includedBy(std::string_view directive)
     return end == std::string_view::npos ? std::string_view{} : directive.substr(1, end - 1);
 }
 
-/// Copies texts, and files in the places of the directives that include them. Comments are told from code,
-/// nothing else is: what is left out by "#if" is included all the same.
+/// Copies texts, and puts files in the places of the directives that include them. It tells comments from
+/// code and nothing else: a file is included even where "#if" leaves its directive out.
 class Includes {
 public:
     void add(std::string_view text)
@@ -102,7 +102,7 @@ public:
     const std::string& text() const { return text_; }
 
 private:
-    /// Length of a line that a backslash at its end goes on with.
+    /// Length of the text's first line, with the lines that backslashes at line ends join to it.
     static std::size_t endOfLine(std::string_view text)
     {
         std::size_t end = text.find('\n');
@@ -114,7 +114,7 @@ private:
 
     void include(const std::string& name)
     {
-        // In front of everything there may be a "#version", which has to come first.
+        // Nothing may stand before an included file that comes first: it may begin with "#version".
         if (text_.find_first_not_of(" \t\r\n") != std::string::npos)
             append("#line 0 " + std::to_string(files_) + "\n");
         lineHasCode_ = false;

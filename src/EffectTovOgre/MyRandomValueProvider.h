@@ -19,7 +19,7 @@ private:
     pixels::RandomGenerator generator_;
 };
 
-/// While it lives, OGRE's random numbers are those of a sequence.
+/// While it lives, OGRE's random numbers come from a sequence; afterwards from OGRE's own generator.
 class RandomNumbersOf {
 public:
     explicit RandomNumbersOf(MyRandomValueProvider& sequence)

@@ -46,8 +46,8 @@ public:
     }
 
 private:
-    /// As many as OGRE would have the driver make, which takes a software driver milliseconds for each
-    /// texture.
+    /// The mipmaps of a picture: as many as OGRE would have the driver make. They are made here because a
+    /// software driver takes milliseconds for each texture.
     static u32 mipmapsOf(u32 width, u32 height)
     {
         const u32 all = u32(std::bit_width(std::max(width, height))) - 1;

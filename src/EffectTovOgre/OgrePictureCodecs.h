@@ -10,7 +10,7 @@ class Codec;
 
 namespace KEXSDK {
 
-/// Known to OGRE while it lives, under every suffix that the decoder reads and no other codec has taken.
+/// While it lives, OGRE knows the decoder under every suffix that it reads and no other codec has taken.
 /// OGRE's own picture plug-in is not used: what it allocates OGRE frees in another way, and it fills up
 /// truncated files without a word. Made once the root is there, and destroyed before it.
 class OgrePictureCodecs {

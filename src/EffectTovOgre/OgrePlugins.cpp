@@ -13,7 +13,7 @@ namespace {
 #define EFFECTENGINE_TEXT_OF(value) #value
 #define EFFECTENGINE_TEXT(value) EFFECTENGINE_TEXT_OF(value)
 
-/// OGRE appends this to the names of libraries; opening a plug-in in its place means appending it as well.
+/// The suffix that OGRE appends to the names of libraries, for a plug-in that is opened before OGRE does.
 constexpr const char* kVersionSuffix = ".so." EFFECTENGINE_TEXT(OGRE_VERSION_MAJOR) "." EFFECTENGINE_TEXT(
     OGRE_VERSION_MINOR) "." EFFECTENGINE_TEXT(OGRE_VERSION_PATCH);
 
@@ -41,7 +41,7 @@ bool loadRenderSystem(Ogre::Root& root)
 {
     const std::string file = "RenderSystem_GL";
     if (!offscreenGl::enable(pathOf(file) + kVersionSuffix)) {
-        // Not the first choice: Xlib ends the whole process when the display goes away.
+        // The display is the second choice: Xlib ends the whole process when it goes away.
         offscreenGl::disable();
         const char* const display = std::getenv("DISPLAY");
         if (!display || !*display) {

@@ -1,4 +1,4 @@
-// Making textures that are known by name, or not at all.
+// Makes and resizes textures so that a failure leaves nothing behind in OGRE.
 #pragma once
 
 #include "core/Types.h"
@@ -19,8 +19,8 @@ struct TextureSize {
     u32 depth = 1;
 };
 
-/// Takes the render targets of a texture without memory of its own out of OGRE's list. A target that did not
-/// get into all of the list outlives its buffer, and OGRE's end would destroy it through that: it is given up
+/// Takes the render targets of a texture whose making failed out of OGRE's list. A target that was registered
+/// only in part outlives its buffer, and OGRE's end would destroy it through that buffer: it is leaked
 /// instead.
 inline void detachTargetsOf(const std::string& textureName)
 {

@@ -1,4 +1,4 @@
-// From a render texture into memory.
+// Copies frames from a render texture into memory.
 #pragma once
 
 #include "graphics/TovEffectBase.h"
@@ -9,15 +9,15 @@ class Texture;
 
 namespace KEXSDK {
 
-/// The way back of one effect's frames. Render thread only, but for setMode.
+/// Reads one effect's frames back. Render thread only, but for setMode.
 class ReadBack {
 public:
     ReadBack() = default;
     ReadBack(const ReadBack&) = delete;
     ReadBack& operator=(const ReadBack&) = delete;
 
-    /// Direct at first, which is the faster one where memory is shared. prepare() follows before a frame is
-    /// read.
+    /// Chooses the way; direct at first, which is faster where memory is shared. Call prepare() before the
+    /// next frame is read.
     void setMode(ReadBackMode mode) { mode_ = mode; }
     /// Makes the buffer that the mode needs for frames of this size.
     void prepare(u32 width, u32 height);

@@ -31,7 +31,7 @@ void publish(const GpuCapabilities& capabilities)
     process().maxTextureSize = capabilities.maxTextureSize;
 }
 
-/// A log that fails must not end the thread.
+/// Logs a message. A log that fails must not end the thread.
 void logSafely(GraphicsSystem& system, std::string_view message) noexcept
 {
     try {
@@ -40,7 +40,7 @@ void logSafely(GraphicsSystem& system, std::string_view message) noexcept
     }
 }
 
-/// What the render thread owns, and the requests as it carries them out.
+/// Carries out the requests, and owns the effects.
 class RenderLoop {
 public:
     explicit RenderLoop(GraphicsSystem& system) : system_(system) { }
@@ -187,7 +187,7 @@ private:
     std::vector<Entry> effects_;
 };
 
-/// The graphics system, started; or null, the failure being logged.
+/// Makes and starts the graphics system. @return null after a failure, which is logged where there is a log
 std::unique_ptr<GraphicsSystem> startGraphicsSystem(const ThreadParameters& parameters) noexcept
 {
     std::unique_ptr<GraphicsSystem> system;

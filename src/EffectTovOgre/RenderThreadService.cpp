@@ -34,7 +34,7 @@ public:
         _ImageParam* record = &target;
         return TovOgreRenderThread::evaluateEffect(&effect, &record, nullptr) != 0;
     }
-    // With the thread every scene has ended: none is started for this.
+    // Starts no thread: with the last one every scene has ended.
     void endEffect(TovEffectBase& effect) override { TovOgreRenderThread::deleteEffect(&effect); }
 };
 

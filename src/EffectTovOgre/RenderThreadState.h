@@ -56,8 +56,8 @@ struct Slot {
 
 /// Everything that exists once per process.
 struct Process {
-    platform::CriticalSection
-        requests; ///< held for the whole of one request, and while the thread starts or ends
+    /// Held for the whole of one request, and while the thread starts or ends.
+    platform::CriticalSection requests;
     platform::Event request;
     platform::Event done;
     Slot slot;

@@ -1,4 +1,4 @@
-// Which names stay within the resource locations.
+// Opens files of the resource locations, and refuses names that lead out of them.
 #include "EffectTovOgre/ResourceFiles.h"
 
 #include <OgreArchive.h>
@@ -46,7 +46,8 @@ bool isInside(const fs::path& path)
     return false;
 }
 
-/// The archive of the group that holds the file; null when none does.
+/// The archive of the group that holds the file; null when none does. Throws Ogre::FileNotFoundException when
+/// the file is not regular or leads out of the locations.
 Ogre::Archive* archiveOf(const std::string& name, const std::string& group)
 {
     for (const auto& location : groups().getResourceLocationList(group)) {
@@ -99,7 +100,7 @@ Ogre::DataStreamPtr Guard::resourceLoading(
         refuse(name, kLeadsOut);
     if (groups().resourceGroupExists(group))
         archiveOf(name, group);
-    else // to be found in any of them
+    else // OGRE looks for it in all of them
         for (const std::string& any : groups().getResourceGroups())
             archiveOf(name, any);
     return nullptr; // OGRE opens it

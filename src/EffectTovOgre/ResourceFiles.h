@@ -1,4 +1,4 @@
-// Files of the resource locations, and nothing else.
+// Access to the files of the resource locations, and to no others.
 #pragma once
 
 #include <OgreResourceGroupManager.h>
@@ -18,10 +18,11 @@ Ogre::DataStreamPtr open(const std::string& name);
 /// The contents of such a file. Throws as open() does, and when they are longer than kLongestText.
 std::string readText(const std::string& name);
 
-/// Whether there is such a file; no more than open() does it look outside.
+/// Whether a location has something of that name; never for an absolute name or one with "..". open() may
+/// refuse it all the same, for a link that points elsewhere or what is no regular file.
 bool exists(const std::string& name);
 
-/// Holds everything that OGRE itself opens to the same rules.
+/// Applies the rules of open() to everything that OGRE itself opens, in all resource groups.
 class Guard final : public Ogre::ResourceLoadingListener {
 public:
     Ogre::DataStreamPtr resourceLoading(

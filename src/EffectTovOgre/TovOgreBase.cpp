@@ -29,7 +29,7 @@ constexpr const char* kConfigurationFile = "ogre.cfg"; // in the current directo
 constexpr const char* kWindowTitle = "Tov Ogre Render Window";
 constexpr std::size_t kMipmaps = 5;
 
-// There may be no screen to ask for its size, and nothing is shown in the window: that of a new effect.
+// The size of a new effect: nothing is shown in the window, and there may be no screen to ask for its size.
 constexpr const char* kVideoMode = "800 x 600";
 
 constexpr std::pair<const char*, const char*> kOptions[] = {
@@ -60,7 +60,7 @@ TovOgreBase::TovOgreBase(const char* resourceDirectory, const char* pluginsDirec
     if (singleton)
         return;
     singleton = this;
-    // OGRE's singletons are the process's. If the host draws with it too, it was there first.
+    // OGRE's singletons exist once per process. If they are there, the host itself draws with OGRE.
     if (Ogre::Root::getSingletonPtr() || Ogre::LogManager::getSingletonPtr()) {
         initialised_ = false;
         return;
@@ -77,7 +77,7 @@ TovOgreBase::~TovOgreBase()
 {
     if (singleton != this)
         return;
-    while (!liveEffects_.empty()) { // the tear-down takes the effect out of the map, or else this does
+    while (!liveEffects_.empty()) { // destroyScene takes the effect out of the map, or else this loop does
         const auto [effect, alive] = *liveEffects_.begin();
         if (alive)
             effect->destroyScene();
@@ -117,13 +117,13 @@ void TovOgreBase::createRoot()
 {
     // A log that the root made would repeat every line on the host's standard output.
     logManager_ = std::make_unique<Ogre::LogManager>();
-    // Without a log directory no file: it would land in whatever directory the host runs in.
+    // Without a log directory there is no file: it would land in whatever directory the host runs in.
     logManager_->createLog(logFile_, true, false, !logsToFile_);
     root_ = std::make_unique<Ogre::Root>(pluginsFile_, kConfigurationFile, logFile_);
     // Nothing here is loaded in the background, and OGRE's workers would write to its log all at once.
     if (auto* const workers = dynamic_cast<Ogre::DefaultWorkQueueBase*>(root_->getWorkQueue()))
         workers->setWorkerThreadCount(0);
-    // The render system belongs into the list of plug-ins, but there one that fails would end the process.
+    // The render system is not in the list of plug-ins: there one that fails would end the process.
     ogrePlugins::loadRenderSystem(*root_);
     pictureCodecs_.emplace();
 }
@@ -154,7 +154,7 @@ void TovOgreBase::setupResources()
         for (const auto& [type, location] : settings)
             try {
                 groups.addResourceLocation(base + location, type, group, false, true);
-            } catch (const Ogre::Exception& error) { // one location less
+            } catch (const Ogre::Exception& error) { // the others remain
                 log(error.what());
             }
 }

@@ -33,7 +33,7 @@ public:
     /// Takes everything of the scene out of OGRE. The environment calls it for the effects that are left when
     /// it ends; nothing of OGRE may be touched afterwards.
     virtual void destroyScene() = 0;
-    /// The texture of another scene loses its picture after this: who shows it takes a copy.
+    /// Called before the texture of another scene loses its picture: a scene that shows it takes a copy.
     virtual void textureEnds(const std::shared_ptr<Ogre::Texture>& texture) = 0;
 
 protected:
@@ -54,7 +54,7 @@ public:
     /// Tears down the scenes that are left, then OGRE.
     virtual ~TovOgreBase();
 
-    /// Render system, options, window, capabilities, particles. @return whether there is a window
+    /// Sets up render system, options, window, capabilities and particles. @return whether there is a window
     virtual bool configure();
     /// Makes the one scene manager, "OgreSceneManager".
     virtual void chooseSceneManager();
@@ -88,7 +88,7 @@ public:
     };
     Counters counters;
 
-    /// Trial links of the programs that OGRE knows, by its numbers of both.
+    /// Trial links of pairs of programs, by OGRE's numbers of the vertex and the fragment program.
     std::map<std::pair<unsigned long long, unsigned long long>, GlslLink> links;
 
     /// One line of OGRE's log, at its normal level.

@@ -26,7 +26,7 @@ namespace {
 
 DYN_CLASS::CFactory<TovOgreEffectBase> factory;
 
-/// Where the picture stands; the plane was built to fill a 4:3 view there.
+/// The picture's distance from the camera, and the shape of the view that the plane, as built, fills there.
 constexpr float kPictureDistance = 1010;
 constexpr float kBuiltAspect = 1.3333334f;
 constexpr float kUnitsPerNear = 202;
@@ -34,7 +34,7 @@ constexpr float kNearClipDistance = 5;
 
 const Ogre::Vector3 kCameraPosition(0, 0, 100);
 
-/// While it lives, frames are drawn into a target: one left so would be overwritten by every other effect.
+/// While it lives, OGRE draws frames into a target: one left so would be overwritten by every other effect.
 /// The viewport may end meanwhile, with the window, and is null then.
 class AutoUpdated {
 public:
@@ -60,7 +60,7 @@ private:
     Ogre::Viewport* const& viewport_;
 };
 
-/// While it lives, a viewport is a single pixel of a target: nobody sees what is drawn.
+/// While it lives, a viewport is a single pixel of its target, for frames that nobody sees.
 class OnePixel {
 public:
     OnePixel(Ogre::Viewport* const& viewport, u32 width, u32 height) : viewport_(viewport)
@@ -172,7 +172,7 @@ void TovOgreEffectBase::destroyCamera()
         sceneManager().getRootSceneNode()->removeAndDestroyChild(cameraNode_);
     }
     if (camera_) {
-        camera_->_notifyAttached(nullptr); // to a node that did not come to know of it
+        camera_->_notifyAttached(nullptr); // building may have been cut short before its node knew of it
         sceneManager().destroyCamera(camera_);
     }
     camera_ = nullptr;
@@ -239,7 +239,7 @@ void TovOgreEffectBase::createShader()
     }
     if (problem.empty())
         problem = plane_->linkPrograms();
-    shaderCreated_ = true; // what threw is tried again
+    shaderCreated_ = true; // an exception comes past this: the next render tries again
     if (problem.empty())
         return;
     TovOgreBase::log(problem);
@@ -308,7 +308,7 @@ void TovOgreEffectBase::resizeRenderTexture()
 
 bool TovOgreEffectBase::isAlive(const Ogre::TexturePtr& texture) const
 {
-    // Its effect may have ended since; the texture then is no longer the manager's.
+    // The texture's effect may have ended; the texture manager then has it no more.
     return Ogre::TextureManager::getSingleton().getByName(texture->getName(), Ogre::RGN_DEFAULT) == texture;
 }
 
@@ -462,7 +462,8 @@ void TovOgreEffectBase::renderFrame()
     effectNode_->setVisible(!pictureOnly_);
     planeNode_->setVisible(true);
 
-    // Time is the scene manager's: it stands still for an effect that nothing moves in.
+    // Time is the scene manager's, which all effects share: it stands still for an effect that nothing moves
+    // in.
     const u32 frames = hasParticles() && currentFrame_ > previousFrame_ ? currentFrame_ - previousFrame_ : 0;
     const float seconds = frameDuration_ * float(pictureOnly_ ? frames : std::min(frames, 1u));
     const RandomNumbersOf drawn(random_);

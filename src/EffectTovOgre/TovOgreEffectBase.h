@@ -19,8 +19,8 @@ namespace KEXSDK {
 /// All effects share one scene manager. Each has two nodes of its own, one for the picture plane and one for
 /// what stands in front of it, and shows nothing else while it draws.
 ///
-/// A subclass that adds to the scene overrides createScene and restartScene, and destroyScene with what it
-/// added taken out before the base's goes. Constructed on the render thread.
+/// A subclass that adds to the scene overrides createScene and restartScene, and destroyScene: that takes out
+/// what was added, then calls the base's. Constructed on the render thread.
 class TovOgreEffectBase : public TovEffectBase, public LiveEffect, public Ogre::FrameListener {
 public:
     /// Throws when the graphics system is not up.
@@ -55,6 +55,7 @@ public:
     virtual void setIntParam(u32 programType, const char* name, i32 value);
 
 protected:
+    /// Makes the nodes of the plane and of what stands in front of it; the constructor calls the base's.
     virtual void createSceneNodes();
     /// Makes the programs, once; problem() says when that is not possible.
     virtual void createShader();
@@ -69,14 +70,20 @@ public:
     void destroyScene() override;
 
 protected:
+    /// Makes the camera with its node; the constructor calls the base's.
     virtual void createCamera();
+    /// Makes the render texture, unless there is one.
     virtual void createRenderTexture();
+    /// Gives the render texture the effect's size; effects that show the texture take copies first.
     virtual void resizeRenderTexture();
+    /// Brings the render texture to the effect's size and sets up its viewport. Throws an Ogre::Exception
+    /// without a camera.
     virtual void resetViewports();
     /// Called by the first render, and after restartScene: build what stands in front of the picture.
     virtual void createScene() { }
     /// Takes away what createScene built; the scene then begins anew with frame 0.
     virtual void restartScene() { }
+    /// Takes the camera out of the scene; from then on render draws nothing.
     virtual void destroyCamera();
     /// Draws the scene as it is at the current frame index. Random numbers come from the effect's own
     /// sequence while it runs.

@@ -1,4 +1,4 @@
-// Particles within the life of an effect.
+// Makes, moves and draws the particles of an effect.
 #include "EffectTovOgre/TovOgrePaticalUniverseEffect.h"
 
 #include "core/DynClass.h"
@@ -15,7 +15,7 @@ namespace {
 
 DYN_CLASS::CFactory<TovOgrePaticalUniverseEffect> factory;
 
-// The plane z = 0 of a scene is as near as this, and shows 41.4 units of height.
+// The camera is 50 units in front of the plane z = 0, and sees 41.4 units of its height.
 const Ogre::Vector3 kCameraPosition(0, 0, 50);
 const Ogre::Vector3 kCameraTarget(0, 0, -300);
 
@@ -50,7 +50,7 @@ std::span<const u32> wordsOf(const ParamVariant& value)
 
 TovOgrePaticalUniverseEffect::TovOgrePaticalUniverseEffect() : instanceName_(nextInstanceName())
 {
-    // They change with every frame and are no attributes.
+    // These change with every frame and are no attributes of particles.
     for (const char* const name : {"u_global_time", "u_total_time", "u_frame_rate"})
         declareVolatile(name);
 }

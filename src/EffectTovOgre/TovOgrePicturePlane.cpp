@@ -81,10 +81,10 @@ void TovOgrePicturePlane::release()
         parent_->removeAndDestroyChild(node_);
     }
     if (entity_) {
-        entity_->_notifyAttached(nullptr); // to a node that did not come to know of it
+        entity_->_notifyAttached(nullptr); // building may have been cut short before the node knew of it
         parent_->getCreator()->destroyEntity(entity_);
     }
-    // Known by name even when their making was cut short.
+    // Mesh and material are looked up by name: they are there even when their making was cut short.
     auto& meshes = Ogre::MeshManager::getSingleton();
     if (const auto mesh = meshes.getByName(meshName_, Ogre::RGN_DEFAULT))
         meshes.remove(mesh);
@@ -209,7 +209,8 @@ void TovOgrePicturePlane::bind()
 {
     bindPictures();
     bindPrograms();
-    // OGRE would do so in the midst of drawing, and take what did not come to an end there for complete.
+    // Loads the material here: OGRE would do so in the midst of drawing, and take a load that failed there
+    // for complete.
     material_->load();
     shader_.sendValues();
 }

@@ -21,8 +21,7 @@ class TextureUnitState;
 namespace KEXSDK {
 
 /// A plane that fills a 4:3 view at distance 1010, one material with one pass, one texture unit per input:
-/// unit n holds the input with the n-th index. Render thread only; the plane goes before the camera and the
-/// node do.
+/// unit n holds the input with the n-th index. Render thread only; destroyed before the camera and the node.
 class TovOgrePicturePlane {
 public:
     TovOgrePicturePlane(const Ogre::Camera& camera, Ogre::SceneNode& parent, u32 maxTextureSize);
@@ -30,7 +29,7 @@ public:
     TovOgrePicturePlane& operator=(const TovOgrePicturePlane&) = delete;
     virtual ~TovOgrePicturePlane();
 
-    // The programs and their values: all of these are the shader's.
+    // Programs and their values: these functions hand on to the shader.
 
     virtual std::string setShaderProgram(const char* text, bool isFragment, bool isSourceText);
     virtual void getShaderParameters(ShaderParameters& list) const;

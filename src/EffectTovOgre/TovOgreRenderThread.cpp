@@ -60,7 +60,7 @@ TovOgreRenderThread::~TovOgreRenderThread()
     all.instance.compare_exchange_strong(self, nullptr);
 }
 
-/// With the request lock held.
+/// Starts the thread unless one is running. The request lock is held.
 void TovOgreRenderThread::start()
 {
     Process& all = process();

@@ -51,7 +51,8 @@ public:
     /// Destroys an effect made by createEffect. @return 1 when the request was made, else 0
     static u32 deleteEffect(TovEffectBase* effect);
 
-    /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations.
+    /// Decodes a picture file: a file of that name in the resource locations, else the one at that path
+    /// (UTF-8).
     LoadedImage loadImage(const char* path);
     /// Decodes a picture file of the resource locations; no other is read.
     LoadedImage loadResource(const char* name);
@@ -70,7 +71,7 @@ public:
     /// @return 0 when there was no instance, else 1
     u32 shutdown();
 
-    /// Replaces what the next start of the thread puts behind it; an empty factory stands for OGRE.
+    /// Sets what makes the graphics system at the next start of the thread; an empty factory stands for OGRE.
     static void setGraphicsSystemFactory(GraphicsSystemFactory factory);
 
 private:

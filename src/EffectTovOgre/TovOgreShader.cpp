@@ -1,4 +1,4 @@
-// GLSL programs as OGRE's, and the values of their uniforms.
+// Makes OGRE's programs from GLSL texts, and keeps the values of their uniforms.
 #include "EffectTovOgre/TovOgreShader.h"
 
 #include "EffectTovOgre/GlslText.h"
@@ -31,7 +31,7 @@ const std::string kDefaultSources[] = {
     "uniform sampler2D Sample; varying vec2 textureCoord; "
     "void main() { gl_FragColor = texture2D(Sample, textureCoord); }"};
 
-/// What OGRE is to know of every vertex and fragment program.
+/// The texts that OGRE prepares in place of the real vertex and fragment program; load() says why.
 constexpr const char* kOgresTexts[] = {
     "uniform mat4 _worldViewProj;\nvoid main() { gl_Position = _worldViewProj * gl_Vertex; }\n",
     "void main() { gl_FragColor = gl_Color; }\n"};
@@ -81,8 +81,8 @@ ProgramPtr findOrMake(const std::string& name, const std::string& text, bool isF
     }
 }
 
-/// While it lives, OGRE draws with a pair of programs. One left bound that has ended would be taken for the
-/// next one that has its address.
+/// While it lives, OGRE draws with a pair of programs. One left bound after its end would be taken for the
+/// next program at its address.
 class BoundPair {
 public:
     BoundPair(Ogre::GpuProgram& vertex, Ogre::GpuProgram& fragment)
@@ -181,8 +181,8 @@ u32 TovOgreShader::linkedProgram()
     try {
         return BoundPair(*find(programName(false)), *fragment).linkedProgram(parameters(true));
     } catch (...) {
-        // OGRE keeps what it has linked of the two, and would take it for complete. Another program of that
-        // text is another pair.
+        // OGRE keeps what it has linked of the two, and would take it for complete. A fragment program made
+        // anew is another pair.
         manager().remove(fragment);
         throw;
     }

@@ -31,7 +31,7 @@ public:
     /// @return the reason why it cannot be used, else empty
     virtual std::string setShaderProgram(const char* text, bool isFragment, bool isSourceText);
 
-    /// Of the program in use.
+    /// The name of the program in use, the effect's own or the default.
     virtual const std::string& programName(bool isFragment) const;
 
     // Values by name, each converted to the type that the program declares. Names that the program lacks and

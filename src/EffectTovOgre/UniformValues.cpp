@@ -1,4 +1,4 @@
-// From kept values to the setters of the picture plane.
+// Hands kept values to the setters of the picture plane.
 #include "EffectTovOgre/UniformValues.h"
 
 #include "EffectTovOgre/TovOgrePicturePlane.h"

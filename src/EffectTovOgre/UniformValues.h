@@ -16,7 +16,7 @@ namespace KEXSDK {
 
 class TovOgrePicturePlane;
 
-/// Elements of several values each; the memory stays the caller's.
+/// `count` elements of `multiple` values each; the memory stays the caller's.
 template <class T> struct ValueArray {
     const T* values;
     u32 count;

@@ -1,4 +1,4 @@
-// Engine life cycle and effect creation.
+// Start and end of the engine, and the creation of effects.
 #include "engine/CEffectEngine.h"
 
 #include "EffectTovOgre/TovOgreRenderThread.h"

@@ -19,16 +19,17 @@ class CSimpleEffect;
 class CEffectEngine {
 public:
     CEffectEngine();
-    /// Frees the tables; the render thread is unInitialize's business.
+    /// Frees the tables. unInitialize() comes first and ends the render thread.
     virtual ~CEffectEngine();
 
-    /// Opens the log, starts the GPU environment and fills the tables. A GPU that cannot be brought up is
-    /// one warning line, not a failure.
+    /// Opens the log, starts the GPU environment and fills the tables. A GPU that cannot be brought up is one
+    /// warning line, not a failure; shader effects are unknown then.
     /// @param resourceDir  prefix of effect data, with its trailing separator
     /// @param logDir       directory of "EffectEngine.log", or null for no log file
+    /// @return always true
     bool initialize(const char* resourceDir, const char* logDir);
 
-    /// Ends the render thread with everything that lives there.
+    /// Ends the render thread with its effects and the graphics system.
     void unInitialize();
 
     /// Writes a new node, initialised and owned by the caller, to *out, or null when no source knows the
@@ -40,7 +41,7 @@ private:
 
     bool initOgreEnvirenment();
     void initAmEffects();
-    // One directory of descriptor files each.
+    // Each of these three reads one directory of descriptor files.
     void initShaderEffects();
     void initColorTableShaderEffects();
     void initShaderTransitions();

@@ -1,4 +1,4 @@
-// Gathers the registries behind one list.
+// Makes one list of the effects in the registries, the tables and the descriptor files.
 #include "engine/effectList.h"
 
 #include "effects/am/library/amCatalog.h"
@@ -38,7 +38,7 @@ EffectList gather(shader::DescriptorList shaders)
         effects.push_back(entry.info);
     std::ranges::move(KEXSDK::amEffectInfos(), std::back_inserter(effects));
     std::ranges::move(transitions::transitionInfos(), std::back_inserter(effects));
-    // The engine asks the descriptors first.
+    // An effect whose GUID a descriptor has too is left out: the engine asks the descriptors first.
     std::erase_if(effects, [&](const EffectInfo& effect) { return shaders.contains(effect.guid); });
     for (const auto& [guid, descriptor] : shaders)
         effects.push_back(descriptor.facts);
@@ -47,8 +47,8 @@ EffectList gather(shader::DescriptorList shaders)
     return {std::move(effects), std::move(shaders)};
 }
 
-// Every list that ever was: what it answered stays valid. There is a second one only where tools name another
-// directory.
+// All lists of this process, the last one in use. Earlier ones stay because pointers into them were handed
+// out; there are earlier ones only where a tool named a resource directory.
 std::deque<EffectList>& lists()
 {
     static std::deque<EffectList> everyList(1, gather({}));

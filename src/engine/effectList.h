@@ -20,5 +20,5 @@ std::vector<KEXSDK::EffectInfo> listEffects();
 /// is what describeParameters answers.
 const KEXSDK::EffectInfo* findEffect(std::string_view guidOrName);
 
-/// The parameters that the effect reads, standard ones first.
+/// The parameters that the effect reads, standard ones first; of an unknown GUID the standard ones alone.
 std::vector<const KEXSDK::ParamInfo*> describeParameters(const std::string& guid);

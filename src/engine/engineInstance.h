@@ -14,5 +14,5 @@ KEXSDK::CEffectEngine* engineInstance();
 static_assert(
     EFFECTENGINE_LARGEST_SIDE == pixels::kLargestSide, "what hosts are told is what pictures may be");
 
-/// 1..kLargestSide; negative numbers passed as int fail too.
+/// True for 1..kLargestSide; a negative int converted to u32 is out of range.
 constexpr bool sizeInRange(u32 value) { return value - 1 < u32(pixels::kLargestSide); }

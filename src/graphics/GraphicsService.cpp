@@ -1,4 +1,4 @@
-// The graphics system of the program, and the one that stands for none.
+// Keeps the program's graphics system, and a stand-in that loads and draws nothing while there is none.
 #include "graphics/GraphicsService.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// What images and effects ask of a graphics system; nothing here knows which one there is, or whether.
+// The interface through which images and effects use a graphics system, whichever it is.
 #pragma once
 
 #include "graphics/GraphicsSystem.h"
@@ -44,13 +44,13 @@ public:
     virtual void start() = 0;
     /// False when nothing can be drawn: after a failed start, and when the system has ended by itself.
     virtual bool available() const noexcept = 0;
-    /// Of the running, or last started, system.
+    /// What the running, or last started, system can do.
     virtual GpuCapabilities capabilities() const = 0;
-    /// One line of the system's own log; nothing while it is not up.
+    /// Writes one line into the system's own log; does nothing while the system is not up.
     virtual void log(std::string_view message) = 0;
 
-    /// Decodes a picture file: a path (UTF-8), or the name of a file in the resource locations. Starts the
-    /// system.
+    /// Decodes a picture file: a file of that name in the resource locations, else the one at that path
+    /// (UTF-8). Starts the system.
     virtual LoadedImage loadImage(const char* path) = 0;
     /// Decodes a file of the resource locations; others are not looked for. Starts the system.
     virtual LoadedImage loadResource(const char* name) = 0;
@@ -64,9 +64,10 @@ public:
     /// A new GPU effect, or null. Starts the system. The object may outlive its scene, which ends with
     /// endEffect or with the system.
     virtual std::shared_ptr<TovEffectBase> createEffect() = 0;
-    /// Draws a frame into the record's memory, and gives the record its texture. @return false when the
-    /// effect was not asked; whether it drew it tells itself
+    /// Draws a frame into the record's memory, and gives the record its texture.
+    /// @return false when the effect was not asked to draw; effect.drewFrame() tells whether it drew
     virtual bool draw(TovEffectBase& effect, _ImageParam& target) = 0;
+    /// Takes the effect's scene out of the system; does nothing when the system has ended.
     virtual void endEffect(TovEffectBase& effect) = 0;
 
 protected:

@@ -1,4 +1,4 @@
-// What the render thread needs of a graphics system: each one is a version of this interface.
+// The interface of the graphics systems that the render thread can run.
 #pragma once
 
 #include "core/Types.h"
@@ -49,7 +49,9 @@ class GraphicsSystem {
 public:
     virtual ~GraphicsSystem() = default;
 
-    /// Directories end with a separator; empty means the current directory. @return whether it is usable
+    /// Starts the system. Directories end with a separator; an empty one is the current directory, and for
+    /// the log means that there is no file. `kind` is the render system asked for, 0 for OpenGL.
+    /// @return whether the system is usable
     virtual bool start(const std::string& resourceDirectory, const std::string& pluginsDirectory,
         const std::string& logDirectory, u32 kind) = 0;
 
@@ -60,7 +62,8 @@ public:
 
     /// Decodes the file into the shared image; a file that cannot be read leaves it empty and is logged.
     virtual void loadImage(const std::string& path) = 0;
-    /// Decodes a file of the resource locations, where the effects' pictures lie; no other is read.
+    /// Decodes a file of the resource locations, where the effects' pictures lie; no other is read. The
+    /// default serves systems without such locations: it calls loadImage.
     virtual void loadResource(const std::string& name) { loadImage(name); }
     virtual SharedImage& sharedImage() = 0;
 
@@ -69,7 +72,7 @@ public:
     virtual bool saveImage(
         const std::string& path, const u8* pixels, u32 width, u32 height, RecordFormat format) = 0;
 
-    /// One line of the graphics system's own log, at its normal level. Nothing before `start`.
+    /// Writes one line into the graphics system's own log, at its normal level; does nothing before `start`.
     virtual void log(std::string_view message) = 0;
 };
 

@@ -30,7 +30,7 @@ struct _ImageParam {
     u32 bytesPerPixel = 4;
     u8 ownsPixels = 0;
     u8 released = 0;
-    u32 textureLeases = 0; ///< alive
+    u32 textureLeases = 0; ///< how many leases of the texture are alive
 
     _ImageParam() = default;
     _ImageParam(const _ImageParam&) = delete;
@@ -40,10 +40,10 @@ struct _ImageParam {
     /// Gives the record byteSize zeroed bytes of its own. Throws std::bad_alloc.
     void allocatePixels();
 
-    /// Makes memory of someone else's, byteSize bytes, the pixels.
+    /// Makes the caller's memory of byteSize bytes the pixels; null leaves none. Frees the record's own.
     void usePixels(u8* memory);
 
-    /// Makes the memory all there is of the picture.
+    /// Lets go of the texture: the picture is in memory alone from now on.
     void dropTexture();
 };
 

@@ -1,4 +1,4 @@
-// Numbers on their way into a uniform's data.
+// Stores numbers in a uniform's data, converted to its type.
 #include "graphics/ShaderParameter.h"
 
 #include "pixels/numbers.h"

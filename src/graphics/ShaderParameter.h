@@ -9,7 +9,7 @@
 
 namespace KEXSDK {
 
-/// One uniform with its current value. The numbers are those that descriptor tools see.
+/// One uniform with its current value. Tools for descriptors see the numbers of the enumerators.
 struct ShaderParameter {
     enum ProgramType : u32 { vertex = 0, fragment = 1 };
     enum BaseType : u32 { integer = 2, real = 3, doubleReal = 4, notSet = 99 };

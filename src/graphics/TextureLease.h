@@ -1,4 +1,4 @@
-// How long the texture of a drawn picture stands for its memory.
+// Keeps the texture of a drawn picture at hand for its readers.
 #pragma once
 
 #include "graphics/ImageParam.h"
@@ -7,13 +7,13 @@
 
 namespace KEXSDK {
 
-/// While one lives, a record keeps the texture that an effect drew into it, and readers may take that in
-/// place of the memory. With the last lease the texture is let go: whoever asked for the evaluation may write
-/// the memory then. Empty as constructed.
+/// While a lease lives, its record keeps the texture that an effect drew into it, and readers may take that
+/// in place of the memory. With the last lease the texture is let go: whoever asked for the evaluation may
+/// write the memory then. A default-constructed lease is empty.
 class TextureLease {
 public:
     TextureLease() = default;
-    /// The record outlives the lease.
+    /// The record must outlive the lease.
     explicit TextureLease(_ImageParam& record) : record_(&record) { ++record.textureLeases; }
     TextureLease(TextureLease&& other) noexcept : record_(std::exchange(other.record_, nullptr)) { }
     TextureLease& operator=(TextureLease&& other) noexcept

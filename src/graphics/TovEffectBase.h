@@ -60,6 +60,7 @@ public:
     virtual void setInputTexture(std::shared_ptr<Ogre::Texture> texture, i32 index);
     virtual void setInputPixels(
         const u8* pixels, u32 width, u32 height, i32 index, RecordFormat format = RecordFormat::A8R8G8B8);
+    /// Takes pixels; a depth above 1 is a 3D texture, its slices packed.
     virtual void setInputData(
         const u8* pixels, u32 width, u32 height, u32 depth, i32 index, RecordFormat format);
     /// Reverses the rows of every frame read back.
@@ -71,25 +72,27 @@ public:
     /// The uniforms of the effect's own programs with their current values, valid as long as the effect; null
     /// when its scene has ended. The first call makes the programs, as a request to the render thread.
     virtual ShaderParameters* getShaderParameters() = 0;
-    /// Sends every value to its uniform on each render from now on: override it, after this one, which keeps
-    /// the values.
+    /// Sends every value to its uniform on each render from now on. An override calls this version first,
+    /// which keeps the values.
     virtual void setShaderParameters(const ShaderParameters& parameters);
 
     /// Number that no other living effect has.
     virtual u32 getId();
 
-    /// Moves the scene's time on. @return the index before
+    /// Sets the index of the frame that the next render draws. @return the index before
     virtual u32 setFrameIndex(u32 index);
     /// 25 frames per second at first; anything but a positive number is ignored.
     virtual void setFrameRate(float framesPerSecond);
 
     /// Replaces the effect's own record.
     virtual void createOutputRecord(u32 width, u32 height);
-    /// Puts the effect's own record into an empty slot; another record there takes its picture's facts.
+    /// Puts the effect's own record into an empty slot. A record that is there already receives that
+    /// record's texture, format and size.
     virtual void copyOutput(_ImageParam** slot);
     /// Swaps the rows top to bottom.
     virtual void flipVertical(u8* pixels, u32 width, u32 height);
 
+    /// Chooses how frames come into memory, from the next render on.
     virtual void setReadBackMode(ReadBackMode mode) = 0;
 
     /// Hides everything but the picture plane.
@@ -98,12 +101,11 @@ public:
     // Programs. Each is made once, by the first render or getShaderParameters.
 
     /// @param text  GLSL, or the name of a file of it in the resource locations; null for the default
-    /// program,
-    ///              which shows input 0
+    ///              program, which shows input 0
     virtual void setShaderSource(const char* text, bool isFragment, bool isSourceText) = 0;
 
-    /// For an input whose pixels are about to go away. The effect goes on showing the picture that it has: a
-    /// texture that someone else draws is copied with the next frame.
+    /// Removes an input, whose pixels may go away then. The effect goes on showing the input's last picture;
+    /// of a texture that someone else draws it takes a copy with the next frame.
     void removeInput(i32 index);
 
     PictureTransform transform;

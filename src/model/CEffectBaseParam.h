@@ -46,7 +46,8 @@ public:
     virtual bool getParamIntArrayValue(const char* name, int* values, int* count);
     virtual bool getParamFloatArrayValue(const char* name, float* values, int* count);
 
-    /// The stored number and true, or the default and false when it is missing or of another type.
+    /// The stored number or, when it is missing or of another type, the default. The first two answer whether
+    /// it is the stored one.
     virtual bool getParamIntValue(const char* name, int* value, int defaultValue);
     virtual bool getParamFloatValue(const char* name, float* value, float defaultValue);
     virtual float getParamFloat(const char* name, float defaultValue);
@@ -60,17 +61,17 @@ protected:
     /// value unless it is undeclared. The objects must outlive the node; most are constants.
     template <class... Params> void declare(const Params&... params) { (declareOne(params), ...); }
 
-    /// Remembered for tools alone: nothing is stored.
+    /// Remembers a parameter for tools; stores nothing.
     void describe(const ParamInfo& param) { described_.push_back(&param); }
 
-    /// fn(name, value) for every stored parameter, in the order of names.
+    /// Calls fn(name, value) for every stored parameter, in the order of names.
     template <class Fn> void forEachParam(Fn&& fn) const
     {
         for (const auto& [name, value] : parameters_)
             fn(name, *value);
     }
 
-    /// Changes of this name do not raise paramsChanged.
+    /// Makes a name volatile: later changes of its value do not raise paramsChanged.
     void declareVolatile(const char* name);
 
     int get(const Param<int>& param) { return getParamInt(param.name, param.fallback); }

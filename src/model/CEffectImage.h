@@ -40,8 +40,8 @@ public:
     pixels::Extent extent() const { return {int(width()), int(height())}; }
     pixels::View view() const { return {record_->pixels, extent()}; }
 
-    /// The pixels for a change in place, of a picture that the GPU may have drawn: from now on the memory is
-    /// all there is of it, and a texture with the picture before is let go.
+    /// The pixels, to be changed in place. Lets go of a texture that the GPU drew the picture into: it would
+    /// show the picture before the change.
     pixels::View viewToChange();
 
     _ImageParam* record() const { return record_.get(); }

@@ -1,4 +1,4 @@
-// From a node's run to a pixel routine.
+// Runs a CPU effect: checks its input's size and calls the pixel routine.
 #include "model/CPureCEffect.h"
 
 namespace KEXSDK {

@@ -12,7 +12,7 @@ public:
     u32 getInputCount() final { return 1; }
 
     /// Hands input 0 to processFrame. Without an input of the node's size the output stays as it is. Override
-    /// it for an effect that the GPU may draw, and call this one when it does not.
+    /// run for an effect that the GPU may draw, and call this version when the GPU does not.
     void run() override;
 
     /// The effect's pixel routine; the default leaves the output as it is (transparent black at first).

@@ -12,7 +12,8 @@ std::string sizeText(u32 width, u32 height) { return std::to_string(width) + " x
 
 } // namespace
 
-/// An evaluation under way: the node has a target, and perhaps textures to read.
+/// Marks a node as being evaluated: gives it a target, and in the end takes the target and the inputs'
+/// textures away.
 class CSimpleEffect::Entered {
 public:
     Entered(CSimpleEffect& node, CEffectImage* target) : node_(node) { node_.target_ = target; }
@@ -41,7 +42,7 @@ CSimpleEffect::~CSimpleEffect() = default;
 void CSimpleEffect::setInputImage(CEffectImage* image, i32 index)
 {
     inputs_[index] = image;
-    // From now on the input is the host's, though it may lie where an image lay that the connection had fed.
+    // The host's image may have the address of one that the connection fed; connect() must not remove it.
     if (const auto connection = connections_.find(index); connection != connections_.end())
         connection->second.fed = nullptr;
 }
@@ -70,13 +71,14 @@ CEffectImage* CSimpleEffect::getInputImage(i32 index) const
 
 bool CSimpleEffect::evaluate(CEffectImage* external)
 {
-    // No texture stays: hosts may write the memory of a picture whenever no evaluation is under way.
+    // The texture lease in the answer ends here: hosts may write the memory of a picture whenever no
+    // evaluation is under way.
     return evaluateForReader(external).done;
 }
 
 CSimpleEffect::Evaluation CSimpleEffect::evaluateForReader(CEffectImage* external)
 {
-    // Entered again through a cycle: the node that asks reads what is being written.
+    // A cycle has led back to this node: the node that asks reads what is being written.
     if (target_)
         return {false, target_, {}};
     if (external && (external->width() != width_ || external->height() != height_))
@@ -116,7 +118,7 @@ void CSimpleEffect::runAndWatchTexture()
 {
     const auto before = output_->record()->sharedBuffer;
     run();
-    // What the CPU wrote is in memory only, even over a picture that the GPU had drawn.
+    // No new texture: the CPU wrote the picture, and an older texture shows the one before.
     if (output_->record()->sharedBuffer == before)
         output_->record()->dropTexture();
 }

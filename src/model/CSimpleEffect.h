@@ -50,14 +50,12 @@ public:
     /// Evaluates the connected nodes, depth first in the order of their indices, then this node. With an
     /// external image only images of this evaluation are touched, so one that an earlier evaluation wrote may
     /// be gone.
-    /// @param external  becomes the output from now on, or null for the node's present output; it is handed
-    /// to
-    ///                  every upstream node as well
-    /// @return false when there is no input at all, or the external image has another size (nothing is
-    ///         written then)
+    /// @param external  becomes the output of this node and of those before it that are enabled and have its
+    ///                  size; null for the present outputs
+    /// @return false without any input, or for an external image of another size (nothing is written then)
     bool evaluate(CEffectImage* external);
 
-    /// What an evaluation came to.
+    /// The result of an evaluation.
     struct Evaluation {
         bool done;            ///< as evaluate() answers
         CEffectImage* image;  ///< what the node wrote, and its readers read; null when it has nothing to read
@@ -81,7 +79,7 @@ protected:
 private:
     struct Connection {
         CSimpleEffect* upstream;
-        CEffectImage* fed; ///< what the last evaluation stored as the input; perhaps gone between evaluations
+        CEffectImage* fed;      ///< the input that the last evaluation stored; may be gone afterwards
         TextureLease texture{}; ///< of what is fed, until this node has run
     };
     class Entered;

@@ -17,11 +17,12 @@ struct History {
     int frames = 0; ///< 0 none, n the last n frames, kFromStart everything since the first frame
 };
 
+/// The alpha of what an effect draws.
 enum class Alpha {
     kept,     ///< the source's at the same place
     opaque,   ///< 255
-    computed, ///< anything else; of opaque inputs it is transparent only where the effect means it
-    loose,    ///< computed without care: what opaque inputs give is meant to be opaque, and may not be
+    computed, ///< anything else; opaque inputs become transparent only where the effect means it
+    loose,    ///< anything else; opaque inputs should stay opaque, but may not everywhere
 };
 
 /// Facts for catalogues and tools; the engine itself needs only the GUID.
@@ -53,6 +54,7 @@ public:
     /// Made on first use, by whichever comes first of a registration and a lookup.
     static EffectRegistry& instance();
 
+    /// Adds an effect class; a GUID that is registered already keeps its first class.
     void add(const EffectInfo& info, EffectCreator creator);
 
     /// The creator's node, or null when no effect is registered under exactly this GUID.

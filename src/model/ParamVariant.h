@@ -38,7 +38,7 @@ struct ParamVariant {
     std::span<const float> reals() const { return {value.reals, count}; }
     std::u16string_view path() const { return {value.text, count}; }
 
-    /// True when both hold the same value; types must agree. NaN equals nothing.
+    /// True when both values are equal. Call it only for two values of one type. NaN equals nothing.
     bool sameValue(const ParamVariant& other) const;
 };
 static_assert(sizeof(ParamVariant) == 16);

@@ -1,4 +1,5 @@
-// A word starts where upper case follows lower case, and at the last capital of several.
+// Splits names into words: a word starts where upper case follows lower case, and at the last capital of
+// several.
 #include "model/nameWords.h"
 
 #include "model/Param.h"

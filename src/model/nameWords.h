@@ -1,4 +1,4 @@
-// The words of names that programs use.
+// Splits the names of parameters and effects into words.
 #pragma once
 
 #include <string_view>
@@ -6,8 +6,9 @@
 
 namespace KEXSDK {
 
-/// "u", "white", "Level" of "u_whiteLevel"; "Cube", "LUT", "File" of "CubeLUTFile". Words are letters and
-/// digits of ASCII; everything else stands between them. They point into the name.
+/// The words of a name: "u", "white", "Level" of "u_whiteLevel"; "Cube", "LUT", "File" of "CubeLUTFile".
+/// Words are letters and digits of ASCII; everything else stands between them. The answer points into the
+/// name.
 std::vector<std::string_view> wordsOf(std::string_view name);
 
 } // namespace KEXSDK

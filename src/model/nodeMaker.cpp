@@ -1,4 +1,4 @@
-// Where the engine stands for effects below it.
+// Keeps the engine's function that makes nodes.
 #include "model/nodeMaker.h"
 
 namespace KEXSDK {

@@ -9,7 +9,7 @@ namespace KEXSDK {
 
 using NodeMaker = std::unique_ptr<CSimpleEffect> (*)(const char* guid, u32 width, u32 height);
 
-/// The engine names itself while the library loads.
+/// Sets the function that makeNode calls; the engine does so while the library loads.
 void setNodeMaker(NodeMaker maker);
 
 /// An initialised node, or null when there is no engine or nothing of that GUID. Throws std::bad_alloc.

@@ -61,8 +61,10 @@ void convertInks(u8* row, u32 width, bool inverted)
     }
 }
 
+/// Decodes a JPEG file in memory.
 /// @param result      its pixels are the caller's even after a failure
 /// @param headerOnly  the outcome is a picture then, without pixels
+/// @return false when the file cannot be read
 bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, bool headerOnly)
 {
     jpeg_decompress_struct jpeg;
@@ -112,6 +114,7 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, b
 }
 
 /// @param memory  receives the file, to be freed by the caller even after a failure
+/// @return false when the picture cannot be encoded
 bool writeJpeg(
     unsigned char** memory, unsigned long* size, const u8* pixels, u32 width, u32 height, JpegQuality quality)
 {

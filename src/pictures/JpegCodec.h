@@ -13,12 +13,12 @@ Decoded inspectJpeg(std::istream& file);
 
 struct JpegQuality {
     int percent = 92;
-    /// Saved frames hold drawn edges and come back as inputs, where halved colour shows; pictures that are
-    /// only looked at take half the room without it.
+    /// Keeps colour at full resolution instead of half. Saved frames hold drawn edges and come back as
+    /// inputs, where halved colour shows; pictures that are only looked at take half the room without it.
     bool fullColour = true;
 };
 
-/// Empty when the picture is too large for the format. Alpha is dropped.
+/// The bytes of a JPEG file; empty when the picture is too large for the format. Alpha is dropped.
 std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height, JpegQuality quality = {});
 
 } // namespace pictures

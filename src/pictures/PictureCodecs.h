@@ -46,8 +46,8 @@ Decoded inspect(std::istream& file);
 /// kMaxSide, or memory is short
 bool scale(Decoded& picture, u32 width, u32 height);
 
-/// What decoding a picture may take: ten seconds and one for every million pixels, many times what the
-/// slowest kinds need. Decoders ask where they call back.
+/// The time that decoding a picture may take: ten seconds and one for every million pixels, many times what
+/// the slowest kinds need. Decoders check it in their callbacks.
 class Deadline {
 public:
     explicit Deadline(u64 pixels);
@@ -59,10 +59,11 @@ private:
 
 enum class Kind { png, jpeg, bmp, tga };
 
-/// The kind that a path's extension names, in either case.
+/// The kind that a path's extension, in either case, names; none for another extension.
 std::optional<Kind> kindOf(std::string_view path);
 
-/// The bytes of a picture file; empty when the kind cannot hold a picture of that size. JPEG drops alpha.
+/// The bytes of a picture file; empty when a side is 0 or the kind cannot hold a picture of that size. JPEG
+/// drops alpha.
 std::vector<u8> encode(Kind kind, const u8* pixels, u32 width, u32 height);
 
 /// Writes a whole picture file, beside the path under a hidden name, and gives it the name when it is

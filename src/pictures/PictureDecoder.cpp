@@ -18,11 +18,11 @@ namespace {
 
 constexpr std::streamoff kHeadBytes = 128; // what stb reads ahead to find out the kind
 
-/// The decoder fills up what a file lacks, partly with memory it never wrote, and reports nothing: that the
-/// file was too short shows only in how it reads. At the end of a Radiance file it would wait for ever for
-/// something other than zeros, so what it gets there is zeros first, which end headers, and then ones, which
-/// are runs of pixels or faults. One that goes on all the same, or works for too long, is left by longjmp,
-/// without what it has allocated; it gives its memory back in every case known.
+/// Hands a file to stb, and notices when the file is too short: stb fills up what it lacks, partly with
+/// memory that it never wrote, and reports nothing. At the end of a Radiance file stb would wait for ever for
+/// something other than zeros. So beyond the end it gets zeros first, which end headers, and then ones, which
+/// are runs of pixels or faults. A decoder that goes on all the same, or works for too long, is left by
+/// longjmp, which would lose what it has allocated; in every case known a decoder frees its memory itself.
 class Source {
 public:
     /// @param pixels  of the picture, 0 while only its header is read
@@ -79,7 +79,7 @@ private:
     std::jmp_buf leave_;
 };
 
-// These two are left by longjmp, and keep no objects with destructors.
+// readHeader and readPixels are left by longjmp, so they keep no objects with destructors.
 
 bool readHeader(Source& source, int* width, int* height)
 {
@@ -96,7 +96,7 @@ u8* readPixels(Source& source, int* width, int* height)
     int channels = 0;
     if (setjmp(source.leave()))
         return nullptr;
-    // The host may use the same library, and set it for all threads.
+    // The host may use stb as well, and have it flip pictures on all threads.
     stbi_set_flip_vertically_on_load_thread(0);
     return stbi_load_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
 }
@@ -126,7 +126,7 @@ bool canHold(std::istream& stream, u64 pixels)
         if (start.starts_with("P5") || start.starts_with("P6"))
             return 1;
         if (start.starts_with("#?"))
-            return 127; // of four runs, which repeat over two bytes each
+            return 127; // a run holds 127 values at most, in two bytes
         if (start.starts_with("\x53\x80\xF6\x34"))
             return 1 << 16; // PIC: a run's length has two bytes
         return 128;         // TGA, Photoshop: runs of 128
@@ -173,8 +173,8 @@ Decoded decodeWhole(std::istream& stream)
     return result;
 }
 
-/// A file shorter than what is read ahead: finding out its kind alone may run into its end. So it is read
-/// with something appended, and whatever depends on what that was is not in the file.
+/// Decodes a file shorter than what stb reads ahead to find out the kind, which alone may run into the file's
+/// end. It is read twice, with different bytes appended: what depends on them is not in the file.
 Decoded decodeTiny(const std::string& bytes)
 {
     Decoded results[2];

@@ -1,4 +1,4 @@
-// Writing picture files: PNG through its library, BMP and TGA directly.
+// Writing picture files: PNG and JPEG through their libraries, BMP and TGA directly.
 #include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
 #include "platform/files.h"
@@ -36,7 +36,7 @@ void appendPng(png_structp png, png_bytep data, std::size_t size)
         png_error(png, "out of memory");
 }
 
-/// The library leaves by longjmp, so this keeps no objects with destructors.
+/// The library leaves by longjmp, so this function keeps no objects with destructors.
 bool writePng(std::vector<u8>& out, const u8* pixels, u32 width, u32 height)
 {
     png_structp png = png_create_write_struct(
@@ -79,7 +79,7 @@ struct LittleEndian {
     }
 };
 
-/// With the header of version 4: only that one says that the fourth byte is alpha.
+/// Encodes with the header of version 4, which says that the fourth byte is alpha; older ones do not.
 std::vector<u8> encodeBmp(const u8* pixels, u32 width, u32 height)
 {
     constexpr u32 kFileHeader = 14, kInfoHeader = 108, kBitFields = 3, kSrgb = 0x73524742;
@@ -138,14 +138,15 @@ bool writeInto(int file, const std::vector<u8>& bytes)
     return close(file) == 0 && written;
 }
 
-/// A template for mkostemp.
+/// A hidden name beside the target, as a template for mkostemp.
 std::string hiddenBeside(const std::filesystem::path& target)
 {
     const std::string name = target.filename().string().substr(0, 200); // file systems end names at 255 bytes
     return (target.parent_path() / ("." + name + ".XXXXXX")).string();
 }
 
-/// The permissions that new files do not get. Asking without changing them, so that no other thread sees it.
+/// The process's umask: the permissions that new files do not get. It is read from /proc because umask()
+/// would change it for all threads.
 mode_t currentMask()
 {
     std::ifstream status("/proc/self/status");
@@ -212,7 +213,7 @@ bool save(const std::string& path, const u8* pixels, u32 width, u32 height)
     const int file = mkostemp(hidden.data(), O_CLOEXEC);
     if (file < 0)
         return false;
-    // As a file would be that is made, or written to, under the name itself.
+    // The permissions are those of a file that is made, or written to, under the name itself.
     fchmod(file, exists ? before.st_mode & 0777 : 0666 & ~currentMask());
     if (writeInto(file, bytes) && rename(hidden.c_str(), target.c_str()) == 0)
         return true;

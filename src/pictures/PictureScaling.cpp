@@ -1,4 +1,4 @@
-// Pictures at another size.
+// Bilinear scaling of pictures.
 #include "pictures/PictureCodecs.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ std::vector<Between> positions(u32 from, u32 to)
     constexpr u64 kHalf = 1 << 11;
     const u64 step = (u64{from} << 48) / to;
     std::vector<Between> all(to);
-    u64 middle = step / 2 - 1; // of the pixel, in 48 bits behind the point
+    u64 middle = step / 2 - 1; // of the pixel, in the source's pixels, 48 bits behind the point
     for (Between& position : all) {
         const u64 left = std::max(middle >> 36, kHalf) - kHalf;
         const u32 first = u32(left >> 12);
@@ -32,7 +32,8 @@ std::vector<Between> positions(u32 from, u32 to)
     return all;
 }
 
-/// The sums stay below 2^32: the weights of four pixels are 2^24 together.
+/// Blends four pixels of the source for each pixel. The sums stay below 2^32: the weights of four pixels are
+/// 2^24 together.
 void scalePixels(const u8* from, u32 fromWidth, const std::vector<Between>& columns,
     const std::vector<Between>& rows, u8* to)
 {
@@ -72,7 +73,7 @@ try {
     picture.width = width;
     picture.height = height;
     return true;
-} catch (const std::bad_alloc&) { // for the positions
+} catch (const std::bad_alloc&) { // no memory for the positions
     return false;
 }
 

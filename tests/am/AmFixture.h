@@ -56,10 +56,10 @@ private:
     const char* name_ = nullptr;
     i32 id_ = 0;
 };
-/// For lists that hold names and numbers.
+/// Lists of effects that may hold names and numbers.
 using Ams = std::initializer_list<Am>;
 
-/// A block with an owner.
+/// A parameter block that is released with this object.
 class AmBlock {
 public:
     explicit AmBlock(Am id) { EXPECT_EQ(KEXSDK::AmCreateParams(&block_, id), KEXSDK::kAmOk); }

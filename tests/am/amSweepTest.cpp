@@ -16,7 +16,7 @@ using test::Am;
 using test::AmBlock;
 using test::AmPicture;
 
-// Of neighbours that share all their code, the first.
+// One effect for each piece of code: of neighbours that share all their code, the first.
 std::vector<Am> differentEffects()
 {
     std::vector<Am> ids;
@@ -32,7 +32,8 @@ std::vector<Am> differentEffects()
 
 constexpr pixels::Extent kSizes[] = {{1, 1}, {1, 9}, {9, 1}, {2, 3}, {7, 5}, {33, 17}, {64, 48}};
 
-// Two runs of a block on a picture with padding, in place and from elsewhere: the same bytes, nothing beside.
+// Runs a block twice on a picture with padding, in place and from another picture. Both give the same bytes
+// and write nothing beside the picture.
 template <class Set> std::vector<pixels::Bgra> run(Am id, pixels::Extent size, Set set)
 {
     AmPicture source(size.width, size.height, 20);

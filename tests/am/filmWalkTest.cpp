@@ -46,8 +46,8 @@ TEST(AmFilmWalk, SienaKeepsItsReds)
     AmPicture grey(320, 240);
     grey.fill({128, 128, 128, 255});
     const auto pixels = applied(kSiena, grey).pixels();
-    // The noise is the process's own, and the walk over one grey goes round in a part of it: no more is
-    // certain.
+    // The noise is the process's own, and the walk over one grey goes round in a part of it: more than a
+    // share of black cannot be promised.
     const auto black = std::ranges::count(pixels, 0, &Bgra::r);
     EXPECT_LT(double(black), 0.2 * double(pixels.size()));
 }

@@ -32,7 +32,7 @@ AmPicture noise(int width, int height)
     return picture;
 }
 
-// Nine pixels around (1, 1).
+// A picture of nine pixels with these greys, row by row.
 AmPicture nine(std::array<u8, 9> greys)
 {
     AmPicture picture(3, 3);
@@ -73,7 +73,8 @@ TEST(AmNeighbours, EdgesAreTwoGradientsLimitedTogether)
     EXPECT_EQ(centreOf("neon", {0, 0, 200, 0, 0, 200, 0, 0, 200}, 0), 255);
 }
 
-// All pairs of a centre and a brightest neighbour, 3 x 3 pixels each, and what becomes of the centre.
+// Checks all pairs of a centre and the grey around it, 3 x 3 pixels each: the centre becomes expected(centre,
+// around).
 template <class Expected> void eachPair(Am id, Expected expected)
 {
     AmPicture picture(3 * 256, 3 * 256);
@@ -139,7 +140,7 @@ TEST(AmNeighbours, BordersAreKeptOrBlack)
     border(out, [&](int x, int y) { return y == 0 || y == 29 ? kept(x, y) : black(x, y); });
 }
 
-// Every pixel of a warp's source is different.
+// A picture in which every pixel is different.
 AmPicture numbered(int width, int height)
 {
     AmPicture picture(width, height);

@@ -22,8 +22,8 @@ AmPicture noise(int width, int height)
     return picture;
 }
 
-// Some frames of an effect, each followed by expect(source, result, random), where random stands as it did
-// before the frame and has to reach where it stands after it.
+// Draws some frames of an effect and compares each with what expect(block, source, expected, random) makes of
+// its source. The generator has to stand as the effect left it: expect draws as many numbers from `random`.
 template <class Set, class Expect>
 void eachFrame(Am id, int frames, int width, int height, Set set, Expect expect)
 {

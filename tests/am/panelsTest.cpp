@@ -28,7 +28,7 @@ TEST(AmPanels, EveryLayoutIsItsOwn)
         u64 large;
         u64 small;
     };
-    // Of numbered pictures of 96 x 72 and of 13 x 11, where panels overlap and vanish.
+    // Digests of the looks of numbered pictures: 96 x 72, and 13 x 11, where panels overlap and vanish.
     constexpr Look kLooks[] = {
         {"jigsaw-a", 0x6de3d020dda6f81d, 0x31e9675c6105c6f2},
         {"jigsaw-b", 0x05d7c15b72e0db5a, 0xad30136bed2e2d22},
@@ -106,7 +106,7 @@ TEST(AmRims, TheBlackVignetteIsClearThenFadesThenBlack)
     AmPicture row(21, 1);
     row.fill({50, 100, 200, 9});
     constexpr Bgra kBlack{0, 0, 0, 255};
-    // Fades between radii of 2 and 6.
+    // The picture fades to black between radii of 2 and 6.
     Row half(21, kBlack);
     half[4] = half[16] = {0, 0, 0, 9};
     half[5] = half[15] = {12, 25, 50, 9};
@@ -155,7 +155,7 @@ TEST_F(AmTelevision, RollsFiveRowsFurtherWithEachPictureOfAnyNode)
 
 TEST_F(AmTelevision, APatternOfShiftsIsDrawnForAPicture)
 {
-    // The first shifts of the patterns, of rows 10 to 14.
+    // The shifts of rows 10 to 14 in each pattern.
     const std::vector<std::vector<int>> patterns{{141, 148, 154, 165, 165}, {128, 120, 120, 121, 118},
         {128, 130, 130, 126, 128}, {120, 120, 123, 127, 127}};
     std::vector<bool> seen(4);

@@ -29,7 +29,8 @@ struct Span {
     }
 };
 
-// The inverse of a channel's divisor depends on those of the other two as well: all that come from any three.
+// By divisor, the least and the greatest inverse that any three divisors give: the inverse of a channel's
+// divisor depends on those of the other two as well.
 const std::array<Span, kMost + 1>& inverses()
 {
     static const auto all = [] {

@@ -57,7 +57,7 @@ TEST(AmGeometry, MosaicCellsTakeTheirMiddleAndRestsTheirFirstPixel)
     EXPECT_EQ(out.at(25, 99), source.at(13, 91));
     EXPECT_EQ(out.at(99, 99), source.at(91, 91));
 
-    // A rest of one column or row stays.
+    // A rest of one column or row keeps its pixels.
     source = numbered(9, 9);
     out = applied("mosaic", source, percent(25)); // cells of 4
     for (int i = 0; i < 9; ++i) {
@@ -106,7 +106,7 @@ TEST(AmNoise, ScatterTakesPixelsFromNearby)
             moved += out.at(x, y) != source.at(x, y);
     EXPECT_GT(moved, 60 * 40 / 2);
 
-    // At no distance only the last column and row move, by one.
+    // With a distance of 0 only the last column and row move, by one.
     out = applied("plash", source, percent(0));
     EXPECT_EQ(out.at(10, 10), source.at(10, 10));
     EXPECT_EQ(out.at(59, 10), source.at(58, 10));
@@ -124,7 +124,7 @@ TEST(AmNoise, GrainIsTheSameForAllChannelsAndRunsAlongFourSums)
 
 TEST(AmFilm, SpecksAndScratchesLieOnTheRows)
 {
-    // In a picture of 11 x 11 there is only one place for damage. Rows of their own are never damaged.
+    // A picture of 11 x 11 has only one place for damage. Pictures of one row are never damaged.
     const auto seventies = [](std::initializer_list<int> greys) {
         AmPicture row(11, 1);
         std::ranges::transform(greys, row.view().row(0).begin(), [](int v) {
@@ -192,7 +192,7 @@ TEST(AmFilm, OldMovieAnd1839StayWithinTheirTones)
 
 TEST(AmFilm, ThreadsDoNotShowInWalks)
 {
-    // Large enough for the walk to start in two places; in place it never does.
+    // A picture large enough for the walk to start in two places; in place it never does.
     AmPicture source(400, 300);
     source.fillWithNoise(2);
     AmPicture flat = grey(400, 300, 77); // walks that may never meet

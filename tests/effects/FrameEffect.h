@@ -11,7 +11,8 @@
 
 namespace test {
 
-/// While it lives, effects get no memory for large buffers. What the thread's rows need is there already.
+/// While it lives, effects get no memory for large buffers. The thread's scratch memory for rows is there
+/// already.
 class MemoryShortage {
 public:
     MemoryShortage()
@@ -22,7 +23,7 @@ public:
     ~MemoryShortage() { pixels::limitBuffers(std::numeric_limits<std::size_t>::max()); }
 };
 
-/// A pixel that says where it stands.
+/// A pixel whose value tells its place.
 inline pixels::Bgra place(int x, int y) { return {u8(x), u8(y), u8((x >> 8) << 4 | y >> 8), 255}; }
 
 class FrameEffect : public EngineWithoutGpu {
@@ -52,7 +53,7 @@ protected:
 
     /// The node's output for the frame as it is now; valid until the next call.
     pixels::ConstView show() { return {host::bytesOf(filter_->run()).data(), frame().extent()}; }
-    /// For a frame of one value, the output at its first pixel.
+    /// The first pixel of the output for a frame of one value.
     pixels::Bgra show(pixels::Bgra value)
     {
         fill(value);

@@ -110,7 +110,7 @@ TEST_F(Blur, TriangleBlurWithoutAGpuLeavesThePicture)
     EXPECT_TRUE(showsItsInput());
 }
 
-// The running sums against what they stand for.
+// Blurs that add up every window anew, for comparison with the running sums.
 
 using Pixels = std::vector<std::array<u32, 4>>;
 

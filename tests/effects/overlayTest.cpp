@@ -19,7 +19,7 @@ constexpr const char* kConcert = "0C38F204-F299-4de4-B481-7B94C155DE16";
 
 class Overlays : public test::FrameEffect {
 protected:
-    // Hides the fixture's: this engine has a graphics system, and pictures.
+    // Hides the fixture's function of this name: this engine has a graphics system, and pictures.
     static void SetUpTestSuite()
     {
         test::useFilesInMemory();
@@ -27,7 +27,7 @@ protected:
     }
     void SetUp() override { files = {}; }
 
-    /// One pixel under one overlay pixel, whose file any shape of frame finds.
+    /// One base pixel blended with one overlay pixel.
     Bgra over(const char* guid, Bgra base, Bgra overlay)
     {
         for (const char* const name : {"Sight", "NightGlassView", "CamcorderOn", "CamcorderOff", "Concert"})

@@ -26,7 +26,7 @@ using KEXSDK::ParamType;
 
 class Sweep : public test::EngineWithoutGpu {
 protected:
-    // Hides the fixture's: overlays and textures are there.
+    // Hides the fixture's function of this name: here effects find overlays and textures.
     static void SetUpTestSuite()
     {
         test::useFilesInMemory();
@@ -62,12 +62,12 @@ struct Target {
     u32 input = 0;
 };
 
-// Some frames of a fresh node into guarded memory; the bytes of the last one.
+// Draws some frames of a fresh node into guarded memory. @return the bytes of the last one
 template <class Prepare>
 std::vector<u8> render(
     const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount = 2, Target target = {})
 {
-    // These are shared by all nodes, of the thread and of the process.
+    // State that all nodes of the thread, or of the process, share.
     pixels::threadRandom().seed(1);
     pixels::restartRain();
     KEXSDK::am::restartTelevision();
@@ -95,7 +95,7 @@ std::vector<u8> render(
     return output.bytes();
 }
 
-// What an effect draws when an input is the output, too, is what it draws into another image.
+// True when an effect draws into its own input what it draws into another image.
 template <class Prepare>
 bool looksTheSameInPlace(
     const EffectInfo& effect, int width, int height, Prepare prepare, int frameCount, u32 input = 0)
@@ -106,7 +106,7 @@ bool looksTheSameInPlace(
     return drawn(Target::Kind::copyOfInput) == drawn(Target::Kind::input);
 }
 
-// Effects to which that does not apply.
+// Effects that draw something else when an input is the output.
 struct Exception {
     std::string_view name;
     std::string_view reason;

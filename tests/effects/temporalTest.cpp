@@ -21,7 +21,7 @@ class Temporal : public test::FrameEffect {
 protected:
     void TearDown() override { core::pinTime(std::nullopt); }
 
-    // Shows frames 0 .. last, each filled with its own number; the output of the last.
+    // Shows frames 0 .. last, each filled with its own number. @return the output of the last
     pixels::ConstView showNumbered(int last)
     {
         for (int number = 0; number < last; ++number) {

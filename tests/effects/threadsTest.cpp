@@ -18,7 +18,7 @@ using KEXSDK::EffectInfo;
 constexpr int kGraphs = 4;
 constexpr int kFrames = 3;
 
-// Some frames of a graph of its own, drawn as on a thread that has drawn nothing yet.
+// Draws some frames of a graph of its own as on a thread that has drawn nothing yet.
 std::vector<u8> show(const EffectInfo& effect, int width, int height)
 {
     pixels::threadRandom().seed(1);
@@ -53,7 +53,7 @@ void expectSameOnFourThreads(const EffectInfo& effect, int width, int height)
             });
     }
     if (effect.shared)
-        return; // safe is all that they promise
+        return; // nodes that share state promise only to be safe
     for (const auto& bytes : shown)
         EXPECT_TRUE(bytes == alone) << effect.name;
 }
@@ -77,7 +77,7 @@ TEST_F(Threads, GraphsOnFourOfThemGiveTheBytesOfOne)
     EXPECT_EQ(shared, (std::set<std::string>{"am-bad-tv-signal", "camcorder", "dissolve-2", "rain-drop"}));
 }
 
-// The order of pixels that they share changes with the size, while others draw with the one before.
+// All nodes share one order of pixels, which changes with the size while others draw with the one before.
 TEST_F(Threads, NodesOfOneSharedOrderMayDifferInSize)
 {
     const EffectInfo& effect = *findEffect("dissolve-2");

@@ -20,7 +20,7 @@ using KEXSDK::ParamType;
 
 constexpr std::size_t kStack = 128 * 1024;
 
-// What runs now, for the line that a child leaves when the stack was too small.
+// The effect that runs now, for the line that a child leaves when the stack was too small.
 const char* running = "";
 
 extern "C" void tellWhatRan(int)
@@ -58,7 +58,7 @@ template <class Body> [[noreturn]] void runAndExit(Body body)
     std::exit(0);
 }
 
-// Pictures without black or equal pixels, which some effects have less to do with.
+// A picture without black or equal pixels, which some effects have less to do with.
 host::Image picture(unsigned width, unsigned height)
 {
     host::Image image(width, height);

@@ -19,10 +19,10 @@
 struct Diary {
     std::mutex mutex;
     std::vector<std::string> lines;
-    std::set<std::thread::id> threads; ///< that any entry but a log line came from
+    std::set<std::thread::id> threads; ///< that called any function but the log
     std::atomic<int> starts = 0;
-    std::atomic<int> systems = 0; ///< alive
-    std::atomic<int> effects = 0; ///< alive
+    std::atomic<int> systems = 0; ///< that exist now
+    std::atomic<int> effects = 0; ///< that exist now
     u32 nextId = 0;
 
     bool startWorks = true;

@@ -76,7 +76,8 @@ TEST_F(EffectTest, ManyEffectsLiveSideBySide)
 
 TEST_F(EffectTest, ChainsHandTexturesOn)
 {
-    // Each stage adds 1/255 to red. Memory between them is spoilt: the picture takes the texture's way.
+    // Each stage adds 1/255 to red. The memory between the stages is spoilt: the picture goes by way of the
+    // texture.
     const char* const brighter =
         "uniform sampler2D mSample0; varying vec2 textureCoord; void main() {"
         "gl_FragColor = texture2D(mSample0, textureCoord) + vec4(1.0 / 255.0, 0.0, 0.0, 0.0); }";
@@ -93,12 +94,12 @@ TEST_F(EffectTest, ChainsHandTexturesOn)
         std::fill_n(stages[i]->pixels(), stages[i]->byteSize(), u8(99));
         input = stages[i].get();
     }
-    // In memory again, the texture being let go.
+    // After the texture is let go the picture is in memory again.
     stages[0]->viewToChange();
     effects[1]->setInput(stages[0]->record(), 0);
     ASSERT_TRUE(effects[1].draw(*stages[1]));
     EXPECT_EQ(stages[1]->pixel(0, 0), (std::array<u8, 4>{99, 99, 100, 99}));
-    // An input whose effect has ended leaves the picture before it.
+    // An input whose effect has ended leaves the picture that was shown before.
     effects[3]->setInput(stages[2]->record(), 0);
     effects.erase(effects.begin() + 2);
     EXPECT_TRUE(effects[2].draw(*stages[3]));
@@ -235,7 +236,7 @@ TEST_F(EffectTest, WhatCannotBeDrawnSaysWhyAndLeavesTheTarget)
     EXPECT_FALSE(effect->problem().empty());
     EXPECT_TRUE(logged("none.pngnot be add to resource group or path is not right!"));
     EXPECT_TRUE(logged("Pictrue path is not right or it did not been add to resource group."));
-    // The rest goes on as before.
+    // Other effects go on as before.
     KEXSDK::GpuEffect good = effectOf(4, 4);
     good->setInput(input->record(), 0);
     Picture target(4, 4);
@@ -243,7 +244,7 @@ TEST_F(EffectTest, WhatCannotBeDrawnSaysWhyAndLeavesTheTarget)
     EXPECT_EQ(target.bytes(), input->bytes());
 }
 
-/// With a resource directory of the test's own.
+/// Effects over a resource directory of the test's own.
 class EffectFilesTest : public EffectTest {
 protected:
     EffectFilesTest()
@@ -356,7 +357,7 @@ TEST_F(EffectTest, AnEffectOutlivesItsThreadUnharmed)
     ogre(effect).setFloatParam(KEXSDK::ShaderParameter::fragment, "x", 1);
     EXPECT_EQ(effect->getShaderParameters(), nullptr);
     EXPECT_FALSE(effect.draw(target));
-    // Nor does it get into the way of the next thread's effects.
+    // The old effect does not get in the way of the next thread's effects either.
     KEXSDK::TovOgreRenderThread again(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", "");
     EXPECT_FALSE(effect.draw(target));
     KEXSDK::GpuEffect later = effectOf(8, 8);

@@ -40,7 +40,7 @@ TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)
     EXPECT_GE(environment.capabilities().driver.major, 2);
     EXPECT_TRUE(logged("Particle Emitter Type 'Point' registered"));
 
-    // The context that OGRE believes to have from GLX draws.
+    // OGRE believes that it has a context from GLX; drawing in it works.
     glClearColor(0.2f, 0.4f, 0.6f, 1);
     glClear(GL_COLOR_BUFFER_BIT);
     unsigned char pixel[4]{};
@@ -163,7 +163,7 @@ TEST_F(EnvironmentTest, TheProcessMayEndWhileTheThreadWaits)
     EXPECT_EXIT(
         {
             new KEXSDK::TovOgreRenderThread(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str());
-            std::filesystem::remove_all(directory_); // this process makes its own, and no fixture's end
+            std::filesystem::remove_all(directory_); // the child's own, which no fixture removes
             std::exit(KEXSDK::gpuAvailable() ? 42 : 1);
         },
         testing::ExitedWithCode(42), "");

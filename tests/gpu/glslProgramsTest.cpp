@@ -54,7 +54,7 @@ protected:
 TEST_F(GlslProgramsTest, UniformsOfEverySpellingTakeTheirValues)
 {
     const std::string longName(230, 'n');
-    // Each draws blue 0 when all values are those given, else 255.
+    // Each program draws blue 0 when all values are those given, else 255.
     const struct {
         const char* what;
         std::string declarations;

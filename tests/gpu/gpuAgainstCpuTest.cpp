@@ -27,7 +27,7 @@ struct Row {
     int greatest;
 };
 
-/// Soft light, a skin-coloured disc with an edge, a dark ground with some texture.
+/// Draws soft light, a skin-coloured disc with an edge, and a dark ground with some texture.
 void drawScene(pixels::View to)
 {
     for (int y = 0; y < to.height(); ++y)
@@ -47,7 +47,7 @@ void drawScene(pixels::View to)
 
 class GpuAgainstCpuTest : public OgreTest {
 protected:
-    /// The pictures of all rows, with the graphics system or without one.
+    /// Draws the pictures of all rows, with the graphics system or without one.
     std::vector<std::vector<u8>> render(std::span<const Row> rows, test::GuardedFrame& source, bool onGpu)
     {
         if (onGpu)

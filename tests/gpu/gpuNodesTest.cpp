@@ -38,7 +38,7 @@ protected:
         const auto bytes = host::bytesOf(image);
         return {bytes.begin(), bytes.end()};
     }
-    /// One node after the other, through pictures of the test's own.
+    /// Runs one node after the other, through pictures of the test's own.
     static std::vector<u8> stepByStep(
         std::initializer_list<host::Filter*> filters, test::GuardedFrame& source)
     {
@@ -85,7 +85,7 @@ TEST_F(GpuNodesTest, ChainsWithAndWithoutTheCpuBetweenGiveTheBytesOfSingleSteps)
     EXPECT_TRUE(target.bytes() == stepByStep({&c, &d}, source));
 }
 
-// Memory that is gone for good: reading it again would end the test.
+// The input's memory is unmapped: reading it again would end the test.
 TEST_F(GpuNodesTest, AnInputThatIsGoneIsReadNoMore)
 {
     test::GuardedFrame source(kWidth, kHeight);

@@ -58,7 +58,7 @@ TEST_F(OgreEffectTest, BothWaysBackGiveTheSameBytes)
     Picture small(37, 23);
     Picture large(120, 64);
     std::vector<u8> before;
-    // The buffer comes with the mode, grows with the picture, and goes.
+    // The pack buffer comes with its mode, grows with the picture, and goes with the mode.
     for (const KEXSDK::ReadBackMode mode :
         {KEXSDK::ReadBackMode::direct, KEXSDK::ReadBackMode::packBuffer, KEXSDK::ReadBackMode::direct}) {
         ogre(effect).setReadBackMode(mode);

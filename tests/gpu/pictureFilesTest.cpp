@@ -42,7 +42,7 @@ protected:
         return thread_.saveImage(file.c_str(), pixels.data(), width, height);
     }
 
-    /// A PNG of any kind; 16-bit samples high byte first.
+    /// Writes a PNG of any kind; 16-bit samples high byte first.
     void writePng(const std::string& name, u32 width, u32 height, int depth, int colourType, Bytes rows,
         const std::vector<png_color>& palette = {}, Bytes paletteAlpha = {}) const
     {
@@ -145,7 +145,7 @@ TEST_F(PictureFilesTest, JpegOfOneOrFourColoursIsConverted)
     EXPECT_EQ(load(path("grey.jpg")).size(), 8u * 8 * 4);
     EXPECT_EQ(Bytes(load(path("grey.jpg"))).back(), 255);
     EXPECT_NEAR(load(path("grey.jpg"))[0], 77, 2);
-    // Inks as programs store them: 255 is none. Red at full light, green at half, no blue; a quarter black.
+    // Inks as programs store them, 255 for none: red at full light, green at half, no blue; a quarter black.
     writeJpeg(path("inks.jpg"), JCS_CMYK, {255, 128, 0, 192});
     const Bytes inks = load(path("inks.jpg"));
     ASSERT_EQ(inks.size(), 8u * 8 * 4);
@@ -252,7 +252,7 @@ TEST_F(PictureFilesTest, AFailedSaveIsReportedAndLogged)
     EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
-// Files may end at 64 KiB for a while, as on a disk that fills up.
+// While it lives, files end at 64 KiB, as on a disk that fills up.
 class ShortFiles {
 public:
     ShortFiles()
@@ -291,7 +291,7 @@ TEST_F(PictureFilesTest, ASaveThatFailsLeavesWhatWasThere)
     EXPECT_EQ(read("older.png"), older);
     EXPECT_EQ(files(), before);
 
-    // One that succeeds goes through a link, and keeps the file's permissions.
+    // A save that succeeds goes through a link, and keeps the file's permissions.
     ASSERT_EQ(chmod(path("older.png").c_str(), 0640), 0);
     EXPECT_TRUE(save(path("link.png"), noise(30, 30), 30, 30));
     EXPECT_TRUE(std::filesystem::is_symlink(path("link.png")));
@@ -341,7 +341,7 @@ bool sameAs(const pictures::Decoded& a, const pictures::Decoded& b)
 TEST(PictureCodecs, NoBeginningOfAFileIsTakenForThePicture)
 {
     using namespace pictures;
-    constexpr std::size_t kChecksum = 4; // what ends a PNG says nothing about its pixels
+    constexpr std::size_t kChecksum = 4; // at the end of a PNG, and no part of its pixels
     for (const Kind kind : {Kind::png, Kind::jpeg, Kind::bmp, Kind::tga})
         for (const auto& [width, height] : {std::pair{2u, 2u}, {32u, 9u}}) {
             const Bytes file = encode(kind, noise(width, height).data(), width, height);

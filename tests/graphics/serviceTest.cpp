@@ -18,7 +18,7 @@ protected:
 
 TEST_F(WithoutService, NothingIsLoadedSavedOrDrawnAndNoThreadStarts)
 {
-    test::useNoGraphics(); // and if one starts, it says so
+    test::useNoGraphics(); // if a thread starts all the same, gpuAvailable() tells
     KEXSDK::CEffectImage image(2, 2, 0, 32, nullptr);
     image.pixels()[0] = 7;
     EXPECT_EQ(KEXSDK::CEffectImage::loadFromFile("any.png", 2, 2), nullptr);

@@ -10,7 +10,7 @@ namespace {
 
 using KEXSDK::CEffectImage;
 
-// Adds one to every byte and counts its runs.
+// A node that adds one to every byte and counts its runs.
 class AddOne final : public KEXSDK::CPureCEffect {
 public:
     explicit AddOne(u32 w = 2, u32 h = 2) : CPureCEffect(w, h) { }
@@ -123,8 +123,8 @@ TEST(Evaluation, AnExternalImageBecomesTheOutputAndTheOldOneStaysReadable)
     EXPECT_EQ(node.getOutputImage(), &external);
 }
 
-// What hosts do that hand in a new target for every frame and release it afterwards: whatever nodes are
-// switched on or off between, only images of the running evaluation are touched.
+// Hosts hand in a new target for every frame and release it afterwards. Whatever nodes they switch on or off
+// between frames, only images of the running evaluation are touched.
 TEST(Evaluation, ChainsInFrontOfANewTargetEveryFrameReadWhatTheirNodesWrote)
 {
     constexpr int kNodes = 3;

@@ -10,7 +10,7 @@ namespace {
 
 using KEXSDK::CEffectImage;
 
-/// Stands for a node that draws on the GPU: its output gets a texture of its own.
+/// A stand-in for a node that draws on the GPU: its output gets a texture of its own.
 class Drawing final : public KEXSDK::CSimpleEffect {
 public:
     Drawing() : CSimpleEffect(2, 2) { }

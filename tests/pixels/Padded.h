@@ -25,7 +25,7 @@ struct Padded {
     std::vector<u8> memory;
 };
 
-/// Calls run() once for each kind of vectors that loops are compiled for.
+/// Calls run() once for each vector width that loops are compiled for.
 template <class Run> void onEveryVectorLevel(Run run)
 {
     using pixels::VectorLevel;

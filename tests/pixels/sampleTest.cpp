@@ -14,7 +14,7 @@ using namespace pixels;
 using test::onEveryVectorLevel;
 using test::Padded;
 
-// Turned by a right angle and stretched to the size of the outcome.
+// Where a pixel comes from in a picture turned by a right angle and stretched to another size.
 Point turned(Extent from, Extent to, int x, int y)
 {
     return {y * from.width / to.height, (to.width - 1 - x) * from.height / to.width};

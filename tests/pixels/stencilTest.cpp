@@ -16,7 +16,7 @@ constexpr Extent kSizes[] = {{1, 1}, {1, 5}, {5, 1}, {2, 2}, {2, 6}, {6, 2}, {3,
 constexpr Border kBorders[] = {
     Border::untouched, Border::kept, Border::black, Border::blackSides, Border::white};
 
-// Every neighbour counts differently.
+// A weighted mean in which every neighbour counts differently.
 constexpr int weighted(Neighbours n)
 {
     return (n.belowLeft + 2 * n.below + 3 * n.belowRight + 4 * n.left + 5 * n.centre + 6 * n.right
@@ -24,7 +24,7 @@ constexpr int weighted(Neighbours n)
         / 45;
 }
 
-// at(dx, dy): the byte that lies so far away.
+// That mean as a plain loop; at(dx, dy) is the byte that lies so far away.
 int weightedAround(const std::function<int(int, int)>& at)
 {
     int sum = 0;
@@ -52,8 +52,8 @@ Bgra borderPixel(Border border, bool endRow, Bgra src, Bgra before)
     return {};
 }
 
-// run(src, dst, border) on pictures of every size and with every border; inner(src, x, y) is what must come
-// out where all neighbours exist.
+// Checks run(src, dst, border) on pictures of every size and with every border; inner(src, x, y) is what must
+// come out where all neighbours exist.
 void expectStencil(const std::function<void(ConstView, View, Border)>& run,
     const std::function<Bgra(ConstView, int x, int y)>& inner)
 {

@@ -30,7 +30,7 @@ struct Decoded {
                 sum += at(x, y)[channel];
         return sum / ((height * 2 / 3 - height / 3) * (width * 2 / 3 - width / 3));
     }
-    /// How many pixels have less than this alpha, as a share of all.
+    /// The share of pixels whose alpha is below this one.
     double shareBelow(int alpha) const
     {
         std::size_t count = 0;
@@ -156,13 +156,13 @@ protected:
                 i % 4 == 3 ? 255 : u8((i / 4 % kWidth < kWidth / 2 ? kDark : kBright) + 20 * int(i % 4) - 20);
     }
 
-    /// Means over the middle ninth, and over everything how far the picture moved.
+    /// Means over the dark and the bright part of the middle ninth, and how far the whole picture moved.
     struct Shown {
         double dark[3] = {};
         double bright[3] = {};
         double changed = 0;
 
-        /// In the channel that shows it best.
+        /// How far apart the two browns are, in the channel that shows it best.
         double contrast() const
         {
             double best = 0;

@@ -90,7 +90,7 @@ protected:
     std::optional<host::Image> first, second;
 };
 
-/// Of all effects, or without a value of the effect's own.
+/// True for parameters that all effects have, and for those without a value of the effect's own.
 bool isStandard(const ParamInfo& param)
 {
     const std::string_view name = param.name;
@@ -206,8 +206,8 @@ TEST_F(ShaderPack, DescribedDefaultsAreWhatEffectsDoByThemselves)
     }
 }
 
-// The way there leads over every frame, or straight to it; the latter comes first, for nothing was drawn
-// then.
+// A host comes to a frame over every frame before, or straight; the straight way is tried first, when nothing
+// was drawn yet.
 TEST_F(ShaderPack, EveryWayToAFrameOfAParticleSceneShowsTheSamePicture)
 {
     constexpr int kFirst = 24;

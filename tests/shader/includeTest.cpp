@@ -70,7 +70,7 @@ TEST_F(ShaderFiles, IncludesOfThePackAreTakenIn)
         EXPECT_EQ(drawn(i), kIsRed) << includes[i];
 }
 
-// Each is refused with one line in the log, and shows its input.
+// Effects whose files are refused: each with one line in the log, and showing its input.
 class ShaderFilesLog : public ShaderFiles {
 protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

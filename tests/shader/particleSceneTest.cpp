@@ -112,7 +112,7 @@ particle_system ranged
 }
 )";
 
-// More than OGRE can draw, and than any scene needs.
+// A template with more particles than OGRE can draw, and than any scene needs.
 constexpr const char* kFlood = R"(
 particle_system flood
 {
@@ -186,7 +186,7 @@ TEST_F(Particles, EveryWayToAFrameShowsTheSamePicture)
         auto other = scene(template_); // lives beside the first one from here on
         for (const int frame : {30, 10, 11, 10, 25, 25, 0, 3, 30, 29})
             EXPECT_TRUE(at(other, frame) == frames[std::size_t(frame)]) << "frame " << frame;
-        // Two scenes and a plain effect in turns.
+        // Two scenes draw in turns.
         auto third = scene(template_);
         for (const int frame : {5, 6, 20}) {
             EXPECT_TRUE(at(other, frame) == frames[std::size_t(frame)]) << "frame " << frame;
@@ -214,7 +214,7 @@ TEST_F(Particles, TheFrameRateGivesTheStep)
     }
 }
 
-// Where the lit pixels are, and how many: attributes are told by what they do to still particles.
+// Attributes are told by what they do to still particles: where the lit pixels are, and how many.
 TEST_F(Particles, AttributesReachTechniquesAndEmitters)
 {
     const auto shows = [&](auto... settings) {

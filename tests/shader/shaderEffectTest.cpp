@@ -70,7 +70,7 @@ TEST_F(ShaderEffect, DescribedTexturesAreLoaded)
     EXPECT_EQ(middle(filter), (Bgra{10, 20, 30, 77}));
 }
 
-// Byte values 0..255 of a uniform that was given as 0..1.
+// The pixel of a colour that a uniform gave as 0..1.
 Bgra rounded(double b, double g, double r, double a)
 {
     const auto byte = [](double v) { return (unsigned char)(std::lround(v * 255)); };
@@ -253,7 +253,7 @@ TEST_F(ShaderEffect, AnInputThatIsDisconnectedStaysAsItWas)
         R"("INPUTS": 2)");
     start();
     const auto input = plain(8, 8, kGrey);
-    // Released at once, or drawn again, made larger and released later.
+    // The source is released at once, or drawn again, made larger and released later.
     for (const bool atOnce : {true, false}) {
         std::optional<host::Filter> source(filter(0));
         auto both = filter(1);
@@ -312,7 +312,7 @@ TEST_F(ShaderEffect, ADisabledOneOrOneInAChainBehavesLikeEveryNode)
     direct.setInput(onCpu);
     EXPECT_EQ(bytes(grey.run()), bytes(direct.run()));
 
-    // Into the host's own image.
+    // DoFilterEx draws into the host's own image.
     host::Image target(33, 17);
     ASSERT_EQ(DoFilterEx(chain[0].handle(), target.handle()), 0u);
     EXPECT_EQ(bytes(target), inverted);

@@ -115,7 +115,7 @@ TEST_F(WithoutGpu, NodesMayOutliveTheEngine)
     EXPECT_EQ(bytes(node->run()), bytes(input));
     engine.reset();
     EXPECT_TRUE(ends([&] { EXPECT_EQ(bytes(node->run()), bytes(input)); }));
-    start(); // another one of its kind must not be taken for it
+    start(); // the new system's effect must not be taken for the old one
     auto other = filter(0, 16, 16);
     const auto larger = noise(16, 16, 4);
     other.setInput(larger);

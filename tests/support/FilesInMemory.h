@@ -10,10 +10,10 @@
 
 namespace test {
 
-/// Pixels of picture files, repeated over pictures of any size.
+/// The picture files that there are, by name: pixels that repeat over pictures of any size.
 struct Files {
     std::map<std::string, std::vector<pixels::Bgra>> pixels;
-    std::vector<pixels::Bgra> others; ///< of every other file; without pixels it cannot be loaded
+    std::vector<pixels::Bgra> others; ///< of every other file; when empty, such a file cannot be loaded
     std::vector<std::string> asked;
 };
 inline Files files;

@@ -16,7 +16,7 @@ namespace {
 
 std::atomic<std::size_t> allocations{0};
 
-// Which allocation is to fail: 0 for none.
+// How many allocations are left until one is to fail; 0 for none.
 std::atomic<long> untilFailure{0};
 std::atomic<std::thread::id> spared;
 bool renderingLibraryFails = false;
@@ -70,7 +70,7 @@ void failAllocation(long number, bool inRenderingLibrary)
     renderingLibraryFails = inRenderingLibrary;
     moduleCount = 0;
     void* first[1];
-    backtrace(first, 1); // which loads a library
+    backtrace(first, 1); // the first call loads a library
     dl_iterate_phdr(noteModule, nullptr);
     spared = std::this_thread::get_id();
     untilFailure = number;
@@ -123,7 +123,7 @@ void* counted(std::size_t size, std::size_t alignment, const void* caller)
 
 } // namespace
 
-// The array and nothrow forms call these.
+// The array and nothrow forms of operator new call these.
 void* operator new(std::size_t size)
 {
     return counted(size, alignof(std::max_align_t), __builtin_return_address(0));

@@ -14,7 +14,7 @@ namespace test {
 inline constexpr pixels::Bgra kFrom{10, 20, 30, 40};
 inline constexpr pixels::Bgra kTo{210, 220, 230, 240};
 
-/// A pixel that says where it stands, in a picture of its own.
+/// A pixel whose value tells its picture and its place there.
 inline pixels::Bgra place(int picture, int x, int v)
 {
     return {u8(x), u8(v), u8(picture), u8(100 + picture)};
@@ -63,8 +63,8 @@ protected:
         return out_->view();
     }
 
-    /// One row of the last frame, counted from the top: '.' from, '#' to, 'c' colours of to over alpha of
-    /// from, '?' anything else.
+    /// One row of the last frame, counted from the top, a letter for each pixel: '.' from, '#' to, 'c'
+    /// colours of to over alpha of from, '?' anything else.
     std::string row(int v)
     {
         std::string text;
@@ -72,7 +72,7 @@ protected:
             text += p == kFrom ? '.' : p == kTo ? '#' : p == pixels::Bgra{210, 220, 230, 40} ? 'c' : '?';
         return text;
     }
-    /// All rows of a frame from the top, and one column of it.
+    /// All rows of a new frame, from the top.
     std::vector<std::string> picture(float time, float total = 1)
     {
         show(time, total);
@@ -81,6 +81,7 @@ protected:
             rows.push_back(row(v));
         return rows;
     }
+    /// One column of the last frame, from the top.
     std::string column(int x)
     {
         std::string text;

@@ -39,8 +39,8 @@ protected:
     }
 };
 
-// Where an end does not show its picture, and what it shows there instead. Coordinates are those of a picture
-// of kWidth x kHeight pixels, in which every tile, cell and layer fits.
+// Ends that do not show their picture everywhere, and what they show there instead. Coordinates are those of
+// a picture of kWidth x kHeight pixels, in which every tile, cell and layer fits.
 constexpr int kWidth = 180;
 constexpr int kHeight = 112;
 
@@ -143,7 +143,7 @@ TEST_F(EveryTransition, StaysInsideItsBuffersAtAnySizeAndTime)
             EXPECT_EQ(bytesAt(std::numeric_limits<float>::quiet_NaN(), kTotal), bytesAt(0, kTotal));
             EXPECT_EQ(bytesAt(1e30f, kTotal), bytesAt(kTotal, kTotal));
             EXPECT_EQ(bytesAt(1, 0), fromFrame().bytes());
-            // Amounts overflow single precision here.
+            // Amounts overflow single precision at these times.
             bytesAt(1e38f, 3e38f);
         }
     }

@@ -62,7 +62,7 @@ TEST_F(Geometric, SplitsOpenFromTheMiddleAndMergesCloseOnIt)
 
 TEST_F(Geometric, CellsAreAnEvenTenthOfTheHeight)
 {
-    // 15 rows: 1 is odd, so 2. 40 rows: 4.
+    // A tenth of 15 rows is 1, which is odd, so cells have 2 rows; of 40 rows they have 4.
     open("cross-shutter-1", 5, 15);
     EXPECT_EQ(picture(0.99f), Rows(15, "....."));
     open("cross-shutter-1", 9, 40);
@@ -83,7 +83,7 @@ TEST_F(Geometric, CellsAreAnEvenTenthOfTheHeight)
     picture(0.5f);
     EXPECT_EQ(row(38), "c...c...c");
     EXPECT_EQ(row(39), "ccccccccc");
-    // Lower than ten rows there are no cells.
+    // Pictures of fewer than ten rows have no cells.
     for (const char* name : {"cross-shutter-1", "cross-shutter-2", "grid-zoom-in", "grid-zoom-out"}) {
         open(name, 3, 9);
         EXPECT_EQ(picture(0.9f), Rows(9, "...")) << name;

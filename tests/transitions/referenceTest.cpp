@@ -1,4 +1,5 @@
-// Soft edges are drawn from segments, tables and shared half rows. Here every pixel is asked on its own.
+// Transitions with soft edges, which are drawn from segments, tables and shared half rows, against formulas
+// that tell each pixel on its own.
 #include "pixels/numbers.h"
 #include "pixels/wordBlends.h"
 #include "transitions/TransitionFixture.h"
@@ -13,7 +14,7 @@ using pixels::Bgra;
 using pixels::roundHalfUp;
 using pixels::truncated;
 
-/// What one pixel asks with: its column, its row from the top, and the frame.
+/// What a formula needs to know of a pixel: its column, its row from the top, and the frame.
 struct Where {
     int x, v;
     int w, h;
@@ -29,7 +30,7 @@ struct Where {
 };
 
 constexpr int kNotDrawn = -1;
-/// The weight of the new picture, or kNotDrawn.
+/// The weight of the new picture at a pixel, 0 .. 255, or kNotDrawn.
 using Weight = std::function<int(const Where&)>;
 enum class Blend { shift, division, single };
 

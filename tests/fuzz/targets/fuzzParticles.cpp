@@ -26,7 +26,7 @@ constexpr u32 kWidth = 24;
 constexpr u32 kHeight = 16;
 constexpr std::size_t kMostTemplates = 3;
 
-/// The resource directory; the script under test is the one file of the group's.
+/// The resource directory. The script under test is the only file of the group's location.
 const std::string& directory()
 {
     static const std::string& made = []() -> const std::string& {
@@ -42,7 +42,7 @@ const std::string& directory()
     return made;
 }
 
-/// The graphics system; it stays for the process.
+/// Starts the graphics system, which stays for the process.
 void start()
 {
     static KEXSDK::TovOgreBase* const environment = [] {
@@ -53,7 +53,7 @@ void start()
         std::abort();
 }
 
-/// As the engine's start does for the resource groups of its configuration.
+/// Reads a script the way the engine's start reads the resource groups of its configuration.
 void readScript(const unsigned char* data, std::size_t size)
 {
     std::ofstream(directory() + "scripts/fuzz.particle", std::ios::binary)
@@ -73,7 +73,7 @@ std::vector<std::string> templateNames()
     return names;
 }
 
-/// Some frames forward, over a gap, and back.
+/// Draws a template's particles: some frames forward, over a gap, and back.
 void draw(const std::string& name)
 {
     const std::unique_ptr<KEXSDK::TovEffectBase> effect(DYN_CLASS::create("TovOgrePaticalUniverseEffect"));
