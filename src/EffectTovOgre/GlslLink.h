@@ -26,7 +26,7 @@ struct GlslUniform {
 struct GlslLink {
     /// Why the pair cannot be used, empty when it can: the driver's message, or a part that cannot be set.
     std::string message;
-    std::vector<GlslUniform> uniforms; ///< by name
+    std::vector<GlslUniform> uniforms; ///< in the order of their names
     u32 program = 0;                   ///< the one that is drawn with; 0 until drawWith
 
     // These functions need a current OpenGL context.

@@ -81,7 +81,7 @@ protected:
 private:
     struct Program {
         std::string name; ///< empty while the default is in use
-        std::string text; ///< until it is linked
+        std::string text; ///< read by link()
         Ogre::GpuProgramParametersSharedPtr parameters;
     };
 

@@ -84,7 +84,7 @@ public:
     {
         fill({0, 0, 0, 255});
     }
-    /// One row.
+    /// A picture of one row.
     AmPicture(std::initializer_list<Bgra> row) : AmPicture(int(row.size()), 1)
     {
         std::ranges::copy(row, view().row(0).begin());
@@ -146,7 +146,7 @@ private:
     std::vector<u8> memory_;
 };
 
-/// Pixels that name their place: column, row, and an alpha of their own.
+/// A picture whose pixels tell their place: blue is the column, green the row, red and alpha mix the two.
 inline AmPicture numbered(int width, int height)
 {
     AmPicture picture(width, height, 12);
@@ -162,7 +162,7 @@ inline i32 apply(AmBlock& block, AmPicture& picture)
     return KEXSDK::AmApplyEffect(block.get(), &desc, nullptr);
 }
 
-/// The picture after one run of an id, with the thread's generator seeded.
+/// The picture after one run of an effect, with the thread's generator seeded.
 template <class Set = void (*)(KEXSDK::AmEffectParams&)>
 AmPicture applied(
     Am id, AmPicture picture, Set set = [](KEXSDK::AmEffectParams&) {}, u32 seed = 1)

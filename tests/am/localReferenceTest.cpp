@@ -228,7 +228,7 @@ TEST(AmLocalReference, FireSweepsThreeTimesFromRowToRow)
     }
 }
 
-// A mean over all of a level's kernel, as it stands in the buffer.
+// The tilt shift as plain means, each over the whole kernel of its level as that stands in the buffer.
 AmPicture tiltShiftPlainly(const AmEffectParams& block, AmPicture source, int levels)
 {
     const int w = source.view().width();

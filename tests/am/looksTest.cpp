@@ -96,12 +96,12 @@ TEST(AmLooks, RainbowsGiveEveryRowItsHue)
     AmPicture column(1, 12);
     for (int y = 0; y < 12; ++y)
         column.view().at(0, y) = {10, 20, 30, u8(y)};
-    // From red over yellow, green, cyan, blue and magenta, in half steps.
+    // The hues go from red over yellow, green, cyan, blue and magenta, in half steps.
     EXPECT_EQ(applied("rainbow", column).pixels(),
         (Row{{10, 10, 30, 0}, {10, 20, 30, 1}, {10, 30, 30, 2}, {10, 30, 20, 3}, {10, 30, 10, 4},
             {20, 30, 10, 5}, {30, 30, 10, 6}, {30, 20, 10, 7}, {30, 10, 10, 8}, {30, 10, 20, 9},
             {30, 10, 30, 10}, {20, 10, 30, 11}}));
-    // From 90 degrees down to 35.
+    // The hues go from 90 degrees down to 35.
     EXPECT_EQ(applied("rainbow2", column).pixels(),
         (Row{{0, 30, 15, 0}, {0, 30, 17, 1}, {0, 30, 20, 2}, {0, 30, 22, 3}, {0, 30, 25, 4}, {0, 30, 27, 5},
             {0, 30, 30, 6}, {0, 27, 30, 7}, {0, 25, 30, 8}, {0, 22, 30, 9}, {0, 20, 30, 10},

@@ -78,7 +78,7 @@ TEST(AmFocus, TheWindowMayReachBeyondThePicture)
 
 TEST(AmCanvas, FadesFromThePictureToTheTexture)
 {
-    // The farthest corner is 28 away: full within 5, nothing from 19 on.
+    // The farthest corner is 28 away: the picture is full within 5, and gone from 19 on.
     const AmPicture white = flat(41, 41, {255, 255, 255, 9});
     const AmPicture black = flat(41, 41, {0, 0, 0, 255});
     AmBlock block("canvas");

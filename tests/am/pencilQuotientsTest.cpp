@@ -14,7 +14,8 @@ namespace {
 
 using namespace KEXSDK::am;
 
-// Divisors of both effects: largest bytes and 8, or the excess over a byte and twice its root and one.
+// The range of both effects' divisors: a largest byte plus 8, or an excess over a byte plus twice n, where n
+// is one more than the root of the byte plus one.
 constexpr int kLeast = 4;
 constexpr int kMost = 255 + 8;
 

@@ -22,7 +22,7 @@ class LightRoom : public test::EngineWithoutGpu {
 protected:
     void TearDown() override { pixels::limitBuffers(~std::size_t{0}); }
 
-    /// A node with a neutral white balance, unless the settings name one.
+    /// Sets a node's parameters, with a neutral white balance unless the settings name one.
     static void set(host::Filter& filter, const Settings& settings)
     {
         filter.set("u_temperature", 11500);
@@ -190,7 +190,7 @@ TEST_F(LightRoom, SharpenWorksOnInnerPixels)
 
 TEST_F(LightRoom, DistortKeepsTheCentreAndStaysInside)
 {
-    // Every pixel says where it was.
+    // Every pixel tells its place.
     frame(64, 48);
     for (int y = 0; y < 48; ++y)
         for (int x = 0; x < 64; ++x)

@@ -72,7 +72,7 @@ TEST_F(Overlays, EachBlendsOverItsOwnBase)
     EXPECT_EQ(over(kCamcorder, base, clear), (Bgra{10, 20, 40, 255}));
     EXPECT_EQ(over(kConcert, base, clear), (Bgra{10, 20, 40, 255}));
 
-    // Rounded up, and at full alpha with a 256th of the base.
+    // Blends round up, and at full alpha a 256th of the base remains.
     const Bgra half{200, 100, 50, 128};
     EXPECT_EQ(over(kSight, base, half), (Bgra{112, 62, 37, 255}));
     EXPECT_EQ(over(kNightVision, base, half), (Bgra{104, 62, 29, 255}));

@@ -33,7 +33,7 @@ inline const char* faultOf(const shader::ShaderDescriptor& descriptor)
         if (texts > (1u << 21))
             return "texts longer than any file";
         for (const double value : param.value) {
-            // Converts without overflow: the store does the same.
+            // The store converts the value without checking it, so it has to fit its type.
             const bool whole =
                 param.type == KEXSDK::ParamType::integer || param.type == KEXSDK::ParamType::integerArray;
             if (!std::isfinite(value) || !std::isfinite(float(value)))

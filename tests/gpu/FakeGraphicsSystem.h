@@ -92,7 +92,8 @@ private:
     u32 id_;
 };
 
-/// Its "decoder" fills a 16 x 16 picture with the last character of the path, slowly enough to be disturbed.
+/// A picture of 16 x 16 pixels whose "decoder" fills it with the last character of the path, slowly enough to
+/// be disturbed.
 class FakeImage : public KEXSDK::SharedImage {
 public:
     bool hasData() const override { return !bytes_.empty(); }

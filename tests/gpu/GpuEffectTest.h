@@ -14,7 +14,7 @@ namespace test {
 struct Picture : KEXSDK::CEffectImage {
     Picture(u32 width, u32 height) : CEffectImage(width, height, 0, 32, nullptr) { }
 
-    /// Any bytes, alpha included; the same for the same seed.
+    /// A picture of any bytes, alpha included; the same for the same seed.
     static std::unique_ptr<Picture> noise(u32 width, u32 height, unsigned seed)
     {
         auto picture = std::make_unique<Picture>(width, height);
@@ -22,7 +22,7 @@ struct Picture : KEXSDK::CEffectImage {
         std::generate_n(picture->pixels(), picture->byteSize(), [&] { return u8(random()); });
         return picture;
     }
-    /// One colour, given as 0..1 of red, green, blue and alpha.
+    /// A picture of one colour, given as the bytes blue, green, red and alpha.
     static std::unique_ptr<Picture> plain(u32 width, u32 height, std::array<u8, 4> bgra)
     {
         auto picture = std::make_unique<Picture>(width, height);
@@ -56,7 +56,7 @@ protected:
         return effect;
     }
 
-    /// What only the class over OGRE has.
+    /// The effect as its class over OGRE, for what only that class has.
     static KEXSDK::TovOgreEffectBase& ogre(const KEXSDK::GpuEffect& effect)
     {
         return dynamic_cast<KEXSDK::TovOgreEffectBase&>(*effect.get());

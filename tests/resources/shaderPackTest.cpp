@@ -237,7 +237,8 @@ TEST_F(ShaderPack, EveryWayToAFrameOfAParticleSceneShowsTheSamePicture)
     EXPECT_GE(scenes, 10);
 }
 
-// How much particles change the picture, at the start and once the scene has long been running.
+// Particles change the picture at the first frame at least half as much as once the scene has long been
+// running.
 TEST_F(ShaderPack, ParticleScenesAreFilledAtTheirFirstFrame)
 {
     const auto strength = [&](host::Filter& filter, float seconds) {
@@ -335,7 +336,7 @@ TEST_F(ShaderPack, TheTriangleBlurSpreadsAPointEvenly)
     EXPECT_NEAR(sum, 9 * 255, 9 * 25);
 }
 
-// A chunk from late in a long clip begins there at once.
+// A graph that draws a late part of a long clip begins there at once.
 TEST_F(ShaderPack, AGraphThatBeginsLateShowsAParticleSceneAsItIsThen)
 {
     host::GraphDescription description;

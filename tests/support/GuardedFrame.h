@@ -24,7 +24,7 @@ public:
     GuardedFrame(const GuardedFrame&) = delete;
     GuardedFrame& operator=(const GuardedFrame&) = delete;
 
-    /// Any bytes, alpha included; the same for the same seed.
+    /// Fills the frame with any bytes, alpha included; the same for the same seed.
     void fillWithNoise(unsigned seed)
     {
         std::mt19937 random(seed);
