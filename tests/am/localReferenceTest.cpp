@@ -1,4 +1,5 @@
-// Effects whose rows, sweeps or sums are taken in another order than they are told in, against that order.
+// Effects whose rows, sweeps or sums are computed in another order than they are defined in, against the
+// defined one.
 #include "am/AmFixture.h"
 #include "effects/am/data/firePalette.h"
 #include "effects/am/library/amTables.h"

@@ -1,5 +1,4 @@
-// Hosts call from threads with small stacks: every effect runs on one of the size that the public header asks
-// for.
+// Every effect on a thread whose stack has the size that the public header asks for: hosts have small ones.
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "host/exampleValues.h"

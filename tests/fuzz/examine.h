@@ -8,7 +8,7 @@
 
 namespace fuzz {
 
-/// Null, or what is wrong with the result. A table is applied to some colours as well.
+/// Answers null, or what is wrong with the result. A table is applied to some colours as well.
 inline const char* faultOf(const lut::LutFile& file)
 {
     if (file.status == lut::LutStatus::notInitialised)

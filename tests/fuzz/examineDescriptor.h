@@ -9,7 +9,7 @@
 
 namespace fuzz {
 
-/// Null, or what is wrong with the result.
+/// Answers null, or what is wrong with the result.
 inline const char* faultOf(const shader::ShaderDescriptor& descriptor)
 {
     if (descriptor.inputs > shader::kMaxTextures || descriptor.textures.size() > shader::kMaxTextures)

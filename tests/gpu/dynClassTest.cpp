@@ -9,7 +9,7 @@
 
 namespace KEXSDK {
 
-// Where the effects are: a class is asked for by its name within the engine's namespace.
+// Test classes stand where the effects do: a class is asked for by its name within the engine's namespace.
 struct DynTestEffect : FakeEffect {
     DynTestEffect() : FakeEffect(shared) { }
     static inline Diary shared;

@@ -130,7 +130,7 @@ TEST_F(EnvironmentTest, WithoutItsResourcesFileItIsNotUsable)
 
 TEST_F(EnvironmentTest, ResourceLocationsStartAtTheFilesDirectoryAndMayBeMissing)
 {
-    // The directory's text has no separator at its end: it is joined as it is.
+    // The directory's text has no separator at its end: it is joined with the file's name as it is.
     write("otherresources.cfg", "[General]\nFileSystem=there\nFileSystem=missing\nNoSuchType=there\n");
     std::filesystem::create_directory(path("there"));
     write("there/by-name.pgm", "P5 1 1 255 \x40");

@@ -268,7 +268,7 @@ TEST_F(GlslProgramsTest, WhatCannotBeSetIsAProblemAndNoCrash)
         EXPECT_NE(effect->problem().find(program.named), std::string::npos) << effect->problem();
         EXPECT_EQ(effect->problem().find('\n'), std::string::npos);
     }
-    // Nor is anything drawn while two kinds of samplers meet in one unit.
+    // Nothing is drawn while samplers of two types show one unit.
     KEXSDK::GpuEffect effect = effectOf(4, 4,
         "#version 130\nin vec2 textureCoord; uniform sampler2D mSample0; uniform sampler3D cube;"
         "void main() { gl_FragColor = texture(mSample0, textureCoord) + min(texture(cube, vec3(0)), 0.0); }");

@@ -1,4 +1,4 @@
-// Nodes that the GPU draws within graphs: textures between them never show, but for the time they save.
+// Nodes that the GPU draws within graphs: the textures between them save time and change no picture.
 #include "gpu/FakeGraphicsSystem.h"
 #include "gpu/OgreTest.h"
 #include "pixels/View.h"

@@ -1,4 +1,4 @@
-// Images and nodes in a program without a graphics system, and who stands for one.
+// Images and nodes in a program without a graphics system, and the render thread as the program's system.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "effects/gpu/GpuEffect.h"
 #include "graphics/GraphicsService.h"

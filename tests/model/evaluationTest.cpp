@@ -205,7 +205,7 @@ TEST(Evaluation, DisconnectingDropsOnlyWhatTheConnectionFed)
     EXPECT_TRUE(b.evaluate(nullptr));
     EXPECT_EQ(b.getOutputImage()->pixels()[0], 41);
 
-    // The host's image may lie where a target lay that the connection had fed.
+    // The host's image may have the address of a target that the connection fed before.
     AddOne upstream;
     AddOne reader;
     Picture reused(40);

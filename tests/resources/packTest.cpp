@@ -66,7 +66,7 @@ protected:
         EXPECT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
     }
 
-    /// By its bare name, as effects ask for it.
+    /// Loads a picture by its bare name, as effects ask for it.
     Decoded load(const std::string& name)
     {
         const KEXSDK::LoadedImage image = thread_.loadImage(name.c_str());

@@ -25,7 +25,7 @@ using Bytes = std::vector<unsigned char>;
 constexpr int kWidth = 96;
 constexpr int kHeight = 54;
 
-/// Smooth areas, hard edges, bright and dark places, all hues: something for every effect to act on.
+/// A picture with smooth areas, hard edges, bright and dark places and all hues: something for every effect.
 host::Image scene(int number)
 {
     host::Image image(kWidth, kHeight);

@@ -55,7 +55,7 @@ protected:
         return "5AAD0000-0000-4000-8000-0000000000" + std::to_string(10 + number);
     }
 
-    /// A descriptor in "Shader/", with members that follow its GUID.
+    /// Writes a descriptor into "Shader/", with members that follow its GUID.
     void describe(int number, const std::string& members)
     {
         files.write("Shader/" + std::to_string(number) + ".conf",

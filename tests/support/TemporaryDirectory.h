@@ -24,10 +24,10 @@ public:
         std::filesystem::remove_all(path_, ignored);
     }
 
-    /// With a trailing separator.
+    /// The path, with a trailing separator.
     const std::string& path() const { return path_; }
 
-    /// Directories on the way are made.
+    /// Writes a file, and makes the directories on its way.
     void write(const std::string& name, const std::string& bytes) const
     {
         const std::filesystem::path file = path_ + name;

@@ -206,7 +206,7 @@ TEST_F(Motion, TheDiagonalRollCurlsTheOldPictureTowardTheTopRight)
     // Half of the diagonal: the fold runs through the other two corners.
     auto out = show(0.5f);
     EXPECT_EQ(out.at(60, 60), place(2, 60, 139));
-    // Beyond the curl of 136 pixels and its shadow of 8.
+    // Beyond the curl of 136 pixels and its shadow of 8 lies the old picture.
     EXPECT_EQ(out.at(190, 190), place(1, 190, 9));
     // In the brighter half of the curl stands the paper from across the fold.
     const Bgra back = out.at(150, 150);
