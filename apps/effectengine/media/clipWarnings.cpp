@@ -5,7 +5,10 @@
 
 namespace tool::media {
 
-void warn(const std::filesystem::path& clip, const std::string& what) { tool::warn(clip.string() + ": " + what); }
+void warn(const std::filesystem::path& clip, const std::string& what)
+{
+    tool::warn(clip.string() + ": " + what);
+}
 
 void warnOfDepth(const ClipInfo& clip)
 {
