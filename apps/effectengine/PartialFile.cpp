@@ -2,7 +2,7 @@
 #include "effectengine/PartialFile.h"
 
 #include "effectengine/ToolError.h"
-#include "platform/files.h"
+#include "files/files.h"
 
 #include <unistd.h>
 

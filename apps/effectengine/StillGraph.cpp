@@ -1,11 +1,11 @@
 // Frames for effects with a history, and reasons why an effect changed nothing.
 #include "effectengine/StillGraph.h"
 
+#include "core/Random.h"
 #include "effectengine/interruption.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
 #include "model/CSimpleEffect.h"
-#include "pixels/Random.h"
 
 #include <algorithm>
 #include <cmath>

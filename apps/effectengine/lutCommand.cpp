@@ -4,8 +4,8 @@
 #include "effectengine/commands.h"
 #include "effectengine/lutOrder.h"
 #include "effectengine/lutRepair.h"
-#include "effects/lut/LutFile.h"
-#include "effects/lut/lutTiles.h"
+#include "lut/LutFile.h"
+#include "lut/lutTiles.h"
 
 #include <algorithm>
 #include <cctype>

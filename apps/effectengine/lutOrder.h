@@ -1,7 +1,7 @@
 // A guess at the order in which the entries of a lookup table stand.
 #pragma once
 
-#include "effects/lut/LutFile.h"
+#include "lut/LutFile.h"
 
 namespace tool {
 

@@ -2,10 +2,10 @@
 #include "effectengine/lutRepair.h"
 
 #include "effectengine/ToolError.h"
-#include "effects/lut/LutFile.h"
-#include "effects/lut/LutLines.h"
-#include "effects/lut/LutNumbers.h"
-#include "platform/Text.h"
+#include "lut/LutFile.h"
+#include "lut/LutLines.h"
+#include "lut/LutNumbers.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Random values for particle templates: a fixed sequence, so that every run draws the same picture.
 #pragma once
 
-#include "pixels/Random.h"
+#include "core/Random.h"
 
 #include <OgreMath.h>
 

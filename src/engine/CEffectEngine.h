@@ -1,7 +1,7 @@
 // The process-wide engine: directories, start-up order, and the way from a GUID to a filter node.
 #pragma once
 
-#include "effects/shader/descriptorFiles.h"
+#include "descriptors/descriptorFiles.h"
 #include "model/EffectRegistry.h"
 
 #include <map>

@@ -1,8 +1,8 @@
 // Makes one list of the effects in the registries, the tables and the descriptor files.
 #include "engine/effectList.h"
 
+#include "descriptors/descriptorList.h"
 #include "effects/am/library/amCatalog.h"
-#include "effects/shader/descriptorList.h"
 #include "effects/transitions/transitionTable.h"
 #include "model/CSimpleEffect.h"
 

@@ -1,8 +1,8 @@
 // Every effect that the engine can make, for tools.
 #pragma once
 
+#include "facts/Param.h"
 #include "model/EffectRegistry.h"
-#include "model/Param.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 #include "model/CEffectBaseParam.h"
 
 #include "core/Log.h"
-#include "platform/Text.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <cstring>

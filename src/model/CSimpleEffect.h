@@ -1,6 +1,7 @@
 // The filter node: inputs, connections, an output image, and the evaluation of graphs.
 #pragma once
 
+#include "facts/nodeParameters.h"
 #include "graphics/TextureLease.h"
 #include "model/CEffectBaseParam.h"
 #include "model/CEffectImage.h"
@@ -8,14 +9,6 @@
 #include <map>
 
 namespace KEXSDK {
-
-// Parameters that every node carries, or that animated effects read.
-inline constexpr auto kEnable =
-    Param<int>{"kex_effect_enable", 1, {0, 1}, "0 passes input 0 through"}.titled("Enabled");
-inline constexpr auto kGlobalTime =
-    Param<float>{"u_global_time", 0.0f, {0, 3600}, "time within the effect"}.titled("Time");
-inline constexpr auto kTotalTime =
-    Param<float>{"u_total_time", 5.0f, {0, 3600}, "duration of the effect"}.titled("Duration");
 
 /// Every effect is such a node. It never owns its inputs or the nodes it is connected to; they must
 /// outlive its evaluations. One thread evaluates a graph at a time.

@@ -1,7 +1,7 @@
 // What the engine knows about an effect besides its code, and the table of the CPU effect classes.
 #pragma once
 
-#include "core/Types.h"
+#include "facts/EffectInfo.h"
 
 #include <map>
 #include <string>
@@ -10,35 +10,6 @@
 namespace KEXSDK {
 
 class CSimpleEffect;
-
-/// How far back a frame's pixels depend on earlier frames.
-struct History {
-    static constexpr int kFromStart = -1;
-    int frames = 0; ///< 0 none, n the last n frames, kFromStart everything since the first frame
-};
-
-/// The alpha of what an effect draws.
-enum class Alpha {
-    kept,     ///< the source's at the same place
-    opaque,   ///< 255
-    computed, ///< anything else; opaque inputs become transparent only where the effect means it
-    loose,    ///< anything else; opaque inputs should stay opaque, but may not everywhere
-};
-
-/// Facts for catalogues and tools; the engine itself needs only the GUID.
-struct EffectInfo {
-    std::string guid;  ///< exact, case-sensitive
-    std::string name;  ///< for command lines: lower case with hyphens
-    std::string title; ///< for menus
-    std::string family;
-    std::string summary; ///< one sentence
-    u32 inputs = 1;
-    bool random = false;
-    bool shared = false; ///< all nodes of the process share state: a frame depends on what other nodes showed
-    bool needsGpu = false;
-    History history{};
-    Alpha alpha = Alpha::kept;
-};
 
 /// Makes a node of the given working size; the caller owns it. Null only when the effect refuses.
 using EffectCreator = CSimpleEffect* (*)(u32 width, u32 height);

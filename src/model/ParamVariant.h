@@ -1,7 +1,7 @@
 // One stored parameter value.
 #pragma once
 
-#include "model/Param.h"
+#include "facts/Param.h"
 
 #include <memory>
 #include <span>

@@ -1,9 +1,9 @@
 // Pictures and blocks for tests of the numeric effect library.
 #pragma once
 
+#include "core/Random.h"
 #include "effects/am/library/amCatalog.h"
 #include "effects/am/library/amLibrary.h"
-#include "pixels/Random.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Facts about the effects that move pixels.
 #include "effects/FrameEffect.h"
-#include "pixels/WaterSurface.h"
+#include "effects/cpu/WaterSurface.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // Lookup tables: what files are accepted, what they do to pixels, and what a node keeps of them.
-#include "effects/lut/LutFile.h"
+#include "lut/LutFile.h"
 #include "pixels/widest.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"

@@ -1,11 +1,11 @@
 // One sweep over everything registered: odd sizes, parameters at their ends and beyond, guard bytes, and the
 // promises that neither threads nor vector width show in the bytes, nor that an input is the output, too.
 #include "core/Clock.h"
+#include "core/Random.h"
 #include "effects/am/looks/brokenTelevision.h"
+#include "effects/cpu/WaterSurface.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
-#include "pixels/Random.h"
-#include "pixels/WaterSurface.h"
 #include "pixels/widest.h"
 #include "support/EngineFixture.h"
 #include "support/FilesInMemory.h"

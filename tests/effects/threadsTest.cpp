@@ -1,8 +1,8 @@
 // Graphs on several threads at once: every effect gives the bytes that it gives alone.
 #include "core/Clock.h"
+#include "core/Random.h"
 #include "engine/effectList.h"
 #include "host/exampleValues.h"
-#include "pixels/Random.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
 #include "support/TemporaryDirectory.h"

@@ -1,8 +1,8 @@
 // What must hold for every lookup-table file that was read, well-formed or not.
 #pragma once
 
-#include "effects/lut/LutFile.h"
 #include "effects/lut/LutTable.h"
+#include "lut/LutFile.h"
 
 #include <memory>
 

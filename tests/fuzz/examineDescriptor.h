@@ -1,7 +1,7 @@
 // What must hold for every descriptor that was read, whatever the file held.
 #pragma once
 
-#include "effects/shader/ShaderDescriptor.h"
+#include "descriptors/ShaderDescriptor.h"
 
 #include <cmath>
 #include <cstring>

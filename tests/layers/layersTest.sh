@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 offence() {
     rm -rf "$work/tree"
     mkdir "$work/tree"
-    cp -r "$root/src" "$work/tree"
+    cp -r "$root/common" "$root/src" "$work/tree"
     mkdir -p "$(dirname "$work/tree/$2")"
     echo "$3" >>"$work/tree/$2"
     if "$check" "$work/tree" 2>"$work/said.txt"; then
@@ -23,13 +23,13 @@ offence() {
         exit 1
     }
 }
-offence 'ee_base does not link the layer of model' src/pixels/numbers.h '#include "model/Param.h"'
-offence 'ee_effects does not link the layer of EffectTovOgre' src/effects/am/library/amFrame.h ' # include <EffectTovOgre/TovOgreBase.h>'
-offence 'ee_graphics does not link the layer of model' src/graphics/TovEffectBase.h '#include "model/CEffectBaseParam.h"'
-offence 'ee_pictures does not link the layer of graphics' src/pictures/JpegCodec.h '#include "graphics/ImageParam.h"'
-offence 'ee_shader does not link the layer of EffectTovOgre' src/effects/shader/descriptorList.h '#include "EffectTovOgre/TovOgreBase.h"'
-offence 'ee_model does not link the layer of effects/lut' src/model/Param.h '#include "../effects/lut/LutFile.h"'
-offence 'pixels does not stand before core' src/core/Clock.h '#include "pixels/numbers.h"'
+offence 'ee_common does not link the layer of src/model' common/pixels/numbers.h '#include "model/CSimpleEffect.h"'
+offence 'ee_effects does not link the layer of src/EffectTovOgre' src/effects/am/library/amFrame.h ' # include <EffectTovOgre/TovOgreBase.h>'
+offence 'ee_graphics does not link the layer of src/model' src/graphics/TovEffectBase.h '#include "model/CEffectBaseParam.h"'
+offence 'ee_pictures does not link the layer of src/graphics' common/pictures/JpegCodec.h '#include "graphics/ImageParam.h"'
+offence 'ee_shader does not link the layer of src/EffectTovOgre' src/effects/shader/CSimpleShaderEffect.h '#include "EffectTovOgre/TovOgreBase.h"'
+offence 'ee_base does not link the layer of src/effects/lut' src/core/Clock.h '#include "../effects/lut/LutTable.h"'
+offence 'common/pixels does not stand before common/text' common/text/Text.h '#include "pixels/numbers.h"'
 offence 'its layer does not link OGRE' src/engine/effectList.cpp '#include <OgreRoot.h>'
 offence 'its directory belongs to no layer' src/loose/file.h '#pragma once'
 offence 'ee_low links ee_high, which does not stand above it' src/CMakeLists.txt \

@@ -1,5 +1,5 @@
 // Titles that are made of names.
-#include "model/Param.h"
+#include "facts/Param.h"
 
 #include <gtest/gtest.h>
 

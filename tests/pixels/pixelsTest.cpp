@@ -1,9 +1,9 @@
 // Numbers, tables and row loops that every effect stands on.
+#include "core/Random.h"
 #include "pixels/Buffer.h"
 #include "pixels/ByteTables.h"
 #include "pixels/Padded.h"
 #include "pixels/QuadraticCurve.h"
-#include "pixels/Random.h"
 #include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
 #include "pixels/numbers.h"

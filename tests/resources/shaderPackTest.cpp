@@ -1,8 +1,8 @@
 // The shader effects, lookups, transitions and particle scenes that are shipped: each works, and every
 // parameter that it tells of does something.
 #include "EffectTovOgre/TovOgreRenderThread.h"
-#include "effects/shader/ShaderDescriptor.h"
-#include "effects/shader/descriptorFiles.h"
+#include "descriptors/ShaderDescriptor.h"
+#include "descriptors/descriptorFiles.h"
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "host/Host.h"

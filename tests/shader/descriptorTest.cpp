@@ -1,7 +1,7 @@
 // Descriptor files: which are found, what is read from them, and what a bad one costs.
 #include "EffectEngine/EffectEngine.h"
-#include "effects/shader/ShaderDescriptor.h"
-#include "effects/shader/descriptorFiles.h"
+#include "descriptors/ShaderDescriptor.h"
+#include "descriptors/descriptorFiles.h"
 #include "engine/effectList.h"
 #include "support/TemporaryDirectory.h"
 

@@ -1,8 +1,8 @@
 // Promises of every transition: what the two ends show, that odd sizes and times stay inside the buffers and
 // that nothing but the inputs shows in the output.
 #include "core/Clock.h"
+#include "core/Random.h"
 #include "effects/transitions/transitionTable.h"
-#include "pixels/Random.h"
 #include "pixels/widest.h"
 #include "transitions/TransitionFixture.h"
 

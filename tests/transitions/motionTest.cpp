@@ -1,6 +1,6 @@
 // Facts about the transitions that blend whole frames, draw random numbers, move or deform the pictures.
 #include "core/Clock.h"
-#include "pixels/Random.h"
+#include "core/Random.h"
 #include "transitions/TransitionFixture.h"
 
 #include <gmock/gmock.h>

@@ -1,13 +1,13 @@
 // Recording of effects: stills, loops and sweeps, each from a fresh node.
 #include "effectengine/gallery/EffectPictures.h"
 
+#include "core/Random.h"
 #include "effectengine/interruption.h"
+#include "effects/cpu/WaterSurface.h"
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "host/exampleValues.h"
 #include "host/opacity.h"
-#include "pixels/Random.h"
-#include "pixels/WaterSurface.h"
 
 #include <algorithm>
 #include <array>

@@ -2,16 +2,16 @@
 #include "core/Log.h"
 #include "effects/gpu/GpuEffect.h"
 #include "effects/gpu/uniforms.h"
-#include "effects/lut/LutFile.h"
 #include "effects/lut/LutTable.h"
 #include "effects/lut/lutShader.h"
-#include "effects/lut/lutTiles.h"
 #include "graphics/GraphicsService.h"
+#include "lut/LutFile.h"
+#include "lut/lutTiles.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"
 #include "platform/CriticalSection.h"
-#include "platform/Text.h"
+#include "text/Text.h"
 
 #include <fstream>
 

@@ -1,9 +1,9 @@
 // Blocks of the picture show the past, each from its own number of frames ago.
 #include "core/Clock.h"
+#include "core/Random.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/Buffer.h"
-#include "pixels/Random.h"
 #include "pixels/sample.h"
 
 #include <array>

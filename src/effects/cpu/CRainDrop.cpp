@@ -1,7 +1,7 @@
 // Rain on water: now and then a flat drop falls and its waves run over the picture.
+#include "effects/cpu/WaterSurface.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
-#include "pixels/WaterSurface.h"
 
 namespace KEXSDK {
 namespace {

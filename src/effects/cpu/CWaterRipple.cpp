@@ -1,7 +1,7 @@
 // Ripples: a pointed drop falls on the water in every frame.
+#include "effects/cpu/WaterSurface.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
-#include "pixels/WaterSurface.h"
 #include "pixels/numbers.h"
 
 #include <cmath>

@@ -1,7 +1,7 @@
 // A blob swims over the picture on a path of sines and leaves a wake.
+#include "effects/cpu/WaterSurface.h"
 #include "model/CPureCEffect.h"
 #include "model/EffectRegistry.h"
-#include "pixels/WaterSurface.h"
 
 #include <cmath>
 

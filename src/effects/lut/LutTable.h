@@ -1,7 +1,7 @@
 // A three-dimensional colour table and its application on the CPU.
 #pragma once
 
-#include "effects/lut/LutFile.h"
+#include "lut/LutFile.h"
 #include "pixels/View.h"
 
 #include <array>

@@ -3,7 +3,7 @@
 
 #include "core/Types.h"
 #include "effects/lut/LutTable.h"
-#include "effects/lut/lutTiles.h"
+#include "lut/lutTiles.h"
 
 #include <string>
 #include <vector>

@@ -1,31 +1,12 @@
 // A filter node around one GPU effect, as a descriptor file describes it.
 #pragma once
 
+#include "descriptors/ShaderDescriptor.h"
 #include "effects/gpu/GpuEffect.h"
 #include "effects/gpu/uniforms.h"
-#include "effects/shader/ShaderDescriptor.h"
 #include "model/CSimpleEffect.h"
 
 namespace shader {
-
-// Parameters of every shader effect, and the frame rate of those with particles. Hosts add the undeclared
-// ones.
-inline constexpr KEXSDK::Param<float> kRotate =
-    KEXSDK::Param<float>{"stRotate", 0.0f, {-360, 360}, "turns the picture clockwise about its middle"}
-        .titled("Picture Rotation")
-        .in("degrees")
-        .undeclared();
-inline constexpr auto kScale = KEXSDK::ArrayParam<float>{"stScale", {1, 1}, 2, {-4, 4},
-    "enlarges the picture about its middle, across and down"}
-                                   .titled("Picture Scale");
-inline constexpr auto kTranslate = KEXSDK::ArrayParam<float>{"stTranslate", {0, 0}, 2,
-    {-pixels::kLargestSide, pixels::kLargestSide}, "moves the picture right and down", "pixels"}
-                                       .titled("Picture Shift");
-inline constexpr KEXSDK::Param<float> kFrameRate =
-    KEXSDK::Param<float>{"u_frame_rate", 25.0f, {1, 240}, "steps of particle scenes"}
-        .in("frames per second")
-        .readingAs(25.0f)
-        .undeclared();
 
 } // namespace shader
 

@@ -1,7 +1,7 @@
 // Transitions that draw random numbers, always on the evaluating thread and before any row is drawn.
 #include "core/Clock.h"
+#include "core/Random.h"
 #include "effects/transitions/families.h"
-#include "pixels/Random.h"
 
 #include <memory>
 #include <mutex>

@@ -1,8 +1,8 @@
 // Speckles, scatter and film grain.
+#include "core/Random.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amTables.h"
-#include "pixels/Random.h"
 #include "pixels/numbers.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 // Stars, snow and bubbles: sets of particles that go on from frame to frame, drawn as discs.
+#include "core/Random.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
-#include "pixels/Random.h"
 #include "pixels/columns.h"
 #include "pixels/numbers.h"
 

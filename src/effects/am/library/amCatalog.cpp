@@ -2,7 +2,7 @@
 #include "effects/am/library/amCatalog.h"
 
 #include "effects/am/library/amDefaults.h"
-#include "model/nameWords.h"
+#include "text/nameWords.h"
 
 #include <algorithm>
 #include <map>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effects/am/library/amRow.h"
-#include "model/Param.h"
+#include "facts/Param.h"
 
 #include <span>
 #include <string>

@@ -2,7 +2,7 @@
 #include "effects/am/library/amTables.h"
 
 #include "core/Clock.h"
-#include "pixels/Random.h"
+#include "core/Random.h"
 
 #include <mutex>
 

@@ -1,10 +1,10 @@
 // Flames over the picture: seeded along one side, spread and cooled row by row.
+#include "core/Random.h"
 #include "effects/am/data/firePalette.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
-#include "pixels/Random.h"
 #include "pixels/columns.h"
 
 namespace KEXSDK::am {

@@ -1,9 +1,9 @@
 // Rows and columns that lost their place: random walks, ripples and scattered pixels.
+#include "core/Random.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/carryThroughRows.h"
-#include "pixels/Random.h"
 #include "pixels/Scratch.h"
 #include "pixels/sample.h"
 

@@ -1,9 +1,9 @@
 // Drops on a water surface: waves run on from frame to frame and refract the picture.
+#include "core/Random.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/library/amTables.h"
-#include "pixels/Random.h"
 #include "pixels/sample.h"
 
 namespace KEXSDK::am {

@@ -1,10 +1,10 @@
 // A broken television picture and a kaleidoscope.
+#include "core/Random.h"
 #include "effects/am/data/jitter.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/looks/brokenTelevision.h"
-#include "pixels/Random.h"
 #include "pixels/numbers.h"
 #include "pixels/sample.h"
 

@@ -1,7 +1,7 @@
 // Dust and scratches: drawn once per frame, then laid over each row when its turn comes.
 #pragma once
 
-#include "pixels/Random.h"
+#include "core/Random.h"
 #include "pixels/View.h"
 
 #include <array>

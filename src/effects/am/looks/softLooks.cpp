@@ -1,11 +1,11 @@
 // Soft noise over grey, and a soft focus.
+#include "core/Random.h"
 #include "effects/am/data/storedCurves.h"
 #include "effects/am/library/amFrame.h"
 #include "effects/am/library/amRow.h"
 #include "effects/am/library/amScratch.h"
 #include "effects/am/loops/HalfStepBlur.h"
 #include "effects/am/loops/rowPasses.h"
-#include "pixels/Random.h"
 #include "pixels/stencil.h"
 
 namespace KEXSDK::am {

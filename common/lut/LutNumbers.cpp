@@ -1,7 +1,7 @@
 // Converts text to numbers by std::from_chars, which no locale changes.
-#include "effects/lut/LutNumbers.h"
+#include "lut/LutNumbers.h"
 
-#include "effects/lut/LutLines.h"
+#include "lut/LutLines.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,5 +1,5 @@
 // UTF-8, UTF-16 and wide strings without the locale.
-#include "platform/Text.h"
+#include "text/Text.h"
 
 namespace text {
 

@@ -1,8 +1,8 @@
 // Catalogue facts out of descriptor files.
-#include "effects/shader/descriptorList.h"
+#include "descriptors/descriptorList.h"
 
-#include "effects/shader/CSimpleShaderEffect.h"
-#include "effects/shader/descriptorFiles.h"
+#include "descriptors/descriptorFiles.h"
+#include "facts/nodeParameters.h"
 
 #include <algorithm>
 #include <cctype>

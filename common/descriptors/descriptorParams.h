@@ -1,7 +1,7 @@
 // The member "PARAMS" of a descriptor: what tools tell about an effect's parameters.
 #pragma once
 
-#include "effects/shader/ShaderDescriptor.h"
+#include "descriptors/ShaderDescriptor.h"
 
 #include <json/value.h>
 

@@ -1,5 +1,5 @@
 // The scan of descriptor directories.
-#include "effects/shader/descriptorFiles.h"
+#include "descriptors/descriptorFiles.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,8 +1,8 @@
 // Every effect and parameter as JSON: what effects.json and `list --json` hold.
 #pragma once
 
+#include "facts/Param.h"
 #include "model/EffectRegistry.h"
-#include "model/Param.h"
 
 #include <json/value.h>
 

@@ -1,5 +1,5 @@
 // One step of the waves, fused with the drawing: both read the same three rows of heights.
-#include "pixels/WaterSurface.h"
+#include "effects/cpu/WaterSurface.h"
 
 #include "pixels/sample.h"
 

@@ -1,8 +1,6 @@
 // Splits names into words: a word starts where upper case follows lower case, and at the last capital of
 // several.
-#include "model/nameWords.h"
-
-#include "model/Param.h"
+#include "text/nameWords.h"
 
 namespace KEXSDK {
 
@@ -32,22 +30,6 @@ std::vector<std::string_view> wordsOf(std::string_view name)
         first = end;
     }
     return words;
-}
-
-std::string titleOf(const ParamInfo& info)
-{
-    std::string_view name = info.name;
-    if (*info.title)
-        return info.title;
-    if (name.starts_with("u_")) // how shader programs mark their uniforms
-        name.remove_prefix(2);
-    std::string title;
-    for (const std::string_view word : wordsOf(name)) {
-        title += title.empty() ? "" : " ";
-        title += isLower(word[0]) ? char(word[0] - 'a' + 'A') : word[0];
-        title += word.substr(1);
-    }
-    return title.empty() ? info.name : title;
 }
 
 } // namespace KEXSDK

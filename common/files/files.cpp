@@ -1,5 +1,5 @@
 // The walk along a chain of links.
-#include "platform/files.h"
+#include "files/files.h"
 
 namespace files {
 

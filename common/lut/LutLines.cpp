@@ -1,5 +1,5 @@
 // Splits blocks of bytes into lines, and lines into words.
-#include "effects/lut/LutLines.h"
+#include "lut/LutLines.h"
 
 #include <algorithm>
 

@@ -1,5 +1,5 @@
 // Parameter metadata out of JSON.
-#include "effects/shader/descriptorParams.h"
+#include "descriptors/descriptorParams.h"
 
 #include <algorithm>
 #include <array>

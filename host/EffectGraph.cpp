@@ -4,7 +4,7 @@
 
 #include "host/GraphError.h"
 #include "host/opacity.h"
-#include "platform/Text.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <filesystem>

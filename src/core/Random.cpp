@@ -1,5 +1,5 @@
 // Many random numbers at once, and per-thread random state.
-#include "pixels/Random.h"
+#include "core/Random.h"
 
 #include "pixels/widest.h"
 

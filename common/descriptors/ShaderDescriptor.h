@@ -1,8 +1,8 @@
 // What a descriptor file says about a shader effect. The format is explained in docs/descriptors.md.
 #pragma once
 
-#include "model/EffectRegistry.h"
-#include "model/Param.h"
+#include "facts/EffectInfo.h"
+#include "facts/Param.h"
 
 #include <deque>
 #include <memory>

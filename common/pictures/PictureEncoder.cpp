@@ -1,7 +1,7 @@
 // Writing picture files: PNG and JPEG through their libraries, BMP and TGA directly.
+#include "files/files.h"
 #include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
-#include "platform/files.h"
 
 #include <fcntl.h>
 #include <png.h>

@@ -1,7 +1,7 @@
 // The facts of all shader effects of a resource directory, for tools.
 #pragma once
 
-#include "effects/shader/ShaderDescriptor.h"
+#include "descriptors/ShaderDescriptor.h"
 
 #include <map>
 

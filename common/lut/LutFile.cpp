@@ -1,8 +1,8 @@
 // Parsers of both formats: keywords or a grid line first, then N x N x N lines of three numbers.
-#include "effects/lut/LutFile.h"
+#include "lut/LutFile.h"
 
-#include "effects/lut/LutLines.h"
-#include "effects/lut/LutNumbers.h"
+#include "lut/LutLines.h"
+#include "lut/LutNumbers.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,8 +1,8 @@
 // Reads the JSON members of a descriptor and checks the type and range of each.
-#include "effects/shader/ShaderDescriptor.h"
+#include "descriptors/ShaderDescriptor.h"
 
-#include "effects/shader/descriptorFiles.h"
-#include "effects/shader/descriptorParams.h"
+#include "descriptors/descriptorFiles.h"
+#include "descriptors/descriptorParams.h"
 
 #include <json/reader.h>
 

@@ -1,7 +1,7 @@
 // The values of one parameter of one effect, constant or over time.
 #pragma once
 
-#include "model/Param.h"
+#include "facts/Param.h"
 
 #include <string>
 #include <string_view>
