@@ -1,6 +1,6 @@
 // The cost of a GPU effect besides its own work: a program that only copies, alone, in chains, and made anew.
 #include "EffectTovOgre/TovOgreRenderThread.h"
-#include "host/measure.h"
+#include "hosting/measure.h"
 
 #include <benchmark/benchmark.h>
 

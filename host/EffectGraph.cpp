@@ -3,189 +3,137 @@
 #include "host/EffectGraph.h"
 
 #include "host/GraphError.h"
-#include "host/opacity.h"
-#include "text/Text.h"
+#include "text/nearest.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <iterator>
 
 namespace host {
 
-bool store(Filter& filter, const KEXSDK::ParamInfo& info, const ParameterValue& value)
-{
-    if (const auto* const path = std::get_if<std::string>(&value))
-        return filter.set(info.name, text::wide(*path));
-    const auto& numbers = std::get<std::vector<double>>(value);
-    switch (info.type) {
-    case KEXSDK::ParamType::integer:
-        return filter.set(info.name, int(numbers.front()));
-    case KEXSDK::ParamType::real:
-        return filter.set(info.name, float(numbers.front()));
-    case KEXSDK::ParamType::integerArray:
-        return filter.set(info.name, std::vector<int>(numbers.begin(), numbers.end()));
-    case KEXSDK::ParamType::realArray:
-        return filter.set(info.name, std::vector<float>(numbers.begin(), numbers.end()));
-    case KEXSDK::ParamType::filePath:
-        break;
-    }
-    return false;
-}
-
 namespace {
 
-[[noreturn]] void fail(GraphFault fault, const GraphNode& node, const std::string& what)
+void requireSize(CEffectImage* image, unsigned width, unsigned height)
 {
-    throw GraphError(fault, "effect " + node.id + ": " + what);
-}
-
-void storeOrFail(
-    Filter& filter, const GraphNode& node, const ParameterTrack& track, const ParameterValue& value)
-{
-    const auto* const path = std::get_if<std::string>(&value);
-    if (path && !path->empty() && !std::filesystem::exists(*path))
-        fail(GraphFault::missingFile, node,
-            "parameter " + std::string(track.info().name) + ": no such file: " + *path);
-    if (!store(filter, track.info(), value))
-        fail(GraphFault::effectFailed, node,
-            "refuses the value of " + std::string(track.info().name) + (path ? ": " + *path : ""));
-}
-
-Filter makeFilter(const GraphNode& node, unsigned width, unsigned height)
-{
-    try {
-        return Filter(node.effect->guid, int(width), int(height));
-    } catch (const Failure&) {
-        fail(GraphFault::effectFailed, node,
-            node.effect->needsGpu ? "is not available here; it needs the GPU" : "is not available here");
-    }
+    unsigned w = 0;
+    unsigned h = 0;
+    GetImageWidth(image, &w);
+    GetImageHeight(image, &h);
+    if (w != width || h != height)
+        throw GraphError(GraphFault::content,
+            "a picture of " + std::to_string(w) + " x " + std::to_string(h) + " for a graph of "
+                + std::to_string(width) + " x " + std::to_string(height));
 }
 
 } // namespace
 
 EffectGraph::EffectGraph(const GraphDescription& description, unsigned width, unsigned height)
-    : description_(description),
-      width_(width),
+    : width_(width),
       height_(height),
       sources_(description.sources())
 {
-    for (const std::size_t i : description_.used())
-        nodes_.push_back(make(description_.nodes[i]));
+    for (const std::size_t i : description.used())
+        nodes_.emplace_back(description.nodes[i], width, height);
 }
 
-EffectGraph::Running EffectGraph::make(const GraphNode& node) const
+void EffectGraph::setSource(CEffectImage* image, unsigned index)
 {
-    Running running{&node, makeFilter(node, width_, height_), {}, {}};
-    for (const ParameterTrack& track : node.parameters) {
-        if (track.constant())
-            storeOrFail(running.filter, node, track, track.keyframes().front().value);
-        else
-            running.animated.push_back(&track);
-    }
-    running.last.resize(running.animated.size());
-    return running;
-}
-
-void EffectGraph::setSource(const Image& image, unsigned index)
-{
-    if (image.width() != width_ || image.height() != height_)
-        throw GraphError(GraphFault::content,
-            "a picture of " + std::to_string(image.width()) + " x " + std::to_string(image.height())
-                + " for a graph of " + std::to_string(width_) + " x " + std::to_string(height_));
+    requireSize(image, width_, height_);
     if (index < sources_.size())
-        sources_[index] = image.handle();
+        sources_[index] = image;
 }
 
-CEffectImage* EffectGraph::imageFor(const std::string& input) const
+CEffectImage* EffectGraph::imageFor(const GraphNode& node, std::string_view input) const
 {
-    if (const auto source = sourceIndex(input))
-        return sources_[*source];
-    return std::ranges::find(nodes_, input, [](const Running& r) { return r.node->id; })->output;
-}
-
-namespace {
-
-double secondsOf(const GraphNode& node, const FrameTime& time)
-{
-    return node.window ? std::clamp(time.seconds - node.window->start, 0.0, node.window->duration)
-                       : time.seconds;
-}
-
-} // namespace
-
-// Sets a node's clock, except for times that the description sets itself.
-void EffectGraph::setTimes(Running& running, const FrameTime& time)
-{
-    const GraphNode& node = *running.node;
-    const auto set = [&](const char* name, double value) {
-        const auto named = [&](const ParameterTrack& t) { return std::string_view(t.info().name) == name; };
-        if (std::ranges::none_of(node.parameters, named))
-            running.filter.set(name, float(value));
-    };
-    set(kEffectFrameRate, time.frameRate);
-    set(kEffectTotalTime, node.window ? node.window->duration : time.total);
-    set(kEffectCurrentTime, secondsOf(node, time));
-}
-
-// Leads a new node to its time in steps. A particle scene simulates what passed before its first frame, but
-// only so many frames in one go.
-void EffectGraph::approach(Running& running, const FrameTime& time)
-{
-    constexpr double kFrames = 2500; // well below what a scene simulates for one frame
-    const double wanted = secondsOf(*running.node, time) * time.frameRate;
-    for (double frame = kFrames; frame < wanted; frame += kFrames) {
-        FrameTime before = time;
-        before.seconds = time.seconds - (wanted - frame) / time.frameRate;
-        setTimes(running, before);
-        running.filter.run();
+    if (const auto source = sourceIndex(input)) {
+        if (CEffectImage* const image = sources_[*source])
+            return image;
+        throw GraphError(GraphFault::content,
+            "effect " + node.id + ": there is no picture for its input " + std::string(input));
     }
-    setTimes(running, time);
+    return std::ranges::find(nodes_, input, [](const RunningNode& r) { return r.node().id; })->output();
+}
+
+void EffectGraph::evaluate(const FrameTime& time, CEffectImage* target, std::vector<std::string>* unchanged)
+{
+    for (RunningNode& running : nodes_) {
+        const GraphNode& node = running.node();
+        pictures_.inputs.clear();
+        for (const std::string& input : node.inputs)
+            pictures_.inputs.push_back(imageFor(node, input));
+        pictures_.mask = node.mask && !node.mask->node.empty() ? imageFor(node, node.mask->node) : nullptr;
+        pictures_.target = &running == &nodes_.back() ? target : nullptr;
+        running.run(time, pictures_);
+        if (unchanged && running.mix(time) > 0
+            && std::ranges::equal(bytesOf(pictures_.inputs.front()), bytesOf(running.output())))
+            unchanged->push_back(node.id);
+    }
 }
 
 CEffectImage* EffectGraph::run(const FrameTime& time, std::vector<std::string>* unchanged)
 {
-    for (Running& running : nodes_) {
-        setTimes(running, time);
-        for (std::size_t i = 0; i < running.animated.size(); ++i) {
-            ParameterValue value = running.animated[i]->at(time);
-            if (value == running.last[i])
-                continue;
-            storeOrFail(running.filter, *running.node, *running.animated[i], value);
-            running.last[i] = std::move(value);
-        }
-        for (unsigned i = 0; i < running.node->inputs.size(); ++i) {
-            CEffectImage* const image = imageFor(running.node->inputs[i]);
-            if (!image)
-                fail(GraphFault::content, *running.node,
-                    "there is no picture for its input " + running.node->inputs[i]);
-            SetInputImage(running.filter.handle(), image, i);
-        }
-        if (evaluate(running, time, unchanged != nullptr) == Change::none && unchanged)
-            unchanged->push_back(running.node->id);
-    }
-    return nodes_.back().output;
+    evaluate(time, nullptr, unchanged);
+    return nodes_.back().output();
 }
 
-// Runs a node. The inputs are looked at before, since effects may write to them.
-EffectGraph::Change EffectGraph::evaluate(Running& running, const FrameTime& time, bool compare)
+void EffectGraph::runInto(CEffectImage* target, const FrameTime& time)
 {
-    std::vector<CEffectImage*> inputs;
-    for (const std::string& input : running.node->inputs)
-        inputs.push_back(imageFor(input));
-    std::vector<unsigned char> before;
-    if (compare && !inputs.empty())
-        std::ranges::copy(bytesOf(inputs[0]), std::back_inserter(before));
-    const bool opaque = running.node->effect->alpha == KEXSDK::Alpha::loose && areOpaque(inputs);
-    try {
-        if (!running.output && running.node->effect->needsGpu)
-            approach(running, time);
-        running.output = running.filter.run();
-    } catch (const Failure& failure) {
-        fail(GraphFault::effectFailed, *running.node, failure.what());
+    requireSize(target, width_, height_);
+    evaluate(time, target, nullptr);
+}
+
+void EffectGraph::reset()
+{
+    for (RunningNode& running : nodes_)
+        running.restart();
+}
+
+namespace {
+
+// The node of this id among those that run; the only one for an empty id.
+auto& nodeNamed(auto& nodes, std::string_view id)
+{
+    if (id.empty() && nodes.size() == 1)
+        return nodes.front();
+    std::vector<std::string_view> ids;
+    for (auto& running : nodes) {
+        if (running.node().id == id)
+            return running;
+        ids.push_back(running.node().id);
     }
-    if (opaque)
-        makeOpaque(running.output);
-    return compare && std::ranges::equal(before, bytesOf(running.output)) ? Change::none : Change::some;
+    throw GraphError(
+        GraphFault::content, "no node \"" + std::string(id) + "\" runs in the graph" + text::didYouMean(ids, id));
+}
+
+} // namespace
+
+void EffectGraph::setCurve(const SoundBand& band, std::span<const float> samples, double rate)
+{
+    for (RunningNode& running : nodes_)
+        running.setCurve(band, samples, rate);
+}
+
+void EffectGraph::setParameter(std::string_view node, std::string_view name, const ParameterValue& value)
+{
+    RunningNode& running = nodeNamed(nodes_, node);
+    running.setParameter(parameterNamed(*running.node().effect, name), value);
+}
+
+std::optional<ParameterValue> EffectGraph::parameter(
+    std::string_view node, std::string_view name, const FrameTime& time) const
+{
+    const RunningNode& running = nodeNamed(nodes_, node);
+    return running.parameter(parameterNamed(*running.node().effect, name), time);
+}
+
+const KEXSDK::EffectInfo& EffectGraph::effectOf(std::string_view node) const
+{
+    return *nodeNamed(nodes_, node).node().effect;
+}
+
+void EffectGraph::setMix(std::string_view node, double mix) { nodeNamed(nodes_, node).setMix(mix); }
+
+double EffectGraph::mix(std::string_view node, const FrameTime& time) const
+{
+    return nodeNamed(nodes_, node).mix(time);
 }
 
 } // namespace host

@@ -1,14 +1,16 @@
 // Building and checking of graph descriptions.
 #include "host/GraphDescription.h"
 
-#include "engine/effectList.h"
+#include "host/effectList.h"
 #include "host/GraphError.h"
 #include "host/names.h"
-#include "host/nearest.h"
+#include "text/nearest.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <filesystem>
+#include <iterator>
 #include <map>
 
 using KEXSDK::EffectInfo;
@@ -42,6 +44,14 @@ NodeIndex indexById(const std::vector<GraphNode>& nodes)
     return index;
 }
 
+std::string nearestNode(const NodeIndex& index, std::string_view typed)
+{
+    std::vector<std::string_view> names{kSource};
+    for (const auto& entry : index)
+        names.push_back(entry.first);
+    return text::didYouMean(names, typed);
+}
+
 void checkConnections(const GraphNode& node, const NodeIndex& index)
 {
     const unsigned wanted = node.effect->inputs;
@@ -54,12 +64,23 @@ void checkConnections(const GraphNode& node, const NodeIndex& index)
                 + std::to_string(wanted) + " is not connected");
         if (sourceIndex(node.inputs[i]) || index.contains(node.inputs[i]))
             continue;
-        std::vector<std::string_view> names{kSource};
-        for (const auto& entry : index)
-            names.push_back(entry.first);
         fail("node " + inQuotes(node.id) + ": input " + std::to_string(i + 1) + " names no node "
-            + inQuotes(node.inputs[i]) + didYouMean(names, node.inputs[i]));
+            + inQuotes(node.inputs[i]) + nearestNode(index, node.inputs[i]));
     }
+}
+
+void checkMask(const GraphNode& node, const NodeIndex& index)
+{
+    if (!node.mask)
+        return;
+    const NodeMask& mask = *node.mask;
+    const std::string name = "node " + inQuotes(node.id);
+    if (mask.picture.empty() == mask.node.empty())
+        fail(name + ": a mask needs either a \"picture\" or a \"node\"");
+    if (!std::isfinite(mask.feather) || mask.feather < 0)
+        fail(name + ": the mask's \"feather\" must be a number from 0 on");
+    if (!mask.node.empty() && !sourceIndex(mask.node) && !index.contains(mask.node))
+        fail(name + ": its mask names no node " + inQuotes(mask.node) + nearestNode(index, mask.node));
 }
 
 void storeHostDefaults(GraphNode& node)
@@ -70,7 +91,7 @@ void storeHostDefaults(GraphNode& node)
     }
 }
 
-// Sorts nodes depth first over their inputs; a node that is met again on the way down closes a cycle.
+// Sorts nodes depth first over their dependencies; a node that is met again on the way down closes a cycle.
 class Sorter {
 public:
     explicit Sorter(const std::vector<GraphNode>& nodes)
@@ -87,9 +108,9 @@ public:
         if (states_[node] == State::open)
             fail("the connections run in a circle through node " + inQuotes(nodes_[node].id));
         states_[node] = State::open;
-        for (const std::string& input : nodes_[node].inputs) {
-            if (!sourceIndex(input))
-                visit(index_.at(input));
+        for (const std::string_view before : nodes_[node].dependencies()) {
+            if (!sourceIndex(before))
+                visit(index_.find(before)->second);
         }
         states_[node] = State::done;
         order_.push_back(node);
@@ -109,9 +130,25 @@ private:
 
 } // namespace
 
+std::vector<std::string_view> GraphNode::dependencies() const
+{
+    std::vector<std::string_view> all(inputs.begin(), inputs.end());
+    if (mask && !mask->node.empty())
+        all.push_back(mask->node);
+    return all;
+}
+
 bool GraphNode::sets(const ParamInfo& info) const
 {
     return std::ranges::any_of(parameters, [&](const ParameterTrack& t) { return &t.info() == &info; });
+}
+
+void GraphNode::setCurve(const SoundBand& band, std::span<const float> samples, double rate)
+{
+    for (ParameterTrack& track : parameters)
+        track.setCurve(band, samples, rate);
+    if (mix)
+        mix->setCurve(band, samples, rate);
 }
 
 std::optional<unsigned> sourceIndex(std::string_view input)
@@ -138,8 +175,8 @@ const EffectInfo& effectNamed(std::string_view word)
     if (const EffectInfo* const effect = findEffect(word))
         return *effect;
     std::vector<Named> all;
-    for (EffectInfo& effect : listEffects())
-        all.push_back({std::move(effect.name), std::move(effect.title)});
+    for (const EffectInfo& effect : listEffects())
+        all.push_back({effect.name, effect.title});
     if (const auto index = meant(all, word))
         return *findEffect(all[*index].name);
     fail("no effect " + inQuotes(std::string(word)) + didYouMean(all, word)
@@ -148,7 +185,7 @@ const EffectInfo& effectNamed(std::string_view word)
 
 const ParamInfo& parameterNamed(const EffectInfo& effect, std::string_view word)
 {
-    const auto params = describeParameters(effect.guid);
+    const auto& params = describeParameters(effect.guid);
     std::vector<Named> all;
     for (const ParamInfo* const info : params)
         all.push_back({info->name, titleOf(*info)});
@@ -202,8 +239,10 @@ void GraphDescription::finish()
     for (GraphNode& node : nodes)
         storeHostDefaults(node);
     Sorter sorter(nodes);
-    for (const GraphNode& node : nodes)
+    for (const GraphNode& node : nodes) {
         checkConnections(node, sorter.index());
+        checkMask(node, sorter.index());
+    }
     if (!sorter.index().contains(output))
         fail("the output names no node " + inQuotes(output));
     for (std::size_t i = 0; i < nodes.size(); ++i)
@@ -218,8 +257,8 @@ unsigned GraphDescription::sources() const
 {
     unsigned count = 1;
     for (const GraphNode& node : nodes) {
-        for (const std::string& input : node.inputs)
-            count = std::max(count, sourceIndex(input).value_or(0) + 1);
+        for (const std::string_view before : node.dependencies())
+            count = std::max(count, sourceIndex(before).value_or(0) + 1);
     }
     return count;
 }
@@ -232,7 +271,7 @@ std::vector<std::size_t> GraphDescription::used() const
         if (std::ranges::find(wanted, nodes[i].id) == wanted.end())
             continue;
         found.push_back(i);
-        wanted.insert(wanted.end(), nodes[i].inputs.begin(), nodes[i].inputs.end());
+        std::ranges::copy(nodes[i].dependencies(), std::back_inserter(wanted));
     }
     std::ranges::reverse(found);
     return found;
@@ -245,8 +284,8 @@ GraphFacts GraphDescription::facts() const
     for (const std::size_t i : used()) {
         const GraphNode& node = nodes[i];
         int frames = 0;
-        for (const std::string& input : node.inputs)
-            frames = std::max(frames, reach[input]);
+        for (const std::string_view before : node.dependencies())
+            frames = std::max(frames, reach[before]);
         if (node.effect->history.frames == KEXSDK::History::kFromStart)
             facts.fromStart.push_back(node.id);
         else
@@ -260,14 +299,40 @@ GraphFacts GraphDescription::facts() const
     return facts;
 }
 
+std::vector<SoundBand> GraphDescription::bands() const
+{
+    std::vector<SoundBand> found;
+    const auto add = [&](const ParameterTrack& track) {
+        for (const SoundBand& band : track.bands()) {
+            if (std::ranges::find(found, band) == found.end())
+                found.push_back(band);
+        }
+    };
+    for (const std::size_t i : used()) {
+        std::ranges::for_each(nodes[i].parameters, add);
+        if (nodes[i].mix)
+            add(*nodes[i].mix);
+    }
+    return found;
+}
+
+void GraphDescription::setCurve(const SoundBand& band, std::span<const float> samples, double rate)
+{
+    for (GraphNode& node : nodes)
+        node.setCurve(band, samples, rate);
+}
+
 std::vector<std::string> GraphDescription::warnings() const
 {
     std::vector<std::string> lines;
     for (const GraphNode& node : nodes) {
-        for (const ParameterTrack& track : node.parameters) {
+        const auto tell = [&](const ParameterTrack& track) {
             for (const std::string& line : track.warnings())
                 lines.push_back("effect " + node.id + ": " + line);
-        }
+        };
+        std::ranges::for_each(node.parameters, tell);
+        if (node.mix)
+            tell(*node.mix);
     }
     const std::vector<std::size_t> leading = used();
     for (std::size_t i = 0; i < nodes.size(); ++i) {

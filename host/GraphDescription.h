@@ -2,10 +2,11 @@
 #pragma once
 
 #include "host/ParameterTrack.h"
-#include "model/EffectRegistry.h"
+#include "facts/EffectInfo.h"
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,19 @@ struct NodeWindow {
     double duration = 0;
 };
 
+/// The built-in parameter of every node: how much of the effect shows.
+inline constexpr auto kMix =
+    KEXSDK::Param<float>{"mix", 1.0f, {0, 1}, "how much of the effect shows: 0 the input, 1 the effect"};
+
+/// Where a node's effect shows: at each pixel the luma of a picture times its alpha, from 0 (the input) to
+/// 255. The picture is a file or what feeds an input.
+struct NodeMask {
+    std::string picture; ///< a file's path, scaled to the graph's size; or empty
+    std::string node;    ///< as in GraphNode::inputs; or empty
+    bool invert = false;
+    double feather = 0; ///< how far edges reach to both sides when they are softened, in pixels
+};
+
 struct GraphNode {
     std::string id;
     const KEXSDK::EffectInfo* effect = nullptr;
@@ -26,9 +40,16 @@ struct GraphNode {
     /// What feeds each input: a node's id, "source" for the host's first picture, "source-2" for its second.
     std::vector<std::string> inputs;
     std::optional<NodeWindow> window;
+    std::optional<ParameterTrack> mix; ///< of kMix
+    std::optional<NodeMask> mask;
 
+    /// What has to be drawn before it: its inputs, and what its mask takes.
+    std::vector<std::string_view> dependencies() const;
     /// Whether it has values for one of its effect's parameters.
     bool sets(const KEXSDK::ParamInfo& info) const;
+
+    /// Gives a band's curve to all that follows it; see LevelCurve.
+    void setCurve(const SoundBand& band, std::span<const float> samples, double rate);
 };
 
 /// What a host must know before it cuts a clip into parts.
@@ -66,6 +87,10 @@ public:
 
     /// Of the nodes that the output depends on.
     GraphFacts facts() const;
+
+    /// The bands of sound whose curves the nodes that the output depends on follow, each once.
+    std::vector<SoundBand> bands() const;
+    void setCurve(const SoundBand& band, std::span<const float> samples, double rate);
 
     /// Values outside advised ranges and nodes that nothing uses, a line each.
     std::vector<std::string> warnings() const;

@@ -23,4 +23,14 @@ private:
     GraphFault fault_;
 };
 
+/// Runs a piece of the work, and puts the place in front of the text of its errors.
+template <class Work> auto within(const std::string& place, Work work)
+{
+    try {
+        return work();
+    } catch (const GraphError& error) {
+        throw GraphError(error.fault(), place + ": " + error.what());
+    }
+}
+
 } // namespace host

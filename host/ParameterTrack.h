@@ -1,75 +1,62 @@
 // The values of one parameter of one effect, constant or over time.
 #pragma once
 
-#include "facts/Param.h"
+#include "host/Keyframes.h"
+#include "host/SoundLevel.h"
+#include "host/values.h"
 
+#include <span>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
 namespace host {
 
-/// Where a frame stands. Seconds count from the start of the clip, not of the part that is rendered.
-struct FrameTime {
-    double seconds = 0;
-    double frameRate = 25; ///< frames per second
-    double total = 5;      ///< duration of the clip in seconds
-};
+/// What makes a value: it stays, or goes by keyframes, or by the loudness of the clip.
+using Movement = std::variant<ParameterValue, Keyframes, SoundResponse>;
 
-/// What a parameter is set to: its numbers (one, or an array's elements), or a file's path in UTF-8.
-using ParameterValue = std::variant<std::vector<double>, std::string>;
-
-/// How a value goes on to the next keyframe. `smooth` starts and ends at rest (3t^2 - 2t^3).
-enum class Interpolation { linear, hold, smooth };
-
-/// What a keyframe's time counts: seconds, frames at the clip's rate, or percent of the clip's duration.
-enum class TimeUnit { seconds, frames, percent };
-
-struct Keyframe {
-    double time = 0;
-    ParameterValue value;
-    Interpolation interpolation = Interpolation::linear;
-};
-
-/// Values checked against what the effect declares.
+/// Values checked against what the effect declares. The constructors throw GraphError: wrong type, wrong
+/// number of elements, not finite, files that do not hold from keyframe to keyframe or are to follow the
+/// sound.
 class ParameterTrack {
 public:
-    /// A value that stays. Throws GraphError: wrong type, wrong number of elements, not finite.
+    /// A value that stays.
     ParameterTrack(const KEXSDK::ParamInfo& info, ParameterValue value);
-    /// Keyframes in ascending order of time, at least one. Throws GraphError: as above, times that do not
-    /// ascend or are not finite, keyframes of a file that do not hold.
+    /// Also throws what Keyframes does.
     ParameterTrack(const KEXSDK::ParamInfo& info, TimeUnit unit, std::vector<Keyframe> keyframes);
+    ParameterTrack(const KEXSDK::ParamInfo& info, Keyframes keyframes);
+    ParameterTrack(const KEXSDK::ParamInfo& info, SoundResponse response);
+    /// An array of which each element moves on its own: one movement of single numbers for each.
+    ParameterTrack(const KEXSDK::ParamInfo& info, std::vector<Movement> components);
 
     const KEXSDK::ParamInfo& info() const { return *info_; }
-    TimeUnit unit() const { return unit_; }
-    const std::vector<Keyframe>& keyframes() const { return keyframes_; }
-    bool constant() const { return keyframes_.size() == 1; }
+    bool constant() const;
 
-    /// The value at a time; before the first keyframe and after the last one theirs. Whole numbers are
-    /// rounded half up.
+    /// The movement of the whole value; where byComponent(), those of its elements. A single keyframe is a
+    /// value that stays.
+    const std::vector<Movement>& movements() const { return movements_; }
+    bool byComponent() const { return byComponent_; }
+
+    /// The value at a time, as the parameter's type holds it: whole numbers are rounded half up.
     ParameterValue at(const FrameTime& time) const;
+
+    /// The bands of sound whose curves it follows, each once.
+    std::vector<SoundBand> bands() const;
+    /// Takes a band's curve (LevelCurve) if it follows that band; until then, its level is 0.
+    void setCurve(const SoundBand& band, std::span<const float> samples, double rate);
+
+    /// The lowest version of the format of graph files that can say it.
+    int since() const;
 
     /// One line per value outside the advised range; the engine takes such values all the same.
     std::vector<std::string> warnings() const;
 
 private:
-    void check() const;
+    ParameterTrack(const KEXSDK::ParamInfo& info, std::vector<Movement> movements, bool byComponent);
 
     const KEXSDK::ParamInfo* info_;
-    TimeUnit unit_ = TimeUnit::seconds;
-    std::vector<Keyframe> keyframes_;
+    std::vector<Movement> movements_;
+    bool byComponent_;
 };
-
-/// The values of a mode with their names, from "0 off, 1 left"; empty when any number goes.
-std::vector<std::pair<int, std::string>> choicesOf(const KEXSDK::ParamInfo& info);
-
-/// A value as people type it: a number, numbers with commas between, the name of a mode's value, a path.
-/// Throws GraphError.
-ParameterValue parseValue(const KEXSDK::ParamInfo& info, std::string_view text);
-
-/// "a whole number", "3 numbers", "a file": what a parameter takes, for messages.
-std::string expectedValue(const KEXSDK::ParamInfo& info);
 
 } // namespace host

@@ -1,14 +1,12 @@
 // Reading and writing of graphs as JSON. Unknown members are errors, so that misspelt ones are noticed.
 #include "host/GraphDescription.h"
-#include "host/GraphError.h"
-#include "host/jsonText.h"
-#include "host/nearest.h"
+#include "host/graphMembers.h"
+#include "text/jsonText.h"
+#include "host/trackJson.h"
 
 #include <json/json.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -19,131 +17,6 @@ namespace host {
 
 namespace {
 
-constexpr int kVersion = 1;
-constexpr std::array<std::pair<const char*, Interpolation>, 3> kInterpolations{
-    {{"linear", Interpolation::linear}, {"hold", Interpolation::hold}, {"smooth", Interpolation::smooth}}};
-constexpr std::array<std::pair<const char*, TimeUnit>, 3> kUnits{
-    {{"time", TimeUnit::seconds}, {"frame", TimeUnit::frames}, {"percent", TimeUnit::percent}}};
-
-[[noreturn]] void fail(const std::string& message) { throw GraphError(GraphFault::content, message); }
-
-// Runs a piece of the work, and puts the place in front of the text of its errors.
-template <class Work> auto within(const std::string& place, Work work)
-{
-    try {
-        return work();
-    } catch (const GraphError& error) {
-        throw GraphError(error.fault(), place + ": " + error.what());
-    }
-}
-
-void allowMembers(const Json::Value& object, const std::vector<std::string_view>& allowed)
-{
-    for (const std::string& name : object.getMemberNames()) {
-        if (std::ranges::find(allowed, name) == allowed.end())
-            fail("there is no member \"" + name + "\" here" + didYouMean(allowed, name));
-    }
-}
-
-std::string stringMember(const Json::Value& object, const char* name)
-{
-    const Json::Value& value = object[name];
-    if (value.isNull())
-        return {};
-    if (!value.isString())
-        fail(std::string("\"") + name + "\" must be a string");
-    return value.asString();
-}
-
-double numberOf(const Json::Value& value, const char* name)
-{
-    if (!value.isNumeric() || !std::isfinite(value.asDouble()))
-        fail(std::string("\"") + name + "\" must be a number");
-    return value.asDouble();
-}
-
-std::string shortText(const Json::Value& value)
-{
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["useSpecialFloats"] = true;
-    constexpr std::size_t kMost = 40;
-    const std::string text = Json::writeString(builder, value);
-    return text.size() > kMost ? text.substr(0, kMost) + "..." : text;
-}
-
-ParameterValue readValue(const KEXSDK::ParamInfo& info, const Json::Value& value, const fs::path& directory)
-{
-    const auto refuse = [&] {
-        fail("parameter " + std::string(info.name) + " takes " + expectedValue(info) + ", not "
-            + shortText(value));
-    };
-    if (info.type == KEXSDK::ParamType::filePath) {
-        if (!value.isString() || value.asString().empty())
-            refuse();
-        return (directory / value.asString()).lexically_normal().string();
-    }
-    if (value.isString()) {
-        for (const auto& [number, label] : choicesOf(info)) {
-            if (label == value.asString())
-                return std::vector<double>{double(number)};
-        }
-        refuse();
-    }
-    std::vector<double> numbers;
-    const auto take = [&](const Json::Value& one) {
-        if (!one.isNumeric())
-            refuse();
-        numbers.push_back(one.asDouble());
-    };
-    if (value.isArray())
-        std::ranges::for_each(value, take);
-    else
-        take(value);
-    return numbers;
-}
-
-Keyframe readKeyframe(
-    const KEXSDK::ParamInfo& info, const Json::Value& json, const char* unitName, const fs::path& directory)
-{
-    if (!json.isObject())
-        fail("a keyframe must be an object");
-    allowMembers(json, {unitName, "value", "interpolation"});
-    if (!json.isMember(unitName) || !json.isMember("value"))
-        fail(std::string("a keyframe needs \"") + unitName + "\" and \"value\"");
-    Keyframe keyframe{numberOf(json[unitName], unitName), readValue(info, json["value"], directory)};
-    const std::string name = stringMember(json, "interpolation");
-    const auto found = std::ranges::find(kInterpolations, name, [](auto& i) { return std::string(i.first); });
-    if (found != kInterpolations.end())
-        keyframe.interpolation = found->second;
-    else if (!name.empty())
-        fail("\"interpolation\" must be linear, hold or smooth, not \"" + name + "\"");
-    else if (info.type == KEXSDK::ParamType::filePath)
-        keyframe.interpolation = Interpolation::hold;
-    return keyframe;
-}
-
-ParameterTrack readTrack(const KEXSDK::ParamInfo& info, const Json::Value& json, const fs::path& directory)
-{
-    if (!json.isObject())
-        return {info, readValue(info, json, directory)};
-    return within("parameter " + std::string(info.name), [&]() -> ParameterTrack {
-        allowMembers(json, {"keyframes"});
-        const Json::Value& list = json["keyframes"];
-        if (!list.isArray() || list.empty())
-            fail("\"keyframes\" must be a list");
-        // The first keyframe chooses the unit of all keyframes' times.
-        const auto unit = std::ranges::find_if(
-            kUnits, [&](auto& u) { return list[0].isObject() && list[0].isMember(u.first); });
-        if (unit == kUnits.end())
-            fail("a keyframe needs \"time\", \"frame\" or \"percent\", and \"value\"");
-        std::vector<Keyframe> keyframes;
-        for (const Json::Value& one : list)
-            keyframes.push_back(readKeyframe(info, one, unit->first, directory));
-        return {info, unit->second, std::move(keyframes)};
-    });
-}
-
 NodeWindow readWindow(const Json::Value& json)
 {
     const auto member = [&](const char* name) {
@@ -153,6 +26,30 @@ NodeWindow readWindow(const Json::Value& json)
     if (!(window.duration > 0))
         fail("\"start\" goes with a \"duration\" above 0");
     return window;
+}
+
+bool flagMember(const Json::Value& object, const char* name)
+{
+    const Json::Value& value = object[name];
+    if (!value.isNull() && !value.isBool())
+        fail(std::string("\"") + name + "\" must be true or false");
+    return !value.isNull() && value.asBool();
+}
+
+NodeMask readMask(const Json::Value& json, const GraphFile& file)
+{
+    const auto absolute = [&](const std::string& path) {
+        return path.empty() ? path : (file.directory / path).lexically_normal().string();
+    };
+    if (json.isString())
+        return {.picture = absolute(json.asString()), .node = {}};
+    if (!json.isObject())
+        fail("\"mask\" must be a file or an object");
+    allowMembers(file, json, {"picture", "node", "invert", "feather"});
+    return {.picture = absolute(stringMember(json, "picture")),
+        .node = stringMember(json, "node"),
+        .invert = flagMember(json, "invert"),
+        .feather = json.isMember("feather") ? numberOf(json["feather"], "feather") : 0};
 }
 
 std::vector<std::string> readInputs(const Json::Value& json)
@@ -168,11 +65,11 @@ std::vector<std::string> readInputs(const Json::Value& json)
     return inputs;
 }
 
-void readNode(GraphDescription& graph, const Json::Value& json, const fs::path& directory)
+void readNode(GraphDescription& graph, const Json::Value& json, const GraphFile& file)
 {
     if (!json.isObject())
         fail("a node must be an object");
-    allowMembers(json, {"id", "effect", "inputs", "parameters", "start", "duration"});
+    allowMembers(file, json, {"id", "effect", "inputs", "parameters", "start", "duration"}, {"mix", "mask"});
     const std::string effect = stringMember(json, "effect");
     if (effect.empty())
         fail("a node needs an \"effect\"");
@@ -183,6 +80,10 @@ void readNode(GraphDescription& graph, const Json::Value& json, const fs::path& 
         node.inputs = readInputs(json["inputs"]);
     if (json.isMember("start") || json.isMember("duration"))
         node.window = readWindow(json);
+    if (json.isMember("mix"))
+        node.mix = readTrack(kMix, json["mix"], file);
+    if (json.isMember("mask"))
+        node.mask = readMask(json["mask"], file);
     const Json::Value& parameters = json["parameters"];
     if (!parameters.isNull() && !parameters.isObject())
         fail("\"parameters\" must be an object");
@@ -190,7 +91,7 @@ void readNode(GraphDescription& graph, const Json::Value& json, const fs::path& 
         const KEXSDK::ParamInfo& info = parameterNamed(*node.effect, name);
         if (node.sets(info))
             fail("parameter " + std::string(info.name) + " is set twice, once as \"" + name + '"');
-        node.parameters.push_back(readTrack(info, parameters[name], directory));
+        node.parameters.push_back(readTrack(info, parameters[name], file));
     }
 }
 
@@ -198,9 +99,12 @@ GraphDescription readGraph(const Json::Value& json, const fs::path& directory)
 {
     if (!json.isObject())
         fail("the file must hold an object");
-    allowMembers(json, {"effectengine", "title", "nodes", "output"});
-    if (!json["effectengine"].isInt() || json["effectengine"].asInt() != kVersion)
-        fail("\"effectengine\" must be " + std::to_string(kVersion) + ", the version of the format");
+    const Json::Value& version = json["effectengine"];
+    if (!version.isInt() || version.asInt() < 1 || version.asInt() > kNewestGraphVersion)
+        fail("\"effectengine\" must be 1 or 2, the version of the format");
+    const GraphFile file{directory, version.asInt()};
+    allowMembers(file, json, {"$schema", "effectengine", "title", "nodes", "output"});
+    stringMember(json, "$schema");
     GraphDescription graph;
     graph.title = stringMember(json, "title");
     const Json::Value& nodes = json["nodes"];
@@ -210,7 +114,7 @@ GraphDescription readGraph(const Json::Value& json, const fs::path& directory)
         const Json::Value& node = nodes[i];
         const bool named = node.isObject() && node["id"].isString();
         within("node " + (named ? "\"" + node["id"].asString() + "\"" : std::to_string(i + 1)),
-            [&] { readNode(graph, node, directory); });
+            [&] { readNode(graph, node, file); });
     }
     if (const std::string output = stringMember(json, "output"); !output.empty())
         graph.output = output;
@@ -250,39 +154,24 @@ Json::Value parseJson(const std::string& text, const std::string& name)
     return value;
 }
 
-Json::Value valueJson(const ParameterTrack& track, const ParameterValue& value)
+// Whether a node has something that version 1 of the format cannot say.
+bool needsVersion2(const GraphNode& node)
 {
-    if (const auto* const path = std::get_if<std::string>(&value))
-        return fs::absolute(*path).lexically_normal().string();
-    const auto& numbers = std::get<std::vector<double>>(value);
-    const auto type = track.info().type;
-    const bool whole = type == KEXSDK::ParamType::integer || type == KEXSDK::ParamType::integerArray;
-    const auto one = [&](double n) { return whole ? Json::Value(int(n)) : Json::Value(n); };
-    if (type == KEXSDK::ParamType::integer || type == KEXSDK::ParamType::real)
-        return one(numbers.front());
-    Json::Value list(Json::arrayValue);
-    for (const double number : numbers)
-        list.append(one(number));
-    return list;
+    return node.mix || node.mask
+        || std::ranges::any_of(node.parameters, [](const ParameterTrack& t) { return t.since() > 1; });
 }
 
-template <class Table, class Value> const char* nameIn(const Table& table, Value value)
+Json::Value maskJson(const NodeMask& mask)
 {
-    return std::ranges::find(table, value, [](auto& row) { return row.second; })->first;
-}
-
-Json::Value trackJson(const ParameterTrack& track)
-{
-    if (track.constant())
-        return valueJson(track, track.keyframes().front().value);
     Json::Value json;
-    for (const Keyframe& keyframe : track.keyframes()) {
-        Json::Value one;
-        one[nameIn(kUnits, track.unit())] = keyframe.time;
-        one["value"] = valueJson(track, keyframe.value);
-        one["interpolation"] = nameIn(kInterpolations, keyframe.interpolation);
-        json["keyframes"].append(one);
-    }
+    if (mask.picture.empty())
+        json["node"] = mask.node;
+    else
+        json["picture"] = fs::absolute(mask.picture).lexically_normal().string();
+    if (mask.invert)
+        json["invert"] = true;
+    if (mask.feather != 0)
+        json["feather"] = mask.feather;
     return json;
 }
 
@@ -309,7 +198,7 @@ GraphDescription loadGraph(const fs::path& file)
 std::string graphText(const GraphDescription& graph)
 {
     Json::Value json;
-    json["effectengine"] = kVersion;
+    json["effectengine"] = std::ranges::any_of(graph.nodes, needsVersion2) ? 2 : 1;
     if (!graph.title.empty())
         json["title"] = graph.title;
     json["output"] = graph.output;
@@ -325,9 +214,13 @@ std::string graphText(const GraphDescription& graph)
             one["start"] = node.window->start;
             one["duration"] = node.window->duration;
         }
+        if (node.mix)
+            one["mix"] = trackJson(*node.mix);
+        if (node.mask)
+            one["mask"] = maskJson(*node.mask);
         json["nodes"].append(one);
     }
-    return jsonText(json);
+    return text::jsonText(json);
 }
 
 } // namespace host

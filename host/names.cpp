@@ -2,7 +2,7 @@
 #include "host/names.h"
 
 #include "host/GraphError.h"
-#include "host/nearest.h"
+#include "text/nearest.h"
 
 #include <algorithm>
 
@@ -12,10 +12,10 @@ std::optional<std::size_t> meant(const std::vector<Named>& all, std::string_view
 {
     if (const auto exact = std::ranges::find(all, word, &Named::name); exact != all.end())
         return exact - all.begin();
-    const std::string wanted = folded(word);
+    const std::string wanted = text::folded(word);
     std::optional<std::size_t> found;
     for (std::size_t i = 0; i < all.size() && !wanted.empty(); ++i) {
-        if (folded(all[i].name) != wanted && folded(all[i].title) != wanted)
+        if (text::folded(all[i].name) != wanted && text::folded(all[i].title) != wanted)
             continue;
         const auto shown = [&](std::size_t at) { return all[at].name + " (" + all[at].title + ")"; };
         if (found)
@@ -33,7 +33,7 @@ std::string didYouMean(const std::vector<Named>& candidates, std::string_view ty
         words.push_back(one.name);
     for (const Named& one : candidates)
         words.push_back(one.title);
-    return didYouMean(words, typed);
+    return text::didYouMean(words, typed);
 }
 
 } // namespace host

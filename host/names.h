@@ -15,7 +15,7 @@ struct Named {
 };
 
 /// Index of what a word means: the one of exactly this name, otherwise the one whose name or title is the
-/// same when folded (host/nearest.h); no value when there is none. Throws GraphError that names them when
+/// same when folded (text/nearest.h); no value when there is none. Throws GraphError that names them when
 /// there are several.
 std::optional<std::size_t> meant(const std::vector<Named>& all, std::string_view word);
 

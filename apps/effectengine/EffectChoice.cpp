@@ -2,9 +2,8 @@
 #include "effectengine/EffectChoice.h"
 
 #include "effectengine/ToolError.h"
-#include "engine/effectList.h"
-#include "host/GraphDescription.h"
-#include "host/nearest.h"
+#include "effectengine/effectList.h"
+#include "text/nearest.h"
 
 #include <algorithm>
 #include <cctype>
@@ -48,11 +47,11 @@ std::vector<EffectInfo> chosen(const EffectChoice& choice)
     if (!choice.kind.empty() && std::ranges::find(families, choice.kind) == families.end())
         throw ToolError(ExitCode::usage,
             "no kind \"" + choice.kind + "\""
-                + host::didYouMean({families.begin(), families.end()}, choice.kind));
+                + text::didYouMean({families.begin(), families.end()}, choice.kind));
     if (!choice.names.empty()) {
         effects.clear();
         for (const std::string& name : choice.names)
-            effects.push_back(host::effectNamed(name));
+            effects.push_back(effectNamed(name));
     }
     const std::string wanted = lower(choice.search);
     std::erase_if(effects, [&](const EffectInfo& e) {

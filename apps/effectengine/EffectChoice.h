@@ -1,7 +1,7 @@
 // The choice of effects on the command line: by names, by a family, by a word.
 #pragma once
 
-#include "model/EffectRegistry.h"
+#include "facts/EffectInfo.h"
 
 #include <CLI/CLI.hpp>
 

@@ -16,6 +16,12 @@ struct GraphOptions::Values {
     CLI::Option* parameterOption = nullptr;
 };
 
+void warnOf(const Look& look, const std::string& file)
+{
+    for (const char* const line : std::span(look.info().warnings, look.info().warningCount))
+        warn(file.empty() ? line : file + ": " + line);
+}
+
 GraphOptions::GraphOptions(CLI::App& command) : command_(command), values_(std::make_shared<Values>())
 {
     Values& v = *values_;
@@ -45,31 +51,25 @@ bool GraphOptions::given() const
     return !values_->effects.empty() || !values_->graph.empty() || !values_->preset.empty();
 }
 
-host::GraphDescription GraphOptions::description(const std::string& effect) const
+Look GraphOptions::look(const std::string& effect) const
 {
     const Values& v = *values_;
-    host::GraphDescription graph;
-    if (!v.graph.empty())
-        graph = host::loadGraph(v.graph);
-    if (!v.preset.empty())
-        graph = host::loadGraph(v.preset);
+    const std::string file = v.graph.empty() ? v.preset : v.graph;
+    Look look = file.empty() ? Look() : Look::fromFile(file);
     if (!effect.empty())
-        graph.append(effect);
+        look.append(effect);
     auto nextEffect = v.effects.begin();
     auto nextParameter = v.parameters.begin();
     for (const CLI::Option* const option : command_.parse_order()) {
         if (option == v.effectOption)
-            graph.append(*nextEffect++);
+            look.append(*nextEffect++);
         if (option == v.parameterOption)
-            graph.setParameter(*nextParameter++);
+            look.assign(*nextParameter++);
     }
-    graph.finish();
-    const std::string file = v.graph.empty() ? v.preset : v.graph;
-    for (const std::string& line : graph.warnings())
-        warn(file.empty() ? line : file + ": " + line);
+    warnOf(look, file);
     if (!v.savedPreset.empty())
-        writeTextFile(v.savedPreset, host::graphText(graph));
-    return graph;
+        writeTextFile(v.savedPreset, look.info().json);
+    return look;
 }
 
 } // namespace tool

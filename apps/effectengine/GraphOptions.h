@@ -1,13 +1,16 @@
 // -e, -p, --graph, --preset and --save-preset of the verbs that run effects.
 #pragma once
 
-#include "host/GraphDescription.h"
+#include "effectengine/Look.h"
 
 #include <CLI/CLI.hpp>
 
 #include <memory>
 
 namespace tool {
+
+/// Prints the look's warnings, with the file's name in front of each unless it is empty.
+void warnOf(const Look& look, const std::string& file);
 
 /// Adds the options to a verb and makes the graph that they describe.
 class GraphOptions {
@@ -17,10 +20,10 @@ public:
     /// Whether -e, --graph or --preset was given; if not, the verb may take an effect's name as a word.
     bool given() const;
 
-    /// The finished graph. Parameters belong to the effect named last before them, and without -e to
+    /// The look, checked. Parameters belong to the effect named last before them, and without -e to
     /// `effect` or to the preset's last one. Warnings go to stderr; --save-preset is obeyed. Throws
-    /// ToolError and host::GraphError.
-    host::GraphDescription description(const std::string& effect = {}) const;
+    /// ToolError and LookError.
+    Look look(const std::string& effect = {}) const;
 
 private:
     struct Values;

@@ -1,14 +1,14 @@
-// Start and end of the engine: its resources, its logs, the pinned clock.
+// Start and end of the engine: its resources, its logs, and what it reads from the environment.
 #include "effectengine/Session.h"
 
-#include "core/Clock.h"
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
-#include "engine/effectList.h"
+#include "effectengine/effectList.h"
 
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <string_view>
 
 namespace tool {
@@ -30,6 +30,24 @@ void removeOldLogs()
             && isOfEndedProcess(std::string_view(name).substr(kTemporaryName.size())))
             fs::remove_all(entry->path(), ignored);
     }
+}
+
+void setUnlessGiven(const char* variable, const char* value)
+{
+    const char* const given = std::getenv(variable);
+    if (!given || !*given)
+        setenv(variable, value, 1);
+}
+
+/// Tells the engine, which is not running yet, how to draw. The user's own variables stand. There is always a
+/// seed, so that all pictures of one run begin with the same random numbers.
+void setEnvironment(const SessionOptions& options)
+{
+    if (options.seed)
+        setenv("EFFECTENGINE_SEED", std::to_string(*options.seed).c_str(), 1);
+    else
+        setUnlessGiven("EFFECTENGINE_SEED", std::to_string(std::time(nullptr)).c_str());
+    setUnlessGiven("EFFECTENGINE_PATH", "auto");
 }
 
 fs::path makeTemporaryDirectory()
@@ -65,19 +83,21 @@ fs::path resourceDirectory(const fs::path& named)
         "no resource directory beside " + program.string() + "; name one with --resources");
 }
 
-void listShaderEffects(const SessionOptions& options)
+void openLibrary(const SessionOptions& options)
 {
+    fs::path resources;
     try {
-        listShaderEffectsOf(resourceDirectory(options.resources).string() + "/");
+        resources = resourceDirectory(options.resources);
     } catch (const ToolError&) {
         if (!options.resources.empty())
             throw;
     }
+    succeed(EffectHostOpen(resources.empty() ? nullptr : resources.c_str(), nullptr));
 }
 
 Session::Session(const SessionOptions& options)
 {
-    core::pinTime(options.seed);
+    setEnvironment(options);
     const std::string resources = resourceDirectory(options.resources).string() + "/";
     fs::path logs = options.logs;
     if (logs.empty())

@@ -1,7 +1,7 @@
 // The engine as the tool starts it: options that all verbs share, resources, logs.
 #pragma once
 
-#include "host/Host.h"
+#include "hosting/Host.h"
 
 #include <filesystem>
 #include <optional>
@@ -12,13 +12,14 @@ namespace tool {
 struct SessionOptions {
     std::filesystem::path resources;
     std::filesystem::path logs;
-    std::optional<long long> seed; ///< pins the clock, from which random tables take their seeds
+    std::optional<long long> seed; ///< of random numbers; the time of the start where there is none
 };
 
 /// A running engine for one invocation of the tool.
 class Session {
 public:
-    /// Throws ToolError when there is no resource directory.
+    /// Sets environment variables, so no other thread may run yet. Throws ToolError when there is no resource
+    /// directory.
     explicit Session(const SessionOptions& options);
     ~Session();
 
@@ -30,8 +31,8 @@ private:
 /// The named directory, or the one beside the tool in an installed prefix or a build tree.
 std::filesystem::path resourceDirectory(const std::filesystem::path& named);
 
-/// Adds the shader effects of the resource directory to the list of effects. Without a directory that was
-/// named or found there are none.
-void listShaderEffects(const SessionOptions& options);
+/// Opens the host library with the resource directory. Without a directory that was named or found the effects that
+/// descriptor files describe are missing.
+void openLibrary(const SessionOptions& options);
 
 } // namespace tool

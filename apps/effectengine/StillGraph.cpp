@@ -1,14 +1,16 @@
 // Frames for effects with a history, and reasons why an effect changed nothing.
 #include "effectengine/StillGraph.h"
 
-#include "core/Random.h"
+#include "effectengine/exampleLook.h"
 #include "effectengine/interruption.h"
-#include "engine/effectList.h"
-#include "host/exampleValues.h"
-#include "model/CSimpleEffect.h"
+#include "facts/nodeParameters.h"
+#include "effectengine/effectList.h"
+
+#include <json/reader.h>
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 
 namespace tool {
 
@@ -23,18 +25,26 @@ std::string listed(const std::vector<std::string>& names)
     return names.size() > kMost ? text + " and others" : text;
 }
 
-// The parameters that the effect reads and that neither the user nor a fresh node has set.
-std::vector<std::string> unsetParameters(const host::GraphNode& node)
+// The nodes of the look's graph file.
+Json::Value nodesOf(const Look& look)
 {
-    const host::Filter fresh(node.effect->guid, 1, 1);
+    Json::Value json;
+    std::istringstream(look.info().json) >> json;
+    return json["nodes"];
+}
+
+// The parameters that the effect reads and that neither the user nor a fresh node has set.
+std::vector<std::string> unsetParameters(const KEXSDK::EffectInfo& effect, const Json::Value& set)
+{
+    const host::Filter fresh(effect.guid, 1, 1);
     const auto stored = [&](const char* name) {
         auto type = KEXSDK::VIParamUnknown;
         return KEXSDK::getParamType(fresh.handle(), name, &type) == EFFECTENGINE_OK
             && type != KEXSDK::VIParamUnknown;
     };
     std::vector<std::string> names;
-    for (const KEXSDK::ParamInfo* const info : describeParameters(node.effect->guid)) {
-        if (!info->declared && !node.sets(*info) && !stored(info->name))
+    for (const KEXSDK::ParamInfo* const info : describeParameters(effect)) {
+        if (!info->declared && !set.isMember(info->name) && !stored(info->name))
             names.push_back(info->name);
     }
     return names;
@@ -42,40 +52,33 @@ std::vector<std::string> unsetParameters(const host::GraphNode& node)
 
 } // namespace
 
-StillGraph::StillGraph(const host::GraphDescription& description, std::span<const host::Image> pictures)
-    : description_(description),
+StillGraph::StillGraph(const Look& look, std::span<const host::Image> pictures)
+    : look_(look),
       pictures_(pictures),
-      facts_(description.facts())
+      history_(look.info().historyFrames)
 {
-    for (const host::Image& picture : pictures)
-        inputs_.emplace_back(picture.width(), picture.height());
     begin();
 }
 
 void StillGraph::begin()
 {
-    // The generator starts anew, so that a result does not depend on what was made before it. The first nodes
-    // of a process also draw its shared tables: every graph goes on from the state that the first one had
-    // after that.
-    pixels::threadRandom() = pixels::RandomGenerator();
-    graph_.emplace(description_, pictures_[0].width(), pictures_[0].height());
-    static const pixels::RandomGenerator start = pixels::threadRandom();
-    pixels::threadRandom() = start;
-    for (unsigned i = 0; i < inputs_.size(); ++i)
-        graph_->setSource(inputs_[i], i);
+    // The session's seed lets the random numbers of new nodes start anew, so a result does not depend on what
+    // was made before it.
+    run_.emplace(look_, pictures_[0].width(), pictures_[0].height());
+    for (unsigned i = 0; i < pictures_.size(); ++i)
+        run_->setSource(pictures_[i], i);
     seen_ = 0;
 }
 
-CEffectImage* StillGraph::at(const host::FrameTime& time)
+CEffectImage* StillGraph::at(const FrameTime& time)
 {
     last_ = time;
     const long long frame = std::llround(std::max(0.0, time.seconds) * time.frameRate);
-    const long long before =
-        facts_.fromStart.empty() ? std::min<long long>(facts_.historyFrames, frame) : frame;
+    const long long before = history_ == EFFECTHOST_FROM_START ? frame : std::min(history_, frame);
     if (before > 0 && frame + 1 < seen_)
         begin();
     for (long long i = std::max(seen_, frame - before); i < frame; ++i) {
-        host::FrameTime earlier = time;
+        FrameTime earlier = time;
         earlier.seconds = double(i) / time.frameRate;
         show(earlier);
     }
@@ -83,12 +86,10 @@ CEffectImage* StillGraph::at(const host::FrameTime& time)
     return show(time);
 }
 
-CEffectImage* StillGraph::show(const host::FrameTime& time, std::vector<std::string>* unchanged)
+CEffectImage* StillGraph::show(const FrameTime& time, std::vector<std::string>* unchanged)
 {
     stopIfAsked();
-    for (std::size_t i = 0; i < inputs_.size(); ++i)
-        std::ranges::copy(pictures_[i].bytes(), inputs_[i].bytes().begin());
-    return graph_->run(time, unchanged);
+    return run_->run(time, unchanged);
 }
 
 std::vector<std::string> StillGraph::idleEffects()
@@ -96,31 +97,30 @@ std::vector<std::string> StillGraph::idleEffects()
     std::vector<std::string> unchanged;
     show(last_, &unchanged);
     std::vector<std::string> lines;
+    const Json::Value nodes = nodesOf(look_);
     for (const std::string& id : unchanged) {
-        const host::GraphNode& node = *std::ranges::find(description_.nodes, id, &host::GraphNode::id);
-        if (const std::string want = wantOf(node); !want.empty())
-            lines.push_back("effect " + node.effect->name + " " + want);
+        const auto node = std::ranges::find(nodes, Json::Value(id), [](const Json::Value& n) { return n["id"]; });
+        const KEXSDK::EffectInfo& effect = effectNamed((*node)["effect"].asString());
+        if (const std::string want = wantOf(effect, (*node)["parameters"]); !want.empty())
+            lines.push_back("effect " + effect.name + " " + want);
     }
     return lines;
 }
 
 // What the effect lacks to change the picture, in words; tells by a trial with example values whether
 // parameters would help.
-std::string StillGraph::wantOf(const host::GraphNode& node) const
+std::string StillGraph::wantOf(const KEXSDK::EffectInfo& effect, const Json::Value& parameters) const
 {
-    if (node.effect->inputs != 1 || node.sets(KEXSDK::kEnable))
+    if (effect.inputs != 1 || parameters.isMember(KEXSDK::kEnable.name))
         return "";
-    if (const auto names = unsetParameters(node); !names.empty()) {
-        host::GraphDescription alone;
-        alone.append(node.effect->guid).parameters = node.parameters;
-        host::addExamples(alone.nodes[0], pictures_[0].width(), pictures_[0].height());
-        alone.finish();
+    if (const auto names = unsetParameters(effect, parameters); !names.empty()) {
+        const Look alone = exampleLook(effect, pictures_[0].width(), pictures_[0].height(), parameters);
         StillGraph shown(alone, pictures_.first(1));
         if (!std::ranges::equal(host::bytesOf(shown.at(last_)), pictures_[0].bytes()))
             return "does nothing as it was called: it waits for " + listed(names) + " (effectengine describe "
-                + node.effect->name + ")";
+                + effect.name + ")";
     }
-    if (node.effect->history.frames != 0)
+    if (effect.history.frames != 0)
         return "does nothing here: it works with earlier frames, and a picture stands still";
     return "";
 }

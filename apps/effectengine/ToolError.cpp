@@ -18,17 +18,24 @@ void complain(const std::string& message)
 
 void warn(const std::string& message) { complain("warning: " + message); }
 
-ExitCode codeOf(host::GraphFault fault)
+ExitCode codeOf(EffectHostResult result)
 {
-    switch (fault) {
-    case host::GraphFault::content:
+    switch (result) {
+    case EFFECTHOST_OK:
+        return ExitCode::success;
+    case EFFECTHOST_BAD_CONTENT:
         return ExitCode::usage;
-    case host::GraphFault::missingFile:
+    case EFFECTHOST_MISSING_FILE:
         return ExitCode::missingInput;
-    case host::GraphFault::unreadable:
+    case EFFECTHOST_UNREADABLE:
         return ExitCode::unreadable;
-    case host::GraphFault::effectFailed:
+    case EFFECTHOST_EFFECT_FAILED:
         return ExitCode::effectFailed;
+    case EFFECTHOST_BAD_ARGUMENT:
+    case EFFECTHOST_NO_ENGINE:
+    case EFFECTHOST_NO_MEMORY:
+    case EFFECTHOST_INTERNAL:
+        break;
     }
     return ExitCode::internal;
 }

@@ -1,7 +1,7 @@
 // Exit codes, and the exceptions that end the tool with one of them.
 #pragma once
 
-#include "host/GraphError.h"
+#include "effectengine/Look.h"
 
 #include <stdexcept>
 #include <string>
@@ -46,7 +46,7 @@ void complain(const std::string& message);
 /// Prints "effectengine: warning: MESSAGE" in the same way.
 void warn(const std::string& message);
 
-ExitCode codeOf(host::GraphFault fault);
+ExitCode codeOf(EffectHostResult result);
 
 template <class Work> ExitCode reportingFailure(Work work, const std::string& place)
 {
@@ -59,9 +59,9 @@ template <class Work> ExitCode reportingFailure(Work work, const std::string& pl
     } catch (const ToolError& error) {
         complain(error.what());
         return error.code();
-    } catch (const host::GraphError& error) {
+    } catch (const LookError& error) {
         complain(front + error.what());
-        return codeOf(error.fault());
+        return codeOf(error.code());
     } catch (const std::exception& error) {
         complain(front + error.what());
         return ExitCode::internal;

@@ -24,19 +24,19 @@ struct Options {
     std::vector<fs::path> with;     ///< further pictures, for effects that take several
     std::string size;
     std::optional<double> time; ///< empty: the middle
-    double total = host::FrameTime{}.total;
+    double total = FrameTime{}.total;
     bool strip = false;
     int processes = 0; ///< 0: one for each processor
     PictureListOptions list;
     ProgressKind progress = ProgressKind::automatic;
 };
 
-void checkPictureCount(const host::GraphDescription& description, const Options& options)
+void checkPictureCount(const Look& look, const Options& options)
 {
-    if (description.sources() == options.with.size() + 1)
+    if (look.info().inputs == options.with.size() + 1)
         return;
     throw ToolError(ExitCode::usage,
-        "effect " + description.output + " needs " + std::to_string(description.sources())
+        "effect " + std::string(look.info().output) + " needs " + std::to_string(look.info().inputs)
             + " pictures; apply has " + std::to_string(options.with.size() + 1)
             + (options.with.empty() ? " (--with names a second one)" : ""));
 }
@@ -44,9 +44,9 @@ void checkPictureCount(const host::GraphDescription& description, const Options&
 class PictureRun {
 public:
     PictureRun(
-        const Options& options, const host::GraphDescription& description, const SessionOptions& session)
+        const Options& options, const Look& look, const SessionOptions& session)
         : options_(options),
-          description_(description),
+          look_(look),
           session_(session)
     {
     }
@@ -63,10 +63,10 @@ public:
         pictures.push_back(loadPicture(job.in, size));
         for (const fs::path& file : options_.with)
             pictures.push_back(loadPicture(file, size));
-        StillGraph graph(description_, pictures);
+        StillGraph graph(look_, pictures);
         const double time = options_.time.value_or(options_.total / 2);
         savePicture(graph.at({.seconds = time, .total = options_.total}), job.out,
-            options_.strip ? host::PhotoMetadata() : metadataOf(job.in));
+            options_.strip ? PhotoMetadata() : metadataOf(job.in));
         if (advise)
             std::ranges::for_each(graph.idleEffects(), warn);
     }
@@ -78,7 +78,7 @@ private:
     }
 
     const Options& options_;
-    const host::GraphDescription& description_;
+    const Look& look_;
     Session session_;
 };
 
@@ -87,15 +87,14 @@ void apply(const Options& options, const GraphOptions& graphOptions, const Sessi
     const std::size_t effects = graphOptions.given() ? 0 : 1;
     if (options.words.size() < effects + 2)
         throw ToolError(ExitCode::usage, "apply takes EFFECT IN... OUT, or -e EFFECT ... IN... OUT");
-    const host::GraphDescription description =
-        graphOptions.description(effects == 1 ? options.words.front() : "");
-    checkPictureCount(description, options);
+    const Look look = graphOptions.look(effects == 1 ? options.words.front() : "");
+    checkPictureCount(look, options);
     for (const fs::path& file : options.with)
         sizeOf(file);
     const auto jobs = listPictures({options.words.begin() + std::ptrdiff_t(effects), options.words.end() - 1},
         options.words.back(), options.list);
     if (jobs.size() == 1) {
-        PictureRun(options, description, sessionOptions).process(jobs[0], true);
+        PictureRun(options, look, sessionOptions).process(jobs[0], true);
         return;
     }
     const int processors = std::max(1, int(std::thread::hardware_concurrency()));
@@ -105,7 +104,7 @@ void apply(const Options& options, const GraphOptions& graphOptions, const Sessi
     const ExitCode code = workers.run(
         processes,
         [&]() -> Workers::Piece {
-            const auto run = std::make_shared<PictureRun>(options, description, sessionOptions);
+            const auto run = std::make_shared<PictureRun>(options, look, sessionOptions);
             return [run, &jobs](std::size_t i) { run->process(jobs[i], i == 0); };
         },
         progress);

@@ -2,10 +2,11 @@
 #include "effectengine/EffectChoice.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
+#include "effectengine/effectList.h"
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
-#include "host/jsonText.h"
-#include "host/measure.h"
+#include "text/jsonText.h"
+#include "hosting/measure.h"
 
 #include <tbb/global_control.h>
 
@@ -37,7 +38,7 @@ Result measure(const KEXSDK::EffectInfo& effect, host::FrameSize frame, int thre
 {
     constexpr std::size_t kFewest = 5;
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, std::size_t(threads));
-    host::EffectRun run(effect, frame);
+    host::EffectRun run(effect, describeParameters(effect), frame);
     std::vector<double> times;
     for (double sum = 0; sum < atLeast || times.size() < kFewest; sum += times.back()) {
         stopIfAsked();
@@ -95,7 +96,7 @@ void bench(const Options& options, const SessionOptions& sessionOptions)
     json["height"] = size.height;
     json["copyMilliseconds"] = copy * 1e3;
     json["results"] = list;
-    std::fputs(host::jsonText(json).c_str(), stdout);
+    std::fputs(text::jsonText(json).c_str(), stdout);
 }
 
 } // namespace

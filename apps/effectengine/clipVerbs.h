@@ -65,7 +65,7 @@ struct RenderOptions {
     ProgressKind progress = ProgressKind::automatic;
 };
 
-// The work of the verbs. They throw ToolError and host::GraphError.
+// The work of the verbs. They throw ToolError and LookError.
 void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session);
 void runClipTransition(const ClipTransitionOptions& options, const SessionOptions& session);
 void runRender(const RenderOptions& options, const SessionOptions& session);

@@ -1,12 +1,11 @@
 // doctor: tells whether everything is there that the engine can use, and what to do where it is not.
-#include "EffectTovOgre/TovOgreRenderThread.h"
 #include "effectengine/Session.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
 #include "effectengine/pictureFiles.h"
-#include "engine/effectList.h"
-#include "host/exampleValues.h"
+#include "effectengine/effectList.h"
+#include "hosting/exampleValues.h"
 
 #include <algorithm>
 #include <array>
@@ -71,38 +70,54 @@ std::string logText(const fs::path& directory, const char* name)
     return text.str();
 }
 
-// The value behind a key in the graphics system's log, such as "llvmpipe" in "GL_RENDERER = llvmpipe".
+// The value behind a key in the logs, such as "llvmpipe" in "GL_RENDERER = llvmpipe": the latest, since
+// earlier runs may have left logs in the same directory.
 std::string noted(const std::string& log, const std::string& key)
 {
-    const std::size_t at = log.find(key);
+    const std::size_t at = log.rfind(key);
     if (at == std::string::npos)
         return {};
     const std::size_t begin = log.find_first_not_of(" =", at + key.size());
     return log.substr(begin, log.find('\n', begin) - begin);
 }
 
+// Whether the engine makes effects that need the GPU: without one it does not know them.
+bool drawsEffects()
+{
+    return std::ranges::any_of(listEffects(), [](const KEXSDK::EffectInfo& effect) {
+        if (!effect.needsGpu)
+            return false;
+        try {
+            const host::Filter filter(effect.guid, 1, 1);
+            return true;
+        } catch (const host::Failure&) {
+            return false;
+        }
+    });
+}
+
 void examineGraphics(Examination& examination, const fs::path& logs)
 {
-    if (!KEXSDK::gpuAvailable()) {
-        examination.bad(ExitCode::noGraphics, "graphics",
-            "OpenGL did not start; effects that need it are missing",
-            "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
-            "keeps "
-            "the log that says why");
-        return;
-    }
     std::string log;
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(logs, ignored))
         log += logText(logs, entry.path().filename().c_str());
-    const std::string renderer = noted(log, "GL_RENDERER");
-    const KEXSDK::GpuCapabilities gpu = KEXSDK::gpuCapabilities();
-    examination.good("graphics", renderer.empty() ? "OpenGL" : renderer);
-    examination.good("driver",
-        noted(log, "GL_VERSION") + " (textures up to " + std::to_string(gpu.maxTextureSize)
-            + (gpu.textures3D ? ", 3D textures)" : ", no 3D textures)"));
-    if (renderer.find("llvmpipe") != std::string::npos || renderer.find("softpipe") != std::string::npos)
-        examination.note("graphics", "drawn by the processor; a GPU with its driver would be faster");
+    if (!drawsEffects()) {
+        examination.bad(ExitCode::noGraphics, "graphics",
+            "OpenGL did not start; effects that need it are missing",
+            "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
+            "keeps the log that says why");
+    } else {
+        const std::string renderer = noted(log, "GL_RENDERER");
+        examination.good("graphics", renderer.empty() ? "OpenGL" : renderer);
+        examination.good("driver",
+            noted(log, "GL_VERSION")
+                + (noted(log, "- 3D textures:") == "yes" ? " (3D textures)" : " (no 3D textures)"));
+        if (renderer.find("llvmpipe") != std::string::npos || renderer.find("softpipe") != std::string::npos)
+            examination.note("graphics", "drawn by the processor; a GPU with its driver would be faster");
+    }
+    if (const std::string paths = noted(log, "Paths: "); !paths.empty())
+        examination.good("paths", paths);
 }
 
 // Makes every effect once and lets it evaluate a small frame.
@@ -195,8 +210,7 @@ void doctor(const SessionOptions& options)
         const Session session(own);
         examineGraphics(examination, own.logs);
         examineEffects(examination);
-        if (KEXSDK::gpuAvailable())
-            examinePictures(examination, work);
+        examinePictures(examination, work);
     }
     examineClips(examination);
     if (examination.worst() != ExitCode::success)

@@ -4,7 +4,7 @@
 #include "effectengine/commandPages.h"
 #include "effectengine/commands.h"
 #include "effectengine/pictureFiles.h"
-#include "host/nearest.h"
+#include "text/nearest.h"
 
 #include <cstdio>
 #include <memory>
@@ -23,7 +23,7 @@ const VerbText& verbNamed(const VerbText& tool, const std::string& name)
             return verb;
         names.push_back(verb.name);
     }
-    throw ToolError(ExitCode::usage, "no verb \"" + name + "\"" + host::didYouMean(names, name));
+    throw ToolError(ExitCode::usage, "no verb \"" + name + "\"" + text::didYouMean(names, name));
 }
 
 void printMan(const VerbText& tool, const std::string& verb, const fs::path& directory)

@@ -1,10 +1,10 @@
 // list and describe: what there is to apply.
 #include "effectengine/EffectChoice.h"
 #include "effectengine/commands.h"
-#include "engine/effectList.h"
-#include "host/GraphDescription.h"
-#include "host/catalogue.h"
-#include "host/jsonText.h"
+#include "effectengine/effectList.h"
+#include "effectengine/Look.h"
+#include "facts/catalogueJson.h"
+#include "text/jsonText.h"
 
 #include <cstdio>
 #include <memory>
@@ -26,7 +26,7 @@ void list(const ListOptions& options)
 {
     const std::vector<EffectInfo> effects = chosen(options.choice);
     if (options.json) {
-        std::fputs(host::jsonText(host::catalogue(effects)).c_str(), stdout);
+        std::fputs(text::jsonText(catalogueOf(effects)).c_str(), stdout);
         return;
     }
     if (options.families) {
@@ -100,20 +100,20 @@ struct DescribeOptions {
 
 void describe(const DescribeOptions& options)
 {
-    const EffectInfo& effect = host::effectNamed(options.effect);
+    const EffectInfo& effect = effectNamed(options.effect);
     if (options.names) {
-        for (const KEXSDK::ParamInfo* const param : describeParameters(effect.guid))
+        for (const KEXSDK::ParamInfo* const param : describeParameters(effect))
             std::puts(param->name);
         return;
     }
     if (options.json) {
-        std::fputs(host::jsonText(host::catalogueEntry(effect)).c_str(), stdout);
+        std::fputs(catalogueEntry(effect).c_str(), stdout);
         return;
     }
     printFacts(effect);
     std::printf(
         "%-20s %-20s %-9s %-8s %-12s %s\n", "parameter", "title", "type", "default", "advised", "meaning");
-    for (const KEXSDK::ParamInfo* param : describeParameters(effect.guid)) {
+    for (const KEXSDK::ParamInfo* param : describeParameters(effect)) {
         char range[48] = "";
         if (param->low < param->high)
             std::snprintf(range, sizeof range, "%g..%g", param->low, param->high);
@@ -123,7 +123,7 @@ void describe(const DescribeOptions& options)
         if (*param->choices)
             meaning += std::string(": ") + param->choices;
         std::printf("%-20s %-20s %-9s %-8s %-12s %s\n", param->name, titleOf(*param).c_str(),
-            host::typeName(param->type), valueText(*param).c_str(), range, meaning.c_str());
+            catalogue::typeName(param->type), valueText(*param).c_str(), range, meaning.c_str());
     }
 }
 

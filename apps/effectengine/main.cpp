@@ -35,7 +35,7 @@ void run(int argc, char** argv)
     tool.add_option("--log-dir", session.logs, "keep the engine's logs in this directory")->type_name("DIR");
     tool.add_option("--seed", session.seed, "seed of random looks, for the same result every time")
         ->type_name("N");
-    tool.parse_complete_callback([&session] { listShaderEffects(session); }); // before any command's work
+    tool.parse_complete_callback([&session] { openLibrary(session); }); // before any command's work
     addListCommand(tool);
     addDescribeCommand(tool);
     addApplyCommand(tool, session);

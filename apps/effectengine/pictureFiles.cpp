@@ -3,7 +3,7 @@
 
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
-#include "host/imageView.h"
+#include "hosting/imageView.h"
 #include "pictures/PictureCodecs.h"
 
 #include <unistd.h>
@@ -96,7 +96,7 @@ void checkDecoded(
 
 PictureSize upright(PictureSize stored, int orientation)
 {
-    return host::turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
+    return turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
 }
 
 // All bytes of a file. None when it cannot be read, or is larger than any picture that can be decoded.
@@ -147,7 +147,7 @@ PictureSize sizeOf(const fs::path& file)
     return upright({header.width, header.height}, metadataOf(file).orientation);
 }
 
-host::PhotoMetadata metadataOf(const fs::path& file) { return host::readPhotoMetadata(contentsOf(file)); }
+PhotoMetadata metadataOf(const fs::path& file) { return readPhotoMetadata(contentsOf(file)); }
 
 PictureSize parseSize(const std::string& text)
 {
@@ -188,7 +188,7 @@ host::Image loadPicture(const fs::path& file, PictureSize size)
     const std::ptrdiff_t stride = std::ptrdiff_t{stored.width} * 4;
     const pixels::View topRowFirst(picture.pixels.get() + (stored.height - 1) * stride,
         {int(stored.width), int(stored.height)}, -stride);
-    host::turnUpright(topRowFirst, orientation, viewOf(image));
+    turnUpright(topRowFirst, orientation, viewOf(image));
     return image;
 }
 
@@ -211,7 +211,7 @@ void checkOutput(const fs::path& file)
     checkPlace(file);
 }
 
-void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMetadata& metadata)
+void savePicture(CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata)
 {
     PictureSize size{};
     GetImageWidth(image, &size.width);
@@ -228,7 +228,7 @@ void savePicture(CEffectImage* image, const fs::path& file, const host::PhotoMet
     if (bytes.empty())
         throw ToolError(
             ExitCode::cannotWrite, "cannot write " + file.string() + ": its kind holds no such picture");
-    if (!host::addPhotoMetadata(bytes, metadata, size.width, size.height))
+    if (!addPhotoMetadata(bytes, metadata, size.width, size.height))
         warn(file.string() + ": the EXIF data or the colour profile is too large for this kind of file");
     writeFile(file, bytes);
 }

@@ -1,8 +1,8 @@
 // Picture files of the tool: sizes, loading, and saving that leaves nothing half-written.
 #pragma once
 
-#include "host/Host.h"
-#include "host/photoMetadata.h"
+#include "hosting/Host.h"
+#include "effectengine/photoMetadata.h"
 
 #include <filesystem>
 
@@ -18,7 +18,7 @@ struct PictureSize {
 PictureSize sizeOf(const std::filesystem::path& file);
 
 /// The metadata of a picture file; empty when the file cannot be read.
-host::PhotoMetadata metadataOf(const std::filesystem::path& file);
+PhotoMetadata metadataOf(const std::filesystem::path& file);
 
 /// Reads "WIDTHxHEIGHT". Throws ToolError.
 PictureSize parseSize(const std::string& text);
@@ -53,6 +53,6 @@ void makeDirectory(const std::filesystem::path& directory);
 /// target is then as it was before.
 /// @param metadata  goes into files of kinds that have room for it
 void savePicture(
-    CEffectImage* image, const std::filesystem::path& file, const host::PhotoMetadata& metadata = {});
+    CEffectImage* image, const std::filesystem::path& file, const PhotoMetadata& metadata = {});
 
 } // namespace tool

@@ -5,10 +5,10 @@
 #include "effectengine/StillGraph.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/commands.h"
+#include "effectengine/exampleLook.h"
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
-#include "host/exampleValues.h"
-#include "host/imageView.h"
+#include "hosting/imageView.h"
 
 #include <algorithm>
 #include <cmath>
@@ -71,18 +71,12 @@ public:
     void paint(const KEXSDK::EffectInfo& effect, ContactSheet& sheet, std::size_t tile) const
     {
         try {
-            host::GraphDescription description;
-            host::GraphNode& node = description.append(effect.guid);
-            host::addExamples(node, size_.width, size_.height);
-            // Two pictures are there; more inputs than two take the second one again.
-            for (std::size_t i = 1; i < node.inputs.size(); ++i)
-                node.inputs[i] = host::sourceName(1);
-            description.finish();
-            StillGraph graph(description, std::span(pictures_).first(description.sources()));
+            const Look look = exampleLook(effect, size_.width, size_.height);
+            StillGraph graph(look, std::span(pictures_).first(look.info().inputs));
             CEffectImage* const output = graph.at({.seconds = options_.time});
             sheet.put(tile, {host::bytesOf(output).data(), {int(size_.width), int(size_.height)}});
             sheet.label(tile, effect.name);
-        } catch (const host::GraphError&) {
+        } catch (const LookError&) {
             sheet.label(tile, effect.name + " (n/a)");
             warn("effect " + effect.name + " is not available here");
         }

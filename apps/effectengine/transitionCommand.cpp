@@ -49,9 +49,9 @@ bool isOnePicture(const fs::path& out)
 
 // The colour profile, if both pictures have the same: with the profile of one, the colours of the other would
 // be wrong.
-host::PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
+PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
 {
-    host::PhotoMetadata common;
+    PhotoMetadata common;
     common.profile = metadataOf(from).profile;
     if (common.profile != metadataOf(to).profile)
         common.profile.clear();
@@ -82,11 +82,10 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--duration is for clips; a picture's moment is --at");
     if (options.stretch)
         throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
-    host::GraphDescription description;
-    description.append(options.name);
-    description.finish();
-    if (description.sources() != 2)
-        throw ToolError(ExitCode::usage, "effect " + description.output + " is no transition");
+    Look look;
+    look.append(options.name);
+    if (look.info().inputs != 2)
+        throw ToolError(ExitCode::usage, "effect " + std::string(look.info().output) + " is no transition");
     const PictureSize size = options.size.empty() ? fitted(sizeOf(options.from)) : parseSize(options.size);
     sizeOf(options.to);
     if (options.frames == 0)
@@ -98,8 +97,8 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
     std::vector<host::Image> pictures;
     pictures.push_back(loadPicture(options.from, size));
     pictures.push_back(loadPicture(options.to, size));
-    StillGraph graph(description, pictures);
-    const host::PhotoMetadata metadata = commonProfile(options.from, options.to);
+    StillGraph graph(look, pictures);
+    const PhotoMetadata metadata = commonProfile(options.from, options.to);
     const auto frameAt = [&](double progress) {
         return graph.at({.seconds = progress * kDuration, .total = kDuration});
     };

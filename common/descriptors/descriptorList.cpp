@@ -63,7 +63,11 @@ DescriptorList listDescriptors(const std::string& resourceDirectory)
             if (list.contains(guid) || !isGuid(guid))
                 continue;
             if (const DescriptorPtr descriptor = readDescriptor(path).descriptor)
-                list[guid] = {completed(descriptor->facts, guid, path, kFamilies[i]), descriptor};
+            {
+                KEXSDK::EffectInfo facts = completed(descriptor->facts, guid, path, kFamilies[i]);
+                facts.descriptor = path.substr(resourceDirectory.size());
+                list[guid] = {std::move(facts), descriptor};
+            }
         }
     }
     return list;

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace KEXSDK {
 
@@ -43,6 +45,9 @@ struct ParamInfo {
 /// What people read: the title, or the words of the name, each with a capital; "Vignette Amount" for
 /// "u_vignette_amount", "Block Size" for "BlockSize".
 std::string titleOf(const ParamInfo& info);
+
+/// The values of a mode with their names, from "0 off, 1 left"; empty when any number goes.
+std::vector<std::pair<int, std::string>> choicesOf(const ParamInfo& info);
 
 /// What the kinds of declared parameters share.
 template <class Self> struct DeclaredParam : ParamInfo {

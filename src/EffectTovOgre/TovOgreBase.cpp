@@ -211,6 +211,7 @@ void TovOgreBase::readCapabilities(Ogre::RenderSystem& system)
     const Ogre::RenderSystemCapabilities& all = *system.getCapabilities();
     capabilities_.pbuffer = all.hasCapability(Ogre::RSC_PBUFFER);
     capabilities_.intelGpu = all.getVendor() == Ogre::GPU_INTEL;
+    capabilities_.renderer = all.getDeviceName();
     capabilities_.textures3D = all.hasCapability(Ogre::RSC_TEXTURE_3D);
     const Ogre::DriverVersion& version = all.getDriverVersion();
     capabilities_.driver = {version.major, version.minor, version.release, version.build};

@@ -2,23 +2,22 @@
 #include "core/Clock.h"
 
 #include <atomic>
-#include <limits>
 
 namespace core {
 
 namespace {
 
-constexpr std::time_t kRunning = std::numeric_limits<std::time_t>::min();
-std::atomic<std::time_t> pinned{kRunning};
+std::atomic<bool> isPinned = false;
+std::atomic<std::time_t> pinned = 0;
 
 } // namespace
 
-std::time_t now() noexcept
-{
-    const std::time_t held = pinned.load();
-    return held == kRunning ? std::time(nullptr) : held;
-}
+std::time_t now() noexcept { return isPinned ? pinned.load() : std::time(nullptr); }
 
-void pinTime(std::optional<std::time_t> seconds) noexcept { pinned.store(seconds.value_or(kRunning)); }
+void pinTime(std::optional<std::time_t> seconds) noexcept
+{
+    pinned = seconds.value_or(0);
+    isPinned = seconds.has_value();
+}
 
 } // namespace core

@@ -1,4 +1,4 @@
-// Wall-clock seconds, asked in one place so that tests and the host tool can hold them still.
+// Wall-clock seconds, asked in one place so that a seed and tests can hold them still.
 #pragma once
 
 #include <ctime>

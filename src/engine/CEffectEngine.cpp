@@ -7,6 +7,8 @@
 #include "effects/am/library/amCatalog.h"
 #include "effects/shader/CSimpleShaderEffect.h"
 #include "effects/transitions/transitionTable.h"
+#include "engine/environment.h"
+#include "engine/seededRandom.h"
 #include "model/CSimpleEffect.h"
 
 namespace KEXSDK {
@@ -20,7 +22,9 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
     logDir_ = logDir ? logDir : "";
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
+    seededRandom::set(environment::seed());
     const bool canDraw = initOgreEnvirenment();
+    preferForm(environment::form(canDraw, gpuCapabilities().renderer));
     transitions::transitionMgrInit();
     initAmEffects();
     if (canDraw) {

@@ -22,8 +22,8 @@ public:
     /// Frees the tables. unInitialize() comes first and ends the render thread.
     virtual ~CEffectEngine();
 
-    /// Opens the log, starts the GPU environment and fills the tables. A GPU that cannot be brought up is one
-    /// warning line, not a failure; shader effects are unknown then.
+    /// Opens the log, reads the environment variables, starts the GPU environment and fills the tables. A GPU
+    /// that cannot be brought up is one warning line, not a failure; shader effects are unknown then.
     /// @param resourceDir  prefix of effect data, with its trailing separator
     /// @param logDir       directory of "EffectEngine.log", or null for no log file
     /// @return always true

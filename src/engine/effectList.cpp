@@ -4,27 +4,16 @@
 #include "descriptors/descriptorList.h"
 #include "effects/am/library/amCatalog.h"
 #include "effects/transitions/transitionTable.h"
+#include "facts/effectOrder.h"
 #include "model/CSimpleEffect.h"
 
 #include <algorithm>
 #include <deque>
 #include <iterator>
-#include <tuple>
 
 using KEXSDK::EffectInfo;
 
 namespace {
-
-// Repeated names get numbers: "wash", "wash-2".
-void makeNamesUnique(std::vector<EffectInfo>& effects)
-{
-    std::map<std::string, int> seen;
-    for (EffectInfo& effect : effects) {
-        const int count = ++seen[effect.name];
-        if (count > 1)
-            effect.name += "-" + std::to_string(count);
-    }
-}
 
 struct EffectList {
     std::vector<EffectInfo> effects;
@@ -42,8 +31,7 @@ EffectList gather(shader::DescriptorList shaders)
     std::erase_if(effects, [&](const EffectInfo& effect) { return shaders.contains(effect.guid); });
     for (const auto& [guid, descriptor] : shaders)
         effects.push_back(descriptor.facts);
-    makeNamesUnique(effects);
-    std::ranges::sort(effects, {}, [](const EffectInfo& e) { return std::tie(e.family, e.name); });
+    putInOrder(effects);
     return {std::move(effects), std::move(shaders)};
 }
 

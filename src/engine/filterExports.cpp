@@ -2,6 +2,7 @@
 #include "engine/CEffectEngine.h"
 #include "engine/engineInstance.h"
 #include "engine/guarded.h"
+#include "engine/seededRandom.h"
 #include "model/CSimpleEffect.h"
 
 const char* const kEffectFrameRate = "u_frame_rate";
@@ -36,6 +37,7 @@ unsigned int GetFilter(const char* guid, int width, int height, CSimpleEffect** 
             return EFFECTENGINE_BAD_ARGUMENT;
         if (!engineInstance() || !sizeInRange(u32(width)) || !sizeInRange(u32(height)))
             return EFFECTENGINE_FAILED;
+        KEXSDK::seededRandom::nodeBegins();
         engineInstance()->createEffectFromGUID(guid, u32(width), u32(height), out);
         return succeeded(*out != nullptr);
     });
@@ -80,6 +82,7 @@ unsigned int DoFilterEx(CSimpleEffect* filter, CEffectImage* target)
     return guarded("DoFilterEx", [&]() -> unsigned int {
         if (!filter || !target)
             return EFFECTENGINE_BAD_ARGUMENT;
+        KEXSDK::seededRandom::graphEnds();
         return succeeded(filter->evaluate(target));
     });
 }
@@ -89,6 +92,7 @@ unsigned int DoFilter(CSimpleEffect* filter, CEffectImage** output)
     return guarded("DoFilter", [&]() -> unsigned int {
         if (!filter || !output)
             return EFFECTENGINE_BAD_ARGUMENT;
+        KEXSDK::seededRandom::graphEnds();
         *output = filter->getOutputImage();
         const bool evaluated = filter->evaluate(nullptr);
         *output = filter->getOutputImage();
@@ -101,6 +105,7 @@ unsigned int ReleaseFilter(CSimpleEffect* filter)
     return guarded("ReleaseFilter", [&]() -> unsigned int {
         if (!filter)
             return EFFECTENGINE_BAD_ARGUMENT;
+        KEXSDK::seededRandom::graphEnds();
         delete filter;
         return EFFECTENGINE_OK;
     });

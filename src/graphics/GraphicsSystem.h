@@ -38,6 +38,7 @@ struct GpuCapabilities {
     bool pbuffer = false;
     bool intelGpu = false;
     bool textures3D = false;
+    std::string renderer; ///< the device's name, as its driver gives it
     struct {
         i32 major = 0, minor = 0, release = 0, build = 0;
     } driver;

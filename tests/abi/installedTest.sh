@@ -18,6 +18,7 @@ cmake --build "$work/consumer" >/dev/null
 
 export PKG_CONFIG_PATH
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name effectengine.pc)")
+[ -s "$(pkg-config --define-prefix --variable=graphschema effectengine)" ]
 # The prefix in the file is the configured one; pkg-config moves it with the file.
 read -ra flags < <(pkg-config --define-prefix --cflags --libs effectengine)
 cc -std=c11 -pedantic -Wall -Werror "$source/hostInC.c" "${flags[@]}" -o "$work/plain"

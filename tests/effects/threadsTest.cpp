@@ -2,7 +2,7 @@
 #include "core/Clock.h"
 #include "core/Random.h"
 #include "engine/effectList.h"
-#include "host/exampleValues.h"
+#include "hosting/exampleValues.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
 #include "support/TemporaryDirectory.h"

@@ -1,7 +1,7 @@
 // Every effect on a thread whose stack has the size that the public header asks for: hosts have small ones.
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
-#include "host/exampleValues.h"
+#include "hosting/exampleValues.h"
 #include "support/FilesInMemory.h"
 
 #include <gtest/gtest.h>

@@ -2,82 +2,15 @@
 """The gallery in headless Chromium: search, families, one effect, its sweep, keys.
 
 browserTest.py TOOL [PICTURE [SCREENSHOT_DIRECTORY]]"""
-import json
 import pathlib
-import shutil
 import subprocess
 import sys
 import tempfile
 import time
-import urllib.error
-import urllib.request
 
-# As root, in a container, without a network: the page is all there is to load.
-QUIET = ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-sync",
-    "--disable-background-networking", "--disable-component-update", "--hide-scrollbars", "--window-size=1280,1000"]
-KEYS = {"Escape": "\ue00c", "Right": "\ue014", "Enter": "\ue007"}
-ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
-
-
-class Browser:
-    """As much of the WebDriver protocol as is needed here."""
-
-    def __init__(self, chromium, driver, profile, dark):
-        self.driver = subprocess.Popen([driver, "--port=0"], stdout=subprocess.PIPE, text=True)
-        for line in self.driver.stdout:
-            if "successfully on port " in line:
-                port = line.rsplit("on port ", 1)[1].strip(" .\n")
-                break
-        self.base = f"http://127.0.0.1:{port}"
-        arguments = [*QUIET, f"--user-data-dir={profile}"]
-        if dark:
-            arguments.append("--blink-settings=preferredColorScheme=0")
-        options = {"binary": chromium, "args": arguments}
-        answer = self.ask("POST", "/session", {"capabilities": {"alwaysMatch": {
-            "browserName": "chrome", "goog:chromeOptions": options, "goog:loggingPrefs": {"browser": "ALL"}}}})
-        self.base += "/session/" + answer["sessionId"]
-
-    def ask(self, method, path, body=None):
-        request = urllib.request.Request(self.base + path, method=method,
-            data=None if body is None else json.dumps(body).encode(), headers={"Content-Type": "application/json"})
-        try:
-            with urllib.request.urlopen(request, timeout=120) as answer:
-                return json.load(answer)["value"]
-        except urllib.error.HTTPError as error:
-            raise RuntimeError(error.read().decode()) from None
-
-    def open(self, address):
-        self.ask("POST", "/url", {"url": address})
-
-    def run(self, script, *arguments):
-        return self.ask("POST", "/execute/sync", {"script": script, "args": list(arguments)})
-
-    def element(self, selector):
-        return self.ask("POST", "/element", {"using": "css selector", "value": selector})[ELEMENT]
-
-    def click(self, selector):
-        self.ask("POST", f"/element/{self.element(selector)}/click", {})
-
-    def type(self, selector, text):
-        self.ask("POST", f"/element/{self.element(selector)}/value", {"text": text})
-
-    def press(self, key):
-        keys = [{"type": kind, "value": KEYS.get(key, key)} for kind in ("keyDown", "keyUp")]
-        self.ask("POST", "/actions", {"actions": [{"type": "key", "id": "keys", "actions": keys}]})
-
-    def screenshot(self, file):
-        import base64
-        file.write_bytes(base64.b64decode(self.ask("GET", "/screenshot")))
-
-    def complaints(self):
-        return [entry["message"] for entry in self.ask("POST", "/se/log", {"type": "browser"})]
-
-    def close(self):
-        try:
-            self.ask("DELETE", "")
-        finally:
-            self.driver.terminate()
-            self.driver.wait()
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "support"))
+from browser import Browser, installed_browser
 
 
 def visible(browser):
@@ -181,10 +114,8 @@ def check(browser, page, shots):
 
 def main():
     tool = pathlib.Path(sys.argv[1]).resolve()
-    chromium = shutil.which("chromium")
-    driver = shutil.which("chromedriver")
-    if not chromium or not driver:
-        print("chromium and chromedriver are not installed; scripts/setup does that", file=sys.stderr)
+    programs = installed_browser()
+    if not programs:
         return 1
     shots = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else None
     with tempfile.TemporaryDirectory() as work:
@@ -201,7 +132,7 @@ def main():
             folder = shots and shots / ("dark" if dark else "light")
             if folder:
                 folder.mkdir(parents=True, exist_ok=True)
-            browser = Browser(chromium, driver, work / f"profile{dark:d}", dark)
+            browser = Browser(*programs, work / f"profile{dark:d}", dark)
             try:
                 check(browser, work / "gallery" / "index.html", folder)
             finally:

@@ -29,6 +29,7 @@ struct Diary {
     bool knowsClasses = true;
     bool windowCloses = false;
     std::pair<i32, i32> driver{4, 5};
+    std::string renderer = "a card";
     std::string throwIn; ///< the operation that throws
     std::function<void()> duringRender;
 
@@ -138,6 +139,7 @@ public:
         KEXSDK::GpuCapabilities found;
         found.maxTextureSize = 4321;
         found.textures3D = true;
+        found.renderer = diary_.renderer;
         found.driver.major = diary_.driver.first;
         found.driver.minor = diary_.driver.second;
         return found;

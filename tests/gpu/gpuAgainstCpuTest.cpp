@@ -1,8 +1,10 @@
 // Effects with two paths: how far the GPU's pictures are from the CPU's, on a photograph-like picture and on
 // noise, with bounds that were measured.
+#include "effects/gpu/preferredForm.h"
 #include "gpu/OgreTest.h"
 #include "pixels/View.h"
 #include "support/EngineFixture.h"
+#include "support/Environment.h"
 #include "support/GuardedFrame.h"
 
 #include <cmath>
@@ -76,6 +78,14 @@ protected:
         UninitializeEngine();
         KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         return pictures;
+    }
+
+    /// As above, with the graphics system and EFFECTENGINE_PATH.
+    std::vector<std::vector<u8>> render(
+        std::span<const Row> rows, test::GuardedFrame& source, const char* preferred)
+    {
+        const test::Environment environment("EFFECTENGINE_PATH", preferred);
+        return render(rows, source, true);
     }
 
     void compare(std::span<const Row> rows)
@@ -174,6 +184,27 @@ TEST_F(GpuAgainstCpuTest, Adjustment)
             1.4, 7},
     };
     compare(rows);
+}
+
+TEST_F(GpuAgainstCpuTest, HostsChooseOne)
+{
+    writeLut("film 17", 17, [](double r, double g, double b) { return std::array{r * r, std::sqrt(g), b}; });
+    const Row rows[] = {
+        {"film 17", kCubeLut, {}, 0, 0},
+        {"warmer", kLightRoom, {{"u_temperature", 15000.0f}}, 0, 0},
+    };
+    test::GuardedFrame source(kWidth, kHeight);
+    drawScene(source.view());
+    const auto drawn = render(rows, source, true);
+    const auto computed = render(rows, source, false);
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        ASSERT_TRUE(drawn[i] != computed[i]) << rows[i].name << ": the test cannot tell the two apart";
+    EXPECT_TRUE(render(rows, source, "gpu") == drawn);
+    EXPECT_TRUE(render(rows, source, "cpu") == computed);
+    const auto chosen = render(rows, source, "auto");
+    const std::string renderer = KEXSDK::gpuCapabilities().renderer;
+    EXPECT_FALSE(renderer.empty());
+    EXPECT_TRUE(chosen == (KEXSDK::isSoftwareRenderer(renderer) ? computed : drawn)) << renderer;
 }
 
 TEST_F(GpuAgainstCpuTest, StepsOfTheGpuAlone)

@@ -1,6 +1,6 @@
 // Textures of the numeric effect library: pictures that the engine finds by their names.
 #include "gpu/OgreTest.h"
-#include "host/Host.h"
+#include "hosting/Host.h"
 #include "pictures/PictureCodecs.h"
 #include "pixels/View.h"
 

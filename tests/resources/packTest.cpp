@@ -3,7 +3,7 @@
 #include "effects/am/library/amCatalog.h"
 #include "engine/effectList.h"
 #include "gpu/OgreTest.h"
-#include "host/Host.h"
+#include "hosting/Host.h"
 
 #include <cmath>
 #include <numeric>

@@ -5,7 +5,7 @@
 #include "descriptors/descriptorFiles.h"
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
-#include "host/Host.h"
+#include "hosting/Host.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
-#include "host/Host.h"
+#include "hosting/Host.h"
 
 #include <gtest/gtest.h>
 

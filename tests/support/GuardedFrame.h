@@ -1,7 +1,7 @@
 // A frame in memory of the test's own, with guard bytes on both sides.
 #pragma once
 
-#include "host/Host.h"
+#include "hosting/Host.h"
 #include "pixels/View.h"
 
 #include <algorithm>

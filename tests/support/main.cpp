@@ -1,8 +1,16 @@
 // Entry of the test program.
+#include "host/effectList.h"
+
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    host::readCatalogue(EFFECTENGINE_CATALOGUE, EFFECTENGINE_RESOURCE_DIR);
+    // Tests set these themselves.
+    unsetenv("EFFECTENGINE_SEED");
+    unsetenv("EFFECTENGINE_PATH");
     return RUN_ALL_TESTS();
 }

@@ -1,11 +1,12 @@
 // The catalogue file against the engine: every effect is made, described and run.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
+#include "facts/catalogueJson.h"
 #include "host/GraphDescription.h"
 #include "host/GraphError.h"
-#include "host/catalogue.h"
-#include "host/exampleValues.h"
-#include "host/jsonText.h"
+#include "host/effectList.h"
+#include "hosting/exampleValues.h"
+#include "text/jsonText.h"
 #include "support/GuardedFrame.h"
 
 #include <gtest/gtest.h>
@@ -112,7 +113,7 @@ Json::Value storedValue(const host::Filter& filter, const std::string& name, con
     else if (type == "floats")
         KEXSDK::getParamFloatArrayValue(filter.handle(), name.c_str(), real.data(), &count);
     const auto one = [&](std::size_t i) {
-        return type.starts_with("int") ? Json::Value(whole[i]) : Json::Value(host::shortest(real[i]));
+        return type.starts_with("int") ? Json::Value(whole[i]) : Json::Value(text::shortest(real[i]));
     };
     if (!type.ends_with('s'))
         return one(0);
@@ -127,12 +128,51 @@ TEST_F(Catalogue, IsWhatTheRegistriesOfThisBuildHold)
     std::ifstream stream(EFFECTENGINE_CATALOGUE);
     std::ostringstream text;
     text << stream.rdbuf();
-    EXPECT_EQ(text.str(), host::jsonText(host::catalogue(listEffects())));
+    Json::Value entries(Json::arrayValue);
+    for (const KEXSDK::EffectInfo& effect : listEffects())
+        entries.append(catalogue::entryOf(effect, describeParameters(effect.guid)));
+    EXPECT_EQ(text.str(), text::jsonText(catalogue::allOf(std::move(entries))));
     std::set<std::string> names;
     const Json::Value catalogue = readCatalogue();
     for (const Json::Value& effect : catalogue["effects"]) {
         EXPECT_TRUE(names.insert(effect["name"].asString()).second) << effect["name"];
         EXPECT_TRUE(names.insert(effect["guid"].asString()).second) << effect["guid"];
+    }
+}
+
+// The host library has the file alone: what it reads back is what the engine knows.
+TEST_F(Catalogue, IsReadBackAsTheEngineKnowsIt)
+{
+    const auto effects = listEffects();
+    ASSERT_EQ(host::listEffects().size(), effects.size());
+    for (const KEXSDK::EffectInfo& effect : effects) {
+        SCOPED_TRACE(effect.name);
+        const KEXSDK::EffectInfo* const read = host::findEffect(effect.guid);
+        ASSERT_NE(read, nullptr);
+        EXPECT_EQ(std::tie(read->name, read->title, read->family, read->summary, read->inputs, read->random),
+            std::tie(effect.name, effect.title, effect.family, effect.summary, effect.inputs, effect.random));
+        EXPECT_EQ(std::tie(read->shared, read->needsGpu, read->history.frames, read->alpha, read->descriptor),
+            std::tie(effect.shared, effect.needsGpu, effect.history.frames, effect.alpha, effect.descriptor));
+        EXPECT_EQ(
+            std::pair(read->writesInput, read->keepsOutput), std::pair(effect.writesInput, effect.keepsOutput));
+        const auto known = describeParameters(effect.guid);
+        const auto& listed = host::describeParameters(effect.guid);
+        ASSERT_EQ(listed.size(), known.size());
+        for (std::size_t i = 0; i < known.size(); ++i) {
+            const KEXSDK::ParamInfo& a = *listed[i];
+            const KEXSDK::ParamInfo& b = *known[i];
+            SCOPED_TRACE(b.name);
+            EXPECT_STREQ(a.name, b.name);
+            EXPECT_EQ(titleOf(a), titleOf(b));
+            EXPECT_STREQ(a.help, b.help);
+            EXPECT_STREQ(a.unit, b.unit);
+            EXPECT_STREQ(a.choices, b.choices);
+            EXPECT_EQ(std::tie(a.type, a.elements, a.declared), std::tie(b.type, b.elements, b.declared));
+            EXPECT_EQ(a.hostDefault, b.hostDefault);
+            EXPECT_EQ(std::pair(float(a.low), float(a.high)), std::pair(float(b.low), float(b.high)));
+            for (u32 element = 0; element < b.elements; ++element)
+                EXPECT_EQ(float(a.value[element]), float(b.value[element])) << element;
+        }
     }
 }
 
@@ -203,7 +243,7 @@ TEST_F(Catalogue, NamesTheInputsAndParametersThatNodesHave)
             }
             if (!expected.isNull()) {
                 EXPECT_EQ(
-                    host::jsonText(storedValue(filter, name, stored.at(name))), host::jsonText(expected));
+                    text::jsonText(storedValue(filter, name, stored.at(name))), text::jsonText(expected));
             }
         }
     });

@@ -241,6 +241,19 @@ TEST_F(Graphs, KeyframesMoveParameters)
         EXPECT_EQ(copyOf(moving.run({.seconds = seconds})), show(chain({"am-binary", percent}))) << seconds;
 }
 
+TEST_F(Graphs, ParametersFollowTheSound)
+{
+    const auto graph = host::parseGraph(R"({"effectengine": 2, "nodes": [{"effect": "am-binary",
+        "parameters": {"Percent": {"audio": {"band": "bass", "to": [20, 60]}}}}]})",
+        "look.json", "");
+    EffectGraph moving(graph, kWidth, kHeight);
+    moving.setSource(paint(first_, 1));
+    EXPECT_EQ(copyOf(moving.run({.seconds = 1})), show(chain({"am-binary", "Percent=20"})));
+    moving.setCurve(graph.bands().at(0), std::vector<float>{0, 0.5F, 1}, 1);
+    for (const auto& [seconds, percent] : {std::pair{1.0, "Percent=40"}, {2.0, "Percent=60"}})
+        EXPECT_EQ(copyOf(moving.run({.seconds = seconds})), show(chain({"am-binary", percent}))) << seconds;
+}
+
 TEST(ParameterTracks, InterpolateAndRound)
 {
     const auto valueAt = [](const std::string& keyframes, FrameTime time) {
@@ -298,7 +311,8 @@ TEST(GraphFiles, SayWhatIsWrongAndWhere)
         {percent(R"({"keyframes": [{"time": 1, "value": 1}, {"frame": 2, "value": 1}]})"), "\"frame\""},
         {percent(R"({"keyframes": [{"time": 1, "value": 1}, {"time": 1, "value": 2}]})"), "do not ascend"},
         {percent(R"({"keyframes": [{"time": NaN, "value": 1}]})"), "\"time\" must be a number"},
-        {percent(R"({"keyframes": [{"time": 0, "value": 1, "interpolation": "bounce"}]})"), "not \"bounce\""},
+        {percent(R"({"keyframes": [{"time": 0, "value": 1, "interpolation": "bounce"}]})"),
+            R"(there is no interpolation "bounce")"},
         {node(R"("am-binary", "parameters": {"Percnt": 1})"), R"(did you mean "Percent"?)"},
         {node(R"("am-binary", "parameters": {"treshold": 1})"), R"(did you mean "Threshold"?)"},
         {node(R"("am-binary", "parameters": {"Percent": 1, "threshold": 2})"), "Percent is set twice"},
@@ -344,7 +358,8 @@ TEST(GraphFiles, ThatAreNoGraphsAreToldApart)
     for (const std::string& text : {std::string("{"), std::string(), std::string("{} {}"), deep,
              std::string(R"({"effectengine": 1, "effectengine": 1})")})
         EXPECT_EQ(faultOf(text), GraphFault::unreadable) << text.substr(0, 30);
-    for (const char* const text : {"[]", "{}", R"({"effectengine": 2, "nodes": [{"effect": "blur"}]})",
+    for (const char* const text : {"[]", "{}", R"({"effectengine": 3, "nodes": [{"effect": "blur"}]})",
+             R"({"effectengine": 1, "$schema": 5, "nodes": [{"effect": "blur"}]})",
              R"({"effectengine": 1, "nodes": [{"effect": "blur"}], "output": "no"})"})
         EXPECT_EQ(faultOf(text), GraphFault::content) << text;
 }

@@ -1,7 +1,7 @@
 // Metadata of photographs: read from files of other programs, and written for libjpeg and libpng to read.
-#include "host/photoMetadata.h"
+#include "effectengine/photoMetadata.h"
 
-#include "host/exif.h"
+#include "effectengine/exif.h"
 #include "pictures/PictureCodecs.h"
 
 #include <gtest/gtest.h>
@@ -218,7 +218,7 @@ TEST(PhotoMetadata, GivesTheOrientationOfEitherByteOrderAndKindOfFile)
             for (const Bytes& file :
                 {jpegWith({{kExif, "Exif\0\0"s + block}}), pngWith(chunk("eXIf" + block)),
                     pngWith("", chunk("eXIf" + block)), pngWith(chunk("eXIfExif\0\0"s + block))}) {
-                const host::PhotoMetadata metadata = host::readPhotoMetadata(file);
+                const tool::PhotoMetadata metadata = tool::readPhotoMetadata(file);
                 EXPECT_EQ(metadata.orientation, orientation == 0 || orientation == 9 ? 1 : int(orientation));
                 EXPECT_EQ(text(metadata.exif), block);
                 EXPECT_TRUE(isPicture(file)) << "the engine decodes pixels as they are stored";
@@ -235,7 +235,7 @@ TEST(PhotoMetadata, TurnsTheEightOrientationsUpright)
     for (int orientation = 1; orientation <= 8; ++orientation) {
         const auto& letters = kStored[std::size_t(orientation) - 1];
         const pixels::Extent size{int(letters[0].size()), int(letters.size())};
-        EXPECT_EQ(host::turnOf(orientation).swapsSides, size.width == 2);
+        EXPECT_EQ(tool::turnOf(orientation).swapsSides, size.width == 2);
         std::vector<pixels::Bgra> from(6);
         std::vector<pixels::Bgra> to(6);
         const pixels::View stored(reinterpret_cast<u8*>(from.data()), size);
@@ -244,7 +244,7 @@ TEST(PhotoMetadata, TurnsTheEightOrientationsUpright)
                 stored.pictureRow(v)[std::size_t(x)] = {
                     u8(letters[std::size_t(v)][std::size_t(x)]), 0, 0, 255};
         const pixels::View upright(reinterpret_cast<u8*>(to.data()), {3, 2});
-        host::turnUpright(stored, orientation, upright);
+        tool::turnUpright(stored, orientation, upright);
         for (int v = 0; v < 2; ++v)
             for (int x = 0; x < 3; ++x)
                 EXPECT_EQ(upright.pictureRow(v)[std::size_t(x)].b, kUpright[std::size_t(v)][std::size_t(x)])
@@ -256,14 +256,14 @@ TEST(PhotoMetadata, DescribesTheUprightPictureAndKeepsTheRest)
 {
     for (const bool bigEndian : {false, true}) {
         Bytes block = bytes(Camera{.bigEndian = bigEndian}.block());
-        host::describeUpright(block, 300, 400);
+        tool::describeUpright(block, 300, 400);
         const Camera upright{
             .bigEndian = bigEndian, .orientation = 1, .width = 300, .height = 400, .preview = false};
         EXPECT_EQ(text(block), upright.block());
     }
     // Bytes behind the preview stay where they are.
     Bytes longer = bytes(Camera{}.block() + "more");
-    host::describeUpright(longer, 300, 400);
+    tool::describeUpright(longer, 300, 400);
     const Camera upright{.orientation = 1, .width = 300, .height = 400, .preview = false};
     EXPECT_EQ(text(longer), upright.block() + "\0\0\0\0more"s);
 }
@@ -278,7 +278,7 @@ TEST(PhotoMetadata, JoinsTheProfileFromPartsInAnyOrder)
     const auto second = part(2, 3, 300, 10);
     const auto third = part(3, 3, 310, 690);
     const auto read = [](const Segments& segments) {
-        return text(host::readPhotoMetadata(jpegWith(segments)).profile);
+        return text(tool::readPhotoMetadata(jpegWith(segments)).profile);
     };
     EXPECT_EQ(read({third, {kProfile, "MPF\0"s}, first, second}), whole);
     EXPECT_EQ(read({third, first}), "");
@@ -293,8 +293,8 @@ TEST(PhotoMetadata, TakesOnlyProfilesThatDescribeTheDecodedPixels)
     const auto read = [](const std::string& contents) {
         const std::string segment = "ICC_PROFILE\0\1\1"s + contents;
         const std::string inPng = chunk("iCCPname\0\0"s + compressed(contents));
-        const std::string found = text(host::readPhotoMetadata(jpegWith({{kProfile, segment}})).profile);
-        EXPECT_EQ(found, text(host::readPhotoMetadata(pngWith(inPng)).profile));
+        const std::string found = text(tool::readPhotoMetadata(jpegWith({{kProfile, segment}})).profile);
+        EXPECT_EQ(found, text(tool::readPhotoMetadata(pngWith(inPng)).profile));
         return found;
     };
     EXPECT_EQ(read(profile(500)), profile(500));
@@ -320,10 +320,10 @@ TEST(PhotoMetadata, GoesFromEitherKindIntoEitherKind)
                 kProfile, "ICC_PROFILE\0"s + char(i + 1) + char(count) + whole.substr(i * kPart, kPart));
         const std::string chunks = chunk("iCCPa\0\0"s + compressed(whole)) + chunk("eXIf" + block);
         for (const Bytes& source : {jpegWith(segments), pngWith(chunks)}) {
-            const host::PhotoMetadata metadata = host::readPhotoMetadata(source);
+            const tool::PhotoMetadata metadata = tool::readPhotoMetadata(source);
             for (const pictures::Kind kind : {pictures::Kind::jpeg, pictures::Kind::png}) {
                 Bytes file = encoded(kind);
-                EXPECT_TRUE(host::addPhotoMetadata(file, metadata, kWidth, kHeight));
+                EXPECT_TRUE(tool::addPhotoMetadata(file, metadata, kWidth, kHeight));
                 EXPECT_TRUE(isPicture(file));
                 const Found found =
                     kind == pictures::Kind::jpeg ? readByJpegLibrary(file) : readByPngLibrary(file);
@@ -336,15 +336,15 @@ TEST(PhotoMetadata, GoesFromEitherKindIntoEitherKind)
 
 TEST(PhotoMetadata, LeavesOutWhatAFileHasNoRoomFor)
 {
-    const host::PhotoMetadata metadata{
+    const tool::PhotoMetadata metadata{
         1, bytes(Camera{}.block() + std::string(65'500, 'x')), bytes(profile(400))};
     Bytes file = encoded(pictures::Kind::jpeg);
-    EXPECT_FALSE(host::addPhotoMetadata(file, metadata, kWidth, kHeight));
+    EXPECT_FALSE(tool::addPhotoMetadata(file, metadata, kWidth, kHeight));
     EXPECT_EQ(readByJpegLibrary(file).exif, "");
     EXPECT_EQ(readByJpegLibrary(file).profile, profile(400));
     for (const pictures::Kind kind : {pictures::Kind::bmp, pictures::Kind::tga}) {
         file = encoded(kind);
-        EXPECT_TRUE(host::addPhotoMetadata(file, metadata, kWidth, kHeight));
+        EXPECT_TRUE(tool::addPhotoMetadata(file, metadata, kWidth, kHeight));
         EXPECT_EQ(file, encoded(kind));
     }
 }
@@ -355,7 +355,7 @@ TEST(PhotoMetadata, OfDamagedFilesIsIgnored)
     const std::string block = Camera{}.block();
     for (std::size_t size = 0; size < 50; ++size) { // up to the end of the main directory
         const Bytes cut = bytes(block.substr(0, size));
-        EXPECT_EQ(host::exifOrientation(cut), size < 46 ? std::nullopt : std::optional(6)) << size;
+        EXPECT_EQ(tool::exifOrientation(cut), size < 46 ? std::nullopt : std::optional(6)) << size;
     }
     const std::string whole = profile(200);
     const Bytes intact[]{jpegWith({{kExif, "Exif\0\0"s + block}, {kProfile, "ICC_PROFILE\0\1\1"s + whole}}),
@@ -363,10 +363,10 @@ TEST(PhotoMetadata, OfDamagedFilesIsIgnored)
     for (const Bytes& file : intact) {
         for (std::size_t i = 0; i < 700; ++i) {
             const auto check = [&](const Bytes& damaged) {
-                const host::PhotoMetadata metadata = host::readPhotoMetadata(damaged);
+                const tool::PhotoMetadata metadata = tool::readPhotoMetadata(damaged);
                 EXPECT_TRUE(metadata.orientation >= 1 && metadata.orientation <= 8);
                 Bytes result = encoded(pictures::Kind::png);
-                host::addPhotoMetadata(result, metadata, kWidth, kHeight);
+                tool::addPhotoMetadata(result, metadata, kWidth, kHeight);
                 ASSERT_TRUE(isPicture(result)) << i;
             };
             check(Bytes(file.begin(), file.begin() + std::ptrdiff_t(std::min(i, file.size()))));
@@ -379,24 +379,24 @@ TEST(PhotoMetadata, OfDamagedFilesIsIgnored)
     }
     std::string wrong = chunk("eXIf" + block);
     wrong.back() = char(~wrong.back());
-    EXPECT_TRUE(host::readPhotoMetadata(pngWith(wrong)).exif.empty()) << "checksum";
+    EXPECT_TRUE(tool::readPhotoMetadata(pngWith(wrong)).exif.empty()) << "checksum";
     // Damage that a checksum does not show.
     const std::string packed = compressed(whole);
     for (std::size_t i = 0; i < packed.size(); ++i) {
         std::string damaged = packed;
         damaged[i] = char(~damaged[i]);
-        const Bytes found = host::readPhotoMetadata(pngWith(chunk("iCCPa\0\0"s + damaged))).profile;
+        const Bytes found = tool::readPhotoMetadata(pngWith(chunk("iCCPa\0\0"s + damaged))).profile;
         EXPECT_LE(found.size(), whole.size()) << i;
-        host::readPhotoMetadata(pngWith(chunk("iCCPa\0\0"s + packed.substr(0, i))));
-        host::readPhotoMetadata(pngWith(chunk(("iCCPa\0\0"s + packed).substr(0, 4 + i))));
+        tool::readPhotoMetadata(pngWith(chunk("iCCPa\0\0"s + packed.substr(0, i))));
+        tool::readPhotoMetadata(pngWith(chunk(("iCCPa\0\0"s + packed).substr(0, 4 + i))));
     }
     for (std::size_t i = 0; i < block.size(); ++i) {
         for (const int value : {0, 1, 0x7F, 0xFF}) {
             std::string damaged = block;
             damaged[i] = char(value);
             Bytes described = bytes(damaged);
-            host::describeUpright(described, kWidth, kHeight);
-            EXPECT_TRUE(described.empty() || host::exifOrientation(described) == 1) << i << ' ' << value;
+            tool::describeUpright(described, kWidth, kHeight);
+            EXPECT_TRUE(described.empty() || tool::exifOrientation(described) == 1) << i << ' ' << value;
         }
     }
 }

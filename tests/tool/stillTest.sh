@@ -59,6 +59,23 @@ cmp -s still.bmp results/b.bmp || fail "a still depends on the one before it"
 expect 0 '' "$tool" --seed 1 apply -j 1 am-noise many noises
 cmp -s noises/a.png noises/b.png || fail "chance depends on the pictures before"
 
+EFFECTENGINE_SEED=1 "$tool" apply am-noise in.png still.png
+cmp -s still.png noises/a.png || fail "the seed of the environment"
+EFFECTENGINE_SEED=2 "$tool" --seed 1 apply am-noise in.png still.png
+cmp -s still.png noises/a.png || fail "--seed goes before the environment"
+EFFECTENGINE_SEED=2 "$tool" apply am-noise in.png still.png
+cmp -s still.png noises/a.png && fail "another seed gives the same noise"
+expect 0 '' "$tool" apply -j 1 am-noise many alike
+cmp -s alike/a.png alike/b.png || fail "without a seed, chance depends on the pictures before"
+
+# Steps that only the GPU has are drawn by it, also where the CPU would be quicker.
+for path in gpu auto; do
+    EFFECTENGINE_PATH=$path "$tool" apply light-room -p u_vib=50 in.png still.bmp
+    cmp -s still.bmp in.bmp && fail "EFFECTENGINE_PATH=$path: vibrance does nothing"
+done
+EFFECTENGINE_PATH=cpu "$tool" apply light-room -p u_vib=50 in.png still.bmp 2>err.txt
+cmp -s still.bmp in.bmp || fail "EFFECTENGINE_PATH=cpu: drawn by the GPU"
+
 # Values that a host is to store: without any setting an effect does nothing, here and from presets.
 "$tool" apply light-room in.png still.bmp --save-preset plain.json 2>err.txt
 cmp -s still.bmp in.bmp || fail "light-room changes the picture by itself"

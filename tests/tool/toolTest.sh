@@ -154,9 +154,11 @@ expect 2 'did you mean' "$tool" sheet in.bmp sheet.png -e am-negativ
 
 # doctor finds nothing wrong here, and names what is missing elsewhere.
 expect 0 '' "$tool" doctor
-for what in library resources graphics driver effects pictures clips; do
+for what in library resources graphics driver paths effects pictures clips; do
     grep -q "^ok *$what" out.txt || fail "doctor does not examine $what: $(cat out.txt)"
 done
+expect 0 '' env EFFECTENGINE_PATH=cpu "$tool" doctor
+grep -q "^ok *paths .*take the CPU (EFFECTENGINE_PATH=cpu)" out.txt || fail "doctor on paths: $(cat out.txt)"
 mkdir empty
 "$tool" --resources empty doctor >out.txt 2>err.txt
 [ $? -eq 3 ] || fail "doctor misses missing resources: $(cat out.txt)"

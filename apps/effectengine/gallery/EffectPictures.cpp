@@ -1,13 +1,11 @@
 // Recording of effects: stills, loops and sweeps, each from a fresh node.
 #include "effectengine/gallery/EffectPictures.h"
 
-#include "core/Random.h"
 #include "effectengine/interruption.h"
-#include "effects/cpu/WaterSurface.h"
-#include "engine/effectList.h"
-#include "host/EffectGraph.h"
-#include "host/exampleValues.h"
-#include "host/opacity.h"
+#include "effectengine/effectList.h"
+#include "effectengine/Look.h"
+#include "hosting/exampleValues.h"
+#include "hosting/opacity.h"
 
 #include <algorithm>
 #include <array>
@@ -42,7 +40,8 @@ std::string sweepFile(const EffectInfo& effect, std::size_t parameter)
     return effect.name + ".sweep-" + std::to_string(parameter) + ".jpg";
 }
 
-// One run of a fresh node, from frame to frame.
+// One run of a fresh node, from frame to frame. With the gallery's seed its random numbers start anew, so an
+// effect's pictures do not depend on the effects before it.
 class EffectPictures::Run {
 public:
     Run(const EffectInfo& effect, const GalleryLayout& layout, GalleryScene& scene)
@@ -54,10 +53,7 @@ public:
     {
         // Some transitions write colours only, and leave the alpha of their output as it was.
         host::makeOpaque(target_.handle());
-        // Random numbers start anew, so that an effect's pictures do not depend on the effects before it.
-        pixels::threadRandom() = pixels::RandomGenerator();
-        pixels::restartRain();
-        host::setExampleValues(filter_, describeParameters(effect.guid), size_.width, size_.height);
+        host::setExampleValues(filter_, describeParameters(effect), size_.width, size_.height);
         for (unsigned i = 0; i < effect.inputs; ++i)
             filter_.setInput(scene.input(i), i);
     }
@@ -172,7 +168,7 @@ void EffectPictures::makeSweeps(const EffectInfo& effect, Course course)
         course.poster = kSweepFrames;
         course.stride = 2;
     }
-    const auto params = describeParameters(effect.guid);
+    const auto params = describeParameters(effect);
     for (std::size_t i = 0; i < params.size(); ++i)
         makeSweep(effect, course, *params[i], (directory_ / sweepFile(effect, i)).string());
 }

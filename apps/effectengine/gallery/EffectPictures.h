@@ -4,7 +4,7 @@
 #include "effectengine/gallery/GalleryScene.h"
 #include "effectengine/gallery/Strip.h"
 #include "effectengine/gallery/sweepSteps.h"
-#include "host/Host.h"
+#include "hosting/Host.h"
 
 namespace tool {
 

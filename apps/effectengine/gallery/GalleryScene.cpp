@@ -1,9 +1,9 @@
 // The pictures of the scene, and the window that drifts over the first one.
 #include "effectengine/gallery/GalleryScene.h"
 
-#include "host/GraphDescription.h"
-#include "host/imageView.h"
-#include "host/opacity.h"
+#include "effectengine/effectList.h"
+#include "hosting/imageView.h"
+#include "hosting/opacity.h"
 
 #include <algorithm>
 #include <cmath>
@@ -59,7 +59,7 @@ void GalleryScene::makeSecond(const std::optional<std::filesystem::path>& file)
         secondPicture_ = loadPicture(*file, work_);
         return;
     }
-    host::Filter colourless(host::effectNamed("black-and-white").guid, int(work_.width), int(work_.height));
+    host::Filter colourless(effectNamed("black-and-white").guid, int(work_.width), int(work_.height));
     colourless.setInput(picture_);
     const auto bytes = host::bytesOf(colourless.run());
     std::ranges::copy(bytes, secondPicture_.bytes().begin());

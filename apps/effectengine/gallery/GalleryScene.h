@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effectengine/pictureFiles.h"
-#include "model/EffectRegistry.h"
+#include "facts/EffectInfo.h"
 
 #include <optional>
 

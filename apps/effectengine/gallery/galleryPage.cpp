@@ -3,9 +3,8 @@
 
 #include "effectengine/gallery/pageParts.h"
 #include "effectengine/gallery/pageText.h"
-#include "engine/effectList.h"
-#include "host/catalogue.h"
-#include "host/exampleValues.h"
+#include "effectengine/effectList.h"
+#include "hosting/exampleValues.h"
 
 #include <json/writer.h>
 
@@ -39,7 +38,7 @@ Json::Value picturesOf(
     add("small", thumbnailFile(effect));
     add("loop", loopFile(effect));
     json["sweeps"] = Json::Value(Json::arrayValue);
-    const auto params = describeParameters(effect.guid);
+    const auto params = describeParameters(effect);
     for (std::size_t i = 0; i < params.size(); ++i) {
         const std::string file = sweepFile(effect, i);
         if (fs::exists(directory / file))
@@ -70,7 +69,7 @@ std::string scriptData(const Json::Value& data)
 Json::Value galleryData(
     std::span<const KEXSDK::EffectInfo> effects, const GalleryLayout& layout, const fs::path& pictures)
 {
-    Json::Value data = host::catalogue(effects);
+    Json::Value data = catalogueOf(effects);
     data["cell"]["width"] = layout.cell.width;
     data["cell"]["height"] = layout.cell.height;
     data["size"]["width"] = layout.work().width;

@@ -1,7 +1,7 @@
 // Steps of a sweep: even ones over a range, or all values of a mode.
 #include "effectengine/gallery/sweepSteps.h"
 
-#include "engine/effectList.h"
+#include "effectengine/effectList.h"
 
 #include <algorithm>
 #include <array>
@@ -27,7 +27,7 @@ std::set<std::string> findCommonParameters()
     const auto effects = listEffects();
     std::map<std::pair<std::string, std::string>, std::size_t> effectsWith;
     for (const KEXSDK::EffectInfo& effect : effects) {
-        for (const ParamInfo* const param : describeParameters(effect.guid))
+        for (const ParamInfo* const param : describeParameters(effect))
             ++effectsWith[{param->name, param->help}];
     }
     std::set<std::string> names;
@@ -81,7 +81,7 @@ std::vector<SweepStep> sweepOf(const ParamInfo& param, PictureSize size)
     if (commonParameters().contains(param.name) || param.type == ParamType::filePath
         || param.low >= param.high)
         return steps;
-    for (const auto& [value, label] : host::choicesOf(param))
+    for (const auto& [value, label] : KEXSDK::choicesOf(param))
         steps.push_back(stepOf({double(value)}, label));
     if (!steps.empty())
         return steps;

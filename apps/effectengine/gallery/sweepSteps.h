@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effectengine/pictureFiles.h"
-#include "host/ParameterTrack.h"
+#include "hosting/parameterValue.h"
 
 #include <set>
 

@@ -3,7 +3,7 @@
 
 namespace tool::media {
 
-host::FrameTime timeOf(const FramePlace& place, const ClipInfo& clip)
+FrameTime timeOf(const FramePlace& place, const ClipInfo& clip)
 {
     return {.seconds = double(place.sinceFirst) * av_q2d(clip.timeBase),
         .frameRate = clip.rate(),

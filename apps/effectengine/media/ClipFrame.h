@@ -2,7 +2,7 @@
 #pragma once
 
 #include "effectengine/media/ClipReader.h"
-#include "host/EffectGraph.h"
+#include "effectengine/Look.h"
 
 #include <array>
 #include <vector>
@@ -19,7 +19,7 @@ struct FramePlace {
 };
 
 /// Seconds since the first frame, and the clip's rate and duration.
-host::FrameTime timeOf(const FramePlace& place, const ClipInfo& clip);
+FrameTime timeOf(const FramePlace& place, const ClipInfo& clip);
 
 /// A frame on its way to the effects.
 struct ClipFrame {

@@ -3,7 +3,7 @@
 
 #include "effectengine/ToolError.h"
 #include "effectengine/media/openClip.h"
-#include "host/photoMetadata.h"
+#include "effectengine/photoMetadata.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -38,8 +38,8 @@ Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::pat
     const Packet packet = makePacket();
     if (av_read_frame(input.get(), packet.get()) < 0)
         return {};
-    const host::Turn turn =
-        host::turnOf(host::readPhotoMetadata({packet->data, std::size_t(packet->size)}).orientation);
+    const Turn turn =
+        turnOf(readPhotoMetadata({packet->data, std::size_t(packet->size)}).orientation);
     return {turn.swapsSides, turn.mirrorsColumns, turn.mirrorsRows};
 }
 

@@ -2,8 +2,7 @@
 #include "effectengine/media/FrameFeed.h"
 
 #include "effectengine/interruption.h"
-#include "host/imageView.h"
-#include "host/parts.h"
+#include "hosting/imageView.h"
 
 namespace tool::media {
 
@@ -11,7 +10,7 @@ FrameFeed::FrameFeed(ClipReader& reader, pixels::Extent size, FrameRange range, 
     : reader_(reader),
       convert_(reader.info(), size.width, size.height),
       range_(range),
-      preRoll_(preRoll == host::kAllFrames ? FrameRange::kOpen : preRoll)
+      preRoll_(preRoll == kAllFrames ? FrameRange::kOpen : preRoll)
 {
 }
 

@@ -13,7 +13,7 @@ class FrameFeed {
 public:
     /// @param size     of the pictures
     /// @param range    frames that are shown
-    /// @param preRoll  frames before a shown one that effects must see, or host::kAllFrames
+    /// @param preRoll  frames before a shown one that effects must see, or kAllFrames
     FrameFeed(ClipReader& reader, pixels::Extent size, FrameRange range, long long preRoll);
 
     /// Shows only the frames of the range that this accepts; to be set before the first next().

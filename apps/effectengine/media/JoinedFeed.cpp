@@ -2,7 +2,7 @@
 #include "effectengine/media/JoinedFeed.h"
 
 #include "effectengine/interruption.h"
-#include "host/imageView.h"
+#include "hosting/imageView.h"
 
 #include <algorithm>
 

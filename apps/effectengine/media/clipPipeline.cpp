@@ -6,7 +6,7 @@
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/threeStages.h"
 #include "effectengine/media/transparency.h"
-#include "host/imageView.h"
+#include "hosting/imageView.h"
 #include "pixels/rows.h"
 
 namespace tool::media {

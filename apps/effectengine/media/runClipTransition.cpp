@@ -43,14 +43,13 @@ double startOf(const ClipTransitionOptions& options, const ClipInfo& first)
     return *options.at;
 }
 
-host::GraphDescription transitionNamed(const std::string& effect)
+Look transitionNamed(const std::string& effect)
 {
-    host::GraphDescription description;
-    description.append(effect);
-    description.finish();
-    if (description.sources() != 2)
-        throw ToolError(ExitCode::usage, "effect " + description.output + " is no transition");
-    return description;
+    Look look;
+    look.append(effect);
+    if (look.info().inputs != 2)
+        throw ToolError(ExitCode::usage, "effect " + std::string(look.info().output) + " is no transition");
+    return look;
 }
 
 /// @param at  when the second clip begins, in seconds
@@ -70,7 +69,7 @@ SideTracks tracksFor(const ClipTransitionOptions& options, double at)
 
 void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
 {
-    const host::GraphDescription description = transitionNamed(options.effect);
+    const Look look = transitionNamed(options.effect);
     ClipReader first(options.from);
     ClipReader second(options.to);
     checkClipOutput(options.out);
@@ -83,7 +82,7 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     const std::int64_t duration = std::llround(options.duration / av_q2d(unit));
 
     const Session session(sessionOptions);
-    host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
+    LookRun run(look, unsigned(size.width), unsigned(size.height));
     FrameShape shape = shapeOf(first.info(), size.width, size.height);
     shape.timeBase = unit;
     const EncoderChoice choice = choiceOf(options.encoding);
@@ -99,9 +98,9 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     const auto picture = [&](const ClipFrame& frame) {
         if (!frame.present[0] || !frame.present[1])
             return frame.pictures[frame.present[0] ? 0 : 1].handle();
-        graph.setSource(frame.pictures[0], 0);
-        graph.setSource(frame.pictures[1], 1);
-        return graph.run({.seconds = double(frame.place.time - begin) * av_q2d(unit),
+        run.setSource(frame.pictures[0], 0);
+        run.setSource(frame.pictures[1], 1);
+        return run.run({.seconds = double(frame.place.time - begin) * av_q2d(unit),
             .frameRate = first.info().rate(),
             .total = options.duration});
     };

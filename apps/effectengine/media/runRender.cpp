@@ -7,7 +7,6 @@
 #include "effectengine/media/clipPipeline.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/workingSize.h"
-#include "host/parts.h"
 
 #include <json/reader.h>
 
@@ -71,24 +70,24 @@ FrameRange rangeOf(const RenderOptions& options, long long count)
     return range;
 }
 
-void checkParts(const RenderOptions& options, const host::GraphDescription& graph, const FrameRange& range,
+void checkParts(const RenderOptions& options, const Look& look, const FrameRange& range,
     long long count)
 {
-    const std::vector<std::string> reasons = host::startBound(graph);
-    if (reasons.empty() || (range.first == 0 && range.last == count - 1))
+    const EffectHostLookInfo& info = look.info();
+    if (info.fromStartCount == 0 || (range.first == 0 && range.last == count - 1))
         return;
     throw ToolError(ExitCode::usage,
-        options.graph.string() + ": " + reasons.front()
+        options.graph.string() + ": " + info.fromStart[0]
             + ", so the clip cannot be rendered in parts; leave out --chunk and --frames");
 }
 
-Json::Value settingsOf(const RenderOptions& options, const host::GraphDescription& graph, pixels::Extent size,
+Json::Value settingsOf(const RenderOptions& options, const Look& look, pixels::Extent size,
     const FrameRange& range, long long count, long long seed, bool alpha)
 {
     Json::Value settings;
     settings["engine"] = EFFECTENGINE_VERSION;
     std::string errors;
-    const std::string text = host::graphText(graph);
+    const std::string text = look.info().json;
     const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
     reader->parse(text.data(), text.data() + text.size(), &settings["graph"], &errors);
     settings["clip"]["name"] = options.in.filename().string();
@@ -136,7 +135,7 @@ std::set<long long> missingFrames(Manifest& manifest, const fs::path& directory,
 }
 
 void render(
-    const RenderOptions& options, const host::GraphDescription& description, SessionOptions sessionOptions)
+    const RenderOptions& options, const Look& look, SessionOptions sessionOptions)
 {
     if (!sessionOptions.seed)
         sessionOptions.seed = kUsualSeed;
@@ -146,7 +145,7 @@ void render(
     const ClipInfo& clip = reader.info();
     const long long count = reader.table().count();
     const FrameRange range = rangeOf(options, count);
-    checkParts(options, description, range, count);
+    checkParts(options, look, range, count);
     checkNotItself(options.in, pattern);
     const pixels::Extent size = workingSize(clip, options.size);
     warnOfDepth(clip);
@@ -156,21 +155,21 @@ void render(
     const bool alpha = options.alpha == AlphaChoice::keep
         || (options.alpha == AlphaChoice::automatic && clip.mayBeTransparent());
     Manifest manifest(manifestFile(options, directory, range),
-        settingsOf(options, description, size, range, count, *sessionOptions.seed, alpha));
+        settingsOf(options, look, size, range, count, *sessionOptions.seed, alpha));
     if (options.resume)
         manifest.load();
     std::set<long long> missing = missingFrames(manifest, directory, range);
     manifest.begin();
 
     const Session session(sessionOptions);
-    host::EffectGraph graph(description, unsigned(size.width), unsigned(size.height));
+    LookRun run(look, unsigned(size.width), unsigned(size.height));
     const auto wanted = (long long)(missing.size());
     RenderedPictures sink(pattern, clip, size, manifest, wanted);
-    FrameFeed feed(reader, size, range, host::preRollOf(description));
+    FrameFeed feed(reader, size, range, look.info().preRoll);
     feed.showOnly(std::move(missing));
     const auto picture = [&](const ClipFrame& frame) {
-        graph.setSource(frame.pictures.front());
-        return graph.run(timeOf(frame.place, clip));
+        run.setSource(frame.pictures.front());
+        return run.run(timeOf(frame.place, clip));
     };
     runPipeline({.clips = {&reader},
         .sink = sink,
@@ -192,14 +191,13 @@ namespace tool {
 void runRender(const RenderOptions& options, const SessionOptions& session)
 {
     media::DecoderWatch::listen();
-    const host::GraphDescription description = host::loadGraph(options.graph);
-    for (const std::string& line : description.warnings())
-        warn(options.graph.string() + ": " + line);
-    if (description.sources() > 1)
+    const Look look = Look::fromFile(options.graph);
+    warnOf(look, options.graph.string());
+    if (look.info().inputs > 1)
         throw ToolError(ExitCode::usage,
-            options.graph.string() + " needs " + std::to_string(description.sources())
+            options.graph.string() + " needs " + std::to_string(look.info().inputs)
                 + " clips; render has one");
-    interruptibly([&] { media::render(options, description, session); });
+    interruptibly([&] { media::render(options, look, session); });
 }
 
 } // namespace tool

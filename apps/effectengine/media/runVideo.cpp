@@ -8,7 +8,6 @@
 #include "effectengine/media/transparency.h"
 #include "effectengine/media/workingSize.h"
 #include "effectengine/media/yuvPixels.h"
-#include "host/parts.h"
 
 #include <algorithm>
 
@@ -106,12 +105,12 @@ bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent siz
         && frame.height == size.height && isPlainYuv(AVPixelFormat(frame.format));
 }
 
-void convertClip(const VideoOptions& options, const std::optional<host::GraphDescription>& description,
+void convertClip(const VideoOptions& options, const std::optional<Look>& look,
     const SessionOptions& sessionOptions)
 {
-    if (description && description->sources() > 1)
+    if (look && look->info().inputs > 1)
         throw ToolError(ExitCode::usage,
-            "the graph needs " + std::to_string(description->sources())
+            "the graph needs " + std::to_string(look->info().inputs)
                 + " clips; video has one (effectengine transition joins two)");
     const FrameRange range = parseFrames(options.frames);
     const EncoderChoice choice = choiceOf(options.encoding);
@@ -123,9 +122,9 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     const Timing timing(options, reader, range);
 
     const Session session(sessionOptions);
-    std::optional<host::EffectGraph> graph;
-    if (description)
-        graph.emplace(*description, unsigned(size.width), unsigned(size.height));
+    std::optional<LookRun> run;
+    if (look)
+        run.emplace(*look, unsigned(size.width), unsigned(size.height));
 
     FrameShape shape = shapeOf(clip, size.width, size.height);
     shape.timeBase = timing.unit();
@@ -134,13 +133,13 @@ void convertClip(const VideoOptions& options, const std::optional<host::GraphDes
     const auto sink = openSink(options.out, shape, choice, tracksFor(options, timing));
     warnOfDepth(clip);
 
-    FrameFeed feed(reader, size, range, description ? host::preRollOf(*description) : 0);
+    FrameFeed feed(reader, size, range, look ? look->info().preRoll : 0);
     const auto picture = [&](const ClipFrame& frame) -> CEffectImage* {
         const host::Image& source = frame.pictures.front();
-        if (!graph)
+        if (!run)
             return goesStraight(*frame.frame, clip, size, *sink) ? nullptr : source.handle();
-        graph->setSource(source);
-        return graph->run(timeOf(frame.place, clip));
+        run->setSource(source);
+        return run->run(timeOf(frame.place, clip));
     };
     runPipeline({.clips = {&reader},
         .sink = *sink,
@@ -163,10 +162,10 @@ namespace tool {
 void runVideo(const VideoOptions& options, const GraphOptions& graph, const SessionOptions& session)
 {
     media::DecoderWatch::listen();
-    std::optional<host::GraphDescription> description;
+    std::optional<Look> look;
     if (graph.given())
-        description = graph.description();
-    interruptibly([&] { media::convertClip(options, description, session); });
+        look = graph.look();
+    interruptibly([&] { media::convertClip(options, look, session); });
 }
 
 } // namespace tool

@@ -12,6 +12,7 @@ const Registration<CPureCEffect> registered{{
     .family = "utility",
     .summary = "Writes nothing; the output stays transparent black.",
     .alpha = Alpha::computed,
+    .keepsOutput = true,
 }};
 
 } // namespace

@@ -1,6 +1,7 @@
 // Recolours a picture through a three-dimensional lookup table from a file.
 #include "core/Log.h"
 #include "effects/gpu/GpuEffect.h"
+#include "effects/gpu/preferredForm.h"
 #include "effects/gpu/uniforms.h"
 #include "effects/lut/LutTable.h"
 #include "effects/lut/lutShader.h"
@@ -68,7 +69,7 @@ private:
     {
         const lut::TileLayout* const layout = lut::tileLayoutOf(table_.size());
         const CEffectImage* const source = getInputImage(0);
-        if (!layout || !source || !graphics().available())
+        if (!layout || !source || preferredForm() != EffectForm::gpu || !graphics().available())
             return false;
         if (lookup_.pixels.empty())
             prepareGpu(*layout);
@@ -121,9 +122,9 @@ private:
         table_.set(file);
         lookup_ = {};
         gpu_ = {};
-        const bool tiled = lut::tileLayoutOf(file.size) != nullptr;
+        const bool drawn = lut::tileLayoutOf(file.size) && preferredForm() == EffectForm::gpu;
         logging::info(
-            kSetterTag, (tiled ? "Render 3D lut with GPU -> " : "Render 3D lut with c algorithm -> ") + path);
+            kSetterTag, (drawn ? "Render 3D lut with GPU -> " : "Render 3D lut with c algorithm -> ") + path);
         return true;
     }
 

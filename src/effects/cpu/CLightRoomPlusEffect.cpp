@@ -1,6 +1,7 @@
 // Photographic adjustment: white balance, tone and vignette, then local contrast, sharpness, lens and glow.
 #include "core/Log.h"
 #include "effects/gpu/GpuEffect.h"
+#include "effects/gpu/preferredForm.h"
 #include "effects/gpu/uniforms.h"
 #include "effects/lightroom/ColourSteps.h"
 #include "effects/lightroom/HazeRemoval.h"
@@ -90,20 +91,8 @@ public:
 
     void init() override
     {
-        gpu_ = GpuEffect::create();
-        if (!gpu_)
-            return;
-        gpu_->setShaderSource(lightroom::kColourShader, true, true);
-        gpu_->setSize(width(), height());
-        const auto driver = graphics().capabilities().driver;
-        graphics().log("GL version is: " + std::to_string(driver.major) + "." + std::to_string(driver.minor)
-            + "." + std::to_string(driver.release) + "." + std::to_string(driver.build));
-        useCpuColour_ = driver.major < 3 || (driver.major == 3 && driver.minor < 2);
-        if (driver.major <= 2)
-            graphics().log("GL version is too low, Program requires OpenGL 2.0 or higherra. Please "
-                           "upgrade the driver of your video card!");
-        else if (useCpuColour_)
-            graphics().log("Using C algorithm to running!");
+        if (preferredForm() == EffectForm::gpu)
+            prepareGpu();
     }
 
     void run() override
@@ -154,10 +143,45 @@ public:
     }
 
 private:
+    void prepareGpu()
+    {
+        prepared_ = true;
+        gpu_ = GpuEffect::create();
+        if (!gpu_)
+            return;
+        gpu_->setShaderSource(lightroom::kColourShader, true, true);
+        gpu_->setSize(width(), height());
+        const auto driver = graphics().capabilities().driver;
+        graphics().log("GL version is: " + std::to_string(driver.major) + "." + std::to_string(driver.minor)
+            + "." + std::to_string(driver.release) + "." + std::to_string(driver.build));
+        useCpuColour_ = driver.major < 3 || (driver.major == 3 && driver.minor < 2);
+        if (driver.major <= 2)
+            graphics().log("GL version is too low, Program requires OpenGL 2.0 or higherra. Please "
+                           "upgrade the driver of your video card!");
+        else if (useCpuColour_)
+            graphics().log("Using C algorithm to running!");
+    }
+
+    /// Whether this frame is to be drawn. What earlier frames asked for does not count: clips are made in
+    /// parts.
+    bool prefersGpu()
+    {
+        const auto form = preferredForm();
+        const auto stepsOfGpu = [this] {
+            return get(kVibrance) != 0 || get(kHighLight) != 0 || get(kShadow) != 0 || get(kWhiteLevel) != 0
+                || get(kBlackLevel) != 0;
+        };
+        return form == EffectForm::gpu || (form == EffectForm::completeOnCpu && stepsOfGpu());
+    }
+
     /// The colour steps on the GPU. @return false when the CPU has to do them
     bool drawColours()
     {
-        if (useCpuColour_ || get(kColorEnable) == 0 || !graphics().available())
+        if (get(kColorEnable) == 0 || !prefersGpu() || !graphics().available())
+            return false;
+        if (!prepared_)
+            prepareGpu();
+        if (useCpuColour_)
             return false;
         boundInputs_.bind(*gpu_.get(), *this, inputs());
         setUniforms(*gpu_.get(), *this, kRunTag);
@@ -196,7 +220,8 @@ private:
 
     GpuEffect gpu_;
     BoundInputs boundInputs_;
-    bool useCpuColour_ = true; ///< for good, once it is set after init
+    bool prepared_ = false;
+    bool useCpuColour_ = true; ///< for good, once the GPU has been prepared
     lightroom::ColourSteps colour_;
     lightroom::HazeRemoval haze_;
     lightroom::LensMap lens_;
@@ -210,6 +235,7 @@ const Registration<CLightRoomPlusEffect> registered{{
     .family = "colour",
     .summary = "White balance, exposure, contrast, saturation and vignette, with clarity, sharpness, lens "
                "distortion, glow and haze removal.",
+    .writesInput = true,
 }};
 
 } // namespace

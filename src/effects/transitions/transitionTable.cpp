@@ -205,7 +205,8 @@ std::vector<KEXSDK::EffectInfo> transitionInfos()
         info.inputs = 2;
         info.shared = row.trait == kRandomAndShared;
         info.random = info.shared || row.trait == kRandom;
-        info.history.frames = row.trait == kKeepsBytes ? KEXSDK::History::kFromStart : 0;
+        info.keepsOutput = row.trait == kKeepsBytes;
+        info.history.frames = info.keepsOutput ? KEXSDK::History::kFromStart : 0;
         // Some write colours only, some lose alpha in rounding or count it as a colour that fades.
         info.alpha = KEXSDK::Alpha::loose;
         infos.push_back(info);

@@ -5,6 +5,7 @@
 #include "pixels/numbers.h"
 
 #include <array>
+#include <optional>
 
 namespace KEXSDK::am {
 
@@ -19,7 +20,12 @@ inline constexpr auto amClampTable = [] {
 /// Noise for effects that must not draw a random number per pixel.
 const std::array<u8, 1024>& amRandomBytes();
 
-/// Fills amRandomBytes once per process; the calling thread's generator is seeded with the time for it.
+/// Fills amRandomBytes once per process; the calling thread's generator is seeded with the time for it. While
+/// the tables are pinned they stay, and the generator is left as if it had drawn them now.
 void buildGlobalTables();
+
+/// Fills amRandomBytes from a seed; no value lets go of it, and what was filled stays. Nothing of the library
+/// may be at work.
+void pinGlobalTables(std::optional<u32> seed);
 
 } // namespace KEXSDK::am

@@ -1,0 +1,38 @@
+// Measurement of an effect's time, and of a memcpy of the same frame to compare it with.
+#pragma once
+
+#include "hosting/Host.h"
+#include "facts/EffectInfo.h"
+#include "facts/Param.h"
+
+#include <span>
+#include <vector>
+
+namespace host {
+
+struct FrameSize {
+    unsigned width;
+    unsigned height;
+};
+
+/// Median time of a memcpy of a frame on the calling thread, measured once per size and process.
+double copySeconds(FrameSize frame);
+
+/// The median of at least one time. Reorders them.
+double median(std::vector<double>& times);
+
+/// An effect with example values over painted frames, warmed up: effects with a history are in their steady
+/// state and own all their memory. Throws Failure when the effect is not available.
+class EffectRun {
+public:
+    EffectRun(const KEXSDK::EffectInfo& effect, std::span<const KEXSDK::ParamInfo* const> parameters, FrameSize frame);
+
+    /// Evaluates one frame. @return seconds
+    double once();
+
+private:
+    std::vector<Image> inputs_;
+    Filter filter_;
+};
+
+} // namespace host
