@@ -37,6 +37,23 @@ struct Decoded {
 /// @param file  seekable, at its start
 Decoded decode(std::istream& file);
 
+/// A picture that is read as a measure of something: its greys alone, in 16 bits.
+struct DecodedGrey {
+    Decoded::Outcome outcome = Decoded::Outcome::unreadable;
+    u32 width = 0; ///< as in Decoded
+    u32 height = 0;
+    bool fine = false;       ///< the file holds more than 8 bits a channel
+    std::vector<u16> values; ///< width * height from the top, 65535 for white; empty unless it is a picture
+};
+
+/// Reads the files that decode() reads; 16-bit channels are kept, colours count by their luma and alpha not
+/// at all. Throws std::bad_alloc.
+/// @param file  seekable, at its start
+DecodedGrey decodeGrey(std::istream& file);
+
+/// The grey of a colour of 16 bits a channel, in 77, 150 and 29 parts of 256.
+constexpr u16 luma(u32 r, u32 g, u32 b) { return u16((r * 77 + g * 150 + b * 29 + 128) >> 8); }
+
 /// The size alone, from the header: a picture outcome without pixels. Whether the rest of the file can be
 /// read is not looked at.
 /// @param file  seekable, at its start

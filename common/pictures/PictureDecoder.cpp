@@ -1,6 +1,8 @@
-// Reading picture files: JPEG through its own library, the other kinds through the system's stb library.
+// Reading picture files: JPEG and PNM through codecs of their own, the other kinds through the system's stb
+// library.
 #include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
+#include "pictures/PnmCodec.h"
 
 #include <stb_image.h>
 
@@ -79,7 +81,7 @@ private:
     std::jmp_buf leave_;
 };
 
-// readHeader and readPixels are left by longjmp, so they keep no objects with destructors.
+// These three are left by longjmp, so they keep no objects with destructors.
 
 bool readHeader(Source& source, int* width, int* height)
 {
@@ -90,15 +92,24 @@ bool readHeader(Source& source, int* width, int* height)
         && *height > 0;
 }
 
+bool readWhetherDeep(Source& source)
+{
+    return !setjmp(source.leave()) && stbi_is_16_bit_from_callbacks(&Source::callbacks(), &source);
+}
+
+/// Four channels of 8 or 16 bits to a pixel.
 /// @return memory that the caller frees, or null
-u8* readPixels(Source& source, int* width, int* height)
+template <class Channel> Channel* readPixels(Source& source, int* width, int* height)
 {
     int channels = 0;
     if (setjmp(source.leave()))
         return nullptr;
     // The host may use stb as well, and have it flip pictures on all threads.
     stbi_set_flip_vertically_on_load_thread(0);
-    return stbi_load_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
+    if constexpr (sizeof(Channel) == 2)
+        return stbi_load_16_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
+    else
+        return stbi_load_from_callbacks(&Source::callbacks(), &source, width, height, &channels, 4);
 }
 
 /// Whether a file of so many bytes can hold that many pixels: a few bytes may declare a picture that takes
@@ -123,8 +134,6 @@ bool canHold(std::istream& stream, u64 pixels)
             return kMaxPixels;
         if (start.starts_with("BM"))
             return 8; // runs are not read
-        if (start.starts_with("P5") || start.starts_with("P6"))
-            return 1;
         if (start.starts_with("#?"))
             return 127; // a run holds 127 values at most, in two bytes
         if (start.starts_with("\x53\x80\xF6\x34"))
@@ -149,27 +158,70 @@ Decoded sizeIn(std::istream& stream)
     return result;
 }
 
+/// The pixels of a file whose size is known, red first; null when it cannot be read to its end.
+template <class Channel> std::unique_ptr<Channel[], Free> pixelsIn(std::istream& stream, const Decoded& size)
+{
+    if (!canHold(stream, u64{size.width} * size.height))
+        return nullptr;
+    stream.clear();
+    stream.seekg(0);
+    int width = 0, height = 0;
+    Source source(stream, u64{size.width} * size.height);
+    std::unique_ptr<Channel[], Free> pixels(readPixels<Channel>(source, &width, &height));
+    if (source.ranOut() || u32(width) != size.width || u32(height) != size.height)
+        pixels.reset();
+    return pixels;
+}
+
 Decoded decodeWhole(std::istream& stream)
 {
     Decoded result = sizeIn(stream);
     if (result.outcome != Decoded::Outcome::picture)
         return result;
-    result.outcome = Decoded::Outcome::unreadable;
-    if (!canHold(stream, u64{result.width} * result.height))
-        return result;
-    stream.clear();
-    stream.seekg(0);
-    int width = 0, height = 0;
-    Source source(stream, u64{result.width} * result.height);
-    result.pixels.reset(readPixels(source, &width, &height));
-    if (!result.pixels || source.ranOut() || u32(width) != result.width || u32(height) != result.height) {
-        result.pixels.reset();
+    result.pixels = pixelsIn<u8>(stream, result);
+    if (!result.pixels) {
+        result.outcome = Decoded::Outcome::unreadable;
         return result;
     }
     u8* const end = result.pixels.get() + std::size_t{result.width} * result.height * 4;
     for (u8* pixel = result.pixels.get(); pixel != end; pixel += 4)
         std::swap(pixel[0], pixel[2]);
-    result.outcome = Decoded::Outcome::picture;
+    return result;
+}
+
+/// Whether the file has channels of 16 bits. One that is shorter than what stb reads ahead does not count.
+bool isDeep(std::istream& stream)
+{
+    char head[kHeadBytes];
+    const bool enough = bool(stream.read(head, kHeadBytes));
+    stream.clear();
+    stream.seekg(0);
+    if (!enough)
+        return false;
+    Source source(stream, 0);
+    const bool deep = readWhetherDeep(source);
+    stream.clear();
+    stream.seekg(0);
+    return deep;
+}
+
+DecodedGrey decodeDeep(std::istream& stream)
+{
+    const Decoded size = sizeIn(stream);
+    DecodedGrey result{size.outcome, size.width, size.height, true, {}};
+    if (size.outcome != Decoded::Outcome::picture)
+        return result;
+    const auto pixels = pixelsIn<u16>(stream, size);
+    if (!pixels) {
+        result.outcome = Decoded::Outcome::unreadable;
+        return result;
+    }
+    result.values.resize(std::size_t{size.width} * size.height);
+    const u16* from = pixels.get();
+    for (u16& value : result.values) {
+        value = luma(from[0], from[1], from[2]);
+        from += 4;
+    }
     return result;
 }
 
@@ -213,11 +265,15 @@ Decoded inspect(std::istream& file)
     const bool isJpeg = std::string_view(head, sizeof head) == "\xFF\xD8";
     file.clear();
     file.seekg(0);
+    if (isPnm(file))
+        return inspectPnm(file);
     return isJpeg ? inspectJpeg(file) : sizeIn(file);
 }
 
 Decoded decode(std::istream& file)
 {
+    if (isPnm(file))
+        return decodePnm(file);
     std::string head(std::size_t{kHeadBytes}, '\0');
     file.read(head.data(), kHeadBytes);
     if (file.gcount() == 0)
@@ -232,6 +288,26 @@ Decoded decode(std::istream& file)
     }
     file.seekg(0);
     return decodeWhole(file);
+}
+
+DecodedGrey decodeGrey(std::istream& file)
+{
+    if (isPnm(file))
+        return decodeGreyPnm(file);
+    if (isDeep(file))
+        return decodeDeep(file);
+    const Decoded picture = decode(file);
+    DecodedGrey result{picture.outcome, picture.width, picture.height, false, {}};
+    if (!picture.pixels)
+        return result;
+    result.values.resize(std::size_t{picture.width} * picture.height);
+    constexpr u32 kByte = 257; // 255 becomes 65535
+    const u8* from = picture.pixels.get();
+    for (u16& value : result.values) {
+        value = luma(from[2] * kByte, from[1] * kByte, from[0] * kByte);
+        from += 4;
+    }
+    return result;
 }
 
 } // namespace pictures
