@@ -72,4 +72,16 @@ Look GraphOptions::look(const std::string& effect) const
     return look;
 }
 
+Look transitionLook(const std::string& effect, const std::vector<std::string>& parameters)
+{
+    Look look;
+    look.append(effect);
+    for (const std::string& parameter : parameters)
+        look.assign(parameter);
+    if (look.info().inputs != 2)
+        throw ToolError(ExitCode::usage, "effect " + std::string(look.info().output) + " is no transition");
+    warnOf(look, "");
+    return look;
+}
+
 } // namespace tool

@@ -32,4 +32,8 @@ private:
     std::shared_ptr<Values> values_;
 };
 
+/// The look of one transition with these parameters, NAME=VALUE. Warnings go to stderr. Throws ToolError
+/// when the effect does not take two pictures, and LookError.
+Look transitionLook(const std::string& effect, const std::vector<std::string>& parameters);
+
 } // namespace tool

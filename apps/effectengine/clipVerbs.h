@@ -41,6 +41,7 @@ struct VideoOptions {
 
 struct ClipTransitionOptions {
     std::string effect;
+    std::vector<std::string> parameters; ///< NAME=VALUE
     std::filesystem::path from;
     std::filesystem::path to;
     std::filesystem::path out;

@@ -1,4 +1,5 @@
 // transition: one frame, or a strip of frames, between two pictures; or one clip running into another.
+#include "effectengine/GraphOptions.h"
 #include "effectengine/StillGraph.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
@@ -21,6 +22,7 @@ constexpr double kDuration = 5.0;
 
 struct Options {
     std::string name;
+    std::vector<std::string> parameters;
     fs::path from;
     fs::path to;
     fs::path out;
@@ -62,6 +64,7 @@ void joinClips(const Options& options, const SessionOptions& session)
 {
     ClipTransitionOptions clips;
     clips.effect = options.name;
+    clips.parameters = options.parameters;
     clips.from = options.from;
     clips.to = options.to;
     clips.out = options.out;
@@ -82,10 +85,7 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--duration is for clips; a picture's moment is --at");
     if (options.stretch)
         throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
-    Look look;
-    look.append(options.name);
-    if (look.info().inputs != 2)
-        throw ToolError(ExitCode::usage, "effect " + std::string(look.info().output) + " is no transition");
+    const Look look = transitionLook(options.name, options.parameters);
     const PictureSize size = options.size.empty() ? fitted(sizeOf(options.from)) : parseSize(options.size);
     sizeOf(options.to);
     if (options.frames == 0)
@@ -137,6 +137,9 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
             "within it")
         ->required();
     command->add_option("OUT", options->out, "picture; or a clip; or with --frames a directory")->required();
+    command->add_option("-p,--param", options->parameters, "parameter of the transition, by name or title")
+        ->allow_extra_args(false)
+        ->type_name("NAME=VALUE");
     const auto at =
         command
             ->add_option("--at", options->at,

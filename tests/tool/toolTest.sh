@@ -139,6 +139,7 @@ expect 0 '' "$tool" transition push in.bmp grey.bmp frame.bmp --at 1
 cmp -s frame.bmp grey.bmp || fail "a transition ends with the second picture"
 expect 0 '' "$tool" transition row-whisk in.bmp grey.bmp strip --frames 3
 [ "$(ls strip)" = "$(printf 'frame-%04d.png\n' 0 1 2)" ] || fail "three frames: $(ls strip)"
+expect 2 'no parameter "Speed"' "$tool" transition push in.bmp grey.bmp frame.bmp -p Speed=1
 expect 2 'is no transition' "$tool" transition equalize in.bmp grey.bmp frame.bmp
 expect 2 'needs 2 pictures' "$tool" apply push in.bmp frame.bmp
 expect 2 '--at' "$tool" transition push in.bmp grey.bmp frame.bmp --at 1.5

@@ -1,4 +1,5 @@
 // transition between clips: pictures and sound of one clip run into those of another.
+#include "effectengine/GraphOptions.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
 #include "effectengine/media/JoinedFeed.h"
@@ -43,15 +44,6 @@ double startOf(const ClipTransitionOptions& options, const ClipInfo& first)
     return *options.at;
 }
 
-Look transitionNamed(const std::string& effect)
-{
-    Look look;
-    look.append(effect);
-    if (look.info().inputs != 2)
-        throw ToolError(ExitCode::usage, "effect " + std::string(look.info().output) + " is no transition");
-    return look;
-}
-
 /// @param at  when the second clip begins, in seconds
 long long expectedFrames(const ClipInfo& first, const ClipInfo& second, double at, double duration)
 {
@@ -69,7 +61,7 @@ SideTracks tracksFor(const ClipTransitionOptions& options, double at)
 
 void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
 {
-    const Look look = transitionNamed(options.effect);
+    const Look look = transitionLook(options.effect, options.parameters);
     ClipReader first(options.from);
     ClipReader second(options.to);
     checkClipOutput(options.out);
