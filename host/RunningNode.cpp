@@ -32,11 +32,17 @@ void requireFile(const GraphNode& node, const std::string& user, const std::stri
 void storeOrFail(Filter& filter, const GraphNode& node, const ParamInfo& info, const ParameterValue& value)
 {
     const auto* const path = std::get_if<std::string>(&value);
-    if (path)
+    const bool maybeInPack = path && mayBeInPack(info, *path);
+    if (path && !maybeInPack)
         requireFile(node, "parameter " + std::string(info.name), *path);
-    if (!store(filter, info, value))
-        fail(GraphFault::effectFailed, node,
-            "refuses the value of " + std::string(info.name) + (path ? ": " + *path : ""));
+    if (store(filter, info, value))
+        return;
+    if (maybeInPack && !std::filesystem::exists(*path))
+        fail(GraphFault::missingFile, node,
+            "parameter " + std::string(info.name) + ": no such file, and none in the pack's " + info.packFolder
+                + ": " + *path);
+    fail(GraphFault::effectFailed, node,
+        "refuses the value of " + std::string(info.name) + (path ? ": " + *path : ""));
 }
 
 // What a filter holds under a parameter's name, by one of the functions that read it.

@@ -119,6 +119,12 @@ ParamInfo readParameter(const Value& json, EffectList& list)
     ParamInfo param{text(json, "name"), choice(json, "type", kTypes), text(json, "help")};
     param.title = text(json, "title");
     param.unit = text(json, "unit");
+    if (optional(json, "folder")) {
+        param.packFolder = text(json, "folder");
+        param.packExample = text(json, "example");
+        param.declared = false;
+        return param;
+    }
     const Value* given = optional(json, "default");
     param.declared = given != nullptr;
     if (!given)

@@ -57,7 +57,8 @@ private:
         return {param.name, texts_.emplace_back(titleOf(param)).c_str(), param.help, param.unit,
             EffectHostType(param.type), param.type == KEXSDK::ParamType::filePath ? 0 : param.elements,
             param.declared, param.value.data(), param.low, param.high,
-            param.hostDefault ? &*param.hostDefault : nullptr, uint32_t(choices.size()), choices.data()};
+            param.hostDefault ? &*param.hostDefault : nullptr, uint32_t(choices.size()), choices.data(),
+            param.packFolder, param.packExample};
     }
 
     std::deque<EffectHostEffect> all_;

@@ -45,7 +45,7 @@ constexpr std::string_view kMix = "mix";
 void check(const EffectHostRun& run, const EffectHostPicture& picture)
 {
     if (const auto fault = host::faultOf(picture))
-        throw host::LibraryFault{EFFECTHOST_BAD_ARGUMENT, "a picture " + *fault};
+        throw host::LibraryFault{EFFECTHOST_BAD_ARGUMENT, *fault};
     if (unsigned(picture.width) != run.width || unsigned(picture.height) != run.height)
         throw host::LibraryFault{EFFECTHOST_BAD_ARGUMENT,
             "a picture of " + std::to_string(picture.width) + " x " + std::to_string(picture.height)

@@ -29,7 +29,10 @@ ParameterValue readValue(const ParamInfo& info, const Json::Value& value, const 
     if (info.type == ParamType::filePath) {
         if (!value.isString() || value.asString().empty())
             refuse();
-        return (file.directory / value.asString()).lexically_normal().string();
+        const fs::path path = file.directory / value.asString();
+        if (mayBeInPack(info, value.asString()) && !fs::exists(path))
+            return value.asString();
+        return path.lexically_normal().string();
     }
     if (value.isString()) {
         for (const auto& [number, label] : choicesOf(info)) {
@@ -204,8 +207,11 @@ std::vector<Movement> readComponents(const ParamInfo& info, const Json::Value& j
 
 Json::Value valueJson(const ParamInfo& info, const ParameterValue& value)
 {
-    if (const auto* const path = std::get_if<std::string>(&value))
+    if (const auto* const path = std::get_if<std::string>(&value)) {
+        if (mayBeInPack(info, *path) && !fs::exists(*path))
+            return *path;
         return fs::absolute(*path).lexically_normal().string();
+    }
     const auto& numbers = std::get<std::vector<double>>(value);
     const bool whole = info.type == ParamType::integer || info.type == ParamType::integerArray;
     const auto one = [&](double n) { return whole ? Json::Value(int(n)) : Json::Value(n); };

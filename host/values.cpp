@@ -113,6 +113,11 @@ ParameterValue parseValue(const ParamInfo& info, std::string_view text)
     return numbers;
 }
 
+bool mayBeInPack(const ParamInfo& info, std::string_view path)
+{
+    return *info.packFolder && !path.empty() && path.find('/') == std::string_view::npos;
+}
+
 std::string expectedValue(const ParamInfo& info)
 {
     if (info.type == ParamType::filePath)

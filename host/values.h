@@ -23,6 +23,9 @@ bool isArray(const KEXSDK::ParamInfo& info);
 /// Throws GraphError.
 ParameterValue parseValue(const KEXSDK::ParamInfo& info, std::string_view text);
 
+/// Whether a path is a bare name that the effect looks for in the resource pack when there is no such file.
+bool mayBeInPack(const KEXSDK::ParamInfo& info, std::string_view path);
+
 /// "a whole number", "3 numbers", "a file": what a parameter takes, for messages.
 std::string expectedValue(const KEXSDK::ParamInfo& info);
 

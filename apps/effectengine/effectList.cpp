@@ -31,6 +31,8 @@ ParamInfo translated(const EffectHostParameter& given, Lists& lists)
     ParamInfo info{given.name, KEXSDK::ParamType(given.type), given.help};
     info.title = given.title;
     info.unit = given.unit;
+    info.packFolder = given.packFolder;
+    info.packExample = given.packExample;
     std::string choices;
     for (const EffectHostChoice& choice : std::span(given.choices, given.choiceCount))
         choices += (choices.empty() ? "" : ", ") + std::to_string(choice.value) + " " + choice.name;

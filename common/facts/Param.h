@@ -40,6 +40,10 @@ struct ParamInfo {
     /// that the effect leaves the picture alone.
     std::optional<double> hostDefault{};
     const char* title = ""; ///< for people; empty where the words of the name say it (titleOf)
+    /// Files: the folder of the resource directory in which the effect looks for a bare name, with or without
+    /// its ".png", when there is no such file; empty for none.
+    const char* packFolder = "";
+    const char* packExample = ""; ///< a name there
 };
 
 /// What people read: the title, or the words of the name, each with a capital; "Vignette Amount" for
@@ -127,6 +131,15 @@ struct PathParam : DeclaredParam<PathParam> {
         : DeclaredParam<PathParam>{{paramName, ParamType::filePath, text}}
     {
         declared = false;
+    }
+
+    /// Takes names of files that the resource pack has in a folder of its own, too, such as this one.
+    constexpr PathParam inPack(const char* folder, const char* example) const
+    {
+        PathParam copy = *this;
+        copy.packFolder = folder;
+        copy.packExample = example;
+        return copy;
     }
 };
 

@@ -50,6 +50,10 @@ Json::Value parameterEntry(const ParamInfo& param)
     json["unit"] = param.unit;
     // Only what the node stores by itself is a default.
     json["default"] = Json::Value();
+    if (*param.packFolder) {
+        json["folder"] = param.packFolder;
+        json["example"] = param.packExample;
+    }
     if (param.type == ParamType::filePath)
         return json;
     json[param.declared ? "default" : "example"] = valueOf(param);

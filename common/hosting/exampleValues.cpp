@@ -51,7 +51,7 @@ std::string exampleTable()
 ParameterValue exampleValue(const KEXSDK::ParamInfo& param, unsigned width, unsigned height)
 {
     if (param.type == KEXSDK::ParamType::filePath)
-        return exampleTable();
+        return *param.packExample ? std::string(param.packExample) : exampleTable();
     std::vector<double> numbers(param.value.begin(), param.value.begin() + param.elements);
     if (std::string_view(param.unit) == "pixels" && param.elements == 2) {
         numbers[0] *= width / 640.0;

@@ -96,6 +96,8 @@ typedef struct EffectHostParameter {
     const double* hostDefault; /* what looks set unless they say otherwise; null for nothing */
     uint32_t choiceCount;      /* 0: any number goes */
     const EffectHostChoice* choices;
+    const char* packFolder;  /* files: where the resource pack has some that go by their names; else empty */
+    const char* packExample; /* one of those names */
 } EffectHostParameter;
 
 /* Facts of an effect. New members come at the end. */

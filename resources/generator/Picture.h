@@ -90,6 +90,14 @@ public:
                 change(place(x, y), at(x, y));
     }
 
+    /// look(place, cell) at every cell.
+    template <class Look> void each(Look look) const
+    {
+        for (int y = 0; y < size_.height; ++y)
+            for (int x = 0; x < size_.width; ++x)
+                look(place(x, y), at(x, y));
+    }
+
 private:
     Size size_;
     std::vector<T> cells_;

@@ -10,6 +10,7 @@ constexpr Size kNarrow{1440, 1080};
 constexpr Size kTexture{1440, 960}; // of a shape between those of the pictures that it is stretched to
 constexpr Size kTable{512, 512};
 constexpr Size kSprite{128, 128};
+constexpr Size kWipe{1280, 720};
 
 constexpr Piece kPieces[] = {
     {"Overlays/NightGlassView16_9.png", kWide, paintNightGlasses},
@@ -84,6 +85,30 @@ constexpr Piece kPieces[] = {
     {"Particles/flameSprite.png", kSprite, paintFlameSprite},
     {"Particles/sparkSprite.png", kSprite, paintSparkSprite},
     {"Particles/starSprite.png", kSprite, paintStarSprite},
+    {"wipes/clock.png", kWipe, paintClockWipe},
+    {"wipes/clock-double.png", kWipe, paintDoubleClockWipe},
+    {"wipes/circle-in.png", kWipe, paintCircleInWipe},
+    {"wipes/circle-out.png", kWipe, paintCircleOutWipe},
+    {"wipes/diamond.png", kWipe, paintDiamondWipe},
+    {"wipes/box.png", kWipe, paintBoxWipe},
+    {"wipes/heart.png", kWipe, paintHeartWipe},
+    {"wipes/star.png", kWipe, paintStarWipe},
+    {"wipes/spiral.png", kWipe, paintSpiralWipe},
+    {"wipes/radial-fan.png", kWipe, paintRadialFanWipe},
+    {"wipes/ripples.png", kWipe, paintRipplesWipe},
+    {"wipes/blinds-horizontal.png", kWipe, paintHorizontalBlindsWipe},
+    {"wipes/blinds-vertical.png", kWipe, paintVerticalBlindsWipe},
+    {"wipes/diagonal.png", kWipe, paintDiagonalWipe},
+    {"wipes/zigzag.png", kWipe, paintZigzagWipe},
+    {"wipes/waves.png", kWipe, paintWavesWipe},
+    {"wipes/curtain.png", kWipe, paintCurtainWipe},
+    {"wipes/checker.png", kWipe, paintCheckerWipe},
+    {"wipes/tiles-random.png", kWipe, paintRandomTilesWipe},
+    {"wipes/honeycomb.png", kWipe, paintHoneycombWipe},
+    {"wipes/clouds.png", kWipe, paintCloudsWipe},
+    {"wipes/ink.png", kWipe, paintInkWipe},
+    {"wipes/brush-strokes.png", kWipe, paintBrushStrokesWipe},
+    {"wipes/dissolve-grain.png", kWipe, paintGrainDissolveWipe},
 };
 
 } // namespace

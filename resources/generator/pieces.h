@@ -100,4 +100,30 @@ void paintFlameSprite(Picture& picture);
 void paintSparkSprite(Picture& picture);
 void paintStarSprite(Picture& picture);
 
+// Orders of wipes: greys, the darkest places change first.
+void paintClockWipe(Picture& picture);
+void paintDoubleClockWipe(Picture& picture);
+void paintCircleInWipe(Picture& picture);
+void paintCircleOutWipe(Picture& picture);
+void paintDiamondWipe(Picture& picture);
+void paintBoxWipe(Picture& picture);
+void paintHeartWipe(Picture& picture);
+void paintStarWipe(Picture& picture);
+void paintSpiralWipe(Picture& picture);
+void paintRadialFanWipe(Picture& picture);
+void paintRipplesWipe(Picture& picture);
+void paintHorizontalBlindsWipe(Picture& picture);
+void paintVerticalBlindsWipe(Picture& picture);
+void paintDiagonalWipe(Picture& picture);
+void paintZigzagWipe(Picture& picture);
+void paintWavesWipe(Picture& picture);
+void paintCurtainWipe(Picture& picture);
+void paintCheckerWipe(Picture& picture);
+void paintRandomTilesWipe(Picture& picture);
+void paintHoneycombWipe(Picture& picture);
+void paintCloudsWipe(Picture& picture);
+void paintInkWipe(Picture& picture);
+void paintBrushStrokesWipe(Picture& picture);
+void paintGrainDissolveWipe(Picture& picture);
+
 } // namespace artwork

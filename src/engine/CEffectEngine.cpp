@@ -3,6 +3,7 @@
 
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "core/Log.h"
+#include "core/resourceDirectory.h"
 #include "effects/am/library/CSimpleAmEffect.h"
 #include "effects/am/library/amCatalog.h"
 #include "effects/shader/CSimpleShaderEffect.h"
@@ -19,6 +20,7 @@ CEffectEngine::~CEffectEngine() = default;
 bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
 {
     resourceDir_ = resourceDir;
+    core::setResourceDirectory(resourceDir_);
     logDir_ = logDir ? logDir : "";
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");

@@ -69,6 +69,7 @@ inside sh -ec 'cd /tmp
     effectengine apply hue-shift -p Hue=20 /project/docs/images/photograph.jpg out.png
     effectengine video out.png out.mp4 -e glow
     effectengine gallery g out.png --kind blur
+    effectengine transition picture-wipe /project/docs/images/photograph.jpg out.png wiped.png -p WipePicture=clock
     test -s out.png -a -s out.mp4 -a -s g/index.html'
 
 # Another project, with CMake and with pkg-config.

@@ -4,8 +4,13 @@
 #include "engine/effectList.h"
 #include "gpu/OgreTest.h"
 #include "hosting/Host.h"
+#include "pictures/PictureCodecs.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <fstream>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <set>
@@ -218,6 +223,62 @@ TEST_F(PackEffects, OverlaysReachTheFrame)
     for (const KEXSDK::EffectInfo& effect : listEffects()) {
         if (effect.family == "overlay") {
             EXPECT_GT(show(effect.guid).changed, 1) << effect.name;
+        }
+    }
+}
+
+/// The pack's wipe pictures, by name.
+std::map<std::string, pictures::DecodedGrey> wipePictures()
+{
+    std::map<std::string, pictures::DecodedGrey> all;
+    for (const auto& entry : fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "wipes")) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        all[entry.path().stem()] = pictures::decodeGrey(file);
+    }
+    return all;
+}
+
+TEST(PackWipes, GiveEveryGreyTheSameArea)
+{
+    const auto all = wipePictures();
+    EXPECT_EQ(all.size(), 24u);
+    for (const auto& [name, picture] : all) {
+        SCOPED_TRACE(name);
+        ASSERT_EQ(picture.width, 1280u);
+        ASSERT_EQ(picture.height, 720u);
+        std::array<double, 256> area{};
+        for (const u16 grey : picture.values)
+            area[grey / 257] += 256.0 / double(picture.values.size());
+        double before = 0;
+        for (std::size_t grey = 0; grey < 256; ++grey) {
+            EXPECT_NEAR(area[grey], 1, 0.3) << "grey " << grey;
+            before += area[grey];
+            EXPECT_NEAR(before, double(grey + 1), 0.35) << "up to grey " << grey;
+        }
+    }
+}
+
+TEST(PackWipes, AreFoundByTheirNamesAndKeepTheirSpeedAtOtherSizes)
+{
+    constexpr unsigned kWidth = 960;
+    constexpr unsigned kHeight = 540;
+    const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, nullptr);
+    const host::Image from(kWidth, kHeight), to(kWidth, kHeight);
+    std::ranges::fill(from.bytes(), u8(0));
+    std::ranges::fill(to.bytes(), u8(255));
+    host::Filter filter(findEffect("picture-wipe")->guid, int(kWidth), int(kHeight));
+    filter.setInput(from, 0);
+    filter.setInput(to, 1);
+    filter.set(kEffectTotalTime, 100.0f);
+    filter.set("Softness", 0.02f);
+    for (const auto& [name, picture] : wipePictures()) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(filter.set("WipePicture", std::wstring(name.begin(), name.end())));
+        for (const int percent : {10, 25, 50, 75, 90}) {
+            filter.set(kEffectCurrentTime, float(percent));
+            const auto bytes = host::bytesOf(filter.run());
+            const double sum = std::accumulate(bytes.begin(), bytes.end(), 0.0);
+            EXPECT_NEAR(sum / (255.0 * double(bytes.size())), percent / 100.0, 0.03) << percent << " percent";
         }
     }
 }

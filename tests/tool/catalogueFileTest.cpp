@@ -167,6 +167,8 @@ TEST_F(Catalogue, IsReadBackAsTheEngineKnowsIt)
             EXPECT_STREQ(a.help, b.help);
             EXPECT_STREQ(a.unit, b.unit);
             EXPECT_STREQ(a.choices, b.choices);
+            EXPECT_STREQ(a.packFolder, b.packFolder);
+            EXPECT_STREQ(a.packExample, b.packExample);
             EXPECT_EQ(std::tie(a.type, a.elements, a.declared), std::tie(b.type, b.elements, b.declared));
             EXPECT_EQ(a.hostDefault, b.hostDefault);
             EXPECT_EQ(std::pair(float(a.low), float(a.high)), std::pair(float(b.low), float(b.high)));

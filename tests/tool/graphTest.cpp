@@ -384,6 +384,18 @@ TEST_F(Graphs, AreSavedAndReadBackAsTheyWere)
         EXPECT_EQ(show(again, {.seconds = seconds}), show(graph, {.seconds = seconds}));
 }
 
+TEST(GraphFiles, BareNamesOfThePacksPicturesStayNames)
+{
+    const auto stored = [](const std::string& name) {
+        return host::graphText(parsed(
+            R"({"effect": "picture-wipe", "inputs": ["source", "source-2"], "parameters": {"WipePicture": ")"
+            + name + R"("}})"));
+    };
+    EXPECT_THAT(stored("clock"), HasSubstr("\"WipePicture\" : \"clock\""));
+    EXPECT_THAT(stored("own/clock.png"), HasSubstr("\"/looks/own/clock.png\""));
+    EXPECT_THAT(stored("./clock"), HasSubstr("\"/looks/clock\""));
+}
+
 TEST_F(Graphs, FailClearlyWhenTheyCannotRun)
 {
     const auto faultOf = [&](auto make) {

@@ -134,11 +134,27 @@ rm -rf large.bmp larges whole.bmp
 
 # Transitions: one frame, a strip, and what is no transition.
 expect 0 '' "$tool" list --kind transition
-[ "$(wc -l <out.txt)" -eq 80 ] || fail "63 transitions on the CPU and 17 on the GPU"
+[ "$(wc -l <out.txt)" -eq 81 ] || fail "64 transitions on the CPU and 17 on the GPU"
 expect 0 '' "$tool" transition push in.bmp grey.bmp frame.bmp --at 1
 cmp -s frame.bmp grey.bmp || fail "a transition ends with the second picture"
 expect 0 '' "$tool" transition row-whisk in.bmp grey.bmp strip --frames 3
 [ "$(ls strip)" = "$(printf 'frame-%04d.png\n' 0 1 2)" ] || fail "three frames: $(ls strip)"
+cat >wipe.json <<'GRAPH'
+{"effectengine": 1, "nodes": [{"effect": "picture-wipe", "inputs": ["source", "source-2"],
+  "start": 0, "duration": 2, "parameters": {"WipePicture": "clock", "Softness": 0}}]}
+GRAPH
+for name in clock clock.png; do
+    expect 0 '' "$tool" transition picture-wipe in.bmp grey.bmp wiped.bmp -p WipePicture=$name -p Softness=0 --at 0.5
+    mv wiped.bmp "wiped-$name.bmp"
+done
+expect 0 '' "$tool" transition picture-wipe in.bmp grey.bmp plain.bmp -p Softness=0 --at 0.5
+expect 0 '' "$tool" apply --graph wipe.json in.bmp --with grey.bmp graph.bmp --time 1
+cmp -s graph.bmp wiped-clock.bmp || fail "a wipe picture of the pack in a graph file"
+cmp -s wiped-clock.bmp wiped-clock.png.bmp || fail "a wipe picture of the pack, without its extension"
+! cmp -s wiped-clock.bmp plain.bmp || fail "the wipe picture is not used"
+expect 3 "none in the pack's wipes" "$tool" transition picture-wipe in.bmp grey.bmp wiped.bmp -p WipePicture=clok
+expect 3 'no such file' "$tool" transition picture-wipe in.bmp grey.bmp wiped.bmp -p WipePicture=./clock
+expect 6 'refuses the value' "$tool" transition picture-wipe in.bmp grey.bmp wiped.bmp -p WipePicture=wipe.json
 expect 2 'no parameter "Speed"' "$tool" transition push in.bmp grey.bmp frame.bmp -p Speed=1
 expect 2 'is no transition' "$tool" transition equalize in.bmp grey.bmp frame.bmp
 expect 2 'needs 2 pictures' "$tool" apply push in.bmp frame.bmp
