@@ -17,6 +17,7 @@ namespace {
 template <class... Cases> struct Overloaded : Cases... {
     using Cases::operator()...;
 };
+template <class... Cases> Overloaded(Cases...) -> Overloaded<Cases...>;
 
 // Every value that stands in a movement.
 std::vector<const ParameterValue*> valuesOf(const Movement& movement)

@@ -108,7 +108,9 @@ Keyframe readKeyframe(
     if (!json.isMember(unitName) || !json.isMember("value"))
         fail(std::string("a keyframe needs \"") + unitName + "\" and \"value\"");
     Keyframe keyframe{numberOf(json[unitName], unitName), readValue(info, json["value"], file), {}};
-    if (const Json::Value& easing = json["interpolation"]; !easing.isNull() && easing != "")
+    const Json::Value& easing = json["interpolation"];
+    const bool unnamed = easing.isNull() || (easing.isString() && easing.asString().empty());
+    if (!unnamed)
         keyframe.interpolation = readEasing(easing, file);
     else if (info.type == ParamType::filePath)
         keyframe.interpolation = Easing::hold();
@@ -292,7 +294,7 @@ ParameterTrack readTrack(const ParamInfo& info, const Json::Value& json, const G
     return within("parameter " + std::string(info.name), [&]() -> ParameterTrack {
         if (json.isMember("components"))
             return {info, readComponents(info, json, file)};
-        return std::visit([&](auto&& movement) { return ParameterTrack(info, std::move(movement)); },
+        return std::visit([&](auto movement) { return ParameterTrack(info, std::move(movement)); },
             readMovement(info, json, file));
     });
 }
