@@ -69,14 +69,14 @@ private:
     unsigned width_;
     unsigned height_;
     std::vector<ParameterValue> stored_; ///< of node_.parameters, as the effect was given them
-    Filter filter_;
-    bool drew_ = false; ///< since the effect was made
+    bool drew_ = false;                  ///< since the effect was made
     CEffectImage* output_ = nullptr;
     std::vector<Image> inputCopies_; ///< for effects that write to their inputs
     std::optional<Image> drawn_;     ///< what the effect draws into, if it takes any image
     std::optional<Image> mixed_;
     std::optional<MaskPlane> mask_;
     std::optional<MixShares> shares_;
+    Filter filter_; ///< ends before the images that it reads and writes
 };
 
 } // namespace host

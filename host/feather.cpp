@@ -16,8 +16,8 @@ namespace {
 constexpr int kStrip = 64; // columns that are summed side by side: two cache lines of a row
 constexpr u32 kWide = 257; // spreads 0..255 over 16 bits
 
-/// The mean of `count` values of 16 bits from their sum, rounded; of equal values exactly theirs. A sum has
-/// at most 30 bits, so the inverse, rounded up, adds less than a quarter.
+/// The mean of 2 radius + 1 values of 16 bits from their sum, rounded; of equal values exactly theirs. A sum
+/// has at most 30 bits, so the inverse, rounded up, adds less than a quarter. The radius is above 0.
 class Mean {
 public:
     explicit Mean(int radius) : half_(u32(radius)), inverse_(0xFFFFFFFFu / u32(2 * radius + 1) + 1) { }
@@ -30,6 +30,10 @@ private:
 
 void boxRow(const u16* from, u16* to, u32* sums, int width, int radius)
 {
+    if (radius == 0) {
+        std::copy_n(from, width, to);
+        return;
+    }
     const int last = width - 1;
     u32 sum = u32(from[0]) * u32(radius + 1) + u32(from[last]) * u32(std::max(0, radius - last));
     for (int i = 1; i <= std::min(radius, last); ++i)
@@ -47,6 +51,10 @@ void boxRow(const u16* from, u16* to, u32* sums, int width, int radius)
 // Rows of `from` and `to` hold kStrip values, of which all are blurred.
 void boxStrip(const u16* from, u16* to, int height, int radius)
 {
+    if (radius == 0) {
+        std::copy_n(from, std::ptrdiff_t(height) * kStrip, to);
+        return;
+    }
     const int last = height - 1;
     const auto row = [&](int y) { return from + std::ptrdiff_t(y) * kStrip; };
     alignas(64) std::array<u32, kStrip> sums;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 
 namespace host {
 
@@ -20,12 +21,46 @@ constexpr int kUpFromHalf = kOne / 2 + 128;
 /// What the effect adds to a byte. No product leaves 32 bits: |difference| x steps is below 2^30.
 inline int added(int difference, int steps) { return (difference * steps + kUpFromHalf) >> kBits; }
 
-inline u8 mixed(u8 from, u8 effect, int steps) { return u8(from + added(effect - from, steps)); }
-
-inline pixels::Bgra mixed(pixels::Bgra from, pixels::Bgra effect, int steps)
+/// The mix of two pixels as words: in 32 bits throughout, which vectors do without repacking.
+inline u32 mixed(u32 from, u32 effect, int steps)
 {
-    return {mixed(from.b, effect.b, steps), mixed(from.g, effect.g, steps), mixed(from.r, effect.r, steps),
-        mixed(from.a, effect.a, steps)};
+    u32 word = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const int a = int(from >> shift & 255);
+        const int b = int(effect >> shift & 255);
+        word |= u32(a + added(b - a, steps)) << shift;
+    }
+    return word;
+}
+
+inline u32 wordAt(const pixels::Bgra* pixel)
+{
+    u32 word;
+    std::memcpy(&word, pixel, sizeof word);
+    return word;
+}
+
+/// Mixes a row with stepsAt(x) steps of the effect at column x.
+template <class Steps>
+void mixRow(const pixels::Bgra* from, const pixels::Bgra* effect, pixels::Bgra* to, int width, Steps stepsAt)
+{
+#pragma GCC ivdep
+    for (int x = 0; x < width; ++x) {
+        const u32 word = mixed(wordAt(from + x), wordAt(effect + x), stepsAt(x));
+        std::memcpy(to + x, &word, sizeof word);
+    }
+}
+
+/// Mixes pictures; stepsOf(y) makes what mixRow() takes.
+template <class StepsOfRow>
+void mixRows(pixels::ConstView from, pixels::ConstView effect, pixels::View to, StepsOfRow stepsOf)
+{
+    pixels::rows::anyOrderRuns(to.extent(), [&](int top, int end) {
+        pixels::widest([=] {
+            for (int y = top; y < end; ++y)
+                mixRow(from.row(y).data(), effect.row(y).data(), to.row(y).data(), to.width(), stepsOf(y));
+        });
+    });
 }
 
 /// What the effect adds to a byte by the exact product. The product of the three has at most 40 bits, the
@@ -79,28 +114,14 @@ MixShares::MixShares(float mix) : mix_(mix)
 
 void mixPictures(pixels::ConstView from, pixels::ConstView effect, float mix, pixels::View to)
 {
-    pixels::rows::map2(from, effect, to,
-        [steps = stepsFor(mix, 255)](pixels::Bgra a, pixels::Bgra b) { return mixed(a, b, steps); });
+    mixRows(from, effect, to, [steps = stepsFor(mix, 255)](int) { return [=](int) { return steps; }; });
 }
 
 void mixPictures(pixels::ConstView from, pixels::ConstView effect, const MixShares& shares,
     const MaskPlane& mask, pixels::View to)
 {
-    const int* const table = shares.steps().data();
-    pixels::rows::anyOrderRuns(to.extent(), [&](int top, int end) {
-        pixels::widest([&, top, end] {
-            const int* const steps = table; // its own: the loop's stores cannot change it
-            for (int y = top; y < end; ++y) {
-                const pixels::Bgra* const a = from.row(y).data();
-                const pixels::Bgra* const b = effect.row(y).data();
-                const u8* const shown = mask.row(y);
-                pixels::Bgra* const out = to.row(y).data();
-                const int width = to.width();
-#pragma GCC ivdep
-                for (int x = 0; x < width; ++x)
-                    pixels::store(out + x, mixed(pixels::load(a + x), pixels::load(b + x), steps[shown[x]]));
-            }
-        });
+    mixRows(from, effect, to, [steps = shares.steps().data(), &mask](int y) {
+        return [steps, shown = mask.row(y)](int x) { return steps[shown[x]]; };
     });
 }
 
