@@ -16,6 +16,26 @@ void addAlphaOption(CLI::App& command, AlphaChoice& alpha)
         ->type_name("");
 }
 
+void addCompanionOptions(CLI::App& command, CompanionOptions& options)
+{
+    static const std::map<std::string, ClipEnd> kEnds{
+        {"hold", ClipEnd::hold}, {"loop", ClipEnd::loop}, {"black", ClipEnd::black}};
+    command
+        .add_option(
+            "--with", options.files, "second clip, or picture, of a graph that takes two; repeat for more")
+        ->allow_extra_args(false)
+        ->type_name("CLIP");
+    command
+        .add_option("--with-end", options.end,
+            "what a shorter --with clip shows after its end: its last frame (hold, the default), itself "
+            "again "
+            "(loop), or black")
+        ->transform(CLI::CheckedTransformer(kEnds).description("hold|loop|black"))
+        ->type_name("");
+    command.add_flag("--stretch", options.stretch,
+        "--with clips fill the picture; else they keep their shape, with black beside");
+}
+
 } // namespace
 
 void addEncodingOptions(CLI::App& command, EncodingOptions& options)
@@ -61,6 +81,7 @@ void addVideoCommand(CLI::App& tool, const SessionOptions& session)
             "--timing", options->timing, "clip that numbered pictures were made from: its times and sound")
         ->type_name("CLIP")
         ->excludes(rate);
+    addCompanionOptions(*command, options->companions);
     addEncodingOptions(*command, options->encoding);
     command->callback([options, graph, &session] { runVideo(*options, graph, session); });
 }
@@ -86,6 +107,7 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     command
         ->add_option("--rate", options->pictureRate, "frames per second of numbered pictures (default: 25)")
         ->type_name("RATE");
+    addCompanionOptions(*command, options->companions);
     addAlphaOption(*command, options->alpha);
     addProgressOption(*command, options->progress);
     command->callback([options, &session] { runRender(*options, session); });

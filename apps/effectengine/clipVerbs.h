@@ -29,6 +29,16 @@ struct EncodingOptions {
     ProgressKind progress = ProgressKind::automatic;
 };
 
+/// What a clip beside the first one shows once its last frame has had its time.
+enum class ClipEnd { hold, loop, black };
+
+/// Clips that run beside the first one and feed the further sources of a graph.
+struct CompanionOptions {
+    std::vector<std::filesystem::path> files;
+    ClipEnd end = ClipEnd::hold;
+    bool stretch = false; ///< they fill the picture, whatever their own shape
+};
+
 struct VideoOptions {
     std::filesystem::path in;
     std::filesystem::path out;
@@ -36,6 +46,7 @@ struct VideoOptions {
     std::string size;
     std::string pictureRate;
     std::filesystem::path timing; ///< clip whose times and sound numbered pictures take
+    CompanionOptions companions;
     EncodingOptions encoding;
 };
 
@@ -61,6 +72,7 @@ struct RenderOptions {
     std::string chunk;
     std::string size;
     std::string pictureRate;
+    CompanionOptions companions;
     bool resume = false;
     AlphaChoice alpha = AlphaChoice::automatic;
     ProgressKind progress = ProgressKind::automatic;

@@ -25,7 +25,7 @@ FrameTime timeOf(const FramePlace& place, const ClipInfo& clip);
 struct ClipFrame {
     Frame frame = makeFrame();                ///< as the clip stores it
     std::vector<host::Image> pictures;        ///< one for each clip
-    std::array<bool, 2> present{true, false}; ///< which of the clips have a picture at this time
+    std::array<bool, 2> present{true, false}; ///< which clips that the output shows have a picture now
     FramePlace place;
     bool shown = true; ///< false for frames that only an effect's history needs
 };

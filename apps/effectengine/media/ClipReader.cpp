@@ -133,6 +133,15 @@ void ClipReader::skipTo(long long frame)
     beginBefore(frame, keysBack_);
 }
 
+void ClipReader::startAgain()
+{
+    begin();
+    index_ = -1;
+    firstTime_ = AV_NOPTS_VALUE;
+    lastTime_ = AV_NOPTS_VALUE;
+    keysBack_ = 0;
+}
+
 // Seeks to a key that is shown no later than a frame: the last one, or for `keysBack` above 1 that many keys
 // back. False when there is none.
 bool ClipReader::beginBefore(long long frame, std::size_t keysBack)

@@ -63,6 +63,9 @@ public:
     /// called before the first next().
     void skipTo(long long frame);
 
+    /// Goes back to the state before the first next().
+    void startAgain();
+
     /// The next frame as it is stored; its pts is set, and ascends. Where frames are numbered by the table,
     /// one that cannot be decoded is the one before it again. False at the end. Throws ToolError when the
     /// file breaks off before its first frame.

@@ -2,6 +2,7 @@
 #include "effectengine/media/PictureConversion.h"
 
 #include "effectengine/media/yuvPixels.h"
+#include "pixels/rows.h"
 #include "pixels/sample.h"
 
 namespace tool::media {
@@ -127,6 +128,11 @@ void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)
     allocate(copied_, AV_PIX_FMT_BGRA, picture.extent());
     copy(viewOf(*copied_));
     scaler_.scale(*copied_, {.range = AVCOL_RANGE_JPEG}, frame, colour);
+}
+
+void blacken(pixels::View picture)
+{
+    pixels::rows::map(picture, picture, [](pixels::Bgra) -> pixels::Bgra { return {0, 0, 0, 255}; });
 }
 
 } // namespace tool::media

@@ -67,4 +67,7 @@ private:
     Frame copied_;
 };
 
+/// Makes every pixel opaque black.
+void blacken(pixels::View picture);
+
 } // namespace tool::media

@@ -7,7 +7,6 @@
 #include "effectengine/media/threeStages.h"
 #include "effectengine/media/transparency.h"
 #include "hosting/imageView.h"
-#include "pixels/rows.h"
 
 namespace tool::media {
 
@@ -26,13 +25,9 @@ std::vector<ClipFrame> framesFor(const ClipPipeline& pipeline)
 {
     std::vector<ClipFrame> frames(kFramesUnderWay);
     for (ClipFrame& frame : frames) {
-        for (std::size_t clip = 0; clip < pipeline.clips.size(); ++clip) {
-            const host::Image& picture =
-                frame.pictures.emplace_back(unsigned(pipeline.size.width), unsigned(pipeline.size.height));
-            pixels::rows::map(viewOf(picture), viewOf(picture), [](pixels::Bgra) -> pixels::Bgra {
-                return {0, 0, 0, 255};
-            });
-        }
+        while (frame.pictures.size() < pipeline.clips.size() + pipeline.companions.size())
+            blacken(viewOf(
+                frame.pictures.emplace_back(unsigned(pipeline.size.width), unsigned(pipeline.size.height))));
     }
     return frames;
 }
@@ -76,6 +71,8 @@ void runPipeline(const ClipPipeline& pipeline)
         read, finished, {.produce = pipeline.next, .process = render, .consume = write});
 
     for (const ClipReader* const clip : pipeline.clips)
+        warnOfDamage(*clip);
+    for (const ClipReader* const clip : pipeline.companions)
         warnOfDamage(*clip);
     stopIfAsked();
     pipeline.sink.finish();

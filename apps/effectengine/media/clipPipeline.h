@@ -13,13 +13,15 @@ namespace tool::media {
 
 /// What a verb tells the pipeline. All that it names must outlive the run.
 struct ClipPipeline {
-    std::vector<const ClipReader*> clips; ///< one or two, in the order of a frame's pictures
+    std::vector<const ClipReader*> clips; ///< that the output shows, in the order of a frame's pictures
     ClipSink& sink;
     pixels::Extent size; ///< of the pictures
     AlphaChoice alpha;   ///< as the user chose
     bool keepsAlpha;     ///< false: every pixel of the output is opaque
     ProgressKind progress;
     long long expectedFrames; ///< 0 unknown
+    std::vector<ClipReader*> companions =
+        {}; ///< that only effects see; their pictures follow those of the clips
 
     /// Fills in the next frame that effects must see; false after the last. Pictures begin as opaque black
     /// and are used again, so what it never writes stays black. Called on the reading thread.

@@ -2,6 +2,7 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
+#include "effectengine/media/CompanionClip.h"
 #include "effectengine/media/FrameFeed.h"
 #include "effectengine/media/RenderedPictures.h"
 #include "effectengine/media/clipPipeline.h"
@@ -81,8 +82,30 @@ void checkParts(const RenderOptions& options, const Look& look, const FrameRange
             + ", so the clip cannot be rendered in parts; leave out --chunk and --frames");
 }
 
+Json::Value noteOf(ClipReader& reader)
+{
+    const fs::path& file = reader.info().file;
+    Json::Value note;
+    note["name"] = file.filename().string();
+    note["frames"] = Json::Int64(reader.table().count());
+    std::error_code ignored;
+    if (fs::is_regular_file(file))
+        note["bytes"] = Json::UInt64(fs::file_size(file, ignored));
+    return note;
+}
+
+Json::Value noteOf(CompanionClips& clips, const CompanionOptions& options)
+{
+    Json::Value note;
+    for (ClipReader* const reader : clips.readers())
+        note["clips"].append(noteOf(*reader));
+    note["end"] = options.end == ClipEnd::hold ? "hold" : options.end == ClipEnd::loop ? "loop" : "black";
+    note["stretch"] = options.stretch;
+    return note;
+}
+
 Json::Value settingsOf(const RenderOptions& options, const Look& look, pixels::Extent size,
-    const FrameRange& range, long long count, long long seed, bool alpha)
+    const FrameRange& range, ClipReader& clip, CompanionClips& companions, long long seed, bool alpha)
 {
     Json::Value settings;
     settings["engine"] = EFFECTENGINE_VERSION;
@@ -90,11 +113,9 @@ Json::Value settingsOf(const RenderOptions& options, const Look& look, pixels::E
     const std::string text = look.info().json;
     const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
     reader->parse(text.data(), text.data() + text.size(), &settings["graph"], &errors);
-    settings["clip"]["name"] = options.in.filename().string();
-    settings["clip"]["frames"] = Json::Int64(count);
-    std::error_code ignored;
-    if (fs::is_regular_file(options.in))
-        settings["clip"]["bytes"] = Json::UInt64(fs::file_size(options.in, ignored));
+    settings["clip"] = noteOf(clip);
+    if (!options.companions.files.empty())
+        settings["clip"]["with"] = noteOf(companions, options.companions);
     settings["width"] = size.width;
     settings["height"] = size.height;
     settings["first"] = Json::Int64(range.first);
@@ -147,15 +168,19 @@ void render(
     const FrameRange range = rangeOf(options, count);
     checkParts(options, look, range, count);
     checkNotItself(options.in, pattern);
+    for (const fs::path& file : options.companions.files)
+        checkNotItself(file, pattern);
     const pixels::Extent size = workingSize(clip, options.size);
     warnOfDepth(clip);
+    CompanionClips companions(
+        options.companions, clip, size, pictureRateBeside(clip.frameRate, options.pictureRate));
 
     makeDirectory(directory);
     // By the format alone: looking through the clip would cost every chunk as much as the whole.
     const bool alpha = options.alpha == AlphaChoice::keep
         || (options.alpha == AlphaChoice::automatic && clip.mayBeTransparent());
     Manifest manifest(manifestFile(options, directory, range),
-        settingsOf(options, look, size, range, count, *sessionOptions.seed, alpha));
+        settingsOf(options, look, size, range, reader, companions, *sessionOptions.seed, alpha));
     if (options.resume)
         manifest.load();
     std::set<long long> missing = missingFrames(manifest, directory, range);
@@ -168,8 +193,17 @@ void render(
     FrameFeed feed(reader, size, range, look.info().preRoll);
     feed.showOnly(std::move(missing));
     const auto picture = [&](const ClipFrame& frame) {
-        run.setSource(frame.pictures.front());
+        for (unsigned i = 0; i < frame.pictures.size(); ++i)
+            run.setSource(frame.pictures[i], i);
         return run.run(timeOf(frame.place, clip));
+    };
+    const auto next = [&](ClipFrame& frame) {
+        if (!feed.next(frame))
+            return false;
+        companions.show(frame,
+            timeOf(frame.place, clip).seconds
+                + roundingOf(clip.timeBase, clip.frameRate, reader.firstTime()));
+        return true;
     };
     runPipeline({.clips = {&reader},
         .sink = sink,
@@ -178,7 +212,8 @@ void render(
         .keepsAlpha = alpha,
         .progress = options.progress,
         .expectedFrames = wanted,
-        .next = [&](ClipFrame& frame) { return feed.next(frame); },
+        .companions = companions.readers(),
+        .next = next,
         .picture = picture});
 }
 
@@ -193,10 +228,7 @@ void runRender(const RenderOptions& options, const SessionOptions& session)
     media::DecoderWatch::listen();
     const Look look = Look::fromFile(options.graph);
     warnOf(look, options.graph.string());
-    if (look.info().inputs > 1)
-        throw ToolError(ExitCode::usage,
-            options.graph.string() + " needs " + std::to_string(look.info().inputs)
-                + " clips; render has one");
+    media::checkClipCount(look.info().inputs, options.companions, options.graph.string(), "render");
     interruptibly([&] { media::render(options, look, session); });
 }
 

@@ -1,6 +1,7 @@
 // video: a clip through a graph of effects into another clip.
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
+#include "effectengine/media/CompanionClip.h"
 #include "effectengine/media/FrameFeed.h"
 #include "effectengine/media/clipPipeline.h"
 #include "effectengine/media/clipWarnings.h"
@@ -24,7 +25,8 @@ public:
         : source_(options.timing.empty() ? options.in : options.timing),
           unit_(reader.info().timeBase),
           rate_(reader.info().frameRate),
-          origin_(reader.info().start)
+          origin_(reader.info().start),
+          duration_(reader.info().duration)
     {
         if (!options.timing.empty())
             takeTimes(options);
@@ -37,18 +39,36 @@ public:
     AVRational rate() const { return rate_; }
     Span span() const { return span_; }
 
-    std::int64_t timeOf(const FramePlace& place) const
+    std::int64_t timeOf(const FramePlace& place) const { return clipTimeOf(place) - origin_; }
+
+    /// The time that effects see.
+    FrameTime frameTime(const FramePlace& place) const
+    {
+        return {.seconds = double(clipTimeOf(place) - firstTimeOf(place)) * av_q2d(unit_),
+            .frameRate = av_q2d(rate_),
+            .total = duration_};
+    }
+
+    /// How far frameTime() may be off, in seconds.
+    double rounding(const FramePlace& place) const { return roundingOf(unit_, rate_, firstTimeOf(place)); }
+
+private:
+    std::int64_t clipTimeOf(const FramePlace& place) const
     {
         if (times_.empty())
-            return place.time - origin_;
+            return place.time;
         if (place.number >= (long long)(times_.size()))
             throw ToolError(ExitCode::usage,
                 source_.string() + " has only " + std::to_string(times_.size())
                     + " frames, the pictures more");
-        return times_[std::size_t(place.number)] - origin_;
+        return times_[std::size_t(place.number)];
     }
 
-private:
+    std::int64_t firstTimeOf(const FramePlace& place) const
+    {
+        return times_.empty() ? place.time - place.sinceFirst : times_.front();
+    }
+
     void takeTimes(const VideoOptions& options)
     {
         const ClipReader clip(options.timing);
@@ -56,6 +76,7 @@ private:
         unit_ = clip.info().timeBase;
         rate_ = clip.info().frameRate;
         origin_ = clip.info().start;
+        duration_ = clip.info().duration;
     }
 
     void cut(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
@@ -80,6 +101,7 @@ private:
     AVRational unit_;
     AVRational rate_;
     std::int64_t origin_;
+    double duration_;
     Span span_;
     std::vector<std::int64_t> times_;
 };
@@ -108,18 +130,19 @@ bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent siz
 void convertClip(const VideoOptions& options, const std::optional<Look>& look,
     const SessionOptions& sessionOptions)
 {
-    if (look && look->info().inputs > 1)
-        throw ToolError(ExitCode::usage,
-            "the graph needs " + std::to_string(look->info().inputs)
-                + " clips; video has one (effectengine transition joins two)");
+    checkClipCount(look ? look->info().inputs : 1, options.companions, "the graph", "video");
     const FrameRange range = parseFrames(options.frames);
     const EncoderChoice choice = choiceOf(options.encoding);
     ClipReader reader(options.in, options.pictureRate);
     const ClipInfo& clip = reader.info();
     checkClipOutput(options.out);
     checkNotItself(options.in, options.out);
+    for (const fs::path& file : options.companions.files)
+        checkNotItself(file, options.out);
     const pixels::Extent size = workingSize(clip, options.size);
     const Timing timing(options, reader, range);
+    CompanionClips companions(
+        options.companions, clip, size, pictureRateBeside(timing.rate(), options.pictureRate));
 
     const Session session(sessionOptions);
     std::optional<LookRun> run;
@@ -135,11 +158,17 @@ void convertClip(const VideoOptions& options, const std::optional<Look>& look,
 
     FrameFeed feed(reader, size, range, look ? look->info().preRoll : 0);
     const auto picture = [&](const ClipFrame& frame) -> CEffectImage* {
-        const host::Image& source = frame.pictures.front();
         if (!run)
-            return goesStraight(*frame.frame, clip, size, *sink) ? nullptr : source.handle();
-        run->setSource(source);
-        return run->run(timeOf(frame.place, clip));
+            return goesStraight(*frame.frame, clip, size, *sink) ? nullptr : frame.pictures.front().handle();
+        for (unsigned i = 0; i < frame.pictures.size(); ++i)
+            run->setSource(frame.pictures[i], i);
+        return run->run(timing.frameTime(frame.place));
+    };
+    const auto next = [&](ClipFrame& frame) {
+        if (!feed.next(frame))
+            return false;
+        companions.show(frame, timing.frameTime(frame.place).seconds + timing.rounding(frame.place));
+        return true;
     };
     runPipeline({.clips = {&reader},
         .sink = *sink,
@@ -148,7 +177,8 @@ void convertClip(const VideoOptions& options, const std::optional<Look>& look,
         .keepsAlpha = shape.keepsAlpha,
         .progress = options.encoding.progress,
         .expectedFrames = expectedFrames(clip, range),
-        .next = [&](ClipFrame& frame) { return feed.next(frame); },
+        .companions = companions.readers(),
+        .next = next,
         .picture = picture,
         .outputTime = [&](const FramePlace& place) { return timing.timeOf(place); }});
 }
