@@ -12,6 +12,7 @@ extern "C" {
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
+#include <libavutil/tx.h>
 #include <libswscale/swscale.h>
 }
 

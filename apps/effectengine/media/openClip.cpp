@@ -31,14 +31,33 @@ void checkReadable(const fs::path& file)
         throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
 }
 
-// The decoder for a stream. WebM has transparency as a second picture beside the first, which FFmpeg's own
-// decoders ignore.
+// The name of a decoder that must take the place of the usual one; null for the others. WebM has transparency
+// as a second picture beside the first, which FFmpeg's own decoders ignore. Sound comes from decoders in
+// whole numbers: those in floating point differ in the last bits from one processor to another.
+const char* specialDecoderFor(const AVStream& stream)
+{
+    switch (stream.codecpar->codec_id) {
+    case AV_CODEC_ID_VP8:
+        return hasAlphaBeside(stream) ? "libvpx" : nullptr;
+    case AV_CODEC_ID_VP9:
+        return hasAlphaBeside(stream) ? "libvpx-vp9" : nullptr;
+    case AV_CODEC_ID_AAC:
+        return "aac_fixed";
+    case AV_CODEC_ID_AC3:
+        return "ac3_fixed";
+    case AV_CODEC_ID_MP2:
+        return "mp2";
+    case AV_CODEC_ID_MP3:
+        return "mp3";
+    default:
+        return nullptr;
+    }
+}
+
 const AVCodec* decoderFor(const AVStream& stream)
 {
-    const AVCodec* codec = nullptr;
-    if (hasAlphaBeside(stream))
-        codec = avcodec_find_decoder_by_name(
-            stream.codecpar->codec_id == AV_CODEC_ID_VP9 ? "libvpx-vp9" : "libvpx");
+    const char* const special = specialDecoderFor(stream);
+    const AVCodec* const codec = special ? avcodec_find_decoder_by_name(special) : nullptr;
     return codec ? codec : avcodec_find_decoder(stream.codecpar->codec_id);
 }
 

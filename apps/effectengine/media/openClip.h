@@ -21,7 +21,7 @@ void readOnly(AVFormatContext& input, int stream);
 /// Whether the stream's transparency is coded beside its pictures.
 bool hasAlphaBeside(const AVStream& stream);
 
-/// An opened decoder for the stream. Throws ToolError when this machine has none.
+/// An opened decoder for a stream of pictures or sound. Throws ToolError when this machine has none.
 /// Its pixel format is that of the frames, transparency included.
 /// @param watcher  becomes the context's `opaque`, also on the decoder's threads
 Codec openDecoder(const AVStream& stream, const std::filesystem::path& file, void* watcher);
