@@ -2,6 +2,7 @@
 // writes all of any image, except those whose facts say otherwise; and graphs make up for these.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
+#include "host/effectList.h"
 #include "hosting/exampleValues.h"
 #include "support/GraphFixture.h"
 #include "support/GuardedFrame.h"
@@ -37,7 +38,7 @@ std::vector<Setting> settingsOf(const EffectInfo& effect)
 {
     constexpr double kMost = 2e9; // for whole numbers
     std::vector<Setting> settings(1);
-    for (const ParamInfo* const param : describeParameters(effect.guid)) {
+    for (const ParamInfo* const param : host::describeParameters(effect.guid)) {
         if (param->type != ParamType::filePath && param->low < param->high) {
             for (const double value : {param->low, param->high, param->low - 1, param->high * 3 + 1})
                 settings.push_back({param, std::clamp(value, -kMost, kMost)});
@@ -54,7 +55,11 @@ host::GraphDescription graphWith(const EffectInfo& effect, const Setting& settin
         node.parameters.emplace_back(
             *setting.param, std::vector<double>(setting.param->elements, setting.value));
     }
-    host::addExamples(node, unsigned(size.width), unsigned(size.height));
+    for (const KEXSDK::ParamInfo* const info : host::describeParameters(effect.guid)) {
+        if (!info->declared && !node.sets(*info))
+            node.parameters.emplace_back(
+                *info, host::exampleValue(*info, unsigned(size.width), unsigned(size.height)));
+    }
     graph.finish();
     return graph;
 }

@@ -67,6 +67,8 @@ GOOD = [
     mouse('{"components": [{"audio": {"band": "all", "to": [0, 9]}}, 3]}'),
     audio('"band": "bass", "to": [0, 1]'), audio('"band": [20, 90.5], "to": [1, 0], "smooth": 0.25'),
     mouse('{"audio": {"band": "mid", "to": [[0, 1], [2, 3]]}}'),
+    graph('"mix": 0.5'), graph(f'"mix": {{{TWO}, "repeat": "loop"}}'), graph('"mask": {"node": "source"}'),
+    graph('"mix": 1, "mask": {"node": "source", "invert": true, "feather": 2.5}'),
 ]
 FAULTS = [
     "[]", "{}", '{"effectengine": 1}', '{"effectengine": 1, "nodes": []}', '{"effectengine": 1, "nodes": [{}]}',

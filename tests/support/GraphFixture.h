@@ -19,7 +19,7 @@ using Bytes = std::vector<u8>;
 /// A finished graph of these nodes, with paths that count from the directory.
 inline host::GraphDescription parsed(const std::string& nodes, const std::string& directory = "/looks")
 {
-    return host::parseGraph(R"({"effectengine": 1, "nodes": [)" + nodes + "]}", "look.json", directory);
+    return host::parseGraph(R"({"effectengine": 2, "nodes": [)" + nodes + "]}", "look.json", directory);
 }
 
 inline host::FrameTime frameAt(int frame) { return {.seconds = frame / 25.0, .total = 2}; }

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Further clips beside the first one: which of their frames are shown, in parts as in the whole.
+# Further clips beside the first one, and parameters that follow its sound: what is shown, in parts as in the whole.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 same() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
@@ -147,6 +147,34 @@ expect 2 'begun with another clip' "$tool" render history.json long.mp4 loop-who
 make -i long.mp4 -c copy -bsf:v "noise=amount=if(eq(n\,10)\,1\,0)" damaged.mp4
 expect 0 'damaged.mp4: damaged at frame' "$tool" render history.json long.mp4 noted --with damaged.mp4
 grep -q '"damaged" : true' noted/manifest.json || fail "no note of the damage"
+
+# Parameters that follow the sound: around a burst of bass they move, elsewhere they rest; parts hear the whole.
+cat >beat.json <<'END'
+{"effectengine": 2, "nodes": [{"effect": "hue-shift", "parameters": {"Hue": {"audio": {"band": "bass", "to": [50, 90]}}}}]}
+END
+cat >rest.json <<'END'
+{"effectengine": 1, "nodes": [{"effect": "hue-shift", "parameters": {"Hue": 50}}]}
+END
+make -i long.mp4 -f lavfi -i "aevalsrc='0.5*sin(2*PI*60*t)*exp(-pow((t-0.6)/0.03,2))+0.5*sin(2*PI*2000*t)*between(t,0,0.3):s=48000:d=1.2'" \
+    -c:v copy -c:a pcm_s16le beat.mkv
+expect 0 '' "$tool" render beat.json beat.mkv beat-whole
+expect 0 '' "$tool" render rest.json beat.mkv rest-whole
+moved=$(paste <(hashes beat-whole/manifest.json) <(hashes rest-whole/manifest.json) | awk '$1 != $2 { printf "%s%d", n++ ? " " : "", NR - 1 }')
+case " $moved " in
+*" 14 15 16 "*) ;;
+*) fail "the burst at frame 15 moves frames $moved" ;;
+esac
+for quiet in 0 4 8 22 26 29; do [[ " $moved " != *" $quiet "* ]] || fail "frame $quiet moves without bass"; done
+for part in 1 2 3; do expect 0 '' "$tool" render beat.json beat.mkv beat-parts --chunk $part/3; done
+same "$(hashes beat-parts/manifest-{1,2,3}-of-3.json)" "$(hashes beat-whole/manifest.json)" "chunks that follow the sound"
+rm -rf out own && mkdir out own
+expect 0 '' "$tool" video beat.mkv out/%03d.png --graph beat.json
+same "$(pictures out)" "$(pixels -pattern_type glob -i 'beat-whole/*.png')" "video and render hear the same"
+expect 0 '' "$tool" video beat-whole/%06d.png out/%03d.png --graph beat.json --timing beat.mkv
+expect 0 '' "$tool" video beat-whole/%06d.png own/%03d.png --graph rest.json --timing beat.mkv
+[ "$(pictures out)" != "$(pictures own)" ] || fail "the sound of --timing is not heard"
+expect 0 'long.mp4: no sound to follow' "$tool" render beat.json long.mp4 silent
+same "$(hashes silent/manifest.json)" "$(hashes rest-whole/manifest.json)" "level 0 without sound"
 
 # Other numbers of clips than the graph's, and clips that cannot be used.
 expect 2 'the graph needs 2 clips; video has 1 (--with names a second one)' "$tool" video r25.mp4 no.mp4 --graph second.json

@@ -7,6 +7,7 @@
 #include "effectengine/media/RenderedPictures.h"
 #include "effectengine/media/clipPipeline.h"
 #include "effectengine/media/clipWarnings.h"
+#include "effectengine/media/followSound.h"
 #include "effectengine/media/workingSize.h"
 
 #include <json/reader.h>
@@ -188,6 +189,7 @@ void render(
 
     const Session session(sessionOptions);
     LookRun run(look, unsigned(size.width), unsigned(size.height));
+    followSound(run, look, options.in);
     const auto wanted = (long long)(missing.size());
     RenderedPictures sink(pattern, clip, size, manifest, wanted);
     FrameFeed feed(reader, size, range, look.info().preRoll);

@@ -6,6 +6,7 @@
 #include "effectengine/media/clipPipeline.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/encoders.h"
+#include "effectengine/media/followSound.h"
 #include "effectengine/media/transparency.h"
 #include "effectengine/media/workingSize.h"
 #include "effectengine/media/yuvPixels.h"
@@ -146,8 +147,10 @@ void convertClip(const VideoOptions& options, const std::optional<Look>& look,
 
     const Session session(sessionOptions);
     std::optional<LookRun> run;
-    if (look)
+    if (look) {
         run.emplace(*look, unsigned(size.width), unsigned(size.height));
+        followSound(*run, *look, timing.source());
+    }
 
     FrameShape shape = shapeOf(clip, size.width, size.height);
     shape.timeBase = timing.unit();
