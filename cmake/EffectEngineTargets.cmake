@@ -49,3 +49,10 @@ function(effectengine_layer name)
         target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Werror=frame-larger-than=16384>)
     endif()
 endfunction()
+
+# effectengine_describe_interface(source...)
+# Gives the units that define a library's exported functions debug information in every build, which changes no code:
+# scripts/abi reads the interface from it.
+function(effectengine_describe_interface)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -g)
+endfunction()
