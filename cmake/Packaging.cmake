@@ -5,13 +5,16 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT "EffectEngine maintainers <maintainers@effectengine.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development tools resources documents)
+set(CPACK_COMPONENTS_ALL runtime host development tools resources documents)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/triggers) # the loader's cache is rebuilt
+set(CPACK_DEBIAN_HOST_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/triggers)
+# Programs and the host library need libraries of this build; DEPENDS below names their packages.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debianFiles.cmake)
 set(CPACK_RESOURCE_FILE_CHANGELOG ${PROJECT_SOURCE_DIR}/CHANGELOG.md) # for debianFiles.cmake
 set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
@@ -40,12 +43,18 @@ effectengine_package(runtime libeffectengine${PROJECT_VERSION_MAJOR} libs ANY
     DESCRIPTION "Image and video effect engine, shared library
 Effects are nodes found by GUID, wired into graphs, set by named parameters and
 run once per frame. Results are exact to the byte.")
-effectengine_package(development libeffectengine-dev libdevel ANY
+# A library of its own name and version has a package of its own: a host of the engine alone needs no other.
+effectengine_package(host libeffectenginehost${PROJECT_VERSION_MAJOR} libs ANY
     DEPENDS "libeffectengine${PROJECT_VERSION_MAJOR} ${same_version}"
+    DESCRIPTION "Image and video effect engine, shared library for hosts
+Looks: effects, chains and graphs with their parameters over time, run on the
+pictures of a program.")
+effectengine_package(development libeffectengine-dev libdevel ANY
+    DEPENDS "libeffectengine${PROJECT_VERSION_MAJOR} ${same_version}, libeffectenginehost${PROJECT_VERSION_MAJOR} ${same_version}"
     DESCRIPTION "Image and video effect engine, development files
-The header for C and C++, the CMake package and the pkg-config file.")
+The headers for C and C++, the CMake package and the pkg-config files.")
 effectengine_package(tools effectengine graphics ANY
-    DEPENDS "effectengine-data ${same_version}, libegl1"
+    DEPENDS "libeffectenginehost${PROJECT_VERSION_MAJOR} ${same_version}, libeffectengine${PROJECT_VERSION_MAJOR} ${same_version}"
     DESCRIPTION "Image and video effects on the command line
 Puts effects, chains and graphs on pictures, folders and clips, and makes
 contact sheets and galleries.")

@@ -1,16 +1,8 @@
 /* A C host against the shared library: the header compiles alone as C11, and a frame comes out right. */
+#include "check.h"
 #include <EffectEngine/EffectEngine.h>
 
-#include <stdio.h>
 #include <string.h>
-
-#define CHECK(condition)                                                                                     \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                                  \
-            return 1;                                                                                        \
-        }                                                                                                    \
-    } while (0)
 
 int main(int argc, char** argv)
 {

@@ -1,20 +1,12 @@
 // A C++ host against the shared library: the decorated functions link, a picture saves and loads upright, and
 // the library can be unloaded and used again.
+#include "check.h"
 #include <EffectEngine/EffectEngine.h>
 
 #include <dlfcn.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
-
-#define CHECK(condition)                                                                                     \
-    do {                                                                                                     \
-        if (!(condition)) {                                                                                  \
-            std::fprintf(stderr, "%s:%d: %s\n", __FILE__, __LINE__, #condition);                             \
-            return 1;                                                                                        \
-        }                                                                                                    \
-    } while (0)
 
 namespace {
 

@@ -10,11 +10,13 @@ prefix=$work/prefix
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 cmake -S "$source/consumer" -B "$work/consumer" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
-    -DHOST_SOURCES="$source/hostInC.c;$examples/picture.c;$examples/frames.cpp" >/dev/null
+    -DHOST_SOURCES="$source/hostInC.c;$examples/picture.c;$examples/frames.cpp" \
+    -DLOOK_SOURCES="$source/lookInC.c;$examples/look.c" >/dev/null
 cmake --build "$work/consumer" >/dev/null
 "$work/consumer/hostInC" "$prefix/share/effectengine/" "$work"
+"$work/consumer/lookInC" "$prefix/share/effectengine" "$work"
 "$source/../documents/examplesTest.sh" "$prefix/bin/effectengine" "$prefix/share/effectengine/" \
-    "$work/consumer/picture" "$work/consumer/frames"
+    "$work/consumer/picture" "$work/consumer/frames" "$work/consumer/look"
 
 export PKG_CONFIG_PATH
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name effectengine.pc)")
@@ -22,7 +24,14 @@ PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name effectengine.pc)")
 # The prefix in the file is the configured one; pkg-config moves it with the file.
 read -ra flags < <(pkg-config --define-prefix --cflags --libs effectengine)
 cc -std=c11 -pedantic -Wall -Werror "$source/hostInC.c" "${flags[@]}" -o "$work/plain"
-LD_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libEffectEngine.so)") "$work/plain" "$prefix/share/effectengine/" "$work"
+libraries=$(dirname "$(find "$prefix" -name libEffectEngine.so)")
+LD_LIBRARY_PATH=$libraries "$work/plain" "$prefix/share/effectengine/" "$work"
+# The host library is linked alone, and finds the engine, the catalogue and the pack by itself.
+read -ra flags < <(pkg-config --define-prefix --cflags --libs effectengine-host)
+cc -std=c11 -pedantic -Wall -Werror "$examples/look.c" "${flags[@]}" -o "$work/look"
+dd if=/dev/zero bs=$((64 * 36 * 3)) count=1 2>/dev/null | tr '\0' '\170' >"$work/grey.rgb"
+LD_LIBRARY_PATH=$libraries "$work/look" sight 64 36 25 1 <"$work/grey.rgb" >"$work/sight.rgb"
+cmp -s "$work/grey.rgb" "$work/sight.rgb" && { echo "the overlay of the installed pack does not show" >&2; exit 1; }
 
 "$prefix/bin/effectengine" list >/dev/null
 

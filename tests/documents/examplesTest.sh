@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # The examples do what the tool does, to the byte, and end cleanly on bad input:
-# examplesTest.sh TOOL RESOURCES PICTURE_EXAMPLE FRAMES_EXAMPLE
+# examplesTest.sh TOOL RESOURCES PICTURE_EXAMPLE FRAMES_EXAMPLE LOOK_EXAMPLE
 resources=$2
 picture=$3
 frames=$4
+look=$5
+export EFFECTENGINE_RESOURCES=$resources
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 
 # 32-bit BMP files hold the same bytes as frames: bottom row first, blue to alpha, after 122 bytes.
@@ -27,5 +29,25 @@ cmp <(tail -c $((64 * 48 * 4)) out.raw) <(tail -c +123 expected.bmp) || fail "th
 "$frames" "$resources" 0 48 2 <frame.raw >out.raw 2>err.txt && fail "no size is no success"
 grep -q 'CreateImage failed with 1' err.txt || fail "said: $(cat err.txt)"
 "$frames" "$resources" 64 48 2 <frame.raw >/dev/full 2>err.txt && fail "a full disk is no success"
+
+# The pixels of such a file as rows of red, green and blue from the top.
+rgb() {
+    tail -c +123 "$1" | perl -0777 -ne \
+        'print map { my ($b, $g, $r) = unpack "aaa", $_; $r . $g . $b } unpack "(a4)*", $_ for reverse unpack "(a256)*", $_'
+}
+rgb in.bmp >frame.rgb
+cat >look.json <<'END'
+{"effectengine": 1, "nodes": [{"effect": "glow", "parameters": {"Blur": 10}},
+    {"effect": "hue-shift", "parameters": {"Hue": {"keyframes": [{"time": 0, "value": 0}, {"time": 2, "value": 100}]}}}]}
+END
+cat frame.rgb frame.rgb frame.rgb | "$look" look.json 64 48 2 5 >look.rgb || fail "the look example"
+"$tool" apply --graph look.json in.bmp --time 1 expected.bmp
+cmp <(tail -c $((64 * 48 * 3)) look.rgb) <(rgb expected.bmp) || fail "the look example and the tool differ"
+[ "$(stat -c %s look.rgb)" -eq $((3 * 64 * 48 * 3)) ] || fail "three frames in, not three frames out"
+"$look" hue-shfit 64 48 2 5 <frame.rgb 2>err.txt && fail "an unknown effect is no success"
+grep -q 'did you mean "hue-shift"' err.txt || fail "said: $(cat err.txt)"
+"$look" hue-shift 0 48 2 5 <frame.rgb 2>err.txt && fail "no size is no success"
+"$look" hue-shift 64 48 0 5 <frame.rgb 2>err.txt && fail "no rate is no success"
+"$look" hue-shift 64 48 2 5 <frame.rgb >/dev/full 2>err.txt && fail "a full disk is no success"
 
 exit "$((failures > 0))"

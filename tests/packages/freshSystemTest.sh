@@ -62,7 +62,8 @@ install() {
         exit 1
     }
 }
-install '/packages/effectengine_*.deb' '/packages/effectengine-data_*.deb'
+install '/packages/effectengine_*.deb' '/packages/effectengine-data_*.deb' '/packages/libeffectengine1_*.deb' \
+    '/packages/libeffectenginehost1_*.deb'
 [ "$(inside effectengine list | wc -l)" -eq "$(inside effectengine list --names | sort -u | wc -l)" ]
 inside effectengine doctor
 inside sh -ec 'cd /tmp
@@ -80,13 +81,19 @@ inside sh -ec '
     test -s "$(pkg-config --variable=catalogue effectengine)"
     test -s /usr/share/doc/effectengine/effects/pages/hue-shift.html
     cmake -S /project/tests/abi/consumer -B build -G Ninja \
-        "-DHOST_SOURCES=/project/tests/abi/hostInC.c;/project/docs/examples/picture.c;/project/docs/examples/frames.cpp" >/dev/null
+        "-DHOST_SOURCES=/project/tests/abi/hostInC.c;/project/docs/examples/picture.c;/project/docs/examples/frames.cpp" \
+        "-DLOOK_SOURCES=/project/tests/abi/lookInC.c;/project/docs/examples/look.c" >/dev/null
     cmake --build build >/dev/null
     build/hostInC "$resources" /tmp
-    /project/tests/documents/examplesTest.sh /usr/bin/effectengine "$resources" /tmp/build/picture /tmp/build/frames
+    build/lookInC "$resources" /tmp
+    /project/tests/documents/examplesTest.sh /usr/bin/effectengine "$resources" /tmp/build/picture /tmp/build/frames \
+        /tmp/build/look
     cc -std=c11 /project/tests/abi/hostInC.c $(pkg-config --cflags --libs effectengine) -o plain
-    ./plain "$resources" /tmp'
+    ./plain "$resources" /tmp
+    cc -std=c11 /project/docs/examples/look.c $(pkg-config --cflags --libs effectengine-host) -o plainLook
+    head -c 6912 /dev/zero | ./plainLook am-negative 64 36 25 1 >white
+    test "$(wc -c <white)" -eq 6912 -a "$(tr -d "\377" <white | wc -c)" -eq 0'
 
-inside apt-get purge -q -y effectengine effectengine-data libeffectengine1 libeffectengine-dev effectengine-doc >/dev/null 2>&1
+inside apt-get purge -q -y effectengine effectengine-data libeffectengine1 libeffectenginehost1 libeffectengine-dev effectengine-doc >/dev/null 2>&1
 [ -z "$(find "$root/usr" -iname '*effectengine*')" ] || { echo "files stay: $(find "$root/usr" -iname '*effectengine*')"; exit 1; }
 echo "the packages work on a fresh system"
