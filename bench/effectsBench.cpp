@@ -2,9 +2,9 @@
 // measured in the same run.
 #include "EffectTovOgre/TovOgreRenderThread.h"
 #include "engine/effectList.h"
+#include "host/mixing.h"
 #include "hosting/imageView.h"
 #include "hosting/measure.h"
-#include "host/mixing.h"
 
 #include <benchmark/benchmark.h>
 #include <tbb/global_control.h>

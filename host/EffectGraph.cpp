@@ -99,8 +99,8 @@ auto& nodeNamed(auto& nodes, std::string_view id)
             return running;
         ids.push_back(running.node().id);
     }
-    throw GraphError(
-        GraphFault::content, "no node \"" + std::string(id) + "\" runs in the graph" + text::didYouMean(ids, id));
+    throw GraphError(GraphFault::content,
+        "no node \"" + std::string(id) + "\" runs in the graph" + text::didYouMean(ids, id));
 }
 
 } // namespace

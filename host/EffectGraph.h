@@ -32,8 +32,8 @@ public:
     void setSource(CEffectImage* image, unsigned index = 0);
     void setSource(const Image& image, unsigned index = 0) { setSource(image.handle(), index); }
 
-    /// Sets the loudness of a band over the clip (LevelCurve) for what follows it; the description's bands() names
-    /// them. Until then its level is 0. Throws GraphError: a rate that is not above 0.
+    /// Sets the loudness of a band over the clip (LevelCurve) for what follows it; the description's bands()
+    /// names them. Until then its level is 0. Throws GraphError: a rate that is not above 0.
     void setCurve(const SoundBand& band, std::span<const float> samples, double rate);
 
     /// Sets times and parameters, then evaluates every node once, inputs before users. Where an effect's

@@ -1,8 +1,8 @@
 // Building and checking of graph descriptions.
 #include "host/GraphDescription.h"
 
-#include "host/effectList.h"
 #include "host/GraphError.h"
+#include "host/effectList.h"
 #include "host/names.h"
 #include "text/nearest.h"
 

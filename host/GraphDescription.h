@@ -1,8 +1,8 @@
 // A graph of effects as data: what users write, before any effect exists. docs/graphs.md has the file form.
 #pragma once
 
-#include "host/ParameterTrack.h"
 #include "facts/EffectInfo.h"
+#include "host/ParameterTrack.h"
 
 #include <filesystem>
 #include <optional>

@@ -39,8 +39,8 @@ void storeOrFail(Filter& filter, const GraphNode& node, const ParamInfo& info, c
         return;
     if (maybeInPack && !std::filesystem::exists(*path))
         fail(GraphFault::missingFile, node,
-            "parameter " + std::string(info.name) + ": no such file, and none in the pack's " + info.packFolder
-                + ": " + *path);
+            "parameter " + std::string(info.name) + ": no such file, and none in the pack's "
+                + info.packFolder + ": " + *path);
     fail(GraphFault::effectFailed, node,
         "refuses the value of " + std::string(info.name) + (path ? ": " + *path : ""));
 }

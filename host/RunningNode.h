@@ -2,9 +2,9 @@
 #pragma once
 
 #include "host/GraphDescription.h"
-#include "hosting/Host.h"
 #include "host/MaskPlane.h"
 #include "host/mixing.h"
+#include "hosting/Host.h"
 
 #include <optional>
 #include <span>

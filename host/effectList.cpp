@@ -86,7 +86,8 @@ template <class Enum, std::size_t n>
 Enum choice(const Value& object, const char* name, const std::array<Word<Enum>, n>& words)
 {
     const std::string_view given = text(object, name);
-    const auto found = std::ranges::find(words, given, [](const Word<Enum>& w) { return std::string_view(w.word); });
+    const auto found =
+        std::ranges::find(words, given, [](const Word<Enum>& w) { return std::string_view(w.word); });
     if (found == words.end())
         throw NoCatalogue{std::string("\"") + name + "\" is \"" + std::string(given) + '"'};
     return found->value;
@@ -136,7 +137,8 @@ ParamInfo readParameter(const Value& json, EffectList& list)
     } else if (given) {
         param.value[0] = asStored(param, number(*given));
     }
-    if (const Value* const range = optional(json, "advised"); range && range->IsArray() && range->Size() == 2) {
+    if (const Value* const range = optional(json, "advised");
+        range && range->IsArray() && range->Size() == 2) {
         param.low = asStored(param, number((*range)[0]));
         param.high = asStored(param, number((*range)[1]));
     }

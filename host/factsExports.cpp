@@ -21,8 +21,8 @@ using KEXSDK::ParamInfo;
 
 static_assert(int(KEXSDK::ParamType::integer) == EFFECTHOST_INTEGER
     && int(KEXSDK::ParamType::filePath) == EFFECTHOST_FILE);
-static_assert(int(KEXSDK::Alpha::kept) == EFFECTHOST_ALPHA_KEPT
-    && int(KEXSDK::Alpha::loose) == EFFECTHOST_ALPHA_LOOSE);
+static_assert(
+    int(KEXSDK::Alpha::kept) == EFFECTHOST_ALPHA_KEPT && int(KEXSDK::Alpha::loose) == EFFECTHOST_ALPHA_LOOSE);
 static_assert(KEXSDK::History::kFromStart == EFFECTHOST_FROM_START);
 
 /// The list of effects in C's words. Everything stays where it was made.

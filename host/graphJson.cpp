@@ -1,8 +1,8 @@
 // Reading and writing of graphs as JSON. Unknown members are errors, so that misspelt ones are noticed.
 #include "host/GraphDescription.h"
 #include "host/graphMembers.h"
-#include "text/jsonText.h"
 #include "host/trackJson.h"
+#include "text/jsonText.h"
 
 #include <json/json.h>
 

@@ -1,9 +1,9 @@
 // Opening and closing, which are counted, and the words of the last error of each thread.
 #include "host/library.h"
 
-#include "hosting/Host.h"
 #include "host/GraphError.h"
 #include "host/effectList.h"
+#include "hosting/Host.h"
 
 #include <dlfcn.h>
 
@@ -83,8 +83,8 @@ std::string resourcesOf(const char* named)
         return std::string(named) + "/";
     }
     // Beside a library in lib/, in lib/ARCHITECTURE/, or in a build tree.
-    const auto file = besideThis({"../share/effectengine/resources.cfg", "../../share/effectengine/resources.cfg",
-        "../resources/resources.cfg"});
+    const auto file = besideThis({"../share/effectengine/resources.cfg",
+        "../../share/effectengine/resources.cfg", "../resources/resources.cfg"});
     return file ? file->parent_path().string() + "/" : std::string();
 }
 
@@ -92,8 +92,8 @@ fs::path catalogueFile()
 {
     const auto file = besideThis({"effectengine/effects.json", "../lib/effectengine/effects.json"});
     if (!file)
-        throw GraphError(GraphFault::missingFile,
-            "no catalogue effectengine/effects.json in " + ownDirectory().string());
+        throw GraphError(
+            GraphFault::missingFile, "no catalogue effectengine/effects.json in " + ownDirectory().string());
     return *file;
 }
 
@@ -103,8 +103,8 @@ void open(const char* resources, const char* logs)
     const std::lock_guard lock(own.mutex);
     if (own.opened > 0) {
         if (resources && resourcesOf(resources) != own.resources)
-            throw LibraryFault{EFFECTHOST_BAD_ARGUMENT,
-                "the library is open with the resource directory " + own.resources};
+            throw LibraryFault{
+                EFFECTHOST_BAD_ARGUMENT, "the library is open with the resource directory " + own.resources};
         ++own.opened;
         return;
     }

@@ -82,7 +82,8 @@ EffectHostResult EffectHostCreateLook(
     EffectHostLookSource source, const char* text, const char* directory, EffectHostLook** look)
 {
     return host::guarded([&] {
-        host::require(look && (text || source == EFFECTHOST_LOOK_EMPTY), "EffectHostCreateLook got a null pointer");
+        host::require(
+            look && (text || source == EFFECTHOST_LOOK_EMPTY), "EffectHostCreateLook got a null pointer");
         host::requireOpen();
         auto made = std::make_unique<EffectHostLook>();
         made->graph = read(source, text, directory);

@@ -25,11 +25,11 @@ struct EffectHostRun {
     std::string nodeOr(const char* node) const { return node ? node : output; }
 
     host::EffectGraph graph;
-    std::string output; ///< id of the output's node
+    std::string output;                 ///< id of the output's node
     std::vector<host::SoundBand> bands; ///< that parameters follow
     unsigned width;
     unsigned height;
-    std::vector<std::optional<host::Image>> own; ///< converted inputs; empty until one is needed
+    std::vector<std::optional<host::Image>> own;   ///< converted inputs; empty until one is needed
     std::vector<std::optional<host::Image>> given; ///< the caller's memory during a frame
     host::FrameTime last;
     std::string text;      ///< what EffectHostGetText answered
@@ -112,7 +112,8 @@ std::vector<double> numbersOf(const EffectHostRun& run, const char* node, const 
 
 } // namespace
 
-EffectHostResult EffectHostStartRun(EffectHostLook* look, uint32_t width, uint32_t height, EffectHostRun** run)
+EffectHostResult EffectHostStartRun(
+    EffectHostLook* look, uint32_t width, uint32_t height, EffectHostRun** run)
 {
     return host::guarded([&] {
         require(look && run, "EffectHostStartRun got a null pointer");
@@ -133,7 +134,8 @@ EffectHostResult EffectHostSetNumbers(
     EffectHostRun* run, const char* node, const char* parameter, const double* values, size_t count)
 {
     return host::guarded([&] {
-        require(run && parameter && values && count > 0, "EffectHostSetNumbers got a null pointer or no values");
+        require(
+            run && parameter && values && count > 0, "EffectHostSetNumbers got a null pointer or no values");
         if (kMix == parameter) {
             require(count == 1 && std::isfinite(values[0]), "mix takes one number");
             run->graph.setMix(run->nodeOr(node), values[0]);
@@ -161,7 +163,8 @@ EffectHostResult EffectHostGetNumbers(
     EffectHostRun* run, const char* node, const char* parameter, double* values, size_t* count)
 {
     return host::guarded([&] {
-        require(run && parameter && count && (values || *count == 0), "EffectHostGetNumbers got a null pointer");
+        require(
+            run && parameter && count && (values || *count == 0), "EffectHostGetNumbers got a null pointer");
         const std::vector<double> numbers = numbersOf(*run, node, parameter);
         std::copy_n(numbers.begin(), std::min(numbers.size(), *count), values);
         *count = numbers.size();
@@ -191,7 +194,8 @@ EffectHostResult EffectHostSetCurve(
         require(std::isfinite(rate) && rate > 0, "a curve's rate is not above 0");
         const auto known = std::ranges::find(run->bands, std::string_view(band), host::bandText);
         if (known == run->bands.end())
-            throw host::GraphError(host::GraphFault::content, std::string("nothing follows the band ") + band);
+            throw host::GraphError(
+                host::GraphFault::content, std::string("nothing follows the band ") + band);
         run->graph.setCurve(*known, {samples, count}, rate);
     });
 }

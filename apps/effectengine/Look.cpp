@@ -38,9 +38,15 @@ Look Look::fromFile(const std::filesystem::path& file) { return {EFFECTHOST_LOOK
 
 Look Look::fromJson(const std::string& text) { return {EFFECTHOST_LOOK_JSON, text.c_str()}; }
 
-void Look::append(const std::string& effect) { succeed(EffectHostAppendEffect(handle_.get(), effect.c_str())); }
+void Look::append(const std::string& effect)
+{
+    succeed(EffectHostAppendEffect(handle_.get(), effect.c_str()));
+}
 
-void Look::assign(const std::string& assignment) { succeed(EffectHostAssign(handle_.get(), assignment.c_str())); }
+void Look::assign(const std::string& assignment)
+{
+    succeed(EffectHostAssign(handle_.get(), assignment.c_str()));
+}
 
 const EffectHostLookInfo& Look::info() const
 {

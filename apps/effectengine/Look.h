@@ -68,7 +68,8 @@ class LookRun {
 public:
     LookRun(const Look& look, unsigned width, unsigned height);
 
-    /// Sets the picture for "source" (0), "source-2" (1)...; it must have the run's size, and outlive the runs.
+    /// Sets the picture for "source" (0), "source-2" (1)...; it must have the run's size, and outlive the
+    /// runs.
     void setSource(const host::Image& image, unsigned index = 0);
 
     /// Loudness of a band, samples of 0..1 at a rate.

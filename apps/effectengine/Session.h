@@ -31,8 +31,8 @@ private:
 /// The named directory, or the one beside the tool in an installed prefix or a build tree.
 std::filesystem::path resourceDirectory(const std::filesystem::path& named);
 
-/// Opens the host library with the resource directory. Without a directory that was named or found the effects that
-/// descriptor files describe are missing.
+/// Opens the host library with the resource directory. Without a directory that was named or found the
+/// effects that descriptor files describe are missing.
 void openLibrary(const SessionOptions& options);
 
 } // namespace tool

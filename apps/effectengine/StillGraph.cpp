@@ -1,10 +1,10 @@
 // Frames for effects with a history, and reasons why an effect changed nothing.
 #include "effectengine/StillGraph.h"
 
+#include "effectengine/effectList.h"
 #include "effectengine/exampleLook.h"
 #include "effectengine/interruption.h"
 #include "facts/nodeParameters.h"
-#include "effectengine/effectList.h"
 
 #include <json/reader.h>
 
@@ -99,7 +99,8 @@ std::vector<std::string> StillGraph::idleEffects()
     std::vector<std::string> lines;
     const Json::Value nodes = nodesOf(look_);
     for (const std::string& id : unchanged) {
-        const auto node = std::ranges::find(nodes, Json::Value(id), [](const Json::Value& n) { return n["id"]; });
+        const auto node =
+            std::ranges::find(nodes, Json::Value(id), [](const Json::Value& n) { return n["id"]; });
         const KEXSDK::EffectInfo& effect = effectNamed((*node)["effect"].asString());
         if (const std::string want = wantOf(effect, (*node)["parameters"]); !want.empty())
             lines.push_back("effect " + effect.name + " " + want);

@@ -43,8 +43,7 @@ void checkPictureCount(const Look& look, const Options& options)
 
 class PictureRun {
 public:
-    PictureRun(
-        const Options& options, const Look& look, const SessionOptions& session)
+    PictureRun(const Options& options, const Look& look, const SessionOptions& session)
         : options_(options),
           look_(look),
           session_(session)

@@ -5,8 +5,8 @@
 #include "effectengine/effectList.h"
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
-#include "text/jsonText.h"
 #include "hosting/measure.h"
+#include "text/jsonText.h"
 
 #include <tbb/global_control.h>
 

@@ -3,8 +3,8 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/clipVerbs.h"
 #include "effectengine/commands.h"
-#include "effectengine/pictureFiles.h"
 #include "effectengine/effectList.h"
+#include "effectengine/pictureFiles.h"
 #include "hosting/exampleValues.h"
 
 #include <algorithm>

@@ -27,8 +27,7 @@ Json::Value toJson(const KEXSDK::ParamInfo& param, const host::ParameterValue& v
 
 } // namespace
 
-Look exampleLook(
-    const KEXSDK::EffectInfo& effect, unsigned width, unsigned height, Json::Value parameters)
+Look exampleLook(const KEXSDK::EffectInfo& effect, unsigned width, unsigned height, Json::Value parameters)
 {
     for (const KEXSDK::ParamInfo* const param : describeParameters(effect)) {
         if (!param->declared && !parameters.isMember(param->name))

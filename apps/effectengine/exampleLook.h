@@ -9,7 +9,8 @@
 namespace tool {
 
 /// An effect over "source" and "source-2", which third and later inputs take as well.
-/// @param parameters  members of a graph file's "parameters"; those that need a value and have none here get an
+/// @param parameters  members of a graph file's "parameters"; those that need a value and have none here get
+/// an
 ///                    example for pictures of width x height
 Look exampleLook(const KEXSDK::EffectInfo& effect, unsigned width, unsigned height,
     Json::Value parameters = Json::Value(Json::objectValue));

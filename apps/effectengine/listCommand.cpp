@@ -1,8 +1,8 @@
 // list and describe: what there is to apply.
 #include "effectengine/EffectChoice.h"
+#include "effectengine/Look.h"
 #include "effectengine/commands.h"
 #include "effectengine/effectList.h"
-#include "effectengine/Look.h"
 #include "facts/catalogueJson.h"
 #include "text/jsonText.h"
 

@@ -1,8 +1,8 @@
 // Picture files of the tool: sizes, loading, and saving that leaves nothing half-written.
 #pragma once
 
-#include "hosting/Host.h"
 #include "effectengine/photoMetadata.h"
+#include "hosting/Host.h"
 
 #include <filesystem>
 
@@ -52,7 +52,6 @@ void makeDirectory(const std::filesystem::path& directory);
 /// Saves a picture: writes beside the target, checks what was written, then renames. Throws ToolError; the
 /// target is then as it was before.
 /// @param metadata  goes into files of kinds that have room for it
-void savePicture(
-    CEffectImage* image, const std::filesystem::path& file, const PhotoMetadata& metadata = {});
+void savePicture(CEffectImage* image, const std::filesystem::path& file, const PhotoMetadata& metadata = {});
 
 } // namespace tool

@@ -62,8 +62,7 @@ DescriptorList listDescriptors(const std::string& resourceDirectory)
         for (const auto& [guid, path] : map) {
             if (list.contains(guid) || !isGuid(guid))
                 continue;
-            if (const DescriptorPtr descriptor = readDescriptor(path).descriptor)
-            {
+            if (const DescriptorPtr descriptor = readDescriptor(path).descriptor) {
                 KEXSDK::EffectInfo facts = completed(descriptor->facts, guid, path, kFamilies[i]);
                 facts.descriptor = path.substr(resourceDirectory.size());
                 list[guid] = {std::move(facts), descriptor};

@@ -67,8 +67,8 @@ Json::Value parameterEntry(const ParamInfo& param)
     if (whole(param))
         json["hard"] = list({std::numeric_limits<int>::min(), std::numeric_limits<int>::max()});
     else
-        json["hard"] = list(
-            {text::shortest(std::numeric_limits<float>::lowest()), text::shortest(std::numeric_limits<float>::max())});
+        json["hard"] = list({text::shortest(std::numeric_limits<float>::lowest()),
+            text::shortest(std::numeric_limits<float>::max())});
     for (const auto& [value, label] : KEXSDK::choicesOf(param)) {
         Json::Value choice;
         choice["value"] = value;

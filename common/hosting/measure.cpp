@@ -71,7 +71,8 @@ double copySeconds(FrameSize frame)
     return entry->second = median(runs);
 }
 
-EffectRun::EffectRun(const KEXSDK::EffectInfo& effect, std::span<const KEXSDK::ParamInfo* const> parameters, FrameSize frame)
+EffectRun::EffectRun(
+    const KEXSDK::EffectInfo& effect, std::span<const KEXSDK::ParamInfo* const> parameters, FrameSize frame)
     : filter_(effect.guid, int(frame.width), int(frame.height))
 {
     setExampleValues(filter_, parameters, frame.width, frame.height);

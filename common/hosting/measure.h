@@ -1,9 +1,9 @@
 // Measurement of an effect's time, and of a memcpy of the same frame to compare it with.
 #pragma once
 
-#include "hosting/Host.h"
 #include "facts/EffectInfo.h"
 #include "facts/Param.h"
+#include "hosting/Host.h"
 
 #include <span>
 #include <vector>
@@ -25,7 +25,8 @@ double median(std::vector<double>& times);
 /// state and own all their memory. Throws Failure when the effect is not available.
 class EffectRun {
 public:
-    EffectRun(const KEXSDK::EffectInfo& effect, std::span<const KEXSDK::ParamInfo* const> parameters, FrameSize frame);
+    EffectRun(const KEXSDK::EffectInfo& effect, std::span<const KEXSDK::ParamInfo* const> parameters,
+        FrameSize frame);
 
     /// Evaluates one frame. @return seconds
     double once();

@@ -1,17 +1,19 @@
-/* The host library of EffectEngine, for C (C11) and C++ (C++20): looks (an effect, a chain or a graph of effects with
- * their parameters over time) that run on the caller's pictures, and the facts of every effect. It stands on the
- * public interface of libEffectEngine.so (EffectEngine.h) and on the catalogue effects.json that is installed beside it.
+/* The host library of EffectEngine, for C (C11) and C++ (C++20): looks (an effect, a chain or a graph of
+ * effects with their parameters over time) that run on the caller's pictures, and the facts of every effect.
+ * It stands on the public interface of libEffectEngine.so (EffectEngine.h) and on the catalogue effects.json
+ * that is installed beside it.
  *
- * Calling order: EffectHostOpen; looks; runs of looks; EffectHostRunFrame once per frame; release runs, then looks;
- * EffectHostClose.
+ * Calling order: EffectHostOpen; looks; runs of looks; EffectHostRunFrame once per frame; release runs, then
+ * looks; EffectHostClose.
  *
- * Every function but the releasing ones answers a code of EffectHostResult. It throws nothing and writes nothing to
- * the standard streams; EffectHostLastError has the words. Output arguments are written only on success. Texts are
- * UTF-8.
+ * Every function but the releasing ones answers a code of EffectHostResult. It throws nothing and writes
+ * nothing to the standard streams; EffectHostLastError has the words. Output arguments are written only on
+ * success. Texts are UTF-8.
  *
- * Threads: every function may be called from any thread. A run belongs to one thread at a time, and a look must not be
- * changed while another thread uses it; different runs work at the same time, those of one look as well. Threads
- * that call need a stack of 256 KiB at least. Random effects repeat only in runs that were made and are run on one thread.
+ * Threads: every function may be called from any thread. A run belongs to one thread at a time, and a look
+ * must not be changed while another thread uses it; different runs work at the same time, those of one look
+ * as well. Threads that call need a stack of 256 KiB at least. Random effects repeat only in runs that were
+ * made and are run on one thread.
  */
 #ifndef EFFECTENGINE_EFFECTENGINEHOST_H
 #define EFFECTENGINE_EFFECTENGINEHOST_H
@@ -43,16 +45,18 @@ typedef enum EffectHostResult {
 
 /* ---- The library ---- */
 
-/* Reads the catalogue, and with it the descriptors of the resource directory. Calls are counted: the first one
- * counts, others must name the same directory or null. The engine itself starts with the first run; an engine that
- * the program has started is used, and not ended. Where the library starts it, effects with two forms take the one of the
- * processor on machines without a GPU, unless the environment's EFFECTENGINE_PATH says otherwise.
- * @param resourceDirectory  null: EFFECTENGINE_RESOURCES of the environment, or the pack installed with this library;
- *                           without either the effects that it describes are missing, and no run starts
+/* Reads the catalogue, and with it the descriptors of the resource directory. Calls are counted: the first
+ * one counts, others must name the same directory or null. The engine itself starts with the first run; an
+ * engine that the program has started is used, and not ended. Where the library starts it, effects with two
+ * forms take the one of the processor on machines without a GPU, unless the environment's EFFECTENGINE_PATH
+ * says otherwise.
+ * @param resourceDirectory  null: EFFECTENGINE_RESOURCES of the environment, or the pack installed with this
+ * library; without either the effects that it describes are missing, and no run starts
  * @param logDirectory       for the engine's logs; null: none */
 EFFECTHOST_API EffectHostResult EffectHostOpen(const char* resourceDirectory, const char* logDirectory);
 
-/* Ends what the first EffectHostOpen began when it is called as often as that. Looks and runs must be released. */
+/* Ends what the first EffectHostOpen began when it is called as often as that. Looks and runs must be
+ * released. */
 EFFECTHOST_API void EffectHostClose(void);
 
 /* One line about the last call of this thread that did not succeed; valid until its next one. Never null. */
@@ -89,10 +93,10 @@ typedef struct EffectHostParameter {
     const char* help;
     const char* unit; /* "percent", "pixels"...; empty for a plain number */
     EffectHostType type;
-    uint32_t elements;         /* how many numbers it holds; 0 for a file */
-    int32_t declared;          /* 1: effects begin with `values`; 0: nothing is set, and `values` are an example */
-    const double* values;      /* `elements` numbers */
-    double low, high;          /* advised range; low == high when there is none */
+    uint32_t elements;    /* how many numbers it holds; 0 for a file */
+    int32_t declared;     /* 1: effects begin with `values`; 0: nothing is set, and `values` are an example */
+    const double* values; /* `elements` numbers */
+    double low, high;     /* advised range; low == high when there is none */
     const double* hostDefault; /* what looks set unless they say otherwise; null for nothing */
     uint32_t choiceCount;      /* 0: any number goes */
     const EffectHostChoice* choices;
@@ -115,14 +119,16 @@ typedef struct EffectHostEffect {
     EffectHostAlpha alpha;
     uint32_t parameterCount;
     const EffectHostParameter* parameters;
-    const char* descriptor; /* its file, from the resource directory on; empty for effects of the library itself */
+    const char*
+        descriptor; /* its file, from the resource directory on; empty for effects of the library itself */
 } EffectHostEffect;
 
-/* All effects, sorted by family and name. They and all that they point to stay valid for the life of the process. */
+/* All effects, sorted by family and name. They and all that they point to stay valid for the life of the
+ * process. */
 EFFECTHOST_API EffectHostResult EffectHostGetEffects(const EffectHostEffect* const** effects, size_t* count);
 
-/* The effect with this GUID, or with this name or title in any spelling. EFFECTHOST_BAD_CONTENT when there is none,
- * with the nearest one in the words, and when the word can mean several. */
+/* The effect with this GUID, or with this name or title in any spelling. EFFECTHOST_BAD_CONTENT when there is
+ * none, with the nearest one in the words, and when the word can mean several. */
 EFFECTHOST_API EffectHostResult EffectHostFindEffect(const char* word, const EffectHostEffect** effect);
 
 /* The catalogue as JSON text, or one effect's part of it. Valid as above.
@@ -148,11 +154,12 @@ EFFECTHOST_API EffectHostResult EffectHostCreateLook(
 
 EFFECTHOST_API void EffectHostReleaseLook(EffectHostLook* look);
 
-/* Adds an effect that takes the output so far, or the first picture, as its first input, and becomes the output. */
+/* Adds an effect that takes the output so far, or the first picture, as its first input, and becomes the
+ * output. */
 EFFECTHOST_API EffectHostResult EffectHostAppendEffect(EffectHostLook* look, const char* effect);
 
-/* Sets a parameter of the output's effect as people type it: "NAME=VALUE", with a number, numbers with commas between,
- * the name of a mode's value, or a path. */
+/* Sets a parameter of the output's effect as people type it: "NAME=VALUE", with a number, numbers with commas
+ * between, the name of a mode's value, or a path. */
 EFFECTHOST_API EffectHostResult EffectHostAssign(EffectHostLook* look, const char* assignment);
 
 typedef struct EffectHostNode {
@@ -172,7 +179,7 @@ typedef struct EffectHostLookInfo {
     const char* output;    /* id of the node whose picture is the result */
     uint32_t inputs;       /* how many pictures a frame needs */
     int32_t historyFrames; /* how many earlier frames the output depends on, or EFFECTHOST_FROM_START */
-    int32_t preRoll;       /* frames to run before a wanted one for the same bytes, or EFFECTHOST_FROM_START */
+    int32_t preRoll; /* frames to run before a wanted one for the same bytes, or EFFECTHOST_FROM_START */
     int32_t random;
     int32_t needsGpu;
     size_t nodeCount; /* in order of evaluation */
@@ -202,8 +209,8 @@ typedef enum EffectHostFormat { /* the order of bytes in memory; X bytes are ign
 
 enum { EFFECTHOST_BOTTOM_UP = 1, EFFECTHOST_PREMULTIPLIED = 2 };
 
-/* Pixels of the caller. BGRA, bottom-up, straight, with rows packed is used where it lies; every other form is converted
- * once, on all processors. Bytes behind the pixels of a row are neither read nor written. */
+/* Pixels of the caller. BGRA, bottom-up, straight, with rows packed is used where it lies; every other form
+ * is converted once, on all processors. Bytes behind the pixels of a row are neither read nor written. */
 typedef struct EffectHostPicture {
     void* pixels;     /* the first row: the top one, or the bottom one with EFFECTHOST_BOTTOM_UP */
     ptrdiff_t stride; /* bytes from a row to the next, may be negative */
@@ -216,7 +223,8 @@ typedef struct EffectHostPicture {
 /* A look at work on pictures of one size. */
 typedef struct EffectHostRun EffectHostRun;
 
-/* Starts the engine if need be, and makes the look's effects. The look may be changed or released afterwards. */
+/* Starts the engine if need be, and makes the look's effects. The look may be changed or released afterwards.
+ */
 EFFECTHOST_API EffectHostResult EffectHostStartRun(
     EffectHostLook* look, uint32_t width, uint32_t height, EffectHostRun** run);
 
@@ -231,7 +239,8 @@ EFFECTHOST_API EffectHostResult EffectHostSetNumbers(
 EFFECTHOST_API EffectHostResult EffectHostSetText(
     EffectHostRun* run, const char* node, const char* parameter, const char* value);
 
-/* The numbers that the parameter has at the last frame's time. @param count  the room; receives how many there are */
+/* The numbers that the parameter has at the last frame's time. @param count  the room; receives how many
+ * there are */
 EFFECTHOST_API EffectHostResult EffectHostGetNumbers(
     EffectHostRun* run, const char* node, const char* parameter, double* values, size_t* count);
 /* The value as people type it, valid until the next call for this run. */

@@ -3,8 +3,8 @@
 #include "engine/seededRandom.h"
 
 #include "core/Clock.h"
-#include "effects/am/library/amTables.h"
 #include "core/Random.h"
+#include "effects/am/library/amTables.h"
 #include "effects/cpu/WaterSurface.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 // EFFECTENGINE_SEED: pictures of random effects repeat, whatever was shown before them.
 #include "core/Clock.h"
-#include "engine/effectList.h"
 #include "core/Random.h"
+#include "engine/effectList.h"
 #include "support/EngineFixture.h"
 #include "support/Environment.h"
 #include "support/GuardedFrame.h"

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "core/Clock.h"
-#include "effects/am/looks/brokenTelevision.h"
-#include "host/EffectGraph.h"
 #include "core/Random.h"
+#include "effects/am/looks/brokenTelevision.h"
 #include "effects/cpu/WaterSurface.h"
+#include "host/EffectGraph.h"
 #include "support/EngineFixture.h"
 #include "support/FilesInMemory.h"
 

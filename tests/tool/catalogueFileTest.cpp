@@ -6,8 +6,8 @@
 #include "host/GraphError.h"
 #include "host/effectList.h"
 #include "hosting/exampleValues.h"
-#include "text/jsonText.h"
 #include "support/GuardedFrame.h"
+#include "text/jsonText.h"
 
 #include <gtest/gtest.h>
 #include <json/json.h>
@@ -153,8 +153,8 @@ TEST_F(Catalogue, IsReadBackAsTheEngineKnowsIt)
             std::tie(effect.name, effect.title, effect.family, effect.summary, effect.inputs, effect.random));
         EXPECT_EQ(std::tie(read->shared, read->needsGpu, read->history.frames, read->alpha, read->descriptor),
             std::tie(effect.shared, effect.needsGpu, effect.history.frames, effect.alpha, effect.descriptor));
-        EXPECT_EQ(
-            std::pair(read->writesInput, read->keepsOutput), std::pair(effect.writesInput, effect.keepsOutput));
+        EXPECT_EQ(std::pair(read->writesInput, read->keepsOutput),
+            std::pair(effect.writesInput, effect.keepsOutput));
         const auto known = describeParameters(effect.guid);
         const auto& listed = host::describeParameters(effect.guid);
         ASSERT_EQ(listed.size(), known.size());

@@ -1,9 +1,9 @@
 // Recording of effects: stills, loops and sweeps, each from a fresh node.
 #include "effectengine/gallery/EffectPictures.h"
 
-#include "effectengine/interruption.h"
-#include "effectengine/effectList.h"
 #include "effectengine/Look.h"
+#include "effectengine/effectList.h"
+#include "effectengine/interruption.h"
 #include "hosting/exampleValues.h"
 #include "hosting/opacity.h"
 

@@ -1,9 +1,9 @@
 // The gallery's data as JSON, and the template that it goes into.
 #include "effectengine/gallery/galleryPage.h"
 
+#include "effectengine/effectList.h"
 #include "effectengine/gallery/pageParts.h"
 #include "effectengine/gallery/pageText.h"
-#include "effectengine/effectList.h"
 #include "hosting/exampleValues.h"
 
 #include <json/writer.h>

@@ -1,8 +1,8 @@
 // Frames between a clip's reader and the effects, and their places in the clip.
 #pragma once
 
-#include "effectengine/media/ClipReader.h"
 #include "effectengine/Look.h"
+#include "effectengine/media/ClipReader.h"
 
 #include <array>
 #include <vector>

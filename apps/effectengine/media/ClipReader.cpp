@@ -38,8 +38,7 @@ Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::pat
     const Packet packet = makePacket();
     if (av_read_frame(input.get(), packet.get()) < 0)
         return {};
-    const Turn turn =
-        turnOf(readPhotoMetadata({packet->data, std::size_t(packet->size)}).orientation);
+    const Turn turn = turnOf(readPhotoMetadata({packet->data, std::size_t(packet->size)}).orientation);
     return {turn.swapsSides, turn.mirrorsColumns, turn.mirrorsRows};
 }
 

@@ -6,8 +6,8 @@
 namespace tool::media {
 
 /// Gives a run of a look the loudness of the bands that its parameters follow in the first track of a clip's
-/// sound. Second 0 is the clip's first frame. Decodes the whole sound, or nothing when no parameter follows any.
-/// Throws ToolError, and when a stop is asked.
+/// sound. Second 0 is the clip's first frame. Decodes the whole sound, or nothing when no parameter follows
+/// any. Throws ToolError, and when a stop is asked.
 void followSound(LookRun& run, const Look& look, const std::filesystem::path& clip);
 
 } // namespace tool::media

@@ -72,8 +72,7 @@ FrameRange rangeOf(const RenderOptions& options, long long count)
     return range;
 }
 
-void checkParts(const RenderOptions& options, const Look& look, const FrameRange& range,
-    long long count)
+void checkParts(const RenderOptions& options, const Look& look, const FrameRange& range, long long count)
 {
     const EffectHostLookInfo& info = look.info();
     if (info.fromStartCount == 0 || (range.first == 0 && range.last == count - 1))
@@ -156,8 +155,7 @@ std::set<long long> missingFrames(Manifest& manifest, const fs::path& directory,
     return missing;
 }
 
-void render(
-    const RenderOptions& options, const Look& look, SessionOptions sessionOptions)
+void render(const RenderOptions& options, const Look& look, SessionOptions sessionOptions)
 {
     if (!sessionOptions.seed)
         sessionOptions.seed = kUsualSeed;

@@ -128,8 +128,8 @@ bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent siz
         && frame.height == size.height && isPlainYuv(AVPixelFormat(frame.format));
 }
 
-void convertClip(const VideoOptions& options, const std::optional<Look>& look,
-    const SessionOptions& sessionOptions)
+void convertClip(
+    const VideoOptions& options, const std::optional<Look>& look, const SessionOptions& sessionOptions)
 {
     checkClipCount(look ? look->info().inputs : 1, options.companions, "the graph", "video");
     const FrameRange range = parseFrames(options.frames);
