@@ -56,7 +56,7 @@ host::GraphDescription graphWith(const EffectInfo& effect, const Setting& settin
             *setting.param, std::vector<double>(setting.param->elements, setting.value));
     }
     for (const KEXSDK::ParamInfo* const info : host::describeParameters(effect.guid)) {
-        if (!info->declared && !node.sets(*info))
+        if (!info->declared && !node.sets(*info) && !*info->packExample) // the pack may not be there
             node.parameters.emplace_back(
                 *info, host::exampleValue(*info, unsigned(size.width), unsigned(size.height)));
     }

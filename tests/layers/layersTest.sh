@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 offence() {
     rm -rf "$work/tree"
     mkdir "$work/tree"
-    cp -r "$root/common" "$root/src" "$work/tree"
+    cp -r "$root/common" "$root/src" "$root/host" "$root/apps" "$root/include" "$work/tree"
     mkdir -p "$(dirname "$work/tree/$2")"
     echo "$3" >>"$work/tree/$2"
     if "$check" "$work/tree" 2>"$work/said.txt"; then
@@ -34,3 +34,6 @@ offence 'its layer does not link OGRE' src/engine/effectList.cpp '#include <Ogre
 offence 'its directory belongs to no layer' src/loose/file.h '#pragma once'
 offence 'ee_low links ee_high, which does not stand above it' src/CMakeLists.txt \
     'effectengine_layer(ee_low DIRECTORIES low LIBRARIES ee_high) effectengine_layer(ee_high DIRECTORIES high)'
+offence 'includes model/CSimpleEffect.h, which belongs to src/' host/EffectGraph.h '#include "model/CSimpleEffect.h"'
+offence 'includes host/EffectGraph.h, which belongs to host/' apps/effectengine/Look.h '#include "host/EffectGraph.h"'
+offence 'which belongs to apps/' host/EffectGraph.h '#include "../apps/effectengine/Look.h"'

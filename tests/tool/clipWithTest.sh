@@ -155,7 +155,7 @@ END
 cat >rest.json <<'END'
 {"effectengine": 1, "nodes": [{"effect": "hue-shift", "parameters": {"Hue": 50}}]}
 END
-make -i long.mp4 -f lavfi -i "aevalsrc='0.5*sin(2*PI*60*t)*exp(-pow((t-0.6)/0.03,2))+0.5*sin(2*PI*2000*t)*between(t,0,0.3):s=48000:d=1.2'" \
+make -i long.mp4 -f lavfi -i "aevalsrc='0.5*sin(2*PI*60*t)*exp(-pow((t-0.6)/0.03,2))+0.5*sin(2*PI*2000*t)*exp(-pow((t-0.2)/0.05,2)):s=48000:d=1.2'" \
     -c:v copy -c:a pcm_s16le beat.mkv
 expect 0 '' "$tool" render beat.json beat.mkv beat-whole
 expect 0 '' "$tool" render rest.json beat.mkv rest-whole
