@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
@@ -149,6 +150,8 @@ EffectHostResult guarded(const std::function<void()>& body) noexcept
     const auto say = [](EffectHostResult code, const char* words) {
         try {
             lastError = words;
+            std::ranges::replace_if(
+                lastError, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
         } catch (const std::bad_alloc&) {
             lastError.clear();
         }

@@ -39,6 +39,8 @@ void keepLines(EffectHostLook& look, const std::vector<std::string>& lines, std:
 
 void describe(EffectHostLook& look)
 {
+    if (look.described)
+        return;
     const GraphDescription& graph = look.finished();
     const host::GraphFacts facts = graph.facts();
     look.texts.clear();
@@ -66,6 +68,15 @@ void describe(EffectHostLook& look)
         .fromStartCount = look.fromStart.size(),
         .fromStart = look.fromStart.data(),
         .json = look.texts.emplace_back(host::graphText(graph)).c_str()};
+    look.described = true;
+}
+
+/// Makes a change, after which the look is to be checked and described anew.
+template <class Change> void change(EffectHostLook& look, Change apply)
+{
+    const std::lock_guard lock(look.mutex);
+    look.complete = look.described = false;
+    apply(look.graph);
 }
 
 } // namespace
@@ -97,8 +108,7 @@ EffectHostResult EffectHostAppendEffect(EffectHostLook* look, const char* effect
 {
     return host::guarded([&] {
         host::require(look && effect, "EffectHostAppendEffect got a null pointer");
-        look->graph.append(effect);
-        look->complete = false;
+        change(*look, [&](GraphDescription& graph) { graph.append(effect); });
     });
 }
 
@@ -106,8 +116,7 @@ EffectHostResult EffectHostAssign(EffectHostLook* look, const char* assignment)
 {
     return host::guarded([&] {
         host::require(look && assignment, "EffectHostAssign got a null pointer");
-        look->graph.setParameter(assignment);
-        look->complete = false;
+        change(*look, [&](GraphDescription& graph) { graph.setParameter(assignment); });
     });
 }
 
@@ -115,6 +124,7 @@ EffectHostResult EffectHostGetLookInfo(EffectHostLook* look, const EffectHostLoo
 {
     return host::guarded([&] {
         host::require(look && info, "EffectHostGetLookInfo got a null pointer");
+        const std::lock_guard lock(look->mutex);
         describe(*look);
         *info = &look->info;
     });

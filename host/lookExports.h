@@ -5,16 +5,19 @@
 #include "host/GraphDescription.h"
 
 #include <deque>
+#include <mutex>
 #include <vector>
 
 struct EffectHostLook {
-    /// The description, completed and checked. Throws GraphError.
+    /// The description, completed and checked; the mutex is held. Throws GraphError.
     const host::GraphDescription& finished();
 
+    std::mutex mutex; ///< of all that follows: threads may ask for it at the same time
     host::GraphDescription graph;
     bool complete = false;
 
-    // What EffectHostGetLookInfo() answered last.
+    // What EffectHostGetLookInfo() answered, until the look changes.
+    bool described = false;
     EffectHostLookInfo info{};
     std::deque<std::string> texts;
     std::vector<EffectHostNode> nodes;

@@ -119,6 +119,7 @@ EffectHostResult EffectHostStartRun(
         require(look && run, "EffectHostStartRun got a null pointer");
         const auto inRange = [](uint32_t side) { return side >= 1 && side <= EFFECTENGINE_LARGEST_SIDE; };
         require(inRange(width) && inRange(height), "a run's size is out of range");
+        const std::lock_guard lock(look->mutex);
         const host::GraphDescription& description = look->finished();
         host::startEngine();
         *run = std::make_unique<EffectHostRun>(description, width, height).release();

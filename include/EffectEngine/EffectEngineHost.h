@@ -59,7 +59,8 @@ EFFECTHOST_API EffectHostResult EffectHostOpen(const char* resourceDirectory, co
  * released. */
 EFFECTHOST_API void EffectHostClose(void);
 
-/* One line about the last call of this thread that did not succeed; valid until its next one. Never null. */
+/* One line about the last call of this thread that did not succeed, without control characters; valid until
+ * its next one. Never null. */
 EFFECTHOST_API const char* EffectHostLastError(void);
 
 /* ---- The catalogue ---- */

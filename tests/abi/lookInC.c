@@ -155,7 +155,7 @@ static int parametersAreSetAndRead(void)
     CHECK(EffectHostSetText(run, NULL, "mix", "0.25") == EFFECTHOST_OK);
     CHECK(EffectHostGetText(run, NULL, "mix", &text) == EFFECTHOST_OK && !strcmp(text, "0.25"));
 
-    CHECK(failed(EffectHostSetNumbers(run, NULL, "Colour", colour, 3), EFFECTHOST_BAD_CONTENT, "Color"));
+    CHECK(failed(EffectHostSetNumbers(run, NULL, "Collor", colour, 3), EFFECTHOST_BAD_CONTENT, "Color"));
     CHECK(failed(EffectHostSetNumbers(run, "nobody", "Hue", &hue, 1), EFFECTHOST_BAD_CONTENT, "nobody"));
     CHECK(failed(EffectHostSetNumbers(run, NULL, "Color", colour, 2), EFFECTHOST_BAD_CONTENT, "Color"));
     CHECK(failed(EffectHostSetNumbers(run, "hue-shift", "Hue", &nothing, 1), EFFECTHOST_BAD_CONTENT, "Hue"));

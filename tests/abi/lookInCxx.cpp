@@ -99,14 +99,14 @@ int resetRunsBeginAnew()
     const Look look = makeLook(EFFECTHOST_LOOK_EFFECT, "echo");
     const auto frames = [&](const Run& run) {
         std::vector<Pixels> shown;
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 24; ++i)
             shown.push_back(runFrame(run, {painted(kSize, unsigned(i))}, kSize, i));
         return shown;
     };
     const Run run = startRun(look, kSize.width, kSize.height);
     const std::vector<Pixels> first = frames(run);
     const std::vector<Pixels> later = frames(run);
-    CHECK(later[1] != first[1]); // otherwise there is nothing to forget
+    CHECK(later != first); // otherwise there is nothing to forget
     CHECK(EffectHostResetRun(run.get()) == EFFECTHOST_OK);
     CHECK(frames(run) == first);
     return 0;
