@@ -12,7 +12,6 @@
 #include <array>
 #include <deque>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <mutex>
 
@@ -222,12 +221,14 @@ const EffectList& current()
 void readCatalogue(const std::filesystem::path& catalogue, const std::string& resourceDirectory)
 {
     std::ifstream stream(catalogue, std::ios::binary);
-    if (!stream)
+    if (!stream || !std::filesystem::is_regular_file(catalogue))
         throw GraphError(GraphFault::missingFile, "no catalogue of effects: " + catalogue.string());
     EffectList list;
     if (!resourceDirectory.empty())
         list.descriptors = shader::listDescriptors(resourceDirectory);
-    list.text.assign(std::istreambuf_iterator<char>(stream), {});
+    std::error_code error;
+    list.text.resize(std::size_t(std::filesystem::file_size(catalogue, error)));
+    stream.read(list.text.data(), std::streamsize(list.text.size()));
     const std::lock_guard lock(mutex);
     EffectList& kept = lists.emplace_back(std::move(list)); // first in its place: parameters point into it
     try {
