@@ -1,7 +1,7 @@
 // The calls, and the words and numbers that go into them.
 #include "fuzz/targets/CallPlayer.h"
 
-#include "abi/paddedPicture.h"
+#include "fuzz/targets/FramePictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,12 +20,6 @@ namespace {
 constexpr int kLargestSide = 48; // of most runs
 constexpr double kFarthestGpu =
     100; // seconds: a particle scene simulates every frame before the one asked for
-
-constexpr double kNumbers[]{0, -0.0, 1, -1, 0.5, 2, 25, 100, 255, 256, 1e-3, 1e-300, -1e-300, 1e9, 1e15,
-    1e300, -1e300, 2147483647, 2147483648.0, -2147483648.0, -2147483649.0, 4294967295.0, 4294967296.0,
-    9007199254740993.0, std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-    std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::denorm_min(),
-    std::numeric_limits<double>::max(), 3.5e38};
 
 constexpr const char* kGraphs[]{
     R"({"effectengine": 1, "nodes": [{"id": "a", "effect": "hue-shift", "parameters": {"Hue": 20}}, {"effect": "blur"}]})",
@@ -92,35 +86,6 @@ const char* orNull(Bytes& in, const std::string& text) { return in.oneIn(40) ? n
 std::size_t lengthOf(const char* text) { return text ? std::strlen(text) : 0; }
 
 } // namespace
-
-std::uint32_t Bytes::word()
-{
-    std::uint32_t value = byte();
-    value = value << 8 | byte();
-    return value << 8 | byte();
-}
-
-double Bytes::number()
-{
-    switch (pick(4)) {
-    case 0:
-        return of(std::span<const double>(kNumbers));
-    case 1:
-        return double(pick(101));
-    case 2:
-        return double(word()) / (1 << 24);
-    default:
-        return double(word()) / 1000 - 8000;
-    }
-}
-
-std::string Bytes::text(std::size_t most)
-{
-    std::string made;
-    for (std::size_t length = pick(most + 1); length > 0; --length)
-        made += char(std::max<unsigned char>(byte(), 1));
-    return made;
-}
 
 CallPlayer::CallPlayer(std::string resources) : resources_(std::move(resources))
 {
@@ -397,91 +362,6 @@ void CallPlayer::setCurve(Bytes& in)
                   runs_[in.pick(runs_.size())].handle, band.c_str(), samples.data(), samples.size(), rate),
         "EffectHostSetCurve");
 }
-
-namespace {
-
-// Pictures of one frame: valid ones with their memory, and perhaps one that cannot be.
-class FramePictures {
-public:
-    FramePictures(Bytes& in, int width, int height, std::size_t inputs)
-    {
-        for (std::size_t i = 0; i <= inputs; ++i) {
-            made_.push_back(makePadded(width, height, std::uint32_t(in.pick(6)), std::uint32_t(in.pick(4)),
-                in.pick(2) ? in.pick(20) : 0, int(in.pick(2))));
-            pictures_.push_back(made_.back().picture);
-            fill(in, made_.back());
-        }
-        if (height == 1 && in.pick(2))
-            pictures_.back().stride = in.pick(2) ? std::numeric_limits<std::ptrdiff_t>::min() : PTRDIFF_MAX;
-        if (in.oneIn(6))
-            spoil(in, pictures_[in.pick(pictures_.size())]);
-    }
-
-    std::size_t inputs() const { return made_.size() - 1; }
-    const EffectHostPicture* input() const { return pictures_.data(); }
-    const EffectHostPicture& output() const { return pictures_.back(); }
-
-    /// Frees all memory. @return whether padding or an input was written to
-    bool end()
-    {
-        bool written = false;
-        for (std::size_t i = 0; i < inputs(); ++i)
-            written |= contentOf(made_[i]) != before_[i];
-        for (PaddedPicture& one : made_)
-            written |= endPadded(&one) != 0;
-        return written;
-    }
-
-private:
-    static std::vector<unsigned char> contentOf(const PaddedPicture& padded)
-    {
-        std::vector<unsigned char> all;
-        for (int y = 0; y < padded.picture.height; ++y)
-            all.insert(all.end(), rowOf(&padded, y), rowOf(&padded, y) + padded.rowBytes);
-        return all;
-    }
-
-    void fill(Bytes& in, const PaddedPicture& padded)
-    {
-        unsigned state = in.word();
-        for (int y = 0; y < padded.picture.height; ++y) {
-            for (std::size_t i = 0; i < padded.rowBytes; ++i)
-                rowOf(&padded, y)[i] =
-                    static_cast<unsigned char>((state = state * 1664525u + 1013904223u) >> 24);
-        }
-        before_.push_back(contentOf(padded));
-    }
-
-    static void spoil(Bytes& in, EffectHostPicture& picture)
-    {
-        constexpr std::int32_t kWild[]{0, -1, 1, 4096, 4097, INT32_MAX, INT32_MIN};
-        switch (in.pick(6)) {
-        case 0:
-            picture.pixels = nullptr;
-            break;
-        case 1:
-            picture.width = picture.width == 1 ? 2 : in.of(std::span<const std::int32_t>(kWild)) & ~1;
-            break;
-        case 2:
-            picture.height += 1 + int(in.pick(100));
-            break;
-        case 3:
-            picture.stride = std::ptrdiff_t(in.pick(std::size_t(picture.width) * 3)) * (in.pick(2) ? 1 : -1);
-            break;
-        case 4:
-            picture.format = 6 + in.word();
-            break;
-        default:
-            picture.flags |= 4u << in.pick(30);
-        }
-    }
-
-    std::vector<PaddedPicture> made_;
-    std::vector<EffectHostPicture> pictures_;
-    std::vector<std::vector<unsigned char>> before_;
-};
-
-} // namespace
 
 void CallPlayer::runFrame(Bytes& in)
 {
