@@ -166,6 +166,8 @@ EffectHostResult guarded(const std::function<void()>& body) noexcept
         return say(fault.code, fault.words.c_str());
     } catch (const Failure& failure) {
         return say(EFFECTHOST_EFFECT_FAILED, failure.what());
+    } catch (const fs::filesystem_error& error) { // a path that no file can have
+        return say(EFFECTHOST_UNREADABLE, error.what());
     } catch (const std::bad_alloc&) {
         return say(EFFECTHOST_NO_MEMORY, "not enough memory");
     } catch (const std::exception& error) {

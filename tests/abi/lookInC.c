@@ -370,6 +370,7 @@ static int failuresHaveCodes(const char* directory)
     EffectHostRun* run = NULL;
     char path[1024];
     char words[1200];
+    char longPath[6000];
     const char* const circle =
         "{\"effectengine\": 1, \"nodes\": [{\"id\": \"a\", \"effect\": \"blur\", \"inputs\": [\"b\"]},"
         "{\"id\": \"b\", \"effect\": \"blur\", \"inputs\": [\"a\"]}]}";
@@ -401,6 +402,11 @@ static int failuresHaveCodes(const char* directory)
     snprintf(words, sizeof words, "CubeLutFile=%s", path);
     CHECK(EffectHostAssign(look, words) == EFFECTHOST_OK);
     CHECK(failed(EffectHostStartRun(look, 4, 4, &run), EFFECTHOST_EFFECT_FAILED, "refuses"));
+    memset(longPath, 'n', sizeof longPath - 1);
+    memcpy(longPath, "CubeLutFile=/", strlen("CubeLutFile=/"));
+    longPath[sizeof longPath - 1] = 0;
+    CHECK(EffectHostAssign(look, longPath) == EFFECTHOST_OK);
+    CHECK(failed(EffectHostStartRun(look, 4, 4, &run), EFFECTHOST_UNREADABLE, "too long"));
     EffectHostReleaseLook(look);
     CHECK(run == NULL);
     remove(path);
