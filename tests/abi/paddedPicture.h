@@ -25,19 +25,19 @@ typedef struct PaddedPicture {
 
 enum { PADDING_BYTE = 0xA5 };
 
-static size_t bytesPerPixel(uint32_t format)
+static inline size_t bytesPerPixel(uint32_t format)
 {
     return format == EFFECTHOST_BGR || format == EFFECTHOST_RGB ? 3 : 4;
 }
 
 /* The bytes of the row'th row in the order of the description. */
-static unsigned char* rowOf(const PaddedPicture* padded, int row)
+static inline unsigned char* rowOf(const PaddedPicture* padded, int row)
 {
     return (unsigned char*)padded->picture.pixels + row * padded->picture.stride;
 }
 
 /* Says for all padding whether it may be touched. The last row has none: the memory ends with its pixels. */
-static void guardPadding(const PaddedPicture* padded, int guarded)
+static inline void guardPadding(const PaddedPicture* padded, int guarded)
 {
     int row;
     for (row = 0; row + 1 < padded->picture.height; ++row) {
@@ -51,7 +51,7 @@ static void guardPadding(const PaddedPicture* padded, int guarded)
 
 /* @param padding    bytes behind each row but the last
  * @param backwards  1: rows run towards lower addresses, by a negative stride */
-static PaddedPicture makePadded(
+static inline PaddedPicture makePadded(
     int width, int height, uint32_t format, uint32_t flags, size_t padding, int backwards)
 {
     PaddedPicture made;
@@ -74,7 +74,7 @@ static PaddedPicture makePadded(
 }
 
 /* Frees the memory. @return 1 if somebody wrote to the padding */
-static int endPadded(PaddedPicture* padded)
+static inline int endPadded(PaddedPicture* padded)
 {
     int row;
     int broken = 0;
@@ -90,7 +90,7 @@ static int endPadded(PaddedPicture* padded)
 }
 
 /* The place of a pixel; x from the left, y from the top of what the picture shows. */
-static unsigned char* pixelOf(const PaddedPicture* padded, int x, int y)
+static inline unsigned char* pixelOf(const PaddedPicture* padded, int x, int y)
 {
     const int row = padded->picture.flags & EFFECTHOST_BOTTOM_UP ? padded->picture.height - 1 - y : y;
     return rowOf(padded, row) + (size_t)x * bytesPerPixel(padded->picture.format);
@@ -98,7 +98,7 @@ static unsigned char* pixelOf(const PaddedPicture* padded, int x, int y)
 
 /* Writes a colour of blue, green, red and alpha in the picture's order of bytes. X bytes get a wild value,
  * since they mean nothing. */
-static void putPixel(const PaddedPicture* padded, int x, int y, const unsigned char bgra[4])
+static inline void putPixel(const PaddedPicture* padded, int x, int y, const unsigned char bgra[4])
 {
     unsigned char* const at = pixelOf(padded, x, y);
     const uint32_t format = padded->picture.format;
@@ -113,7 +113,7 @@ static void putPixel(const PaddedPicture* padded, int x, int y, const unsigned c
 }
 
 /* Reads a colour as blue, green, red and alpha; the fourth byte as it is, 255 where there is none. */
-static void getPixel(const PaddedPicture* padded, int x, int y, unsigned char bgra[4])
+static inline void getPixel(const PaddedPicture* padded, int x, int y, unsigned char bgra[4])
 {
     const unsigned char* const at = pixelOf(padded, x, y);
     const uint32_t format = padded->picture.format;

@@ -83,6 +83,21 @@ std::string mutated(Bytes& in, std::string text)
 
 const char* orNull(Bytes& in, const std::string& text) { return in.oneIn(40) ? nullptr : text.c_str(); }
 
+bool isAlive(const EffectHostLook* look) { return look != nullptr; }
+template <class Run> bool isAlive(const Run& run) requires requires { run.handle; }
+{
+    return run.handle;
+}
+
+/// One of some looks or runs, and seldom one that is null while others are not.
+template <class Slots> auto& mostlyAlive(Bytes& in, Slots& slots)
+{
+    std::size_t at = in.pick(slots.size());
+    for (std::size_t i = 0; !in.empty() && i < slots.size() && !isAlive(slots[at]) && !in.oneIn(12); ++i)
+        at = (at + 1) % slots.size();
+    return slots[at];
+}
+
 std::size_t lengthOf(const char* text) { return text ? std::strlen(text) : 0; }
 
 } // namespace
@@ -235,7 +250,7 @@ void CallPlayer::createLook(Bytes& in)
 
 void CallPlayer::changeLook(Bytes& in)
 {
-    EffectHostLook* const look = looks_[in.pick(looks_.size())];
+    EffectHostLook* const look = mostlyAlive(in, looks_);
     if (in.pick(2) == 0) {
         succeeded(EffectHostAppendEffect(look, orNull(in, effectWord(in))), "EffectHostAppendEffect");
     } else {
@@ -281,7 +296,7 @@ void CallPlayer::describe(EffectHostLook* look)
 void CallPlayer::startRun(Bytes& in)
 {
     Run& run = runs_[in.pick(runs_.size())];
-    EffectHostLook* const look = looks_[in.pick(looks_.size())];
+    EffectHostLook* const look = mostlyAlive(in, looks_);
     EffectHostReleaseRun(run.handle);
     run = {};
     std::uint32_t width = 1 + std::uint32_t(in.pick(kLargestSide));
@@ -315,7 +330,7 @@ void CallPlayer::startRun(Bytes& in)
 
 void CallPlayer::setAndGet(Bytes& in)
 {
-    Run& run = runs_[in.pick(runs_.size())];
+    Run& run = mostlyAlive(in, runs_);
     const bool known = !run.ids.empty() && in.pick(8) != 0;
     const std::size_t index = known ? in.pick(run.ids.size()) : 0;
     const std::string node = known ? run.ids[index] : in.text(8);
@@ -358,14 +373,14 @@ void CallPlayer::setCurve(Bytes& in)
     std::ranges::generate(samples, [&] { return float(in.pick(4) ? double(in.byte()) / 255 : in.number()); });
     const double rate = in.pick(2) ? 100 : in.number();
     const std::string band = mutated(in, in.of(std::span<const char* const>(kBands)));
-    succeeded(EffectHostSetCurve(
-                  runs_[in.pick(runs_.size())].handle, band.c_str(), samples.data(), samples.size(), rate),
+    succeeded(
+        EffectHostSetCurve(mostlyAlive(in, runs_).handle, band.c_str(), samples.data(), samples.size(), rate),
         "EffectHostSetCurve");
 }
 
 void CallPlayer::runFrame(Bytes& in)
 {
-    Run& run = runs_[in.pick(runs_.size())];
+    Run& run = mostlyAlive(in, runs_);
     if (in.oneIn(20)) {
         succeeded(EffectHostResetRun(run.handle), "EffectHostResetRun");
         return;
