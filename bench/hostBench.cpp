@@ -60,6 +60,14 @@ void compare(const char* name)
     std::vector<EffectHostPicture> pictures;
     const auto run = runOf(name); // which starts the engine
     host::Filter filter(effect->guid, int(kFrame.width), int(kFrame.height));
+    // What looks set by themselves changes how much there is to do.
+    for (std::uint32_t i = 0; i < effect->parameterCount; ++i) {
+        const EffectHostParameter& parameter = effect->parameters[i];
+        if (parameter.hostDefault && parameter.type == EFFECTHOST_FLOAT)
+            filter.set(parameter.name, float(*parameter.hostDefault));
+        else if (parameter.hostDefault)
+            filter.set(parameter.name, int(*parameter.hostDefault));
+    }
     for (unsigned i = 0; i < effect->inputs; ++i) {
         inputs.emplace_back(kFrame.width, kFrame.height);
         unsigned state = i + 1;
