@@ -255,8 +255,10 @@ void RunningNode::setInputs(const NodePictures& pictures)
 void RunningNode::approach(const FrameTime& time)
 {
     constexpr double kFrames = 2500; // well below what a scene simulates for one frame
+    constexpr double kFarthest =
+        5e6; // a day at 60 frames a second: what was before that does not show any more
     const double wanted = secondsOf(node_, time) * time.frameRate;
-    for (double frame = kFrames; frame < wanted; frame += kFrames) {
+    for (double frame = std::max(kFrames, wanted - kFarthest); frame < wanted; frame += kFrames) {
         FrameTime before = time;
         before.seconds = time.seconds - (wanted - frame) / time.frameRate;
         setTimes(before);

@@ -81,7 +81,7 @@ std::string resourcesOf(const char* named)
     if (named) {
         if (!fs::is_directory(named))
             throw GraphError(GraphFault::missingFile, std::string("no resource directory ") + named);
-        return std::string(named) + "/";
+        return (fs::path(named) / "").lexically_normal().string();
     }
     // Beside a library in lib/, in lib/ARCHITECTURE/, or in a build tree.
     const auto file = besideThis({"../share/effectengine/resources.cfg",

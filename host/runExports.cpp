@@ -67,6 +67,7 @@ void setInput(EffectHostRun& run, unsigned index, const EffectHostPicture& pictu
 void runFrame(EffectHostRun& run, EffectHostFrame& frame)
 {
     require(frame.inputs || frame.inputCount == 0, "a frame has no inputs");
+    require((frame.flags & ~unsigned(EFFECTHOST_COMPARE)) == 0, "a frame has unknown flags");
     if (frame.inputCount != run.graph.sources())
         throw host::LibraryFault{EFFECTHOST_BAD_ARGUMENT,
             "a frame has " + std::to_string(frame.inputCount) + " pictures; the look needs "

@@ -36,8 +36,7 @@ struct EffectInfo {
     Alpha alpha = Alpha::kept;
     bool writesInput = false; ///< changes the pictures that it is given
     bool keepsOutput = false; ///< leaves bytes of its output image as they were, so it needs one and the same
-    std::string
-        descriptor; ///< its file, from the resource directory on; empty for effects of the library itself
+    std::string descriptor{}; ///< its file in the resource directory; empty for effects of the library itself
 };
 
 } // namespace KEXSDK

@@ -6,9 +6,9 @@
  * Calling order: EffectHostOpen; looks; runs of looks; EffectHostRunFrame once per frame; release runs, then
  * looks; EffectHostClose.
  *
- * Every function but the releasing ones answers a code of EffectHostResult. It throws nothing and writes
- * nothing to the standard streams; EffectHostLastError has the words. Output arguments are written only on
- * success. Texts are UTF-8.
+ * Every function but the releasing ones, which take null as well, answers a code of EffectHostResult. It
+ * throws nothing and writes nothing to the standard streams; EffectHostLastError has the words. Output
+ * arguments are written only on success. Texts are UTF-8.
  *
  * Threads: every function may be called from any thread. A run belongs to one thread at a time, and a look
  * must not be changed while another thread uses it; different runs work at the same time, those of one look
@@ -52,7 +52,7 @@ typedef enum EffectHostResult {
  * says otherwise.
  * @param resourceDirectory  null: EFFECTENGINE_RESOURCES of the environment, or the pack installed with this
  * library; without either the effects that it describes are missing, and no run starts
- * @param logDirectory       for the engine's logs; null: none */
+ * @param logDirectory       for the engine's logs; null: none. That of the first call counts */
 EFFECTHOST_API EffectHostResult EffectHostOpen(const char* resourceDirectory, const char* logDirectory);
 
 /* Ends what the first EffectHostOpen began when it is called as often as that. Looks and runs must be
@@ -87,7 +87,7 @@ typedef struct EffectHostChoice {
     const char* name;
 } EffectHostChoice;
 
-/* Facts of a parameter. New members come at the end. */
+/* Facts of a parameter. */
 typedef struct EffectHostParameter {
     const char* name;
     const char* title; /* for people */
