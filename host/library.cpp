@@ -73,11 +73,18 @@ std::optional<fs::path> besideThis(std::initializer_list<const char*> places)
     return std::nullopt;
 }
 
+/// A variable of the environment; null when it is not set, or empty.
+const char* given(const char* variable)
+{
+    const char* const value = std::getenv(variable);
+    return value && *value ? value : nullptr;
+}
+
 /// The directory with a separator at its end; empty when none was named or is there.
 std::string resourcesOf(const char* named)
 {
     if (!named)
-        named = std::getenv("EFFECTENGINE_RESOURCES");
+        named = given("EFFECTENGINE_RESOURCES");
     if (named) {
         if (!fs::is_directory(named))
             throw GraphError(GraphFault::missingFile, std::string("no resource directory ") + named);
@@ -138,14 +145,15 @@ void startEngine()
         return;
     if (own.resources.empty())
         throw LibraryFault{EFFECTHOST_NO_ENGINE, "no resource directory beside " + ownDirectory().string()};
-    setenv("EFFECTENGINE_PATH", "auto", 0);
+    if (!given("EFFECTENGINE_PATH"))
+        setenv("EFFECTENGINE_PATH", "auto", 1);
     const unsigned result = InitializeEngine(own.resources.c_str(), own.logs ? own.logs->c_str() : nullptr);
     own.startedEngine = result == EFFECTENGINE_OK;
     if (!own.startedEngine && result != EFFECTENGINE_ALREADY_INITIALIZED)
         throw LibraryFault{EFFECTHOST_NO_ENGINE, "the engine does not start"};
 }
 
-EffectHostResult guarded(const std::function<void()>& body) noexcept
+EffectHostResult callGuarded(void (*function)(void*), void* context) noexcept
 {
     const auto say = [](EffectHostResult code, const char* words) {
         try {
@@ -158,7 +166,7 @@ EffectHostResult guarded(const std::function<void()>& body) noexcept
         return code;
     };
     try {
-        body();
+        function(context);
         return EFFECTHOST_OK;
     } catch (const GraphError& error) {
         return say(codeOf(error.fault()), error.what());

@@ -3,7 +3,6 @@
 
 #include "EffectEngine/EffectEngineHost.h"
 
-#include <functional>
 #include <string>
 
 namespace host {
@@ -20,8 +19,15 @@ struct LibraryFault {
     std::string words;
 };
 
-/// Runs the body of an exported function: exceptions become a code, and words for EffectHostLastError().
-EffectHostResult guarded(const std::function<void()>& body) noexcept;
+/// Calls function(context): exceptions become a code, and words for EffectHostLastError().
+EffectHostResult callGuarded(void (*function)(void*), void* context) noexcept;
+
+/// Runs the body of an exported function in the same way. (A std::function would take memory before the
+/// guard.)
+template <class Body> EffectHostResult guarded(Body body) noexcept
+{
+    return callGuarded([](void* context) { (*static_cast<Body*>(context))(); }, &body);
+}
 
 /// Throws LibraryFault with EFFECTHOST_BAD_ARGUMENT unless the condition holds.
 void require(bool condition, const char* words);

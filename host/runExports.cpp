@@ -40,7 +40,7 @@ namespace {
 
 using host::require;
 
-constexpr std::string_view kMix = "mix";
+bool isMix(std::string_view parameter) { return parameter == host::kMix.name; }
 
 void check(const EffectHostRun& run, const EffectHostPicture& picture)
 {
@@ -101,7 +101,7 @@ void runFrame(EffectHostRun& run, EffectHostFrame& frame)
 
 std::vector<double> numbersOf(const EffectHostRun& run, const char* node, const char* parameter)
 {
-    if (kMix == parameter)
+    if (isMix(parameter))
         return {run.graph.mix(run.nodeOr(node), run.last)};
     const auto value = run.graph.parameter(run.nodeOr(node), parameter, run.last);
     const auto* const numbers = value ? std::get_if<std::vector<double>>(&*value) : nullptr;
@@ -138,7 +138,7 @@ EffectHostResult EffectHostSetNumbers(
     return host::guarded([&] {
         require(
             run && parameter && values && count > 0, "EffectHostSetNumbers got a null pointer or no values");
-        if (kMix == parameter) {
+        if (isMix(parameter)) {
             require(count == 1 && std::isfinite(values[0]), "mix takes one number");
             run->graph.setMix(run->nodeOr(node), values[0]);
             return;
@@ -153,7 +153,7 @@ EffectHostResult EffectHostSetText(
     return host::guarded([&] {
         require(run && parameter && value, "EffectHostSetText got a null pointer");
         const std::string id = run->nodeOr(node);
-        if (kMix == parameter)
+        if (isMix(parameter))
             run->graph.setMix(id, std::get<std::vector<double>>(host::parseValue(host::kMix, value)).front());
         else
             run->graph.setParameter(id, parameter,
@@ -178,7 +178,7 @@ EffectHostResult EffectHostGetText(
 {
     return host::guarded([&] {
         require(run && parameter && value, "EffectHostGetText got a null pointer");
-        if (kMix == parameter) {
+        if (isMix(parameter)) {
             run->text = host::valueText(std::vector<double>{run->graph.mix(run->nodeOr(node), run->last)});
         } else {
             const auto held = run->graph.parameter(run->nodeOr(node), parameter, run->last);
