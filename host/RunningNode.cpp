@@ -2,6 +2,7 @@
 #include "host/RunningNode.h"
 
 #include "host/GraphError.h"
+#include "host/effectList.h"
 #include "hosting/imageView.h"
 #include "hosting/opacity.h"
 #include "pixels/rows.h"
@@ -119,9 +120,9 @@ RunningNode::RunningNode(const GraphNode& node, unsigned width, unsigned height)
         if (node_.parameters[i].constant())
             stored_[i] = node_.parameters[i].at({});
     }
-    if (node_.effect->writesInput) {
-        for (unsigned i = 0; i < node_.inputs.size(); ++i)
-            inputCopies_.emplace_back(width_, height_);
+    for (const ParamInfo* const info : describeParameters(node_.effect->guid)) {
+        if (info->name == node_.effect->writesInput)
+            writesInput_ = info;
     }
     if (node_.mask)
         loadMask();
@@ -240,13 +241,25 @@ void RunningNode::storeParameters(const FrameTime& time)
     }
 }
 
+// Whether the effect, with the values that it holds, writes to the pictures that it is given.
+bool RunningNode::writesInputs() const
+{
+    const auto value = writesInput_ ? storedValue(filter_, *writesInput_) : std::nullopt;
+    return value && std::get<std::vector<double>>(*value).front() != 0;
+}
+
 void RunningNode::setInputs(const NodePictures& pictures)
 {
+    const bool copies = writesInputs();
     for (unsigned i = 0; i < pictures.inputs.size(); ++i) {
-        if (i < inputCopies_.size())
-            pixels::rows::copy(viewOf(pictures.inputs[i]), viewOf(inputCopies_[i]));
-        SetInputImage(
-            filter_.handle(), i < inputCopies_.size() ? inputCopies_[i].handle() : pictures.inputs[i], i);
+        CEffectImage* input = pictures.inputs[i];
+        if (copies) {
+            if (i == inputCopies_.size())
+                inputCopies_.emplace_back(width_, height_);
+            pixels::rows::copy(viewOf(input), viewOf(inputCopies_[i]));
+            input = inputCopies_[i].handle();
+        }
+        SetInputImage(filter_.handle(), input, i);
     }
 }
 

@@ -58,6 +58,7 @@ private:
     void setTimes(const FrameTime& time);
     void approach(const FrameTime& time);
     void storeParameters(const FrameTime& time);
+    bool writesInputs() const;
     void setInputs(const NodePictures& pictures);
     CEffectImage* draw(const FrameTime& time, CEffectImage* target);
     void drawAlone(const FrameTime& time, const std::vector<CEffectImage*>& inputs, CEffectImage* target);
@@ -71,8 +72,9 @@ private:
     std::vector<ParameterValue> stored_; ///< of node_.parameters, as the effect was given them
     bool drew_ = false;                  ///< since the effect was made
     CEffectImage* output_ = nullptr;
-    std::vector<Image> inputCopies_; ///< for effects that write to their inputs
-    std::optional<Image> drawn_;     ///< what the effect draws into, if it takes any image
+    const KEXSDK::ParamInfo* writesInput_ = nullptr; ///< the parameter of EffectInfo::writesInput
+    std::vector<Image> inputCopies_;                 ///< for frames in which the effect writes to its inputs
+    std::optional<Image> drawn_;                     ///< what the effect draws into, if it takes any image
     std::optional<Image> mixed_;
     std::optional<MaskPlane> mask_;
     std::optional<MixShares> shares_;

@@ -170,7 +170,7 @@ EffectInfo readEffect(const Value& json)
     effect.needsGpu = flag(json, "needsGpu");
     effect.history = readHistory(json);
     effect.alpha = choice(json, "alpha", kAlphas);
-    effect.writesInput = flag(json, "writesInput");
+    effect.writesInput = text(json, "writesInput");
     effect.keepsOutput = flag(json, "keepsOutput");
     return effect;
 }

@@ -34,7 +34,8 @@ struct EffectInfo {
     bool needsGpu = false;
     History history{};
     Alpha alpha = Alpha::kept;
-    bool writesInput = false; ///< changes the pictures that it is given
+    std::string
+        writesInput{}; ///< the parameter that, unless it is 0, changes the pictures that are given; or empty
     bool keepsOutput = false; ///< leaves bytes of its output image as they were, so it needs one and the same
     std::string descriptor{}; ///< its file in the resource directory; empty for effects of the library itself
 };

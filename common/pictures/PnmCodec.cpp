@@ -30,7 +30,6 @@ public:
 
     u32 width() const { return width_; }
     u32 height() const { return height_; }
-    u32 channels() const { return channels_; }
     bool fine() const { return largest_ > 255; }
 
     Decoded::Outcome outcome() const
@@ -50,6 +49,21 @@ public:
         return start >= 0 && end >= start && u64(end - start) >= u64{height_} * rowBytes();
     }
 
+    /// Calls use(red, green, blue) for every pixel in the file's order, with values scaled to 0..65535. False
+    /// when the file cannot be read.
+    template <class Use> bool eachPixel(Use use)
+    {
+        for (u32 y = 0; y < height_; ++y) {
+            const std::span<const u16> samples = row();
+            if (samples.empty())
+                return false;
+            for (std::size_t i = 0; i < samples.size(); i += channels_)
+                use(samples[i], samples[i + channels_ / 2], samples[i + channels_ - 1]);
+        }
+        return true;
+    }
+
+private:
     /// The next row: width * channels values scaled to 0..65535, valid until the next call. Empty when the
     /// file cannot be read.
     std::span<const u16> row()
@@ -65,7 +79,6 @@ public:
         return samples_;
     }
 
-private:
     static bool isBlank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
     std::size_t rowBytes() const { return std::size_t{width_} * channels_ * (fine() ? 2 : 1); }
@@ -131,19 +144,13 @@ Decoded decodePnm(std::istream& file)
     if (!pixels)
         return result;
     u8* to = pixels.get();
-    for (u32 y = 0; y < pnm.height(); ++y) {
-        const std::span<const u16> row = pnm.row();
-        if (row.empty())
-            return result;
-        const std::size_t green = pnm.channels() / 2;
-        const std::size_t blue = pnm.channels() - 1;
-        for (std::size_t i = 0; i < row.size(); i += pnm.channels(), to += 4) {
-            to[0] = u8(row[i + blue] >> 8);
-            to[1] = u8(row[i + green] >> 8);
-            to[2] = u8(row[i] >> 8);
-            to[3] = 255;
-        }
-    }
+    const auto store = [&to](u16 red, u16 green, u16 blue) {
+        for (const u16 value : {blue, green, red})
+            *to++ = u8(value >> 8);
+        *to++ = 255;
+    };
+    if (!pnm.eachPixel(store))
+        return result;
     result.outcome = Decoded::Outcome::picture;
     result.pixels = std::move(pixels);
     return result;
@@ -156,18 +163,12 @@ DecodedGrey decodeGreyPnm(std::istream& file)
     if (result.outcome != Decoded::Outcome::picture)
         return result;
     result.outcome = Decoded::Outcome::unreadable;
-    if (!pnm.whole())
+    if (!pnm.whole()) // before memory is taken for what is not there
         return result;
     result.values.reserve(std::size_t{pnm.width()} * pnm.height());
-    for (u32 y = 0; y < pnm.height(); ++y) {
-        const std::span<const u16> row = pnm.row();
-        if (row.empty())
-            return result;
-        const std::size_t green = pnm.channels() / 2;
-        const std::size_t blue = pnm.channels() - 1;
-        for (std::size_t i = 0; i < row.size(); i += pnm.channels())
-            result.values.push_back(luma(row[i], row[i + green], row[i + blue]));
-    }
+    if (!pnm.eachPixel(
+            [&](u16 red, u16 green, u16 blue) { result.values.push_back(luma(red, green, blue)); }))
+        return result;
     result.outcome = Decoded::Outcome::picture;
     return result;
 }

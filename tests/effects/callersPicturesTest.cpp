@@ -170,7 +170,7 @@ public:
         const auto graph = graphWith(effect, setting, size);
         const Shown expected = showFilter(graph, size, false);
         if (expected.wroteInput) {
-            EXPECT_TRUE(effect.writesInput) << "it wrote to an input";
+            EXPECT_FALSE(effect.writesInput.empty()) << "it wrote to an input";
             needed_.insert(effect.name);
         }
         if (effect.keepsOutput && showFilter(graph, size, true).frames != expected.frames)
@@ -184,7 +184,8 @@ public:
     void checkThatFactsWereNeeded() const
     {
         for (const EffectInfo& effect : listEffects())
-            EXPECT_EQ(effect.writesInput || effect.keepsOutput, needed_.contains(effect.name)) << effect.name;
+            EXPECT_EQ(!effect.writesInput.empty() || effect.keepsOutput, needed_.contains(effect.name))
+                << effect.name;
     }
 
 private:

@@ -86,8 +86,8 @@ std::vector<u8> render(
     }
     EXPECT_TRUE(output.guardsIntact());
     for (u32 i = 0; i < effect.inputs; ++i)
-        EXPECT_TRUE(
-            before[i] == frames.inputs[i]->bytes() || effect.writesInput || (inPlace && i == target.input))
+        EXPECT_TRUE(before[i] == frames.inputs[i]->bytes() || !effect.writesInput.empty()
+            || (inPlace && i == target.input))
             << "input " << i << " was written";
     return output.bytes();
 }

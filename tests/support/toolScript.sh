@@ -1,6 +1,7 @@
 # What test scripts of the tool share: sourced with the tool's path, it makes a directory of its own, goes there, and
 # tidies up at the end.
 set -uo pipefail
+support=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 tool=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT

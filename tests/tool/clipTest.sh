@@ -2,26 +2,13 @@
 # The verbs for clips: what ffprobe finds in their outputs, what they print, and their exit codes.
 samples=$(realpath "$(dirname "$0")/../../docs/samples")
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
+source "$support/clipScript.sh"
 trap 'mountpoint -q "$work/small" && umount "$work/small"; rm -rf "$work"' EXIT
 
-same() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
-make() { ffmpeg -v error -y "$@" || fail "cannot make $*"; }
 # of STREAM ENTRIES FILE: values that ffprobe finds, with commas between.
 of() { ffprobe -v error -select_streams "$1" -count_frames -show_entries "stream=$2" -of csv=p=0 "$3"; }
 times() { ffprobe -v error -select_streams v -show_entries frame=pts_time -of csv=p=0 "$1" | tr -d ,; }
-sound() { ffmpeg -v error -i "$1" -map 0:a -c copy -f md5 - ; }
 pixels() { ffmpeg -v error -i "$1" -map 0:v -fps_mode passthrough -pix_fmt rgba -f framehash - | grep -v '^#' | sed 's/.*, *//'; }
-hashes() { sed -n 's/.*"sha256" : "\(.*\)".*/\1/p' "$@"; }
-# likeness CLIP CLIP: their signal-to-noise ratio in whole decibels, 100 for equal clips.
-likeness() {
-    ffmpeg -v info -i "$1" -i "$2" -lavfi "[0]format=yuv444p[a];[1]format=yuv444p[b];[a][b]psnr" -f null - 2>&1 |
-        sed -n 's/.*average:\(inf\|[0-9]*\).*/\1/p' | sed 's/inf/100/'
-}
-alike() {
-    local found
-    found=$(likeness "$1" "$2")
-    [ "${found:-0}" -ge "$3" ] || fail "$1 is not like $2: ${found:-?} dB, not $3"
-}
 copy=(-e black-and-white -p kex_effect_enable=0)
 
 make -f lavfi -i testsrc2=s=160x120:r=25:d=2 -f lavfi -i sine=d=2 -c:v libx264 -g 20 -c:a aac plain.mp4

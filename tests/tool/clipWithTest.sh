@@ -1,22 +1,10 @@
 #!/usr/bin/env bash
 # Further clips beside the first one, and parameters that follow its sound: what is shown, in parts as in the whole.
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
+source "$support/clipScript.sh"
 
-same() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
-make() { ffmpeg -v error -y "$@" || fail "cannot make $*"; }
 pixels() { ffmpeg -v error "$@" -map 0:v -fps_mode passthrough -pix_fmt rgba -f framehash - | grep -v '^#' | sed 's/.*, *//'; }
 pictures() { pixels -pattern_type glob -i "$1/*.png"; }
-sound() { ffmpeg -v error -i "$1" -map 0:a -c copy -f md5 - ; }
-hashes() { sed -n 's/.*"sha256" : "\(.*\)".*/\1/p' "$@"; }
-likeness() {
-    ffmpeg -v info -i "$1" -i "$2" -lavfi "[0]format=yuv444p[a];[1]format=yuv444p[b];[a][b]psnr" -f null - 2>&1 |
-        sed -n 's/.*average:\(inf\|[0-9]*\).*/\1/p' | sed 's/inf/100/'
-}
-alike() {
-    local found
-    found=$(likeness "$1" "$2")
-    [ "${found:-0}" -ge "$3" ] || fail "$4: ${found:-?} dB, not $3"
-}
 
 # Graphs that show the second clip alone, the third one, and the second one by an effect that remembers.
 cat >second.json <<'END'

@@ -4,7 +4,7 @@ source "$(dirname "$0")/../support/toolScript.sh" "$1"
 look=$2
 
 raw() { ffmpeg -v error "$@" -f rawvideo -pix_fmt rgb24 -; }
-same() { cmp "$1" "$2" || fail "$3"; }
+sameBytes() { cmp "$1" "$2" || fail "$3"; }
 
 ffmpeg -v error -f lavfi -i testsrc2=size=96x64:rate=10:duration=0.8 -vf format=gbrp -c:v ffv1 clip.mkv
 raw -i clip.mkv >frames.rgb
@@ -27,14 +27,14 @@ cmp -s library.rgb frames.rgb && fail "the graph changes nothing"
 mkdir video
 expect 0 '' "$tool" --seed 5 video clip.mkv video/%d.png --graph look.json
 raw -start_number "$(basename "$(ls video | sort -n | head -1)" .png)" -i video/%d.png >video.rgb
-same video.rgb library.rgb "video and the host library differ"
+sameBytes video.rgb library.rgb "video and the host library differ"
 expect 0 '' "$tool" --seed 5 render look.json clip.mkv rendered
 raw -start_number 0 -i rendered/%06d.png >render.rgb
-same render.rgb library.rgb "render and the host library differ"
+sameBytes render.rgb library.rgb "render and the host library differ"
 for i in 0 1 2 3 4 5 6 7; do
     expect 0 '' "$tool" --seed 5 apply --graph look.json "frames/$i.png" "applied-$i.png" --time "0.$i" --total 0.8
     raw -i "applied-$i.png"
 done >apply.rgb
-same apply.rgb library.rgb "apply and the host library differ"
+sameBytes apply.rgb library.rgb "apply and the host library differ"
 
 exit "$((failures > 0))"

@@ -235,7 +235,7 @@ const Registration<CLightRoomPlusEffect> registered{{
     .family = "colour",
     .summary = "White balance, exposure, contrast, saturation and vignette, with clarity, sharpness, lens "
                "distortion, glow and haze removal.",
-    .writesInput = true,
+    .writesInput = kDehaze.name,
 }};
 
 } // namespace
