@@ -6,6 +6,7 @@
 #include "support/EngineFixture.h"
 #include "support/allocationCount.h"
 #include "support/inChild.h"
+#include "support/paths.h"
 
 #include <cmath>
 #include <filesystem>
@@ -228,8 +229,7 @@ TEST_F(AmTextures, AHostMayPutAPictureOfItsOwnInTheTexturesPlace)
 
 TEST(AmTextureLog, AMissingTextureIsOneWarning)
 {
-    const std::filesystem::path file =
-        std::filesystem::path(EFFECTENGINE_TEST_OUTPUT_DIR) / "missingTexture.log";
+    const std::filesystem::path file = std::filesystem::path(test::kOutputDirectory) / "missingTexture.log";
     std::filesystem::remove(file);
     ASSERT_TRUE(test::inChild([&] { // the log opens once per process
         test::useNoGraphics();

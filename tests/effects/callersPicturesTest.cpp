@@ -6,6 +6,7 @@
 #include "hosting/exampleValues.h"
 #include "support/GraphFixture.h"
 #include "support/GuardedFrame.h"
+#include "support/paths.h"
 
 #include <memory>
 #include <set>
@@ -223,9 +224,9 @@ TEST(CallersPicturesWithGpu, AreWrittenWhollyAndInputsAreLeftAlone)
 {
     core::pinTime(1'700'000'000);
     KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
-    listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
+    listShaderEffectsOf(test::kResourceDirectory);
     {
-        const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, nullptr);
+        const host::Engine engine(test::kResourceDirectory, nullptr);
         ASSERT_TRUE(KEXSDK::gpuAvailable());
         Promises promises;
         for (const EffectInfo& effect : listEffects())

@@ -3,6 +3,7 @@
 #include "pixels/widest.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
+#include "support/paths.h"
 
 #include <tbb/global_control.h>
 
@@ -175,7 +176,7 @@ class Lut : public test::EngineWithoutGpu {
 protected:
     void SetUp() override
     {
-        directory_ = fs::path(EFFECTENGINE_TEST_OUTPUT_DIR) / "lut"
+        directory_ = fs::path(test::kOutputDirectory) / "lut"
             / testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(directory_);
         fs::create_directories(directory_);
@@ -340,7 +341,7 @@ TEST_F(Lut, AFileMayBeSetWhileTheNodeRuns)
 // The log opens once per process, so the lines are written by a child.
 TEST(LutLog, EveryFileLeavesOneLine)
 {
-    const fs::path directory = fs::path(EFFECTENGINE_TEST_OUTPUT_DIR) / "lutLog";
+    const fs::path directory = fs::path(test::kOutputDirectory) / "lutLog";
     fs::remove_all(directory);
     fs::create_directories(directory);
     const auto write = [&](const char* name, const std::string& text) {

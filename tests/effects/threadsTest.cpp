@@ -6,6 +6,7 @@
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
 #include "support/TemporaryDirectory.h"
+#include "support/paths.h"
 
 #include <latch>
 #include <set>
@@ -96,10 +97,10 @@ TEST(ThreadsOnTheGpu, GraphsOnFourOfThemGiveTheBytesOfOne)
 {
     unsetenv("DISPLAY");
     KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
-    listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
+    listShaderEffectsOf(test::kResourceDirectory);
     {
         const test::TemporaryDirectory logs;
-        const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, logs.path().c_str());
+        const host::Engine engine(test::kResourceDirectory, logs.path().c_str());
         ASSERT_TRUE(KEXSDK::gpuAvailable());
         for (const EffectInfo& effect : listEffects())
             if (effect.needsGpu)

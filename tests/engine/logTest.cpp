@@ -3,6 +3,7 @@
 
 #include "support/EngineFixture.h"
 #include "support/inChild.h"
+#include "support/paths.h"
 
 #include <filesystem>
 #include <fstream>
@@ -23,8 +24,8 @@ class Log : public testing::Test {
 protected:
     void SetUp() override
     {
-        directory_ = fs::path(EFFECTENGINE_TEST_OUTPUT_DIR)
-            / testing::UnitTest::GetInstance()->current_test_info()->name();
+        directory_ =
+            fs::path(test::kOutputDirectory) / testing::UnitTest::GetInstance()->current_test_info()->name();
         fs::remove_all(directory_);
         fs::create_directories(directory_ / "second");
     }

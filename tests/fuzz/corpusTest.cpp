@@ -2,6 +2,7 @@
 #include "fuzz/examine.h"
 #include "fuzz/examineDescriptor.h"
 #include "shader/ShaderEngine.h"
+#include "support/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +17,8 @@ void readAll(const char* directory, lut::LutFile (*parse)(std::istream&))
 {
     int accepted = 0;
     int refused = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(
-             std::filesystem::path(EFFECTENGINE_FUZZ_CORPUS_DIR) / directory)) {
+    for (const auto& entry :
+        std::filesystem::directory_iterator(std::filesystem::path(test::kFuzzCorpus) / directory)) {
         std::ifstream stream(entry.path(), std::ios::binary);
         const lut::LutFile file = parse(stream);
         ++(file.status == lut::LutStatus::success ? accepted : refused);
@@ -35,8 +36,8 @@ TEST(FuzzCorpus, EveryDescriptorIsReadOrRefused)
 {
     int read = 0;
     int refused = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(
-             std::filesystem::path(EFFECTENGINE_FUZZ_CORPUS_DIR) / "descriptor")) {
+    for (const auto& entry :
+        std::filesystem::directory_iterator(std::filesystem::path(test::kFuzzCorpus) / "descriptor")) {
         const shader::DescriptorFile file = shader::readDescriptor(entry.path().string());
         ++(file.descriptor ? read : refused);
         if (file.descriptor) {
@@ -52,8 +53,8 @@ using ParticleCorpus = test::ShaderEngine;
 TEST_F(ParticleCorpus, NoTemplateEndsTheEngine)
 {
     int drawn = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(
-             std::filesystem::path(EFFECTENGINE_FUZZ_CORPUS_DIR) / "particles")) {
+    for (const auto& entry :
+        std::filesystem::directory_iterator(std::filesystem::path(test::kFuzzCorpus) / "particles")) {
         SCOPED_TRACE(entry.path());
         std::ifstream stream(entry.path(), std::ios::binary);
         const std::string text(std::istreambuf_iterator<char>(stream), {});

@@ -4,6 +4,7 @@
 #include "EffectTovOgre/TovOgreEffectBase.h"
 #include "effects/gpu/GpuEffect.h"
 #include "gpu/OgreTest.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <random>
@@ -42,10 +43,7 @@ struct Picture : KEXSDK::CEffectImage {
 
 class GpuEffectTest : public OgreTest {
 protected:
-    GpuEffectTest()
-        : thread_(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str())
-    {
-    }
+    GpuEffectTest() : thread_(test::kResourceDirectory, test::kResourceDirectory, directory_.c_str()) { }
 
     /// An effect with a fragment program, or the default one.
     static KEXSDK::GpuEffect effectOf(u32 width, u32 height, const char* source = nullptr)

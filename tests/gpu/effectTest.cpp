@@ -1,5 +1,6 @@
 // GPU effects: what is drawn is what the program says, to the byte where it only copies.
 #include "gpu/GpuEffectTest.h"
+#include "support/paths.h"
 
 #include <optional>
 
@@ -251,7 +252,7 @@ protected:
     {
         thread_.shutdown();
         write("resources.cfg", "[General]\nFileSystem = .\n");
-        own_.emplace(directory_.c_str(), EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str());
+        own_.emplace(directory_.c_str(), test::kResourceDirectory, directory_.c_str());
     }
 
     std::optional<KEXSDK::TovOgreRenderThread> own_;
@@ -358,7 +359,7 @@ TEST_F(EffectTest, AnEffectOutlivesItsThreadUnharmed)
     EXPECT_EQ(effect->getShaderParameters(), nullptr);
     EXPECT_FALSE(effect.draw(target));
     // The old effect does not get in the way of the next thread's effects either.
-    KEXSDK::TovOgreRenderThread again(EFFECTENGINE_RESOURCE_DIR "/", EFFECTENGINE_RESOURCE_DIR "/", "");
+    KEXSDK::TovOgreRenderThread again(test::kResourceDirectory, test::kResourceDirectory, "");
     EXPECT_FALSE(effect.draw(target));
     KEXSDK::GpuEffect later = effectOf(8, 8);
     later->setInput(target.record(), 0); // with a texture of the thread before

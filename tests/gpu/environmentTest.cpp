@@ -2,6 +2,7 @@
 #include "EffectTovOgre/TovOgreBase.h"
 #include "gpu/OgreTest.h"
 #include "platform/OffscreenGl.h"
+#include "support/paths.h"
 
 #include <GL/gl.h>
 #include <OgreRenderWindow.h>
@@ -27,7 +28,7 @@ std::size_t openFiles()
 TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)
 {
     KEXSDK::TovOgreBase environment(
-        EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
+        test::kResourceDirectory, test::kResourceDirectory, directory_.c_str(), 0);
     ASSERT_TRUE(environment.initialisationSucceeded()) << read("Ogre.log");
     EXPECT_FALSE(environment.configurationRestored());
     EXPECT_FALSE(environment.layeredWindow());
@@ -47,7 +48,7 @@ TEST_F(EnvironmentTest, BringsUpTheWholeRecipeWithoutADisplay)
     glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, pixel);
     EXPECT_EQ((std::vector<int>(pixel, pixel + 3)), (std::vector<int>{51, 102, 153}));
 
-    KEXSDK::TovOgreBase second(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str(), 0);
+    KEXSDK::TovOgreBase second(test::kResourceDirectory, test::kResourceDirectory, directory_.c_str(), 0);
     EXPECT_EQ(second.root(), nullptr);
     EXPECT_FALSE(second.initialisationSucceeded());
     EXPECT_EQ(&KEXSDK::TovOgreBase::getInstance(), &environment);
@@ -68,7 +69,7 @@ TEST_F(EnvironmentTest, TearsDownTheScenesThatAreLeftWhileOgreIsStillUp)
         }
     } leaves, stays, gone;
     {
-        KEXSDK::TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
+        KEXSDK::TovOgreBase environment(test::kResourceDirectory, nullptr, directory_.c_str(), 0);
         leaves.environment = &environment;
         for (Scene* const scene : {&leaves, &stays, &gone})
             environment.addLiveEffect(scene);
@@ -84,7 +85,7 @@ TEST_F(EnvironmentTest, WithoutOffscreenAndWithoutALivingDisplayTheGpuIsUnavaila
 {
     const auto start = [&] {
         KEXSDK::TovOgreRenderThread thread(
-            EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str());
+            test::kResourceDirectory, test::kResourceDirectory, directory_.c_str());
         const bool available = KEXSDK::gpuAvailable();
         EXPECT_EQ(static_cast<bool>(thread.loadImage("x")), available);
         return available;
@@ -105,7 +106,7 @@ TEST_F(EnvironmentTest, StartingOftenCostsNeitherFilesNorMemory)
     const auto startOften = [&](int times) {
         for (int i = 0; i < times; ++i) {
             KEXSDK::TovOgreRenderThread thread(
-                EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str());
+                test::kResourceDirectory, test::kResourceDirectory, directory_.c_str());
             ASSERT_TRUE(KEXSDK::gpuAvailable());
         }
     };
@@ -149,7 +150,7 @@ TEST_F(EnvironmentTest, AConfigurationInTheCurrentDirectoryReplacesTheOptions)
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(directory_);
     {
-        KEXSDK::TovOgreBase environment(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str(), 0);
+        KEXSDK::TovOgreBase environment(test::kResourceDirectory, nullptr, directory_.c_str(), 0);
         EXPECT_TRUE(environment.initialisationSucceeded()) << read("Ogre.log");
         EXPECT_TRUE(environment.configurationRestored());
         EXPECT_EQ(environment.renderWindow()->getWidth(), 320u);
@@ -162,7 +163,7 @@ TEST_F(EnvironmentTest, TheProcessMayEndWhileTheThreadWaits)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            new KEXSDK::TovOgreRenderThread(EFFECTENGINE_RESOURCE_DIR, nullptr, directory_.c_str());
+            new KEXSDK::TovOgreRenderThread(test::kResourceDirectory, nullptr, directory_.c_str());
             std::filesystem::remove_all(directory_); // the child's own, which no fixture removes
             std::exit(KEXSDK::gpuAvailable() ? 42 : 1);
         },

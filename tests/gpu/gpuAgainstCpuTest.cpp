@@ -6,6 +6,7 @@
 #include "support/EngineFixture.h"
 #include "support/Environment.h"
 #include "support/GuardedFrame.h"
+#include "support/paths.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -56,7 +57,7 @@ protected:
             KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
         else
             test::useNoGraphics();
-        EXPECT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
+        EXPECT_EQ(InitializeEngine(test::kResourceDirectory, directory_.c_str()), 0u);
         EXPECT_EQ(KEXSDK::gpuAvailable(), onGpu) << read("Ogre.log");
         std::vector<std::vector<u8>> pictures;
         for (const Row& row : rows) {
@@ -223,7 +224,7 @@ TEST_F(GpuAgainstCpuTest, StepsOfTheGpuAlone)
         {"u_blackLevel", 60, {64, 126, 185, 255}},
         {"u_blackLevel", -60, {44, 98, 161, 255}},
     };
-    ASSERT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
+    ASSERT_EQ(InitializeEngine(test::kResourceDirectory, directory_.c_str()), 0u);
     test::GuardedFrame source(8, 4);
     source.fill({60, 120, 180, 255});
     for (const auto& step : steps) {
@@ -239,7 +240,7 @@ TEST_F(GpuAgainstCpuTest, StepsOfTheGpuAlone)
 
 TEST_F(GpuAgainstCpuTest, AUniformTakesTheParameterOfItsPlainName)
 {
-    ASSERT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
+    ASSERT_EQ(InitializeEngine(test::kResourceDirectory, directory_.c_str()), 0u);
     test::GuardedFrame source(8, 4);
     source.fill({60, 120, 180, 255});
     host::Filter filter(kLightRoom, 8, 4);

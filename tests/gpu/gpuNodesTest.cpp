@@ -4,6 +4,7 @@
 #include "pixels/View.h"
 #include "support/EngineFixture.h"
 #include "support/GuardedFrame.h"
+#include "support/paths.h"
 
 #include <sys/mman.h>
 
@@ -21,7 +22,7 @@ class GpuNodesTest : public OgreTest {
 protected:
     GpuNodesTest()
     {
-        EXPECT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR "/", directory_.c_str()), 0u);
+        EXPECT_EQ(InitializeEngine(test::kResourceDirectory, directory_.c_str()), 0u);
         EXPECT_TRUE(KEXSDK::gpuAvailable());
     }
     ~GpuNodesTest() override { UninitializeEngine(); }

@@ -1,6 +1,7 @@
 // Picture files through the render thread and OGRE: what is saved comes back, and nothing else comes in.
 #include "gpu/OgreTest.h"
 #include "pictures/PictureCodecs.h"
+#include "support/paths.h"
 
 #include <jpeglib.h>
 #include <malloc.h>
@@ -19,7 +20,7 @@ using Bytes = std::vector<u8>;
 /// One thread for all tests here; each sees the log from its own start on.
 class PictureFilesTest : public OgreTest {
 protected:
-    PictureFilesTest() : thread_(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str())
+    PictureFilesTest() : thread_(test::kResourceDirectory, test::kResourceDirectory, directory_.c_str())
     {
         EXPECT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
     }

@@ -3,6 +3,7 @@
 #include "hosting/Host.h"
 #include "pictures/PictureCodecs.h"
 #include "pixels/View.h"
+#include "support/paths.h"
 
 namespace {
 
@@ -14,7 +15,7 @@ TEST_F(TextureFilesTest, AreLoadedFromTheResourceLocationsAndStandTheRightWayUp)
 {
     namespace fs = std::filesystem;
     for (const char* const name : {"resources.cfg", "plugins.cfg"})
-        fs::copy_file(fs::path(EFFECTENGINE_RESOURCE_DIR) / name, path(name));
+        fs::copy_file(fs::path(test::kResourceDirectory) / name, path(name));
     fs::create_directory(path("Textures"));
     // Saved top row first: white above black.
     const Bgra canvas[] = {{255, 255, 255, 255}, {255, 255, 255, 255}, {0, 0, 0, 255}, {0, 0, 0, 255}};

@@ -1,6 +1,7 @@
 // The words of graph files: the tables of the code, the schema and the document have the same ones.
 #include "host/Easing.h"
 #include "host/SoundLevel.h"
+#include "support/paths.h"
 
 #include <gmock/gmock.h>
 #include <json/json.h>
@@ -24,7 +25,7 @@ std::string contentsOf(const std::string& file)
 std::vector<std::string> schemaWords(const char* definition)
 {
     Json::Value schema;
-    std::istringstream(contentsOf(EFFECTENGINE_GRAPH_SCHEMA)) >> schema;
+    std::istringstream(contentsOf(test::kGraphSchema)) >> schema;
     std::vector<std::string> words;
     for (const Json::Value& word : schema["$defs"][definition]["enum"])
         words.push_back(word.asString());
@@ -47,7 +48,7 @@ TEST(Vocabulary, OfEasesAndBandsIsTheSameInCodeSchemaAndDocument)
         bands.emplace_back(band.name);
     EXPECT_THAT(schemaWords("band"), ElementsAreArray(bands));
 
-    const std::string document = contentsOf(EFFECTENGINE_SOURCE_DIR "/docs/graphs.md");
+    const std::string document = contentsOf(std::string(test::kSourceDirectory) + "/docs/graphs.md");
     for (const auto* const words : {&all, &bands}) {
         for (const std::string& word : *words)
             EXPECT_THAT(document, HasSubstr("`" + word + "`"));

@@ -5,6 +5,7 @@
 #include "gpu/OgreTest.h"
 #include "hosting/Host.h"
 #include "pictures/PictureCodecs.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <array>
@@ -66,7 +67,7 @@ constexpr const char* kOverlays[] = {
 
 class PackFiles : public OgreTest {
 protected:
-    PackFiles() : thread_(EFFECTENGINE_RESOURCE_DIR, EFFECTENGINE_RESOURCE_DIR, directory_.c_str())
+    PackFiles() : thread_(test::kResourceDirectory, test::kResourceDirectory, directory_.c_str())
     {
         EXPECT_TRUE(KEXSDK::gpuAvailable()) << read("Ogre.log");
     }
@@ -138,10 +139,10 @@ TEST_F(PackFiles, NothingElseLiesAmongThem)
 {
     std::set<std::string> expected = catalogueTextures();
     std::set<std::string> found;
-    for (const auto& file : fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "Textures"))
+    for (const auto& file : fs::directory_iterator(std::string(test::kResourceDirectory) + "Textures"))
         found.insert(file.path().filename());
     EXPECT_EQ(found, expected);
-    EXPECT_EQ(std::distance(fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "Overlays"), {}),
+    EXPECT_EQ(std::distance(fs::directory_iterator(std::string(test::kResourceDirectory) + "Overlays"), {}),
         2 * std::ssize(kOverlays));
 }
 
@@ -153,7 +154,7 @@ protected:
     static constexpr int kDark = 70;
     static constexpr int kBright = 200;
 
-    PackEffects() : engine_(EFFECTENGINE_RESOURCE_DIR, nullptr), photograph_(kWidth, kHeight)
+    PackEffects() : engine_(test::kResourceDirectory, nullptr), photograph_(kWidth, kHeight)
     {
         const auto bytes = photograph_.bytes();
         for (std::size_t i = 0; i < bytes.size(); ++i)
@@ -231,7 +232,7 @@ TEST_F(PackEffects, OverlaysReachTheFrame)
 std::map<std::string, pictures::DecodedGrey> wipePictures()
 {
     std::map<std::string, pictures::DecodedGrey> all;
-    for (const auto& entry : fs::directory_iterator(EFFECTENGINE_RESOURCE_DIR "wipes")) {
+    for (const auto& entry : fs::directory_iterator(std::string(test::kResourceDirectory) + "wipes")) {
         std::ifstream file(entry.path(), std::ios::binary);
         all[entry.path().stem()] = pictures::decodeGrey(file);
     }
@@ -262,7 +263,7 @@ TEST(PackWipes, AreFoundByTheirNamesAndKeepTheirSpeedAtOtherSizes)
 {
     constexpr unsigned kWidth = 960;
     constexpr unsigned kHeight = 540;
-    const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, nullptr);
+    const host::Engine engine(test::kResourceDirectory, nullptr);
     const host::Image from(kWidth, kHeight), to(kWidth, kHeight);
     std::ranges::fill(from.bytes(), u8(0));
     std::ranges::fill(to.bytes(), u8(255));

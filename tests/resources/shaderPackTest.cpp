@@ -7,6 +7,7 @@
 #include "host/EffectGraph.h"
 #include "hosting/Host.h"
 #include "support/TemporaryDirectory.h"
+#include "support/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -47,8 +48,8 @@ protected:
     void SetUp() override
     {
         KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
-        listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
-        engine.emplace(EFFECTENGINE_RESOURCE_DIR, logs.path().c_str());
+        listShaderEffectsOf(test::kResourceDirectory);
+        engine.emplace(test::kResourceDirectory, logs.path().c_str());
         ASSERT_TRUE(KEXSDK::gpuAvailable());
         first.emplace(scene(0));
         second.emplace(scene(1));
@@ -118,7 +119,7 @@ TEST_F(ShaderPack, EveryFileIsAnEffectOfItsOwn)
         listed.insert(effect.guid);
     for (std::size_t i = 0; i < 3; ++i)
         for (const auto& entry : std::filesystem::directory_iterator(
-                 std::string(EFFECTENGINE_RESOURCE_DIR) + shader::kDescriptorDirectories[i]))
+                 std::string(test::kResourceDirectory) + shader::kDescriptorDirectories[i]))
             if (entry.path().extension() == ".conf") {
                 ++files;
                 ++effectsOf[i];

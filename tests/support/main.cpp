@@ -1,5 +1,6 @@
 // Entry of the test program.
 #include "host/effectList.h"
+#include "support/paths.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
-    host::readCatalogue(EFFECTENGINE_CATALOGUE, EFFECTENGINE_RESOURCE_DIR);
+    host::readCatalogue(test::kCatalogue, test::kResourceDirectory);
     // Tests set these themselves.
     unsetenv("EFFECTENGINE_SEED");
     unsetenv("EFFECTENGINE_PATH");

@@ -7,6 +7,7 @@
 #include "host/effectList.h"
 #include "hosting/exampleValues.h"
 #include "support/GuardedFrame.h"
+#include "support/paths.h"
 #include "text/jsonText.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +25,7 @@ constexpr int kHeight = 48;
 
 Json::Value readCatalogue()
 {
-    std::ifstream stream(EFFECTENGINE_CATALOGUE);
+    std::ifstream stream(test::kCatalogue);
     Json::Value json;
     stream >> json;
     return json;
@@ -35,8 +36,8 @@ protected:
     static void SetUpTestSuite()
     {
         KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
-        listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
-        ASSERT_EQ(InitializeEngine(EFFECTENGINE_RESOURCE_DIR, nullptr), 0u);
+        listShaderEffectsOf(test::kResourceDirectory);
+        ASSERT_EQ(InitializeEngine(test::kResourceDirectory, nullptr), 0u);
         ASSERT_TRUE(KEXSDK::gpuAvailable());
     }
     static void TearDownTestSuite()
@@ -125,7 +126,7 @@ Json::Value storedValue(const host::Filter& filter, const std::string& name, con
 
 TEST_F(Catalogue, IsWhatTheRegistriesOfThisBuildHold)
 {
-    std::ifstream stream(EFFECTENGINE_CATALOGUE);
+    std::ifstream stream(test::kCatalogue);
     std::ostringstream text;
     text << stream.rdbuf();
     Json::Value entries(Json::arrayValue);

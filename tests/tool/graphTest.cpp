@@ -3,6 +3,7 @@
 #include "host/GraphError.h"
 #include "host/names.h"
 #include "support/EngineFixture.h"
+#include "support/paths.h"
 
 #include <gmock/gmock.h>
 
@@ -366,7 +367,7 @@ TEST(GraphFiles, ThatAreNoGraphsAreToldApart)
 
 TEST_F(Graphs, AreSavedAndReadBackAsTheyWere)
 {
-    const fs::path directory = fs::path(EFFECTENGINE_TEST_OUTPUT_DIR) / "graphs";
+    const fs::path directory = fs::path(test::kOutputDirectory) / "graphs";
     fs::create_directories(directory);
     const auto graph = parsed(R"({"id": "a", "effect": "am-binary", "parameters": {"Percent": {"keyframes": [
         {"frame": 0, "value": 20, "interpolation": "smooth"}, {"frame": 10, "value": 60}]}}},

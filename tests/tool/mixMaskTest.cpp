@@ -4,6 +4,7 @@
 #include "support/FilesInMemory.h"
 #include "support/GraphFixture.h"
 #include "support/TemporaryDirectory.h"
+#include "support/paths.h"
 
 #include <gmock/gmock.h>
 
@@ -243,7 +244,7 @@ TEST(MaskFiles, LieOverThePictureAsTheyAreSeen)
 {
     KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory({});
     const test::TemporaryDirectory files;
-    const host::Engine engine(EFFECTENGINE_RESOURCE_DIR, nullptr);
+    const host::Engine engine(test::kResourceDirectory, nullptr);
     constexpr unsigned kSide = 8;
     const host::Image mask(kSide, kSide);
     const host::Image black(kSide, kSide);

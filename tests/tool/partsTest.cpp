@@ -5,6 +5,7 @@
 #include "engine/effectList.h"
 #include "host/EffectGraph.h"
 #include "support/EngineFixture.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <vector>
@@ -110,7 +111,7 @@ TEST_F(Parts, AreRefusedForEffectsThatRememberEverythingOrDrawOn)
 
 TEST_F(Parts, AreRefusedWhereAttributesOfParticlesMove)
 {
-    listShaderEffectsOf(EFFECTENGINE_RESOURCE_DIR);
+    listShaderEffectsOf(test::kResourceDirectory);
     const auto scenes = listEffects();
     const auto scene = std::ranges::find(scenes, "particles", &KEXSDK::EffectInfo::family);
     ASSERT_NE(scene, scenes.end());
