@@ -22,8 +22,11 @@ double secondsSince(Clock::time_point start)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Fills the image with smooth areas, edges and noise, about as much of each as in a photograph; the same in
-// every run.
+// Makes the compiler believe that the memory is read, so that it does not leave the copy out.
+void keep(const void* memory) { asm volatile("" : : "g"(memory) : "memory"); }
+
+} // namespace
+
 void paint(const Image& image, unsigned seed)
 {
     std::mt19937 random(seed);
@@ -39,11 +42,6 @@ void paint(const Image& image, unsigned seed)
         bytes[4 * i + 3] = 255;
     }
 }
-
-// Makes the compiler believe that the memory is read, so that it does not leave the copy out.
-void keep(const void* memory) { asm volatile("" : : "g"(memory) : "memory"); }
-
-} // namespace
 
 double median(std::vector<double>& times)
 {

@@ -21,6 +21,10 @@ double copySeconds(FrameSize frame);
 /// The median of at least one time. Reorders them.
 double median(std::vector<double>& times);
 
+/// Fills the image with smooth areas, edges and noise, about as much of each as in a photograph; the same in
+/// every process. @param seed  makes pictures that differ
+void paint(const Image& image, unsigned seed);
+
 /// An effect with example values over painted frames, warmed up: effects with a history are in their steady
 /// state and own all their memory. Throws Failure when the effect is not available.
 class EffectRun {

@@ -13,6 +13,7 @@
 #include "support/allocationCount.h"
 
 #include <tbb/global_control.h>
+#include <tbb/task_arena.h>
 
 #include <limits>
 #include <memory>
@@ -194,19 +195,26 @@ TEST_F(Sweep, ThreadsAndVectorsNeverShowInTheBytes)
         if (effect.needsGpu)
             continue;
         const auto params = describeParameters(effect.guid);
-        const auto run = [&](std::size_t threads, pixels::VectorLevel vectors) {
-            const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+        const auto run = [&](int threads, pixels::VectorLevel vectors) {
+            const tbb::global_control allowed(
+                tbb::global_control::max_allowed_parallelism, std::size_t(threads));
+            tbb::task_arena arena(threads); // more of them than there are processors, too
             pixels::limitVectors(vectors);
-            auto bytes = render(
-                effect, kWidth, kHeight,
-                [&](host::Filter& filter) { host::setExampleValues(filter, params, kWidth, kHeight); }, 3);
+            auto bytes = arena.execute([&] {
+                return render(
+                    effect, kWidth, kHeight,
+                    [&](host::Filter& filter) { host::setExampleValues(filter, params, kWidth, kHeight); },
+                    3);
+            });
             pixels::limitVectors(pixels::VectorLevel::avx512);
             return bytes;
         };
         const auto plain = run(1, pixels::VectorLevel::base);
-        EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx2)) << effect.name;
-        EXPECT_TRUE(plain == run(1, pixels::VectorLevel::avx512)) << effect.name;
-        EXPECT_TRUE(plain == run(4, pixels::VectorLevel::avx512)) << effect.name;
+        for (const auto vectors :
+            {pixels::VectorLevel::base, pixels::VectorLevel::avx2, pixels::VectorLevel::avx512})
+            for (const int threads : {1, 2, 3, 7})
+                EXPECT_TRUE(plain == run(threads, vectors))
+                    << effect.name << " with " << threads << " threads, vectors " << int(vectors);
     }
 }
 
