@@ -3,6 +3,7 @@
 
 #include "descriptors/descriptorFiles.h"
 #include "descriptors/descriptorParams.h"
+#include "descriptors/descriptorPasses.h"
 
 #include <json/reader.h>
 
@@ -86,6 +87,7 @@ DescriptorPtr parse(std::string_view json)
     descriptor->lead = leadOf(object["LEAD"]);
     descriptor->facts = factsOf(object);
     descriptor->facts.inputs = descriptor->inputs;
+    readPasses(object["PASSES"], *descriptor);
     readParams(object["PARAMS"], *descriptor);
     return descriptor;
 }

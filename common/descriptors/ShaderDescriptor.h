@@ -1,6 +1,7 @@
 // What a descriptor file says about a shader effect. The format is explained in docs/descriptors.md.
 #pragma once
 
+#include "descriptors/DescriptorPass.h"
 #include "facts/EffectInfo.h"
 #include "facts/Param.h"
 
@@ -20,13 +21,17 @@ struct DescriptorTexture {
     u32 index = 0;
 };
 
-/// The contents of one descriptor file. Types and ranges have been checked, nothing else.
+/// The contents of one descriptor file. Types and ranges have been checked, and of passes that they fit
+/// together; nothing else.
 struct ShaderDescriptor {
     std::string shader; ///< file of the fragment program; empty for one that draws input 0
     std::vector<DescriptorTexture> textures;
-    u32 inputs = 1;               ///< at most kMaxTextures
-    std::string particleTemplate; ///< empty for none
-    double lead = 0;              ///< seconds that have passed in the particle scene at time 0
+    u32 inputs = 1;                     ///< at most kMaxTextures
+    std::string particleTemplate;       ///< empty for none
+    double lead = 0;                    ///< seconds that have passed in the particle scene at time 0
+    std::vector<DescriptorPass> passes; ///< drawn in the place of `shader`, unless there are none
+    std::string
+        passFault; ///< what is wrong with the passes, one line: the effect cannot be drawn; else empty
 
     KEXSDK::EffectInfo facts; ///< without the GUID; an empty name, title or family stands for none given
     /// What the effect reads. The texts that they point to belong to the descriptor.

@@ -9,9 +9,40 @@
 
 namespace fuzz {
 
+/// Answers null, or what is wrong with the passes: whoever draws them believes all of this.
+inline const char* faultOfPasses(const shader::ShaderDescriptor& descriptor)
+{
+    const auto& passes = descriptor.passes;
+    if (passes.size() > shader::kMaxPasses || (!passes.empty() && !descriptor.passFault.empty()))
+        return "passes beside a fault, or too many";
+    if (!passes.empty() && (passes.back().scale != 1 || passes.back().persistent || passes.back().halfFloats))
+        return "a last pass that cannot be the picture";
+    for (std::size_t i = 0; i < passes.size(); ++i) {
+        if (!(passes[i].scale >= 0.0625 && passes[i].scale <= 1))
+            return "a scale out of range";
+        if (!passes[i].inputs)
+            continue;
+        if (passes[i].inputs->size() > shader::kMaxPassInputs)
+            return "more inputs than texture units";
+        for (const shader::PassInput& input : *passes[i].inputs) {
+            using Source = shader::PassInput::Source;
+            if (input.source == Source::picture ? input.index >= shader::kMaxTextures
+                                                : input.index >= passes.size())
+                return "an input from nowhere";
+            if (input.source == Source::pass && input.index >= i)
+                return "an input that is not drawn yet";
+            if (input.source == Source::lastFrame && (input.index < i || !passes[input.index].persistent))
+                return "an input that is gone";
+        }
+    }
+    return nullptr;
+}
+
 /// Answers null, or what is wrong with the result.
 inline const char* faultOf(const shader::ShaderDescriptor& descriptor)
 {
+    if (const char* const fault = faultOfPasses(descriptor))
+        return fault;
     if (descriptor.inputs > shader::kMaxTextures || descriptor.textures.size() > shader::kMaxTextures)
         return "more pictures than texture units";
     for (const auto& texture : descriptor.textures) {
