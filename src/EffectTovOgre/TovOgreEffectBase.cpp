@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace KEXSDK {
 
@@ -143,6 +144,7 @@ void TovOgreEffectBase::destroyScene()
         return;
     drewFrame_ = false;
     removeRenderTexture();
+    passChain_.reset();
     plane_.reset();
     Ogre::SceneNode& root = *sceneManager().getRootSceneNode();
     if (planeNode_)
@@ -227,6 +229,16 @@ void TovOgreEffectBase::createShader()
 {
     if (shaderCreated_)
         return;
+    const std::string problem = passes.empty() ? makePrograms() : makePasses();
+    shaderCreated_ = true; // an exception comes past this: the next render tries again
+    if (problem.empty())
+        return;
+    TovOgreBase::log(problem);
+    problem_ += (problem_.empty() ? "" : " ") + problem;
+}
+
+std::string TovOgreEffectBase::makePrograms()
+{
     std::string problem;
     for (const bool isFragment : {false, true}) {
         const auto& program = isFragment ? fragmentText_ : vertexText_;
@@ -237,13 +249,18 @@ void TovOgreEffectBase::createShader()
         if (!reason.empty())
             problem += (problem.empty() ? "" : " ") + reason;
     }
-    if (problem.empty())
-        problem = plane_->linkPrograms();
-    shaderCreated_ = true; // an exception comes past this: the next render tries again
-    if (problem.empty())
-        return;
-    TovOgreBase::log(problem);
-    problem_ += (problem_.empty() ? "" : " ") + problem;
+    return problem.empty() ? plane_->linkPrograms() : problem;
+}
+
+std::string TovOgreEffectBase::makePasses()
+{
+    passChain_.emplace(passes, id_, *plane_);
+    try {
+        return passChain_->makePrograms();
+    } catch (...) {
+        passChain_.reset();
+        throw;
+    }
 }
 
 ShaderParameters* TovOgreEffectBase::getShaderParameters()
@@ -262,6 +279,8 @@ ShaderParameters* TovOgreEffectBase::getShaderParameters()
     applyShaderParameters();
     ShaderParameters all;
     plane_->getShaderParameters(all);
+    if (passChain_)
+        passChain_->getShaderParameters(all);
     shaderParameters_ = std::move(all);
     parametersListed_ = true;
     return &shaderParameters_;
@@ -365,6 +384,11 @@ void TovOgreEffectBase::prepareFrame()
         fitPlane();
     fitPending_ = false;
     placePicture();
+    if (passChain_) {
+        if (std::exchange(forgetful_, false))
+            passChain_->forget();
+        passChain_->draw(sceneManager(), width_, height_);
+    }
     plane_->bind();
 }
 

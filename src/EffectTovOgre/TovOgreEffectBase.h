@@ -4,6 +4,7 @@
 #include "EffectTovOgre/MyRandomValueProvider.h"
 #include "EffectTovOgre/ReadBack.h"
 #include "EffectTovOgre/TovOgreBase.h"
+#include "EffectTovOgre/TovOgrePassChain.h"
 #include "EffectTovOgre/TovOgrePicturePlane.h"
 #include "EffectTovOgre/UniformValues.h"
 #include "graphics/TovEffectBase.h"
@@ -111,6 +112,8 @@ private:
     void textureEnds(const std::shared_ptr<Ogre::Texture>& texture) override;
 
     void buildScene();
+    std::string makePrograms();
+    std::string makePasses();
     void removeRenderTexture();
     bool isAlive(const Ogre::TexturePtr& texture) const;
     void prepareFrame();
@@ -127,6 +130,7 @@ private:
     Ogre::Viewport* viewport_ = nullptr;
     Ogre::TexturePtr renderTexture_;
     std::optional<TovOgrePicturePlane> plane_;
+    std::optional<TovOgrePassChain> passChain_; ///< of an effect with passes, once its programs are made
     MyRandomValueProvider random_;
 
     bool listening_ = false;

@@ -12,23 +12,9 @@ constexpr u32 kMatrixValues = 16;
 void TovOgreEffectBase::setShaderParameters(const ShaderParameters& parameters)
 {
     TovEffectBase::setShaderParameters(parameters);
-    for (const ShaderParameter& parameter : shaderParameters_) {
-        const char* const name = parameter.name.c_str();
-        const void* const data = parameter.data.data();
-        switch (parameter.baseType) {
-        case ShaderParameter::integer:
-            setIntArrayParam(parameter.programType, name, static_cast<const i32*>(data), parameter.arraySize,
-                parameter.valuesPerElement);
-            break;
-        case ShaderParameter::real:
-            setFloatArrayParam(parameter.programType, name, static_cast<const float*>(data),
-                parameter.arraySize, parameter.valuesPerElement);
-            break;
-        default:
-            setDoubleArrayParam(parameter.programType, name, static_cast<const double*>(data),
-                parameter.arraySize, parameter.valuesPerElement);
-        }
-    }
+    for (const ShaderParameter& parameter : shaderParameters_)
+        if (parameter.pass == 0) // those of earlier passes go to them with every render
+            handTo(*this, parameter);
 }
 
 void TovOgreEffectBase::setIntParam(u32 programType, const char* name, i32 value)
@@ -89,6 +75,11 @@ void TovOgreEffectBase::setParam(u32 programType, const char* name, const Ogre::
     values_.set(programType, name, _Matrix4Point{values, count, kMatrixValues});
 }
 
-void TovOgreEffectBase::applyShaderParameters() { values_.applyTo(*plane_); }
+void TovOgreEffectBase::applyShaderParameters()
+{
+    values_.applyTo(*plane_);
+    if (passChain_)
+        passChain_->setShaderParameters(shaderParameters_);
+}
 
 } // namespace KEXSDK

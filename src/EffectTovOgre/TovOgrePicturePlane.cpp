@@ -76,6 +76,8 @@ void TovOgrePicturePlane::release()
     for (auto& [index, picture] : pictures_)
         drop(picture);
     pictures_.clear();
+    drop(blank_);
+    instead_.reset();
     if (node_) {
         node_->detachAllObjects();
         parent_->removeAndDestroyChild(node_);
@@ -205,9 +207,35 @@ void TovOgrePicturePlane::drop(Picture& picture)
     picture = {};
 }
 
+std::vector<Ogre::TexturePtr> TovOgrePicturePlane::pictures() const
+{
+    std::vector<Ogre::TexturePtr> all;
+    for (const auto& [index, picture] : pictures_)
+        if (picture.texture)
+            all.push_back(picture.texture);
+    return all;
+}
+
+Ogre::TexturePtr TovOgrePicturePlane::pictureOrBlank(i32 index)
+{
+    if (const auto found = pictures_.find(index); found != pictures_.end() && found->second.texture)
+        return found->second.texture;
+    if (!blank_.texture) {
+        blank_ = {makeTexture(materialName_ + "_Blank", Ogre::TEX_TYPE_2D, {1, 1}, Ogre::PF_A8R8G8B8,
+                      Ogre::TU_STATIC_WRITE_ONLY),
+            true};
+        u8 nothing[4] = {};
+        blank_.texture->getBuffer()->blitFromMemory(Ogre::PixelBox(1, 1, 1, Ogre::PF_A8R8G8B8, nothing));
+    }
+    return blank_.texture;
+}
+
 void TovOgrePicturePlane::bind()
 {
-    bindPictures();
+    if (instead_)
+        showTextures(*pass(), *instead_);
+    else
+        bindPictures();
     bindPrograms();
     // Loads the material here: OGRE would do so in the midst of drawing, and take a load that failed there
     // for complete.

@@ -1,6 +1,7 @@
 // The textured rectangle through which a GPU effect shows its inputs.
 #pragma once
 
+#include "EffectTovOgre/ShownTextures.h"
 #include "EffectTovOgre/TovOgreShader.h"
 #include "core/Types.h"
 
@@ -9,7 +10,9 @@
 #include <OgreTexture.h>
 
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Ogre {
 class Camera;
@@ -66,6 +69,16 @@ public:
     /// Replaces the texture of one input in the same way.
     void keepCopyOf(i32 index);
 
+    // For passes, whose last one the plane draws.
+
+    /// The texture of every input, in the order of their indices.
+    std::vector<Ogre::TexturePtr> pictures() const;
+    /// The texture of one input; transparent black while there is none.
+    Ogre::TexturePtr pictureOrBlank(i32 index);
+    /// Shows these textures with each bind() from now on, instead of the inputs.
+    void showInstead(std::vector<ShownTexture> textures) { instead_ = std::move(textures); }
+    const Ogre::Mesh& mesh() const { return *mesh_; }
+
     /// Puts the pictures into the pass's units, the shader's programs into the pass, and its values into
     /// them.
     void bind();
@@ -104,6 +117,8 @@ private:
     std::map<i32, Picture> pictures_;
     TovOgreShader shader_;
     bool programsBound_ = false;
+    std::optional<std::vector<ShownTexture>> instead_;
+    Picture blank_;
 };
 
 } // namespace KEXSDK

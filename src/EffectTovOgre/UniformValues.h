@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/Types.h"
+#include "graphics/ShaderParameter.h"
 
 #include <OgreColourValue.h>
 #include <OgreMatrix4.h>
@@ -26,6 +27,28 @@ using _Matrix4Point = ValueArray<Ogre::Matrix4>;
 using _FloatPoint = ValueArray<float>;
 using _DoublePoint = ValueArray<double>;
 using _IntPoint = ValueArray<i32>;
+
+/// Sets a uniform of whatever has setters for arrays: an effect, a plane, the programs themselves. The values
+/// stay the parameter's.
+template <class Programs> void handTo(Programs& programs, const ShaderParameter& parameter)
+{
+    const u32 type = parameter.programType;
+    const char* const name = parameter.name.c_str();
+    const void* const data = parameter.data.data();
+    switch (parameter.baseType) {
+    case ShaderParameter::integer:
+        programs.setIntArrayParam(
+            type, name, static_cast<const i32*>(data), parameter.arraySize, parameter.valuesPerElement);
+        break;
+    case ShaderParameter::real:
+        programs.setFloatArrayParam(
+            type, name, static_cast<const float*>(data), parameter.arraySize, parameter.valuesPerElement);
+        break;
+    default:
+        programs.setDoubleArrayParam(
+            type, name, static_cast<const double*>(data), parameter.arraySize, parameter.valuesPerElement);
+    }
+}
 
 /// One value of each kind for each program type and name.
 class UniformValues {

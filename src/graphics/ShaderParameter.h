@@ -16,6 +16,7 @@ struct ShaderParameter {
 
     std::string name;
     u32 programType = fragment;
+    u32 pass = 0; ///< 0 for the programs that draw the effect's picture, n for those of its n-th earlier pass
     u32 arraySize = 1;
     u32 baseType = notSet;    ///< samplers and booleans count as integers
     u32 valuesPerElement = 1; ///< of a vector or matrix

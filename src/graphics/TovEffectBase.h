@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/Types.h"
+#include "descriptors/DescriptorPass.h"
 #include "graphics/ImageParam.h"
 #include "graphics/ShaderParameter.h"
 
@@ -104,6 +105,12 @@ public:
     ///              program, which shows input 0
     virtual void setShaderSource(const char* text, bool isFragment, bool isSourceText) = 0;
 
+    /// Fragment programs that are drawn one after another in the place of the one of setShaderSource; empty
+    /// for that one. Set before the first render, as descriptors/descriptorPasses.h reads them.
+    std::vector<shader::DescriptorPass> passes;
+    /// Lets the next render begin with persistent passes as they were first: transparent black.
+    void forgetFrames() { forgetful_ = true; }
+
     /// Removes an input, whose pixels may go away then. The effect goes on showing the input's last picture;
     /// of a texture that someone else draws it takes a copy with the next frame.
     void removeInput(i32 index);
@@ -147,6 +154,7 @@ protected:
     u32 currentFrame_ = 0;
     float frameDuration_ = 0.04f; ///< seconds
     bool drewFrame_ = false;
+    bool forgetful_ = false; ///< persistent passes are to begin anew
     std::string problem_;
 };
 

@@ -39,4 +39,13 @@ check "it is applied" "$tool" --resources res apply tint -p Strength=1 -p colour
 check "all colour, not $(pixel out.bmp)" test "$(pixel out.bmp)" = " 0 51 255 255"
 check "parameters count" "$tool" --resources res apply tint -p Strength=1 -p Mode=1 -p colour=0,1,0.5 in.bmp out.bmp
 check "multiplied, not $(pixel out.bmp)" test "$(pixel out.bmp)" = " 20 80 0 255"
+
+# The example of the chapter on passes. A plain picture blurs to itself: what is above the threshold is added.
+check "the guide has passes" test -s res/Shader/bloom.conf
+"$tool" --resources res describe soft-trail >out.txt
+check "what it feeds back is its history" grep -q 'every frame since the first' out.txt
+"$tool" --resources res list --json >out.txt
+check "in the catalogue as well" grep -q '"history" : "from-start"' <(grep -B5 '"name" : "soft-trail"' out.txt)
+check "it is applied" "$tool" --resources res apply soft-trail -p Threshold=0.25 in.bmp out.bmp
+check "the light is added, not $(pixel out.bmp)" test "$(pixel out.bmp)" = " 40 96 176 255"
 exit $((failures > 0))

@@ -75,12 +75,10 @@ void CSimpleShaderEffect::init()
     }
     descriptor_ = file.descriptor;
     inputCount_ = descriptor_->inputs;
-    gpu_ = GpuEffect::create();
+    if (descriptor_->passFault.empty()) // else nothing could be drawn
+        gpu_ = GpuEffect::create();
     if (gpu_) {
-        if (!descriptor_->shader.empty()) {
-            gpu_->setShaderSource(descriptor_->shader.c_str(), true, false);
-            logging::debug(kInitTag, [&] { return "Load shader file [" + descriptor_->shader + "]"; });
-        }
+        takePrograms();
         if (!descriptor_->particleTemplate.empty()) {
             gpu_->particleTemplate = descriptor_->particleTemplate;
             logging::debug(kInitTag,
@@ -93,6 +91,21 @@ void CSimpleShaderEffect::init()
         declare(shader::kFrameRate);
     for (const ParamInfo& param : descriptor_->params)
         describe(param);
+}
+
+void CSimpleShaderEffect::takePrograms()
+{
+    const auto report = [](const std::string& file) {
+        if (!file.empty())
+            logging::debug(kInitTag, [&] { return "Load shader file [" + file + "]"; });
+    };
+    gpu_->passes = descriptor_->passes;
+    for (const shader::DescriptorPass& pass : descriptor_->passes)
+        report(pass.shader);
+    if (!descriptor_->passes.empty() || descriptor_->shader.empty())
+        return;
+    gpu_->setShaderSource(descriptor_->shader.c_str(), true, false);
+    report(descriptor_->shader);
 }
 
 void CSimpleShaderEffect::bindTextures()
@@ -143,12 +156,17 @@ void CSimpleShaderEffect::placePicture()
 
 void CSimpleShaderEffect::setTime()
 {
+    // Whoever goes back wants to see what was there before, and no traces of what comes later.
+    const float seconds = getParamFloat(kGlobalTime.name, 0);
+    if (!(seconds >= latestSeconds_))
+        gpu_->forgetFrames();
+    latestSeconds_ = seconds;
     // A scene without particles stands still, and need not be stepped through the frames between.
     if (descriptor_->particleTemplate.empty())
         return;
     float rate = get(shader::kFrameRate);
     rate = rate > 0 ? std::clamp(rate, kSlowest, kFastest) : shader::kFrameRate.fallback;
-    const double time = getParamFloat(kGlobalTime.name, 0) + descriptor_->lead;
+    const double time = seconds + descriptor_->lead;
     gpu_->setFrameRate(rate);
     gpu_->setFrameIndex(u32(std::clamp(pixels::roundHalfUp(time * rate), 0, kLastFrame)));
 }
@@ -173,12 +191,16 @@ void CSimpleShaderEffect::reportProblem()
 {
     if (std::exchange(reported_, true))
         return;
-    const std::string reason = gpu_ && !gpu_->problem().empty()
-        ? gpu_->problem()
-        : "nothing was drawn; the rendering library's log may tell more";
+    std::string reason = descriptor_->passFault;
+    if (gpu_)
+        reason = gpu_->problem();
+    if (reason.empty())
+        reason = "nothing was drawn; the rendering library's log may tell more";
+    const bool hasPasses = !descriptor_->passes.empty() || !descriptor_->passFault.empty();
     logging::error(kRunTag,
-        "Shader effect [" + descriptorPath_ + "] with shader [" + descriptor_->shader
-            + "] passes its input through: " + reason);
+        "Shader effect [" + descriptorPath_ + "]"
+            + (hasPasses ? "" : " with shader [" + descriptor_->shader + "]")
+            + " passes its input through: " + reason);
 }
 
 bool CPaticalUniverseEffect::setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value)

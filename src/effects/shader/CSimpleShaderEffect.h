@@ -33,6 +33,7 @@ protected:
     TovEffectBase* gpuEffect() const { return gpu_.get(); }
 
 private:
+    void takePrograms();
     void bindTextures();
     void placePicture();
     void setTime();
@@ -44,6 +45,7 @@ private:
     u32 inputCount_ = 1;
     GpuEffect gpu_;
     BoundInputs boundInputs_;
+    float latestSeconds_ = 0; ///< of the time that was drawn last
     bool reported_ = false;
 };
 
