@@ -80,6 +80,12 @@ const char* given(const char* variable)
     return value && *value ? value : nullptr;
 }
 
+void setUnlessGiven(const char* variable, const char* value)
+{
+    if (!given(variable))
+        setenv(variable, value, 1);
+}
+
 /// The directory with a separator at its end; empty when none was named or is there.
 std::string resourcesOf(const char* named)
 {
@@ -145,8 +151,8 @@ void startEngine()
         return;
     if (own.resources.empty())
         throw LibraryFault{EFFECTHOST_NO_ENGINE, "no resource directory beside " + ownDirectory().string()};
-    if (!given("EFFECTENGINE_PATH"))
-        setenv("EFFECTENGINE_PATH", "auto", 1);
+    setUnlessGiven("EFFECTENGINE_PATH", "auto");
+    setUnlessGiven("EFFECTENGINE_GRAPHICS", "when-needed");
     const unsigned result = InitializeEngine(own.resources.c_str(), own.logs ? own.logs->c_str() : nullptr);
     own.startedEngine = result == EFFECTENGINE_OK;
     if (!own.startedEngine && result != EFFECTENGINE_ALREADY_INITIALIZED)

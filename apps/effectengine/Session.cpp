@@ -48,6 +48,7 @@ void setEnvironment(const SessionOptions& options)
     else
         setUnlessGiven("EFFECTENGINE_SEED", std::to_string(std::time(nullptr)).c_str());
     setUnlessGiven("EFFECTENGINE_PATH", "auto");
+    setUnlessGiven("EFFECTENGINE_GRAPHICS", "when-needed");
 }
 
 fs::path makeTemporaryDirectory()

@@ -98,11 +98,12 @@ bool drawsEffects()
 
 void examineGraphics(Examination& examination, const fs::path& logs)
 {
+    const bool draws = drawsEffects();
     std::string log;
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(logs, ignored))
         log += logText(logs, entry.path().filename().c_str());
-    if (!drawsEffects()) {
+    if (!draws) {
         examination.bad(ExitCode::noGraphics, "graphics",
             "OpenGL did not start; effects that need it are missing",
             "install libegl1, libegl-mesa0 and libgl1-mesa-dri, or run where there is a display; --log-dir "
@@ -207,6 +208,7 @@ void doctor(const SessionOptions& options)
         SessionOptions own = options;
         if (own.logs.empty())
             own.logs = work / "logs";
+        setenv("EFFECTENGINE_GRAPHICS", "at-start", 1); // the log tells all about it then
         const Session session(own);
         examineGraphics(examination, own.logs);
         examineEffects(examination);

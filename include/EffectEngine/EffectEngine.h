@@ -53,7 +53,7 @@ enum { EFFECTENGINE_LARGEST_SIDE = 4096 };
 /* Starts the one engine of the process. resourceDir ends with a separator; logDir may be null (no log
  * file). A missing GPU is no failure: CPU effects work, GPU effects are unknown GUIDs then.
  *
- * Two environment variables are read here. An empty one counts as not set, and so does any other value
+ * Three environment variables are read here. An empty one counts as not set, and so does any other value
  * than those named, with a warning in the log:
  * EFFECTENGINE_SEED, a whole number of 64 bits in decimal, makes random effects repeatable. It stands for
  * the clock that random tables are seeded from, and the first GetFilter of a thread after DoFilter,
@@ -61,7 +61,10 @@ enum { EFFECTENGINE_LARGEST_SIDE = 4096 };
  * that is made and run on one thread gives the same pictures whatever was made before it.
  * EFFECTENGINE_PATH: which form effects take that have one for the GPU and one for the CPU. "gpu", which
  * holds where it is not set: the GPU's where there is one; "cpu": the CPU's; "auto": the CPU's where the
- * renderer is software, unless a parameter asks for what only the GPU's form does. */
+ * renderer is software, unless a parameter asks for what only the GPU's form does.
+ * EFFECTENGINE_GRAPHICS: when the graphics system starts, which takes longer than a picture through most
+ * effects of the CPU. "at-start", which holds where it is not set: here; "when-needed": with the first node
+ * that draws, or asks which form it is to take, and with the first picture that an effect loads. */
 EFFECTENGINE_API unsigned int InitializeEngine(const char* resourceDir, const char* logDir);
 
 /* Ends the engine and its render thread. Always 0, also without an engine. */

@@ -49,7 +49,8 @@ typedef enum EffectHostResult {
  * one counts, others must name the same directory or null. The engine itself starts with the first run; an
  * engine that the program has started is used, and not ended. Where the library starts it, effects with two
  * forms take the one of the processor on machines without a GPU, unless the environment's EFFECTENGINE_PATH
- * says otherwise.
+ * says otherwise, and the graphics system starts with the first run that needs it, unless its
+ * EFFECTENGINE_GRAPHICS does.
  * @param resourceDirectory  null: EFFECTENGINE_RESOURCES of the environment, or the pack installed with this
  * library; without either the effects that it describes are missing, and no run starts
  * @param logDirectory       for the engine's logs; null: none. That of the first call counts */

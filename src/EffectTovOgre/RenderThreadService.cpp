@@ -9,8 +9,16 @@ namespace {
 class RenderThreadService final : public GraphicsService {
 public:
     void start() override { TovOgreRenderThread::getInstance(); }
-    bool available() const noexcept override { return gpuAvailable(); }
-    GpuCapabilities capabilities() const override { return gpuCapabilities(); }
+    bool available() const override
+    {
+        TovOgreRenderThread::startWaiting();
+        return gpuAvailable();
+    }
+    GpuCapabilities capabilities() const override
+    {
+        TovOgreRenderThread::startWaiting();
+        return gpuCapabilities();
+    }
     void log(std::string_view message) override { TovOgreRenderThread::log(message); }
     LoadedImage loadImage(const char* path) override
     {

@@ -69,6 +69,7 @@ struct Process {
     std::atomic<bool> gpuAvailable = true;
     std::atomic<u32> maxTextureSize = 0;
     std::atomic<TovOgreRenderThread*> instance = nullptr;
+    std::atomic<TovOgreRenderThread*> waiting = nullptr; ///< starts when the instance is asked for
 
     std::mutex settings; ///< guards what follows
     GpuCapabilities capabilities;

@@ -51,12 +51,24 @@ TovOgreRenderThread::TovOgreRenderThread(
         start();
 }
 
+TovOgreRenderThread::TovOgreRenderThread(
+    WhenNeeded, const char* resourceDirectory, const char* pluginsDirectory, const char* logDirectory)
+    : resourceDirectory_(textOrEmpty(resourceDirectory)),
+      pluginsDirectory_(textOrEmpty(pluginsDirectory)),
+      logDirectory_(textOrEmpty(logDirectory))
+{
+    process().waiting = this;
+}
+
 TovOgreRenderThread::~TovOgreRenderThread()
 {
     Process& all = process();
+    TovOgreRenderThread* self = this;
+    if (all.waiting.compare_exchange_strong(self, nullptr))
+        return;
     if (gpuAvailable() || all.instance == this)
         shutdown();
-    TovOgreRenderThread* self = this;
+    self = this;
     all.instance.compare_exchange_strong(self, nullptr);
 }
 
@@ -100,11 +112,19 @@ TovOgreRenderThread& TovOgreRenderThread::getInstance()
     const platform::MyCSingleLock lock(all.requests);
     if (TovOgreRenderThread* const instance = all.instance)
         return *instance;
-    if (lock) {
-        onDemand->start();
-        all.instance = onDemand;
-    }
-    return *onDemand;
+    if (!lock)
+        return *onDemand;
+    TovOgreRenderThread* const waiting = all.waiting.exchange(nullptr);
+    TovOgreRenderThread* const next = waiting ? waiting : onDemand;
+    next->start();
+    all.instance = next;
+    return *next;
+}
+
+void TovOgreRenderThread::startWaiting()
+{
+    if (process().waiting)
+        getInstance();
 }
 
 TovEffectBase* TovOgreRenderThread::createEffect() { return createSharedEffect().get(); }

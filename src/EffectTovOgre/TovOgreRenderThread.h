@@ -19,14 +19,21 @@ public:
     /// becomes the instance if it is up. Null directories count as empty.
     TovOgreRenderThread(
         const char* resourceDirectory, const char* pluginsDirectory, const char* logDirectory);
+    /// Starts the thread, with these directories, when getInstance() is asked first and there is no instance.
+    struct WhenNeeded { };
+    TovOgreRenderThread(
+        WhenNeeded, const char* resourceDirectory, const char* pluginsDirectory, const char* logDirectory);
     TovOgreRenderThread(const TovOgreRenderThread&) = delete;
     TovOgreRenderThread& operator=(const TovOgreRenderThread&) = delete;
     /// Shuts the thread down, whichever object started it.
     virtual ~TovOgreRenderThread();
 
-    /// The instance. If there is none, one with empty directories is started; it stays the instance even when
-    /// its start fails, so that later callers do not wait for another failure.
+    /// The instance. If there is none, the one that waits to be needed is started, or else one with empty
+    /// directories; it stays the instance even when its start fails, so that later callers do not wait for
+    /// another failure.
     static TovOgreRenderThread& getInstance();
+    /// Makes the object that waits to be needed, if there is one, the instance.
+    static void startWaiting();
 
     /// A new GPU effect, owned by the render thread, or null. Nodes use GpuEffect instead, whose object
     /// outlives the thread.

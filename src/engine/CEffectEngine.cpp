@@ -25,11 +25,14 @@ bool CEffectEngine::initialize(const char* resourceDir, const char* logDir)
     if (logDir && logging::open(logDir_ + "/EffectEngine.log"))
         logging::info("CEffectEngine::initialize", "TovEffectEngine version: 1, 1, 4, 0");
     seededRandom::set(environment::seed());
-    const bool canDraw = initOgreEnvirenment();
-    preferForm(environment::form(canDraw, gpuCapabilities().renderer));
+    startsLater_ = environment::graphicsWhenNeeded();
+    const bool mayDraw = initOgreEnvirenment();
+    preferForm(environment::chooseForm());
+    if (!startsLater_)
+        preferredForm(); // chosen, and in the log, from the start
     transitions::transitionMgrInit();
     initAmEffects();
-    if (canDraw) {
+    if (mayDraw) {
         initShaderEffects();
         initColorTableShaderEffects();
         initShaderTransitions();
@@ -41,11 +44,21 @@ bool CEffectEngine::initOgreEnvirenment()
 {
     constexpr const char* kTag = "CEffectEngine::initOgreEnvirenment";
     logging::info(kTag, "initOgreEnvirenment");
-    renderThread_ =
-        std::make_unique<TovOgreRenderThread>(resourceDir_.c_str(), resourceDir_.c_str(), logDir_.c_str());
-    const bool available = gpuAvailable();
+    const char* const resources = resourceDir_.c_str();
+    if (startsLater_) {
+        renderThread_ = std::make_unique<TovOgreRenderThread>(
+            TovOgreRenderThread::WhenNeeded{}, resources, resources, logDir_.c_str());
+        return true;
+    }
+    renderThread_ = std::make_unique<TovOgreRenderThread>(resources, resources, logDir_.c_str());
+    return canDraw();
+}
+
+bool CEffectEngine::canDraw() const
+{
+    const bool available = graphics().available();
     if (!available)
-        logging::warning(kTag, "Ogre envirenment init failed.");
+        logging::warning("CEffectEngine::initOgreEnvirenment", "Ogre envirenment init failed.");
     return available;
 }
 
@@ -107,7 +120,7 @@ void CEffectEngine::createEffectFromGUID(const char* guid, u32 width, u32 height
 CEffectEngine::Node CEffectEngine::makeShaderEffect(const char* guid, u32 width, u32 height) const
 {
     const auto descriptor = shaderDescriptorByGuid_.find(std::string_view(guid));
-    if (descriptor == shaderDescriptorByGuid_.end())
+    if (descriptor == shaderDescriptorByGuid_.end() || (startsLater_ && !canDraw()))
         return nullptr;
     return std::make_unique<CPaticalUniverseEffect>(width, height, descriptor->second);
 }

@@ -22,8 +22,9 @@ public:
     /// Frees the tables. unInitialize() comes first and ends the render thread.
     virtual ~CEffectEngine();
 
-    /// Opens the log, reads the environment variables, starts the GPU environment and fills the tables. A GPU
-    /// that cannot be brought up is one warning line, not a failure; shader effects are unknown then.
+    /// Opens the log, reads the environment variables, starts the GPU environment, unless that waits to be
+    /// needed, and fills the tables. A GPU that cannot be brought up is one warning line, not a failure;
+    /// shader effects are unknown then.
     /// @param resourceDir  prefix of effect data, with its trailing separator
     /// @param logDir       directory of "EffectEngine.log", or null for no log file
     /// @return always true
@@ -39,7 +40,10 @@ public:
 private:
     using Node = std::unique_ptr<CSimpleEffect>;
 
+    /// @return false when nothing can be drawn. A system that starts when it is needed counts as one that
+    /// can.
     bool initOgreEnvirenment();
+    bool canDraw() const;
     void initAmEffects();
     // Each of these three reads one directory of descriptor files.
     void initShaderEffects();
@@ -56,6 +60,7 @@ private:
     std::unique_ptr<TovOgreRenderThread> renderThread_;
     std::string resourceDir_;
     std::string logDir_;
+    bool startsLater_ = false; ///< the graphics system, when it is needed
     shader::DescriptorMap shaderDescriptorByGuid_;
     std::map<std::string, i32, std::less<>> amIdByGuid_;
     std::map<std::string, std::string, std::less<>> amTextureByGuid_;

@@ -2,6 +2,7 @@
 #include "engine/environment.h"
 
 #include "core/Log.h"
+#include "graphics/GraphicsService.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr const char* kSeed = "EFFECTENGINE_SEED";
 constexpr const char* kPath = "EFFECTENGINE_PATH";
+constexpr const char* kGraphics = "EFFECTENGINE_GRAPHICS";
 
 std::string_view valueOf(const char* variable)
 {
@@ -33,6 +35,23 @@ EffectForm chosen(const std::string& what, EffectForm form)
     return form;
 }
 
+EffectForm formOf(const std::string& word)
+{
+    const std::string asked = " (" + std::string(kPath) + "=" + word + ")";
+    if (word == "cpu")
+        return chosen("CPU" + asked, EffectForm::cpu);
+    if (!word.empty() && word != "gpu" && word != "auto")
+        warn(kPath, word, "gpu, cpu or auto");
+    if (!graphics().available())
+        return chosen("CPU: there is no GPU", EffectForm::gpu);
+    const std::string renderer = graphics().capabilities().renderer;
+    if (word == "auto" && isSoftwareRenderer(renderer))
+        return chosen("CPU: " + renderer + " is software" + asked, EffectForm::completeOnCpu);
+    if (word == "auto")
+        return chosen("GPU: " + renderer + " is hardware" + asked, EffectForm::gpu);
+    return chosen(word == "gpu" ? "GPU" + asked : "GPU, as usual", EffectForm::gpu);
+}
+
 } // namespace
 
 std::optional<i64> seed()
@@ -47,21 +66,17 @@ std::optional<i64> seed()
     return std::nullopt;
 }
 
-EffectForm form(bool canDraw, const std::string& renderer)
+bool graphicsWhenNeeded()
 {
-    const std::string_view word = valueOf(kPath);
-    const std::string asked = " (" + std::string(kPath) + "=" + std::string(word) + ")";
-    if (word == "cpu")
-        return chosen("CPU" + asked, EffectForm::cpu);
-    if (!word.empty() && word != "gpu" && word != "auto")
-        warn(kPath, word, "gpu, cpu or auto");
-    if (!canDraw)
-        return chosen("CPU: there is no GPU", EffectForm::gpu);
-    if (word == "auto" && isSoftwareRenderer(renderer))
-        return chosen("CPU: " + renderer + " is software" + asked, EffectForm::completeOnCpu);
-    if (word == "auto")
-        return chosen("GPU: " + renderer + " is hardware" + asked, EffectForm::gpu);
-    return chosen(word == "gpu" ? "GPU" + asked : "GPU, as usual", EffectForm::gpu);
+    const std::string_view word = valueOf(kGraphics);
+    if (!word.empty() && word != "at-start" && word != "when-needed")
+        warn(kGraphics, word, "at-start or when-needed");
+    return word == "when-needed";
+}
+
+std::function<EffectForm()> chooseForm()
+{
+    return [word = std::string(valueOf(kPath))] { return formOf(word); };
 }
 
 } // namespace KEXSDK::environment

@@ -10,7 +10,7 @@ namespace {
 class NoGraphics final : public GraphicsService {
 public:
     void start() override { }
-    bool available() const noexcept override { return false; }
+    bool available() const override { return false; }
     GpuCapabilities capabilities() const override { return {}; }
     void log(std::string_view) override { }
     LoadedImage loadImage(const char*) override { return {}; }

@@ -42,9 +42,10 @@ class GraphicsService {
 public:
     /// Starts the system unless it is up, or has failed to start.
     virtual void start() = 0;
-    /// False when nothing can be drawn: after a failed start, and when the system has ended by itself.
-    virtual bool available() const noexcept = 0;
-    /// What the running, or last started, system can do.
+    /// False when nothing can be drawn: after a failed start, and when the system has ended by itself. Starts
+    /// a system that waits to be needed.
+    virtual bool available() const = 0;
+    /// What the running, or last started, system can do. Starts a system that waits to be needed.
     virtual GpuCapabilities capabilities() const = 0;
     /// Writes one line into the system's own log; does nothing while the system is not up.
     virtual void log(std::string_view message) = 0;

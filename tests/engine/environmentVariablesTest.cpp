@@ -60,4 +60,14 @@ TEST(EnvironmentVariables, ThePathIsALineAndAnUnknownOneAWarning)
     EXPECT_EQ(count(unknown, "take the GPU"), 1) << unknown;
 }
 
+TEST(EnvironmentVariables, WhenGraphicsStartIsOneOfTwoWords)
+{
+    const auto yes = [] { return true; };
+    const std::string never = logOf("EFFECTENGINE_GRAPHICS", "never", yes);
+    EXPECT_EQ(count(never, "EFFECTENGINE_GRAPHICS is \"never\""), 1) << never;
+    EXPECT_EQ(count(never, "take the GPU, as usual"), 1) << never;
+    for (const char* const word : {"at-start", "when-needed", ""})
+        EXPECT_EQ(count(logOf("EFFECTENGINE_GRAPHICS", word, yes), "WARN"), 0) << word;
+}
+
 } // namespace

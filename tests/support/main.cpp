@@ -13,5 +13,6 @@ int main(int argc, char** argv)
     // Tests set these themselves.
     unsetenv("EFFECTENGINE_SEED");
     unsetenv("EFFECTENGINE_PATH");
+    unsetenv("EFFECTENGINE_GRAPHICS");
     return RUN_ALL_TESTS();
 }

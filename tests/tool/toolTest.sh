@@ -176,6 +176,12 @@ for what in library resources graphics driver paths effects pictures clips; do
 done
 expect 0 '' env EFFECTENGINE_PATH=cpu "$tool" doctor
 grep -q "^ok *paths .*take the CPU (EFFECTENGINE_PATH=cpu)" out.txt || fail "doctor on paths: $(cat out.txt)"
+
+# The graphics system starts for effects that draw, and not for others.
+expect 0 '' "$tool" --log-dir quiet apply black-and-white in.bmp grey.bmp
+[ -e quiet/EffectEngine.log ] && [ ! -e quiet/Ogre.log ] || fail "an effect of the CPU starts the graphics system"
+expect 0 '' "$tool" --log-dir drawn apply bloom in.bmp bloom.bmp
+[ -e drawn/Ogre.log ] || fail "where is the graphics system's log?"
 mkdir empty
 "$tool" --resources empty doctor >out.txt 2>err.txt
 [ $? -eq 3 ] || fail "doctor misses missing resources: $(cat out.txt)"

@@ -4,19 +4,45 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <mutex>
 #include <string>
+#include <utility>
 
 namespace KEXSDK {
 
 namespace {
 
 constinit std::atomic<EffectForm> preferred = EffectForm::gpu;
+constinit std::atomic<bool> undecided = false; ///< `preferred` is what chooser() answers
+constinit std::mutex deciding;
+
+/// Guarded by `deciding`. Never destroyed: nodes may run while the process exits.
+std::function<EffectForm()>& chooser()
+{
+    static auto* const function = new std::function<EffectForm()>;
+    return *function;
+}
 
 } // namespace
 
-EffectForm preferredForm() noexcept { return preferred; }
+EffectForm preferredForm()
+{
+    if (undecided) {
+        const std::lock_guard lock(deciding);
+        if (undecided) {
+            preferred = chooser()();
+            undecided = false;
+        }
+    }
+    return preferred;
+}
 
-void preferForm(EffectForm form) noexcept { preferred = form; }
+void preferForm(std::function<EffectForm()> choose)
+{
+    const std::lock_guard lock(deciding);
+    chooser() = std::move(choose);
+    undecided = true;
+}
 
 bool isSoftwareRenderer(std::string_view name)
 {

@@ -1,6 +1,7 @@
 // The choice of effects that the GPU can draw and the CPU can compute.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 namespace KEXSDK {
@@ -13,9 +14,10 @@ enum class EffectForm {
 };
 
 /// `gpu` until preferForm() was called. Any thread.
-EffectForm preferredForm() noexcept;
-/// For nodes that are made from now on, and for the frames to come of those that are there.
-void preferForm(EffectForm form) noexcept;
+EffectForm preferredForm();
+/// For nodes that are made from now on, and for the frames to come of those that are there: what `choose`
+/// answers when preferredForm() is asked next. It may start the graphics system.
+void preferForm(std::function<EffectForm()> choose);
 
 /// Whether an OpenGL renderer of this name is a program that the processor runs.
 bool isSoftwareRenderer(std::string_view name);
