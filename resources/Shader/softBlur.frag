@@ -1,21 +1,15 @@
-// Soft round blur: Gaussian weights on a sunflower spiral.
+// Soft round blur, laid over the sharp picture where it is narrower than the half-size picture can show.
 #version 120
 #include "picture.glsl"
 
 uniform float u_radius = 2.0; // percent of the height
+#include "gauss.glsl"
+
+uniform sampler2D mSample1; // the blur
 
 void main()
 {
-    vec4 centre = picture(textureCoord);
-    vec4 sum = weighted(centre);
-    float weights = 1.0;
-    vec2 reach = vec2(u_radius / 100.0 / aspect(), u_radius / 100.0);
-    for (float i = 1.0; i < 64.0; i += 1.0) {
-        float r = sqrt(i / 64.0);
-        float angle = i * 2.39996323; // the golden angle
-        float weight = exp(-3.0 * r * r);
-        sum += weight * weighted(picture(textureCoord + r * reach * vec2(cos(angle), sin(angle))));
-        weights += weight;
-    }
-    gl_FragColor = average(sum, weights, centre);
+    vec4 sharp = picture(textureCoord);
+    float share = min(deviation() * deviation() / 2.0, 1.0);
+    gl_FragColor = average(mix(weighted(sharp), texture2D(mSample1, textureCoord), share), 1.0, sharp);
 }

@@ -1,0 +1,4 @@
+// Glow: one rung, across.
+#version 120
+uniform float u_radius = 6.0; // percent of the height
+#include "gaussAcross.glsl"

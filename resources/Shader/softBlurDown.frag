@@ -1,0 +1,4 @@
+// Soft blur: one rung, down.
+#version 120
+uniform float u_radius = 2.0; // percent of the height
+#include "gaussDown.glsl"
