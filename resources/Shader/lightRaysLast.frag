@@ -1,0 +1,8 @@
+// Light rays: the farthest samples.
+#version 120
+#include "lightRays.glsl"
+
+void main()
+{
+    gl_FragColor = ray(mSample0, 1.0 / 7.0);
+}

@@ -1,0 +1,18 @@
+// Zoom blur: the nearest samples, of colours multiplied by alpha.
+#version 120
+#include "zoomBlur.glsl"
+
+void main()
+{
+    vec2 away = textureCoord - u_centre;
+    float nearness = fineStep(rest());
+    float factor = 1.0;
+    vec4 sum = vec4(0.0);
+    float weights = 0.0;
+    for (float i = 0.0; i < kSamples; i += 1.0) {
+        sum += factor * weighted(picture(u_centre + factor * away));
+        weights += factor;
+        factor *= nearness;
+    }
+    gl_FragColor = sum / weights;
+}
