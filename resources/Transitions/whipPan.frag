@@ -1,25 +1,15 @@
-// The camera is torn round from one picture to the other.
+// The camera is torn round from one picture to the other. The blur comes from a picture of half the size, and the sharp
+// one shows where the camera is too slow for it.
 #version 120
-#include "transition.glsl"
-#include "noise.glsl"
+#include "whipPan.glsl"
 
-uniform float u_angle = 0.0; // degrees, counter-clockwise from the right
-uniform float u_blur = 0.8;  // 0..1
+uniform sampler2D mSample2; // the blur, multiplied by alpha
 
-vec4 transition(vec2 uv, float progress)
+void main()
 {
-    float angle = radians(u_angle);
-    vec2 direction = vec2(cos(angle), sin(angle));
-    float way = progress < 0.5 ? 4.0 * progress * progress * progress : 1.0 - 4.0 * pow(1.0 - progress, 3.0);
-    float speed = min(3.0 * min(progress, 1.0 - progress), 1.0);
-    float shift = random(gl_FragCoord.xy);
-    vec4 sum = vec4(0.0);
-    for (float i = 0.0; i < 24.0; i += 1.0) {
-        float t = ((i + shift) / 24.0 - 0.5) * 0.5 * u_blur * speed * speed;
-        // Two pictures side by side along the way; past them both are mirrored.
-        vec2 at = uv + direction * (2.0 * way + t);
-        vec2 back = uv + direction * (2.0 * way + t - 2.0);
-        sum += way + 0.5 * t < 0.5 ? from(mirrored(at)) : to(mirrored(back));
-    }
-    return sum / 24.0;
+    vec4 sharp = seen(0.0, step(0.5, way()));
+    vec4 soft = texture2D(mSample2, textureCoord);
+    float pixels = length(direction() * u_resolution) * blurred();
+    vec4 sum = mix(vec4(sharp.rgb * sharp.a, sharp.a), soft, smoothstep(1.0, 6.0, pixels));
+    gl_FragColor = sum.a > 0.0 ? vec4(sum.rgb / sum.a, sum.a) : sharp;
 }

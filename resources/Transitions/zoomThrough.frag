@@ -1,24 +1,17 @@
-// The camera rushes into the first picture and arrives in the second.
+// The camera rushes into the first picture and arrives in the second. Streaks come from a picture of half the size, and
+// where they are too short for it, as in the middle and at both ends, the sharp one shows.
 #version 120
-#include "transition.glsl"
-#include "noise.glsl"
+#include "zoomThrough.glsl"
 
-uniform float u_strength = 0.7; // 0..1
+uniform sampler2D mSample2; // the streaks, multiplied by alpha
 
-vec4 transition(vec2 uv, float progress)
+void main()
 {
-    float speed = sin(3.14159265 * progress);
-    float zoomFrom = 1.0 / (1.0 + 2.5 * progress * progress);
-    float zoomTo = 1.0 + 0.8 * (1.0 - progress) * (1.0 - progress);
-    vec4 sum = vec4(0.0);
-    float shift = random(gl_FragCoord.xy);
-    float mixed = smoothstep(0.4, 0.6, progress);
-    for (float i = 0.0; i < 16.0; i += 1.0) {
-        float blur = 1.0 - u_strength * 0.35 * speed * (i + shift) / 16.0;
-        vec2 p = (uv - 0.5) * blur;
-        sum += mix(from(0.5 + p * zoomFrom), to(mirrored(0.5 + p * zoomTo)), mixed);
-    }
-    vec4 colour = sum / 16.0;
-    colour.rgb *= 1.0 + 0.25 * speed * u_strength;
-    return clamp(colour, 0.0, 1.0);
+    vec4 sharp = still();
+    vec4 soft = texture2D(mSample2, textureCoord);
+    float streak = length((textureCoord - 0.5) * u_resolution) * (1.0 - rest());
+    vec4 sum = mix(vec4(sharp.rgb * sharp.a, sharp.a), soft, smoothstep(1.0, 6.0, streak));
+    vec4 colour = sum.a > 0.0 ? vec4(sum.rgb / sum.a, sum.a) : sharp;
+    colour.rgb *= 1.0 + 0.25 * speed() * u_strength;
+    gl_FragColor = clamp(colour, 0.0, 1.0);
 }

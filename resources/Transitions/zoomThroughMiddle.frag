@@ -1,0 +1,9 @@
+// Zoom through: streaks to the middle, samples four times as far apart.
+#version 120
+#include "zoomThrough.glsl"
+#include "streaks.glsl"
+
+void main()
+{
+    gl_FragColor = streak(mSample0, textureCoord, vec2(0.5), middleStep(rest()));
+}
