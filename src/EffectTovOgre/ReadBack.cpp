@@ -2,6 +2,7 @@
 #define GL_GLEXT_PROTOTYPES
 #include "EffectTovOgre/ReadBack.h"
 
+#include "EffectTovOgre/HostPixels.h"
 #include "EffectTovOgre/TovOgreBase.h"
 
 #include <GL/gl.h>
@@ -58,7 +59,7 @@ bool ReadBack::read(Ogre::Texture& texture, u8* pixels) const
     if (packBuffer_)
         readThroughBuffer(texture, pixels);
     else
-        glReadPixels(0, 0, width, GLsizei(texture.getHeight()), GL_BGRA, GL_UNSIGNED_BYTE, pixels);
+        hostPixels::read(pixels, texture.getWidth(), texture.getHeight());
     glPixelStorei(GL_PACK_ALIGNMENT, 4);
     glPixelStorei(GL_PACK_ROW_LENGTH, 0);
     return true;

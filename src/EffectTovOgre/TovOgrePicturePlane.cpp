@@ -1,6 +1,7 @@
 // Mesh, material and textures of the picture plane.
 #include "EffectTovOgre/TovOgrePicturePlane.h"
 
+#include "EffectTovOgre/HostPixels.h"
 #include "EffectTovOgre/OgreTextures.h"
 #include "EffectTovOgre/TovOgreBase.h"
 
@@ -27,6 +28,7 @@ std::string numbered(const char* name)
 
 void copyInto(const Ogre::TexturePtr& from, const Ogre::TexturePtr& to)
 {
+    hostPixels::showAsStored(*to);
     to->getBuffer()->blit(from->getBuffer());
 }
 
@@ -121,6 +123,8 @@ void TovOgrePicturePlane::setPictruePlaneImage(
     if (format == Ogre::PF_A8B8G8R8)
         format = Ogre::PF_A8R8G8B8;
     const auto& texture = ownPicture(index, width, height, depth, format).texture;
+    if (hostPixels::upload(*texture, pixels, width, height))
+        return;
     const auto& buffer = texture->getBuffer();
     const Ogre::Box all(0, 0, 0, width, height, depth);
     buffer->blitFromMemory(Ogre::PixelBox(all, format, const_cast<u8*>(pixels)), all);
