@@ -8,14 +8,20 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 namespace {
 
 constexpr const char* kCopy = "7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A90";
+/// With so many passes before the one that copies, each with sides that are one divisor-th of the picture's.
+constexpr int kPasses = 4;
+constexpr const char* kPassesOf[] = {"7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A91", // none
+    "7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A92", "7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A93", "",
+    "7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A94"};
 constexpr host::FrameSize kFrame{1920, 1080};
 constexpr host::FrameSize kSmallFrame{320, 240};
 
-// A resource directory with the one effect that copies its input.
+// A resource directory with effects that copy their input, some of them after passes that blur it.
 class Resources {
 public:
     Resources()
@@ -29,6 +35,14 @@ public:
         write("Shader/copy.frag",
             "#version 120\nuniform sampler2D mSample0;\nvarying vec2 textureCoord;\n"
             "void main() { gl_FragColor = texture2D(mSample0, textureCoord); }\n");
+        write("Shader/blur.frag",
+            "#version 120\nuniform sampler2D mSample0;\nuniform vec2 u_pass_resolution;\n"
+            "varying vec2 textureCoord;\nvoid main() {\n"
+            "vec4 sum = vec4(0.0);\nfor (int i = -4; i <= 4; ++i)\n"
+            "sum += texture2D(mSample0, textureCoord + vec2(float(i) / u_pass_resolution.x, 0.0));\n"
+            "gl_FragColor = sum / 9.0; }\n");
+        for (const int divisor : {0, 1, 2, 4})
+            write("Shader/passes" + std::to_string(divisor) + ".conf", passes(divisor));
     }
     ~Resources()
     {
@@ -41,6 +55,19 @@ public:
     const std::string& path() const { return path_; }
 
 private:
+    static std::string passes(int divisor)
+    {
+        std::string list;
+        std::string from = "0";
+        for (int i = 0; divisor > 0 && i < kPasses; ++i) {
+            const std::string name = "\"" + std::to_string(i) + "\"";
+            list += "{\"NAME\": " + name + ", \"SHADER\": \"blur.frag\", \"SCALE\": "
+                + std::to_string(1.0 / divisor) + ", \"INPUTS\": [{\"FROM\": " + from + "}]}, ";
+            from = name;
+        }
+        return std::string("{\"GUID\":\"") + kPassesOf[divisor] + "\", \"PASSES\": [" + list
+            + "{\"SHADER\": \"copy.frag\", \"INPUTS\": [{\"FROM\": 0}]}]}";
+    }
     void write(const std::string& name, const std::string& text) const
     {
         std::ofstream(path_ + name, std::ios::binary) << text;
@@ -68,6 +95,27 @@ void chain(benchmark::State& state)
     }
 }
 BENCHMARK(chain)->ArgName("effects")->Arg(1)->Arg(2)->Arg(5)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// Measures frames of an effect whose last pass copies the input.
+void passes(benchmark::State& state)
+{
+    const host::Image input(kFrame.width, kFrame.height);
+    host::Filter filter(kPassesOf[state.range(0)], int(kFrame.width), int(kFrame.height));
+    filter.setInput(input);
+    filter.run();
+    for (auto _ : state) {
+        input.bytes()[0] ^= 1;
+        benchmark::DoNotOptimize(host::bytesOf(filter.run()).data());
+    }
+}
+BENCHMARK(passes)
+    ->ArgName("divisor")
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(4)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void createDrawDelete(benchmark::State& state)
 {
