@@ -1,6 +1,8 @@
 // Effects with passes: what each one draws, what it reads, and what stays from frame to frame.
 #include "shader/ShaderEngine.h"
 
+#include <deque>
+
 namespace {
 
 using test::Bgra;
@@ -249,6 +251,76 @@ TEST_F(Passes, StandBetweenOtherEffectsAndLeaveThemAlone)
             EXPECT_EQ(middle(chain.back()), (Bgra{105, 106, 107, 255}));
         EXPECT_EQ(middle(chain[1]), (Bgra{45, 46, 47, 255}));
     }
+}
+
+TEST_F(Passes, DrawThePictureBehindParticles)
+{
+    files.write("Particles/test.particle",
+        std::string("particle_system dots\n{\nmaterial sprite\nparticle_width 8\nparticle_height 8\n"
+                    "emitter Box\n{\nwidth 30\nheight 20\ndepth 1\nemission_rate 40\nvelocity 0\n"
+                    "time_to_live 100\ncolour 0 1 0 1\n}\n}\n"));
+    files.write("Particles/test.material", test::kSpriteMaterial);
+    shader("ten.frag", kAddTen);
+    passes(0,
+        R"({"NAME": "a", "SCALE": 0.5, "SHADER": "ten.frag"}, {"SHADER": "ten.frag", "INPUTS": [{"FROM": "a"}]})",
+        R"(, "PU": "dots")");
+    describe(1, R"("PU": "dots")");
+    start();
+    auto node = filter(0, 40, 30);
+    auto expected = filter(1, 40, 30);
+    const auto input = plain(40, 30, {10, 20, 30, 255});
+    const auto brighter = plain(40, 30, {30, 40, 50, 255});
+    node.setInput(input);
+    expected.setInput(brighter);
+    for (const float time : {0.2f, 1.0f, 0.4f}) {
+        node.set(kEffectCurrentTime, time);
+        expected.set(kEffectCurrentTime, time);
+        const auto picture = bytes(expected.run());
+        EXPECT_EQ(bytes(node.run()), picture);
+        EXPECT_NE(picture, bytes(brighter));
+    }
+}
+
+TEST_F(Passes, OfAnyDescriptionEndNothing)
+{
+    shader("ten.frag", kAddTen);
+    std::mt19937 random(7);
+    const auto one = [&](std::initializer_list<const char*> words) {
+        return std::string(words.begin()[random() % words.size()]);
+    };
+    const int kDescriptors = 60;
+    for (int i = 0; i < kDescriptors; ++i) {
+        std::string list;
+        for (unsigned n = random() % 6 + 1, pass = 0; pass < n; ++pass) {
+            list += std::string(pass ? ", " : "") + "{\"NAME\": \"" + char('a' + pass) + "\"";
+            list += one({"", "", R"(, "SHADER": "ten.frag")", R"(, "SHADER": "none.frag")"});
+            if (pass + 1 < n || random() % 8 == 0)
+                list += one({"", R"(, "SCALE": 0.0625)", R"(, "SCALE": 0.3)"})
+                    + one({"", R"(, "PERSISTENT": true)"}) + one({"", R"(, "FORMAT": "half")"});
+            if (random() % 4)
+                list += R"(, "INPUTS": [{"FROM": )" + one({"0", "1", "\"a\"", "\"b\"", "\"c\""})
+                    + one({"", R"(, "WRAP": "mirror")", R"(, "FILTER": "nearest")"})
+                    + one({"}", R"(}, {"FROM": 0})"}) + "]";
+            list += "}";
+        }
+        passes(i, list, R"(, "INPUTS": 2)");
+    }
+    start();
+    const auto input = noise(7, 5, 3);
+    std::deque<host::Filter> nodes;
+    int drawn = 0;
+    for (int i = 0; i < kDescriptors; ++i) {
+        nodes.emplace_back(filter(i, 7, 5));
+        if (nodes.size() > 9)
+            nodes.pop_front();
+        for (host::Filter& node : nodes) {
+            node.setInput(input, int(random() % 2));
+            EXPECT_NO_THROW(node.run());
+        }
+        drawn += bytes(nodes.back().run()) != bytes(input);
+    }
+    EXPECT_GT(drawn, 10);
+    EXPECT_LT(drawn, kDescriptors - 10);
 }
 
 TEST_F(Passes, WithAFaultTheEffectShowsItsInput)
