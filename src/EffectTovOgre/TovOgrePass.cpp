@@ -128,11 +128,12 @@ void TovOgrePass::draw(Ogre::SceneManager& scene, Ogre::RenderOperation& plane, 
     const Target& target = targets_[next];
     Ogre::Pass& pass = ogrePass();
     showTextures(pass, textures);
-    if (!std::exchange(programsBound_, true)) {
+    if (!programsBound_) {
         pass.setVertexProgram(shader_.programName(false), true);
         pass.setVertexProgramParameters(shader_.parameters(false));
         pass.setFragmentProgram(shader_.programName(true), true);
         pass.setFragmentProgramParameters(shader_.parameters(true));
+        programsBound_ = true;
     }
     if (!pass_.shader.empty())
         setPassUniforms(shader_, textures, target.texture->getWidth(), target.texture->getHeight());

@@ -21,6 +21,18 @@ protected:
             + std::to_string(number);
     }
 
+    /// One that hands the first input on, one with two textures, and the last, which shows the first's.
+    static std::vector<shader::DescriptorPass> passes()
+    {
+        using Input = shader::PassInput;
+        std::vector<shader::DescriptorPass> all(3);
+        all[0].inputs = {Input{Input::Source::picture, 0}};
+        all[1].inputs = {Input{Input::Source::lastFrame, 1}, Input{Input::Source::picture, 2}};
+        all[1].persistent = true;
+        all[2].inputs = {Input{Input::Source::pass, 0}};
+        return all;
+    }
+
     bool draw(KEXSDK::GpuEffect& effect, Picture& target) const
     {
         effect->setInput(input_->record(), 0);
@@ -43,15 +55,18 @@ TEST_F(FailingMemoryTest, TheNextFrameAndTheNextEffectOfThatProgramAreRight)
         const char* particles;
         u32 frame;
         bool inRenderingLibrary; ///< which cannot destroy a particle system whose pool did not come about
-    } rows[] = {{"", 0, true}, {"snow", 3, false}};
+        bool hasPasses;
+    } rows[] = {{"", 0, true, false}, {"snow", 3, false, false}, {"", 0, true, true}};
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.particles);
+        SCOPED_TRACE(row.hasPasses ? "passes" : row.particles);
         const auto make = [&](const std::string& program) {
             KEXSDK::GpuEffect effect = KEXSDK::GpuEffect::create();
             if (effect) {
                 effect->setSize(kWidth, kHeight);
                 effect->setShaderSource(program.c_str(), true, true);
                 effect->particleTemplate = row.particles;
+                if (row.hasPasses)
+                    effect->passes = passes();
             }
             return effect;
         };
