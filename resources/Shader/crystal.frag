@@ -27,10 +27,14 @@ void main()
     vec2 home = floor(nearest);
     for (float y = -2.0; y <= 2.0; y += 1.0)
         for (float x = -2.0; x <= 2.0; x += 1.0) {
+            if (abs(x * y) > 3.0)
+                continue; // too far away to have a border with the nearest site
             vec2 site = cell + vec2(x, y) + 0.5 + u_roughness * (random2(cell + vec2(x, y)) - 0.5);
             vec2 across = site - nearest;
-            if (dot(across, across) > 1.0e-5)
-                border = min(border, dot(0.5 * (nearest + site) - p, normalize(across)));
+            float square = dot(across, across);
+            // The nearest site itself is no neighbour.
+            float distance = dot(0.5 * (nearest + site) - p, across) * inversesqrt(max(square, 1.0e-5));
+            border = min(border, square > 1.0e-5 ? distance : 8.0);
         }
     vec4 colour = picture(nearest * u_size / u_resolution);
     vec2 tilt = random2(home + 71.0) - 0.5;

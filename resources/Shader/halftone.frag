@@ -6,19 +6,28 @@ uniform float u_size = 8.0;   // distance of the dots in pixels
 uniform float u_angle = 0.0;  // degrees added to every screen
 uniform float u_black = 0.55; // share of black ink, 0..1
 
+// Cosine and sine of the printer's angles.
+const vec2 kCyan = vec2(0.96592583, 0.25881905);
+const vec2 kMagenta = vec2(0.25881905, 0.96592583);
+const vec2 kYellow = vec2(1.0, 0.0);
+const vec2 kBlack = vec2(0.70710678, 0.70710678);
+
 /// From pixels around the middle to the grid of a screen, and back with the transpose.
-mat2 turned(float angle)
+mat2 turned(vec2 angle)
 {
-    float a = radians(angle + u_angle);
-    return mat2(cos(a), -sin(a), sin(a), cos(a));
+    float a = radians(u_angle);
+    vec2 more = vec2(cos(a), sin(a));
+    float c = angle.x * more.x - angle.y * more.y;
+    float s = angle.y * more.x + angle.x * more.y;
+    return mat2(c, -s, s, c);
 }
 
-vec2 gridPosition(float angle)
+vec2 gridPosition(vec2 angle)
 {
     return turned(angle) * ((textureCoord - 0.5) * u_resolution) / u_size;
 }
 
-float dots(float angle, float ink)
+float dots(vec2 angle, float ink)
 {
     // The dot's area is the ink's share; past pi/4 the dots grow together.
     float radius = sqrt(ink / 3.14159265) * (1.0 + 0.25 * ink * ink);
@@ -27,7 +36,7 @@ float dots(float angle, float ink)
 }
 
 /// The picture in the middle of the dot.
-vec3 cellColour(float angle)
+vec3 cellColour(vec2 angle)
 {
     vec2 middle = (floor(gridPosition(angle)) + 0.5) * u_size;
     return picture(middle * turned(angle) / u_resolution + 0.5).rgb;
@@ -45,14 +54,14 @@ float inkOf(float light, float black)
 
 void main()
 {
-    vec3 c = cellColour(15.0);
-    vec3 m = cellColour(75.0);
-    vec3 y = cellColour(0.0);
-    vec3 k = cellColour(45.0);
+    vec3 c = cellColour(kCyan);
+    vec3 m = cellColour(kMagenta);
+    vec3 y = cellColour(kYellow);
+    vec3 k = cellColour(kBlack);
     vec3 paper = vec3(0.98, 0.97, 0.94);
-    paper *= 1.0 - vec3(0.95, 0.25, 0.05) * dots(15.0, inkOf(c.r, blackOf(c)));
-    paper *= 1.0 - vec3(0.08, 0.90, 0.30) * dots(75.0, inkOf(m.g, blackOf(m)));
-    paper *= 1.0 - vec3(0.02, 0.06, 0.92) * dots(0.0, inkOf(y.b, blackOf(y)));
-    paper *= 1.0 - 0.92 * dots(45.0, blackOf(k));
+    paper *= 1.0 - vec3(0.95, 0.25, 0.05) * dots(kCyan, inkOf(c.r, blackOf(c)));
+    paper *= 1.0 - vec3(0.08, 0.90, 0.30) * dots(kMagenta, inkOf(m.g, blackOf(m)));
+    paper *= 1.0 - vec3(0.02, 0.06, 0.92) * dots(kYellow, inkOf(y.b, blackOf(y)));
+    paper *= 1.0 - 0.92 * dots(kBlack, blackOf(k));
     gl_FragColor = vec4(paper, picture(textureCoord).a);
 }

@@ -13,5 +13,6 @@ vec4 light(vec2 place)
 
 void main()
 {
-    gl_FragColor = 0.25 * (light(vec2(-0.25)) + light(vec2(0.25)) + light(vec2(0.25, -0.25)) + light(vec2(-0.25, 0.25)));
+    gl_FragColor = 0.25
+        * (light(vec2(-0.25)) + light(vec2(0.25)) + light(vec2(0.25, -0.25)) + light(vec2(-0.25, 0.25)));
 }

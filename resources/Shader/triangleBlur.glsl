@@ -24,8 +24,8 @@ float fineGap()
     return ceil(0.0625 * wideGap() - 0.001);
 }
 
-/// Pixels between the samples of the pass before the last: one more than so many gaps of the first pass, or a pattern as
-/// wide as that gap would come through all passes.
+/// Pixels between the samples of the pass before the last: one more than so many gaps of the first pass, or a pattern
+/// as wide as that gap would come through all passes.
 float narrowGap()
 {
     float fine = fineGap();

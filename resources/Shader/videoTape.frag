@@ -24,9 +24,9 @@ void main()
 
     // Brightness is sharp, colour is not: the tape records it with a tenth of the detail.
     vec3 smeared = vec3(0.0);
-    for (float i = 0.0; i < 12.0; i += 1.0)
-        smeared += picture(uv - vec2(i / 11.0 * u_smear / 100.0, 0.0)).rgb;
-    smeared /= 12.0;
+    for (float i = 0.0; i < 7.0; i += 1.0)
+        smeared += picture(uv - vec2(i / 6.0 * u_smear / 100.0, 0.0)).rgb;
+    smeared /= 7.0;
     vec3 colour = vec3(luma(centre.rgb)) + 1.15 * (smeared - luma(smeared));
     float grain = random(vec2(floor(textureCoord.x * 360.0), line) + 13.0 * frame) - 0.5;
     colour += u_noise * 0.16 * grain;
