@@ -4,7 +4,7 @@
 
 void main()
 {
-    vec2 step = path() / 64.0;
-    gl_FragColor = 0.25 * (weighted(picture(textureCoord - 1.5 * step)) + weighted(picture(textureCoord - 0.5 * step))
-        + weighted(picture(textureCoord + 0.5 * step)) + weighted(picture(textureCoord + 1.5 * step)));
+    vec2 gap = path() / 64.0;
+    gl_FragColor = 0.25 * (weighted(picture(textureCoord - 1.5 * gap)) + weighted(picture(textureCoord - 0.5 * gap))
+        + weighted(picture(textureCoord + 0.5 * gap)) + weighted(picture(textureCoord + 1.5 * gap)));
 }

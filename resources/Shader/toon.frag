@@ -13,7 +13,7 @@ vec3 at(float x, float y)
 }
 
 /// Weighs a colour by how near it is to the middle's: a bell that ends at zero.
-vec4 near(vec3 middle, vec3 colour)
+vec4 alike(vec3 middle, vec3 colour)
 {
     vec3 difference = colour - middle;
     float weight = max(1.0 - 6.0 * dot(difference, difference), 0.0);
@@ -36,15 +36,15 @@ void main()
 
     // Small differences are smoothed away first, or the flat areas would be speckled.
     vec4 sum = vec4(centre.rgb, 1.0);
-    sum += near(centre.rgb, left) + near(centre.rgb, right) + near(centre.rgb, below) + near(centre.rgb, above);
-    sum += near(centre.rgb, leftBelow) + near(centre.rgb, rightBelow);
-    sum += near(centre.rgb, leftAbove) + near(centre.rgb, rightAbove);
-    sum += near(centre.rgb, at(-4.0, 0.0)) + near(centre.rgb, at(4.0, 0.0));
-    sum += near(centre.rgb, at(0.0, -4.0)) + near(centre.rgb, at(0.0, 4.0));
-    sum += near(centre.rgb, at(-4.0, -2.0)) + near(centre.rgb, at(-4.0, 2.0));
-    sum += near(centre.rgb, at(4.0, -2.0)) + near(centre.rgb, at(4.0, 2.0));
-    sum += near(centre.rgb, at(-2.0, -4.0)) + near(centre.rgb, at(2.0, -4.0));
-    sum += near(centre.rgb, at(-2.0, 4.0)) + near(centre.rgb, at(2.0, 4.0));
+    sum += alike(centre.rgb, left) + alike(centre.rgb, right) + alike(centre.rgb, below) + alike(centre.rgb, above);
+    sum += alike(centre.rgb, leftBelow) + alike(centre.rgb, rightBelow);
+    sum += alike(centre.rgb, leftAbove) + alike(centre.rgb, rightAbove);
+    sum += alike(centre.rgb, at(-4.0, 0.0)) + alike(centre.rgb, at(4.0, 0.0));
+    sum += alike(centre.rgb, at(0.0, -4.0)) + alike(centre.rgb, at(0.0, 4.0));
+    sum += alike(centre.rgb, at(-4.0, -2.0)) + alike(centre.rgb, at(-4.0, 2.0));
+    sum += alike(centre.rgb, at(4.0, -2.0)) + alike(centre.rgb, at(4.0, 2.0));
+    sum += alike(centre.rgb, at(-2.0, -4.0)) + alike(centre.rgb, at(2.0, -4.0));
+    sum += alike(centre.rgb, at(-2.0, 4.0)) + alike(centre.rgb, at(2.0, 4.0));
     vec3 colour = sum.rgb / sum.a;
     float value = luma(colour);
     float levels = max(floor(u_levels + 0.5), 2.0);
