@@ -389,7 +389,7 @@ void TovOgreEffectBase::prepareFrame()
             passChain_->forget();
         passChain_->draw(sceneManager(), width_, height_);
     }
-    plane_->bind();
+    plane_->bind(width_, height_, transform == PictureTransform());
 }
 
 void TovOgreEffectBase::fitPlane()

@@ -186,17 +186,22 @@ TovOgrePicturePlane::Picture& TovOgrePicturePlane::ownPicture(
     return picture;
 }
 
-void TovOgrePicturePlane::bindPictures()
+void TovOgrePicturePlane::bindPictures(u32 width, u32 height, bool fillsFrame)
 {
     Ogre::Pass& units = *pass();
     while (units.getNumTextureUnitStates() < pictures_.size()) {
         Ogre::TextureUnitState& unit = *units.createTextureUnitState();
         unit.setTextureAddressingMode(Ogre::TextureUnitState::TAM_CLAMP);
-        unit.setTextureFiltering(Ogre::FO_LINEAR, Ogre::FO_LINEAR, Ogre::FO_NONE); // there are no mipmaps
     }
     Ogre::ushort number = 0;
     for (const auto& [index, picture] : pictures_) {
+        // Where every place that is read is the middle of a texel, the nearest texel is what blending four of
+        // them gives, and costs less. There are no mipmaps.
+        const bool isExact = fillsFrame && picture.texture && picture.texture->getWidth() == width
+            && picture.texture->getHeight() == height && shader_.readAtOwnPixelOnly(number);
         Ogre::TextureUnitState& unit = *units.getTextureUnitState(number++);
+        const Ogre::FilterOptions filter = isExact ? Ogre::FO_POINT : Ogre::FO_LINEAR;
+        unit.setTextureFiltering(filter, filter, Ogre::FO_NONE);
         if (picture.texture && unit._getTexturePtr() != picture.texture)
             unit.setTexture(picture.texture);
     }
@@ -234,12 +239,12 @@ Ogre::TexturePtr TovOgrePicturePlane::pictureOrBlank(i32 index)
     return blank_.texture;
 }
 
-void TovOgrePicturePlane::bind()
+void TovOgrePicturePlane::bind(u32 width, u32 height, bool fillsFrame)
 {
     if (instead_)
         showTextures(*pass(), *instead_);
     else
-        bindPictures();
+        bindPictures(width, height, fillsFrame);
     bindPrograms();
     // Loads the material here: OGRE would do so in the midst of drawing, and take a load that failed there
     // for complete.

@@ -81,7 +81,8 @@ public:
 
     /// Puts the pictures into the pass's units, the shader's programs into the pass, and its values into
     /// them.
-    void bind();
+    /// @param fillsFrame  whether the plane shows pictures of this size pixel for pixel
+    void bind(u32 width, u32 height, bool fillsFrame);
 
     /// The node that carries the rectangle, a child of the plane node.
     Ogre::SceneNode& node() const { return *node_; }
@@ -99,7 +100,7 @@ private:
     void drop(Picture& picture);
     void build(const Ogre::Camera& camera);
     void release();
-    void bindPictures();
+    void bindPictures(u32 width, u32 height, bool fillsFrame);
     void bindPrograms();
     Ogre::Pass* pass() const;
 

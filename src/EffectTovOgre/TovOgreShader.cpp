@@ -1,6 +1,8 @@
 // Makes OGRE's programs from GLSL texts, and keeps the values of their uniforms.
 #include "EffectTovOgre/TovOgreShader.h"
 
+#include "EffectTovOgre/GlslKind.h"
+#include "EffectTovOgre/GlslReads.h"
 #include "EffectTovOgre/GlslText.h"
 #include "EffectTovOgre/TovOgreBase.h"
 
@@ -13,6 +15,7 @@
 #include <OgreRoot.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -172,7 +175,26 @@ std::string TovOgreShader::link()
     std::erase_if(
         uniforms_, [](const GlslUniform& uniform) { return uniform.value.name == kWorldViewProjection; });
     link_ = &known->second;
+    if (programs_[false].name.empty())
+        ownPixelSamplers_ = glslReads::atOwnPixelOnly(programs_[true].text);
     return {};
+}
+
+bool TovOgreShader::readAtOwnPixelOnly(u32 unit) const
+{
+    if (!programs_[false].name.empty())
+        return false;
+    for (const GlslUniform& uniform : uniforms_) {
+        if (!GlslKind::isSampler(uniform.type) || ownPixelSamplers_.contains(uniform.value.name))
+            continue;
+        for (u32 i = 0; i < uniform.value.arraySize; ++i) {
+            u32 shown = 0;
+            std::memcpy(&shown, uniform.value.data.data() + i * sizeof shown, sizeof shown);
+            if (shown == unit)
+                return false;
+        }
+    }
+    return true;
 }
 
 u32 TovOgreShader::linkedProgram()

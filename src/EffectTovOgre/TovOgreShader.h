@@ -10,6 +10,7 @@
 #include <OgreVector.h>
 
 #include <array>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -58,6 +59,10 @@ public:
     /// the order of their names.
     virtual void getShaderParameters(ShaderParameters& list) const;
 
+    /// Whether the programs are known to read the picture of a texture unit at each pixel's own place and
+    /// nowhere else; after link().
+    bool readAtOwnPixelOnly(u32 unit) const;
+
     /// Makes the programs ready to be drawn with. Call it once, after setShaderProgram.
     /// @return the driver's message when that is not possible, else empty; both defaults are in use then
     std::string link();
@@ -91,8 +96,9 @@ private:
     bool hasOwn(u32 programType) const;
     template <class T> void store(u32 programType, const char* name, std::span<const T> values);
 
-    std::array<Program, 2> programs_; ///< vertex, fragment
-    const GlslLink* link_ = nullptr;  ///< of the environment; null without an own program
+    std::array<Program, 2> programs_;        ///< vertex, fragment
+    std::set<std::string> ownPixelSamplers_; ///< of an own fragment program behind the default vertex program
+    const GlslLink* link_ = nullptr;         ///< of the environment; null without an own program
     std::vector<GlslUniform> uniforms_;
 };
 

@@ -23,6 +23,8 @@ struct PictureTransform {
     float angle = 0;                  ///< degrees, about the axis
     float translation[3] = {0, 0, 0}; ///< x and y in output pixels, z in scene units
     float scale[3] = {1, 1, 1};
+
+    friend bool operator==(const PictureTransform&, const PictureTransform&) = default;
 };
 
 /// An off-screen scene that draws its inputs, through a fragment program of its own or as they are, into a

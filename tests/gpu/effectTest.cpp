@@ -106,6 +106,59 @@ TEST_F(EffectTest, ChainsHandTexturesOn)
     EXPECT_TRUE(effects[2].draw(*stages[3]));
 }
 
+TEST_F(EffectTest, ColoursStayWherePixelsAndFramesTakeTurns)
+{
+    // One unit shows pixels of the host's, the effect's own last frame, and pixels again.
+    KEXSDK::GpuEffect effect = effectOf(41, 29);
+    Picture frame(41, 29);
+    for (unsigned round = 1; round <= 2; ++round) {
+        const auto source = Picture::noise(41, 29, round);
+        effect->setInput(source->record(), 0);
+        ASSERT_TRUE(effect.draw(frame));
+        EXPECT_TRUE(frame.bytes() == source->bytes()) << round;
+        effect->setInput(frame.record(), 0);
+        Picture again(41, 29);
+        ASSERT_TRUE(effect.draw(again));
+        EXPECT_TRUE(again.bytes() == source->bytes()) << round;
+    }
+}
+
+TEST_F(EffectTest, PicturesOfOtherSizesAndMovedOnesAreBlended)
+{
+    // Dark to the left, bright to the right: texels between the two are where places were blended.
+    const auto split = [](u32 width) {
+        auto picture = Picture::plain(width, 2, {0, 0, 0, 255});
+        for (u32 x = width / 2; x < width; ++x)
+            for (u32 y = 0; y < 2; ++y)
+                picture->pixels()[(y * width + x) * 4] = 255;
+        return picture;
+    };
+    const auto blended = [](const Picture& picture) {
+        return std::ranges::any_of(picture.bytes(), [](u8 byte) { return byte != 0 && byte != 255; });
+    };
+    const char* const copies = "uniform sampler2D mSample0; varying vec2 textureCoord;"
+                               "void main() { gl_FragColor = texture2D(mSample0, textureCoord); }";
+    const auto same = split(16);
+    const auto smaller = split(4);
+    for (const char* const program : {static_cast<const char*>(nullptr), copies}) {
+        KEXSDK::GpuEffect effect = effectOf(16, 2, program);
+        Picture target(16, 2);
+        for (int round = 0; round < 2; ++round) {
+            effect->setInput(same->record(), 0);
+            ASSERT_TRUE(effect.draw(target));
+            EXPECT_EQ(target.bytes(), same->bytes());
+            effect->setInput(smaller->record(), 0);
+            ASSERT_TRUE(effect.draw(target));
+            EXPECT_TRUE(blended(target)) << "of another size";
+            effect->setInput(same->record(), 0);
+            effect->transform.scale[0] = 3;
+            ASSERT_TRUE(effect.draw(target));
+            EXPECT_TRUE(blended(target)) << "made larger";
+            effect->transform = {};
+        }
+    }
+}
+
 TEST_F(EffectTest, UniformsOfEveryTypeTakeTheirValues)
 {
     // Every value is checked on its own: each wrong one lowers blue.
