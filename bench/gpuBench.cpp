@@ -1,5 +1,9 @@
-// The cost of a GPU effect besides its own work: a program that only copies, alone, in chains, and made anew.
+// The cost of a GPU effect besides its own work: a program that only copies, in parts, in chains, and made
+// anew. The column CPU counts all threads, those of a software renderer too.
 #include "EffectTovOgre/TovOgreRenderThread.h"
+#include "effects/gpu/GpuEffect.h"
+#include "graphics/GraphicsService.h"
+#include "graphics/TovEffectBase.h"
 #include "hosting/measure.h"
 
 #include <benchmark/benchmark.h>
@@ -20,6 +24,13 @@ constexpr const char* kPassesOf[] = {"7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A91", // 
     "7C1F0A52-93B4-4E0D-8A3C-5B2D6E4F1A94"};
 constexpr host::FrameSize kFrame{1920, 1080};
 constexpr host::FrameSize kSmallFrame{320, 240};
+
+/// The copy as most programs read their picture: where, only the driver can tell.
+constexpr const char* kCopyAnywhere = "uniform sampler2D mSample0; varying vec2 textureCoord;"
+                                      "vec4 picture(vec2 place) { return texture2D(mSample0, place); }"
+                                      "void main() { gl_FragColor = picture(textureCoord); }";
+constexpr const char* kCopyInPlace = "uniform sampler2D mSample0; varying vec2 textureCoord;"
+                                     "void main() { gl_FragColor = texture2D(mSample0, textureCoord); }";
 
 // A resource directory with effects that copy their input, some of them after passes that blur it.
 class Resources {
@@ -78,6 +89,67 @@ private:
 
 host::Filter copier(host::FrameSize frame) { return {kCopy, int(frame.width), int(frame.height)}; }
 
+/// Two effects, of which the second reads the first one's texture.
+struct Pair {
+    explicit Pair(benchmark::State& state, const char* program)
+        : width(u32(state.range(0))),
+          height(u32(state.range(1))),
+          input(width, height, 0, 32, nullptr),
+          between(width, height, 0, 32, nullptr),
+          output(width, height, 0, 32, nullptr)
+    {
+        for (KEXSDK::GpuEffect* effect : {&first, &second}) {
+            (*effect)->setSize(width, height);
+            (*effect)->setShaderSource(program, true, true);
+        }
+        first->setInput(input.record(), 0);
+        first.draw(between);
+        second->setInput(between.record(), 0);
+        if (!second.draw(output))
+            state.SkipWithError("nothing was drawn");
+    }
+
+    u32 width;
+    u32 height;
+    KEXSDK::CEffectImage input;
+    KEXSDK::CEffectImage between;
+    KEXSDK::CEffectImage output;
+    KEXSDK::GpuEffect first = KEXSDK::GpuEffect::create();
+    KEXSDK::GpuEffect second = KEXSDK::GpuEffect::create();
+};
+
+void uploadDrawRead(benchmark::State& state, const char* program)
+{
+    Pair effects(state, program);
+    for (auto _ : state)
+        effects.first.draw(effects.between);
+}
+
+void drawRead(benchmark::State& state, const char* program)
+{
+    Pair effects(state, program);
+    for (auto _ : state)
+        effects.second.draw(effects.output);
+}
+
+void read(benchmark::State& state, const char* program)
+{
+    Pair effects(state, program);
+    for (auto _ : state)
+        KEXSDK::graphics().readBack(*effects.output.record());
+}
+
+void sizes(benchmark::internal::Benchmark* parts)
+{
+    parts->ArgNames({"", ""})->Args({1920, 1080})->Args({640, 480})->Args({64, 48});
+    parts->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
+}
+BENCHMARK_CAPTURE(uploadDrawRead, inPlace, kCopyInPlace)->Apply(sizes);
+BENCHMARK_CAPTURE(uploadDrawRead, anywhere, kCopyAnywhere)->Apply(sizes);
+BENCHMARK_CAPTURE(drawRead, inPlace, kCopyInPlace)->Apply(sizes);
+BENCHMARK_CAPTURE(drawRead, anywhere, kCopyAnywhere)->Apply(sizes);
+BENCHMARK_CAPTURE(read, whole, kCopyInPlace)->Apply(sizes);
+
 // Measures frames through a chain of `links` effects, of which the host reads the last one's output.
 void chain(benchmark::State& state)
 {
@@ -94,7 +166,14 @@ void chain(benchmark::State& state)
         benchmark::DoNotOptimize(host::bytesOf(filters.back().run()).data());
     }
 }
-BENCHMARK(chain)->ArgName("effects")->Arg(1)->Arg(2)->Arg(5)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(chain)
+    ->ArgName("effects")
+    ->Arg(1)
+    ->Arg(2)
+    ->Arg(5)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
 
 // Measures frames of an effect whose last pass copies the input.
 void passes(benchmark::State& state)
@@ -126,7 +205,7 @@ void createDrawDelete(benchmark::State& state)
         benchmark::DoNotOptimize(host::bytesOf(filter.run()).data());
     }
 }
-BENCHMARK(createDrawDelete)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(createDrawDelete)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime()->UseRealTime();
 
 } // namespace
 
