@@ -59,8 +59,14 @@ LookRun::LookRun(const Look& look, unsigned width, unsigned height)
     : inputs_(look.info().inputs),
       output_(width, height)
 {
+    restart(look);
+}
+
+void LookRun::restart(const Look& look)
+{
+    handle_.reset(); // first: the random numbers of new nodes start anew when no others are at work
     EffectHostRun* run = nullptr;
-    succeed(EffectHostStartRun(look.handle_.get(), width, height, &run));
+    succeed(EffectHostStartRun(look.handle_.get(), output_.width(), output_.height(), &run));
     handle_.reset(run);
 }
 

@@ -68,6 +68,9 @@ class LookRun {
 public:
     LookRun(const Look& look, unsigned width, unsigned height);
 
+    /// Begins anew with the look of the start, as a new object would. The sources stay set.
+    void restart(const Look& look);
+
     /// Sets the picture for "source" (0), "source-2" (1)...; it must have the run's size, and outlive the
     /// runs.
     void setSource(const host::Image& image, unsigned index = 0);

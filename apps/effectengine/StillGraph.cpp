@@ -70,6 +70,12 @@ void StillGraph::begin()
     seen_ = 0;
 }
 
+void StillGraph::restart()
+{
+    run_->restart(look_);
+    seen_ = 0;
+}
+
 CEffectImage* StillGraph::at(const FrameTime& time)
 {
     last_ = time;

@@ -27,6 +27,10 @@ public:
     /// and what it lacked. Effects that were switched off have none. Throws as above.
     std::vector<std::string> idleEffects();
 
+    /// Begins anew, after the caller has put others into the pictures: what follows is what a new object
+    /// would give.
+    void restart();
+
 private:
     void begin();
     CEffectImage* show(const FrameTime& time, std::vector<std::string>* unchanged = nullptr);

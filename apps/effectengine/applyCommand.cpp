@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <thread>
 
 namespace tool {
@@ -41,6 +42,8 @@ void checkPictureCount(const Look& look, const Options& options)
             + (options.with.empty() ? " (--with names a second one)" : ""));
 }
 
+/// Pictures through a look, one after the other. Pictures of one size share their memory, which the system
+/// would otherwise give and take back again for each.
 class PictureRun {
 public:
     PictureRun(const Options& options, const Look& look, const SessionOptions& session)
@@ -51,21 +54,19 @@ public:
     }
 
     /// @param advise  warns of effects that did nothing for want of something
-    void process(const PictureJob& job, bool advise) const
+    void process(const PictureJob& job, bool advise)
     {
-        const PictureSize source = sizeOf(job.in);
+        const PictureFile file(job.in);
+        const PictureSize source = file.size();
         const PictureSize size = options_.size.empty() ? fitted(source) : parseSize(options_.size);
         checkOutput(job.out);
         if (options_.size.empty() && size.width != source.width)
             warn(job.in.string() + " is scaled from " + text(source) + " to " + text(size));
-        std::vector<host::Image> pictures;
-        pictures.push_back(loadPicture(job.in, size));
-        for (const fs::path& file : options_.with)
-            pictures.push_back(loadPicture(file, size));
-        StillGraph graph(look_, pictures);
+        StillGraph& graph = graphOf(size);
+        file.loadInto(pictures_.front());
         const double time = options_.time.value_or(options_.total / 2);
         savePicture(graph.at({.seconds = time, .total = options_.total}), job.out,
-            options_.strip ? PhotoMetadata() : metadataOf(job.in));
+            options_.strip ? PhotoMetadata() : file.metadata());
         if (advise)
             std::ranges::for_each(graph.idleEffects(), warn);
     }
@@ -76,9 +77,26 @@ private:
         return std::to_string(size.width) + " x " + std::to_string(size.height);
     }
 
+    // A graph that has seen nothing, over pictures of that size; the further ones are loaded.
+    StillGraph& graphOf(PictureSize size)
+    {
+        if (graph_ && size == PictureSize{pictures_.front().width(), pictures_.front().height()}) {
+            graph_->restart();
+            return *graph_;
+        }
+        graph_.reset();
+        pictures_.clear();
+        pictures_.emplace_back(size.width, size.height);
+        for (const fs::path& file : options_.with)
+            pictures_.push_back(loadPicture(file, size));
+        return graph_.emplace(look_, pictures_);
+    }
+
     const Options& options_;
     const Look& look_;
     Session session_;
+    std::vector<host::Image> pictures_;
+    std::optional<StillGraph> graph_; ///< over the pictures
 };
 
 void apply(const Options& options, const GraphOptions& graphOptions, const SessionOptions& sessionOptions)

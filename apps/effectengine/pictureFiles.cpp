@@ -4,6 +4,7 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/ToolError.h"
 #include "hosting/imageView.h"
+#include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
 
 #include <unistd.h>
@@ -16,8 +17,10 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tool {
@@ -139,13 +142,42 @@ void makeDirectory(const fs::path& directory)
         throwCannotWrite(directory, error ? error.value() : EEXIST);
 }
 
-PictureSize sizeOf(const fs::path& file)
+PictureFile::PictureFile(fs::path file) : path_(std::move(file))
 {
-    std::ifstream stream = openPicture(file);
-    const pictures::Decoded header = pictures::inspect(stream);
-    checkDecoded(file, stream, header, "not a picture that can be decoded");
-    return upright({header.width, header.height}, metadataOf(file).orientation);
+    std::ifstream stream = openPicture(path_);
+    bytes_ = contentsOf(path_);
+    metadata_ = readPhotoMetadata(bytes_);
+    const pictures::Decoded header = isJpeg() ? pictures::inspectJpeg(bytes_) : pictures::inspect(stream);
+    checkDecoded(path_, stream, header, "not a picture that can be decoded");
+    stored_ = {header.width, header.height};
 }
+
+bool PictureFile::isJpeg() const { return pictures::beginsLikeJpeg(bytes_); }
+
+PictureSize PictureFile::size() const { return upright(stored_, metadata_.orientation); }
+
+void PictureFile::loadInto(const host::Image& image) const
+{
+    const pixels::View target = viewOf(image);
+    const PictureSize wanted = {unsigned(target.width()), unsigned(target.height())};
+    const PictureSize stored = upright(wanted, metadata_.orientation); // swapping the sides undoes itself
+    if (isJpeg() && metadata_.orientation == 1 && stored == stored_) {
+        const auto top = reinterpret_cast<u8*>(target.pictureRow(0).data());
+        if (pictures::decodeJpegInto(bytes_, stored.width, stored.height, {top, -target.strideBytes()}))
+            return;
+    }
+    std::ifstream stream = openPicture(path_);
+    pictures::Decoded picture = isJpeg() ? pictures::decodeJpeg(bytes_) : pictures::decode(stream);
+    checkDecoded(path_, stream, picture, "damaged or cut short");
+    if (!pictures::scale(picture, stored.width, stored.height))
+        throw ToolError(ExitCode::internal, "not enough memory to scale " + path_.string());
+    const std::ptrdiff_t stride = std::ptrdiff_t{stored.width} * 4;
+    const pixels::View topRowFirst(picture.pixels.get() + (stored.height - 1) * stride,
+        {int(stored.width), int(stored.height)}, -stride);
+    turnUpright(topRowFirst, metadata_.orientation, target);
+}
+
+PictureSize sizeOf(const fs::path& file) { return PictureFile(file).size(); }
 
 PhotoMetadata metadataOf(const fs::path& file) { return readPhotoMetadata(contentsOf(file)); }
 
@@ -177,18 +209,8 @@ PictureSize fitted(PictureSize size)
 
 host::Image loadPicture(const fs::path& file, PictureSize size)
 {
-    std::ifstream stream = openPicture(file);
-    pictures::Decoded picture = pictures::decode(stream);
-    checkDecoded(file, stream, picture, "damaged or cut short");
-    const int orientation = metadataOf(file).orientation;
-    const PictureSize stored = upright(size, orientation); // swapping the sides undoes itself
-    if (!pictures::scale(picture, stored.width, stored.height))
-        throw ToolError(ExitCode::internal, "not enough memory to scale " + file.string());
     host::Image image(size.width, size.height);
-    const std::ptrdiff_t stride = std::ptrdiff_t{stored.width} * 4;
-    const pixels::View topRowFirst(picture.pixels.get() + (stored.height - 1) * stride,
-        {int(stored.width), int(stored.height)}, -stride);
-    turnUpright(topRowFirst, orientation, viewOf(image));
+    PictureFile(file).loadInto(image);
     return image;
 }
 
@@ -213,18 +235,20 @@ void checkOutput(const fs::path& file)
 
 void savePicture(CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata)
 {
-    PictureSize size{};
-    GetImageWidth(image, &size.width);
-    GetImageHeight(image, &size.height);
-    const std::span<unsigned char> pixels = host::bytesOf(image);
-    const std::size_t stride = std::size_t{size.width} * 4;
-    std::vector<u8> topFirst(pixels.size());
-    for (std::size_t row = 0; row < size.height; ++row)
-        std::memcpy(topFirst.data() + row * stride, pixels.data() + (size.height - 1 - row) * stride, stride);
+    const pixels::ConstView picture = host::viewOf(image);
+    const PictureSize size{unsigned(picture.width()), unsigned(picture.height())};
     const auto kind = pictures::kindOf(file.string());
     std::vector<u8> bytes;
-    if (kind)
-        bytes = pictures::encode(*kind, topFirst.data(), size.width, size.height);
+    if (kind == pictures::Kind::jpeg) {
+        const auto top = reinterpret_cast<const u8*>(picture.pictureRow(0).data());
+        bytes = pictures::encodeJpeg({top, -picture.strideBytes()}, size.width, size.height);
+    } else if (kind) {
+        const std::size_t stride = std::size_t{size.width} * 4;
+        const auto topFirst = std::make_unique_for_overwrite<u8[]>(size.height * stride);
+        for (std::size_t row = 0; row < size.height; ++row)
+            std::memcpy(topFirst.get() + row * stride, picture.pictureRow(int(row)).data(), stride);
+        bytes = pictures::encode(*kind, topFirst.get(), size.width, size.height);
+    }
     if (bytes.empty())
         throw ToolError(
             ExitCode::cannotWrite, "cannot write " + file.string() + ": its kind holds no such picture");

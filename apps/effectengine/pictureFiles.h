@@ -5,16 +5,40 @@
 #include "hosting/Host.h"
 
 #include <filesystem>
+#include <vector>
 
 namespace tool {
 
 struct PictureSize {
     unsigned width;
     unsigned height;
+    friend bool operator==(const PictureSize&, const PictureSize&) = default;
 };
 
-/// Width and height of the upright picture, from a file's header. Throws ToolError: missing, unreadable, or
-/// no picture.
+/// A picture file, whose bytes are read once for all that is asked of it.
+class PictureFile {
+public:
+    /// Reads the file and its header. Throws ToolError: missing, unreadable, or no picture.
+    explicit PictureFile(std::filesystem::path file);
+
+    /// Width and height of the upright picture.
+    PictureSize size() const;
+    const PhotoMetadata& metadata() const { return metadata_; }
+
+    /// Fills the image with the picture, turned upright and scaled to the image's size. Throws ToolError; the
+    /// image holds anything then.
+    void loadInto(const host::Image& image) const;
+
+private:
+    bool isJpeg() const;
+
+    std::filesystem::path path_;
+    std::vector<u8> bytes_; ///< empty for a file larger than any that keeps its metadata
+    PhotoMetadata metadata_;
+    PictureSize stored_;
+};
+
+/// The size of a PictureFile. Throws ToolError.
 PictureSize sizeOf(const std::filesystem::path& file);
 
 /// The metadata of a picture file; empty when the file cannot be read.

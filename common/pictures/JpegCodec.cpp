@@ -8,12 +8,14 @@
 #include <csetjmp>
 #include <cstdlib>
 #include <istream>
+#include <utility>
 
 namespace pictures {
 
 namespace {
 
 constexpr std::streamoff kMaxFileBytes = std::streamoff{1} << 30;
+constexpr u32 kRowsAtOnce = 16;
 constexpr int kMaxScans = 200; // a progressive file of a few bytes can ask for hours of work
 
 /// The library leaves by longjmp: the functions that it leaves keep no objects with destructors.
@@ -61,11 +63,24 @@ void convertInks(u8* row, u32 width, bool inverted)
     }
 }
 
+/// The addresses of the next rows, kRowsAtOnce at most.
+template <class Byte> u32 nextRows(JSAMPROW* addresses, Rows<Byte> rows, u32 first, u32 height)
+{
+    const u32 count = std::min(kRowsAtOnce, height - first);
+    for (u32 i = 0; i < count; ++i)
+        addresses[i] = const_cast<u8*>(rows.top + std::ptrdiff_t(first + i) * rows.stride);
+    return count;
+}
+
+using Target = Rows<u8> (*)(void* context, u32 width, u32 height);
+
 /// Decodes a JPEG file in memory.
-/// @param result      its pixels are the caller's even after a failure
-/// @param headerOnly  the outcome is a picture then, without pixels
+/// @param result  receives what the header says, and the outcome
+/// @param target  called with the size of the picture, it answers where its rows go, without a top row for
+///                nowhere; it must not throw. Null: only the header is read, and the outcome is a picture
+///                then
 /// @return false when the file cannot be read
-bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, bool headerOnly)
+bool readJpeg(Decoded& result, std::span<const u8> file, Target target, void* context)
 {
     jpeg_decompress_struct jpeg;
     Errors errors;
@@ -78,7 +93,7 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, b
     jpeg_create_decompress(&jpeg);
     progress.progress_monitor = refuseEndlessWork;
     jpeg.progress = &progress;
-    jpeg_mem_src(&jpeg, bytes, size);
+    jpeg_mem_src(&jpeg, file.data(), static_cast<unsigned long>(file.size()));
     jpeg_read_header(&jpeg, TRUE);
     result.width = jpeg.image_width;
     result.height = jpeg.image_height;
@@ -87,7 +102,7 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, b
         jpeg_destroy_decompress(&jpeg);
         return true;
     }
-    if (headerOnly) {
+    if (!target) {
         result.outcome = Decoded::Outcome::picture;
         jpeg_destroy_decompress(&jpeg);
         return true;
@@ -97,16 +112,16 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, b
     const bool inks = jpeg.num_components == 4;
     jpeg.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGRA;
     jpeg_start_decompress(&jpeg);
-    const std::size_t stride = std::size_t{result.width} * 4;
-    result.pixels.reset(static_cast<u8*>(std::malloc(stride * result.height)));
-    while (result.pixels && jpeg.output_scanline < jpeg.output_height) {
-        JSAMPROW row = result.pixels.get() + jpeg.output_scanline * stride;
-        jpeg_read_scanlines(&jpeg, &row, 1);
-        if (inks)
-            convertInks(row, result.width, jpeg.saw_Adobe_marker);
-    }
-    if (!result.pixels)
+    const Rows<u8> rows = target(context, result.width, result.height);
+    if (!rows.top)
         std::longjmp(errors.leave, 1);
+    while (jpeg.output_scanline < jpeg.output_height) {
+        JSAMPROW addresses[kRowsAtOnce];
+        const u32 count = nextRows(addresses, rows, jpeg.output_scanline, jpeg.output_height);
+        const u32 read = jpeg_read_scanlines(&jpeg, addresses, count);
+        for (u32 i = 0; inks && i < read; ++i)
+            convertInks(addresses[i], result.width, jpeg.saw_Adobe_marker);
+    }
     jpeg_finish_decompress(&jpeg);
     jpeg_destroy_decompress(&jpeg);
     result.outcome = Decoded::Outcome::picture;
@@ -115,8 +130,8 @@ bool readJpeg(Decoded& result, const unsigned char* bytes, unsigned long size, b
 
 /// @param memory  receives the file, to be freed by the caller even after a failure
 /// @return false when the picture cannot be encoded
-bool writeJpeg(
-    unsigned char** memory, unsigned long* size, const u8* pixels, u32 width, u32 height, JpegQuality quality)
+bool writeJpeg(unsigned char** memory, unsigned long* size, Rows<const u8> rows, u32 width, u32 height,
+    JpegQuality quality)
 {
     jpeg_compress_struct jpeg;
     Errors errors;
@@ -137,42 +152,81 @@ bool writeJpeg(
         jpeg.comp_info[i].h_samp_factor = jpeg.comp_info[i].v_samp_factor = 1;
     jpeg_start_compress(&jpeg, TRUE);
     while (jpeg.next_scanline < height) {
-        JSAMPROW row = const_cast<u8*>(pixels + std::size_t{jpeg.next_scanline} * width * 4);
-        jpeg_write_scanlines(&jpeg, &row, 1);
+        JSAMPROW addresses[kRowsAtOnce];
+        const u32 count = nextRows(addresses, rows, jpeg.next_scanline, height);
+        jpeg_write_scanlines(&jpeg, addresses, count);
     }
     jpeg_finish_compress(&jpeg);
     jpeg_destroy_compress(&jpeg);
     return true;
 }
 
-Decoded readFile(std::istream& file, bool headerOnly)
+// Pixels of the picture's own, which stay with it after a failure.
+Rows<u8> ownPixels(void* decoded, u32 width, u32 height)
+{
+    auto& pixels = static_cast<Decoded*>(decoded)->pixels;
+    const std::size_t stride = std::size_t{width} * 4;
+    pixels.reset(static_cast<u8*>(std::malloc(stride * height)));
+    return {pixels.get(), std::ptrdiff_t(stride)};
+}
+
+Decoded readBytes(std::span<const u8> file, Target target)
+{
+    Decoded result;
+    return readJpeg(result, file, target, &result) ? std::move(result) : Decoded{};
+}
+
+Decoded readFile(std::istream& file, Target target)
 {
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
     if (size <= 0 || size > kMaxFileBytes)
         return {};
-    std::vector<unsigned char> bytes{};
-    bytes.resize(std::size_t(size));
+    std::vector<u8> bytes(static_cast<std::size_t>(size));
     file.seekg(0);
     file.read(reinterpret_cast<char*>(bytes.data()), size);
-    Decoded result;
-    if (file.gcount() != size
-        || !readJpeg(result, bytes.data(), static_cast<unsigned long>(size), headerOnly))
-        return {};
-    return result;
+    return file.gcount() == size ? readBytes(bytes, target) : Decoded{};
 }
 
 } // namespace
 
-Decoded decodeJpeg(std::istream& file) { return readFile(file, false); }
+bool beginsLikeJpeg(std::span<const u8> file)
+{
+    return file.size() >= 2 && file[0] == 0xFF && file[1] == 0xD8;
+}
 
-Decoded inspectJpeg(std::istream& file) { return readFile(file, true); }
+Decoded decodeJpeg(std::istream& file) { return readFile(file, ownPixels); }
+
+Decoded inspectJpeg(std::istream& file) { return readFile(file, nullptr); }
+
+Decoded decodeJpeg(std::span<const u8> file) { return readBytes(file, ownPixels); }
+
+Decoded inspectJpeg(std::span<const u8> file) { return readBytes(file, nullptr); }
+
+bool decodeJpegInto(std::span<const u8> file, u32 width, u32 height, Rows<u8> rows)
+{
+    struct Given {
+        u32 width, height;
+        Rows<u8> rows;
+    } given{width, height, rows};
+    const Target target = [](void* context, u32 w, u32 h) {
+        const auto& to = *static_cast<const Given*>(context);
+        return to.width == w && to.height == h ? to.rows : Rows<u8>{};
+    };
+    Decoded result;
+    return readJpeg(result, file, target, &given) && result.outcome == Decoded::Outcome::picture;
+}
 
 std::vector<u8> encodeJpeg(const u8* pixels, u32 width, u32 height, JpegQuality quality)
 {
+    return encodeJpeg(Rows<const u8>{pixels, std::ptrdiff_t{width} * 4}, width, height, quality);
+}
+
+std::vector<u8> encodeJpeg(Rows<const u8> rows, u32 width, u32 height, JpegQuality quality)
+{
     unsigned char* memory = nullptr;
     unsigned long size = 0;
-    const bool written = writeJpeg(&memory, &size, pixels, width, height, quality);
+    const bool written = writeJpeg(&memory, &size, rows, width, height, quality);
     const std::unique_ptr<unsigned char, decltype(&std::free)> own(memory, &std::free);
     return written ? std::vector<u8>(memory, memory + size) : std::vector<u8>{};
 }

@@ -56,6 +56,20 @@ level() { pixels_of "$1" | awk '{ sum += $1 + $2 + $3 } END { print int(sum / NR
 mkdir many && cp in.png many/a.png && cp in.png many/b.png
 expect 0 '' "$tool" apply -j 1 --format bmp vertigo many results
 cmp -s still.bmp results/b.bmp || fail "a still depends on the one before it"
+# Pictures of one size share memory: nothing of one shows in the next, damaged ones in between included.
+mkdir others && cp in.png others/d.png
+"$tool" apply am-negative in.png others/a.jpg
+"$tool" apply blur --size 20x30 in.png others/c.jpg
+"$tool" --seed 1 apply am-noise in.png others/e.jpg
+head -c 1500 others/e.jpg >others/b.jpg
+for effect in blank vertigo am-noise black-and-white; do
+    rm -rf results && mkdir results
+    expect 4 'damaged or cut short' "$tool" --seed 1 apply -j 1 --format bmp "$effect" others results
+    for name in a.jpg c.jpg d.png e.jpg; do
+        "$tool" --seed 1 apply "$effect" "others/$name" alone.bmp 2>err.txt
+        cmp -s alone.bmp "results/${name%.*}.bmp" || fail "$effect: $name depends on the pictures before it"
+    done
+done
 expect 0 '' "$tool" --seed 1 apply -j 1 am-noise many noises
 cmp -s noises/a.png noises/b.png || fail "chance depends on the pictures before"
 
