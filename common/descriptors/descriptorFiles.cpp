@@ -1,9 +1,14 @@
 // The scan of descriptor directories.
 #include "descriptors/descriptorFiles.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <vector>
 
@@ -27,7 +32,7 @@ std::string_view guidIn(std::string_view line)
     return line.substr(key + kKey.size() + 1, kGuidLength);
 }
 
-void claim(const std::string& path, DescriptorMap& map)
+void claim(const std::string& path, DescriptorMap& map, const Entered& entered)
 {
     std::string bytes;
     if (readSmallFile(path, bytes) != SmallFile::read)
@@ -35,15 +40,25 @@ void claim(const std::string& path, DescriptorMap& map)
     for (std::string_view rest = bytes; !rest.empty();) {
         const std::size_t end = std::min({rest.find('\n'), kLongestLine, rest.size()});
         const std::string_view guid = guidIn(rest.substr(0, end));
-        if (!guid.empty() && map.emplace(guid, path).second)
-            return;
+        if (!guid.empty()) {
+            const auto [entry, fresh] = map.emplace(guid, path);
+            if (fresh && entered)
+                entered(entry->first, path, bytes);
+            if (fresh)
+                return;
+        }
         rest.remove_prefix(std::min(rest.size(), end + (end < rest.size() && rest[end] == '\n')));
     }
 }
 
+struct Closed {
+    int file;
+    ~Closed() { close(file); }
+};
+
 } // namespace
 
-void scanDescriptors(const std::string& directory, DescriptorMap& map)
+void scanDescriptors(const std::string& directory, DescriptorMap& map, const Entered& entered)
 {
     std::error_code error;
     std::vector<std::string> names;
@@ -55,23 +70,33 @@ void scanDescriptors(const std::string& directory, DescriptorMap& map)
     }
     std::ranges::sort(names); // file systems list them in orders of their own
     for (const std::string& name : names)
-        claim(directory + name, map);
+        claim(directory + name, map, entered);
 }
 
 SmallFile readSmallFile(const std::string& path, std::string& bytes)
 {
-    std::error_code error;
-    if (!fs::is_regular_file(path, error))
+    // Dozens of these files are read whenever a program starts, so in as few calls of the system as possible.
+    // (A pipe opens at once this way, and is refused.)
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
         return SmallFile::missing;
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
+    const Closed closed{file};
+    struct stat facts { };
+    if (fstat(file, &facts) != 0 || !S_ISREG(facts.st_mode))
         return SmallFile::missing;
-    const std::uintmax_t size = fs::file_size(path, error);
-    if (error || size > kLargestFile)
+    if (std::uintmax_t(facts.st_size) > kLargestFile)
         return SmallFile::tooLarge;
-    bytes.resize(std::size_t(size));
-    file.read(bytes.data(), std::streamsize(bytes.size()));
-    bytes.resize(std::size_t(file.gcount()));
+    bytes.resize(std::size_t(facts.st_size));
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = read(file, bytes.data() + filled, bytes.size() - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            break;
+        filled += std::size_t(got);
+    }
+    bytes.resize(filled);
     return SmallFile::read;
 }
 

@@ -58,16 +58,15 @@ DescriptorList listDescriptors(const std::string& resourceDirectory)
     DescriptorMap map;
     DescriptorList list;
     for (std::size_t i = 0; i < kDescriptorDirectories.size(); ++i) {
-        scanDescriptors(resourceDirectory + kDescriptorDirectories[i], map);
-        for (const auto& [guid, path] : map) {
-            if (list.contains(guid) || !isGuid(guid))
-                continue;
-            if (const DescriptorPtr descriptor = readDescriptor(path).descriptor) {
-                KEXSDK::EffectInfo facts = completed(descriptor->facts, guid, path, kFamilies[i]);
-                facts.descriptor = path.substr(resourceDirectory.size());
-                list[guid] = {std::move(facts), descriptor};
-            }
-        }
+        const auto enter = [&](const std::string& guid, const std::string& path, std::string_view bytes) {
+            const DescriptorPtr descriptor = isGuid(guid) ? parseDescriptor(bytes) : nullptr;
+            if (!descriptor)
+                return;
+            KEXSDK::EffectInfo facts = completed(descriptor->facts, guid, path, kFamilies[i]);
+            facts.descriptor = path.substr(resourceDirectory.size());
+            list[guid] = {std::move(facts), descriptor};
+        };
+        scanDescriptors(resourceDirectory + kDescriptorDirectories[i], map, enter);
     }
     return list;
 }
