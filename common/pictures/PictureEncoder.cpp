@@ -1,17 +1,16 @@
-// Writing picture files: PNG and JPEG through their libraries, BMP and TGA directly.
+// Writing picture files: PNG and JPEG through their encoders, BMP and TGA directly.
 #include "files/files.h"
 #include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
+#include "pictures/PngEncoder.h"
 
 #include <fcntl.h>
-#include <png.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csetjmp>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -21,46 +20,12 @@ namespace pictures {
 
 namespace {
 
-constexpr int kPngCompression = 1;
-
-void appendPng(png_structp png, png_bytep data, std::size_t size)
+std::vector<u8> encodePng(const u8* pixels, u32 width, u32 height)
 {
-    auto& out = *static_cast<std::vector<u8>*>(png_get_io_ptr(png));
-    bool appended = true;
-    try {
-        out.insert(out.end(), data, data + size);
-    } catch (const std::exception&) {
-        appended = false;
-    }
-    if (!appended)
-        png_error(png, "out of memory");
-}
-
-/// The library leaves by longjmp, so this function keeps no objects with destructors.
-bool writePng(std::vector<u8>& out, const u8* pixels, u32 width, u32 height)
-{
-    png_structp png = png_create_write_struct(
-        PNG_LIBPNG_VER_STRING, nullptr, [](png_structp self, png_const_charp) { png_longjmp(self, 1); },
-        [](png_structp, png_const_charp) {});
-    if (!png)
-        return false;
-    png_infop info = png_create_info_struct(png);
-    if (!info || setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        return false;
-    }
-    png_set_write_fn(png, &out, appendPng, [](png_structp) {});
-    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
-        PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_compression_level(png, kPngCompression);
-    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_SUB);
-    png_write_info(png, info);
-    png_set_bgr(png);
-    for (u32 y = 0; y < height; ++y)
-        png_write_row(png, pixels + std::size_t{y} * width * 4);
-    png_write_end(png, info);
-    png_destroy_write_struct(&png, &info);
-    return true;
+    PngEncoder encoder(PngEffort::fast);
+    const auto file = encoder.encode(
+        {.top = pixels, .stride = std::ptrdiff_t{width} * 4, .width = width, .height = height});
+    return {file.begin(), file.end()};
 }
 
 /// Appends numbers with their lowest byte first.
@@ -173,14 +138,11 @@ std::optional<Kind> kindOf(std::string_view path)
 
 std::vector<u8> encode(Kind kind, const u8* pixels, u32 width, u32 height)
 {
-    std::vector<u8> out;
     if (width == 0 || height == 0)
-        return out;
+        return {};
     switch (kind) {
     case Kind::png:
-        if (!writePng(out, pixels, width, height))
-            out.clear();
-        return out;
+        return encodePng(pixels, width, height);
     case Kind::jpeg:
         return encodeJpeg(pixels, width, height);
     case Kind::bmp:
@@ -188,7 +150,7 @@ std::vector<u8> encode(Kind kind, const u8* pixels, u32 width, u32 height)
     case Kind::tga:
         return encodeTga(pixels, width, height);
     }
-    return out;
+    return {};
 }
 
 bool save(const std::string& path, const u8* pixels, u32 width, u32 height)
