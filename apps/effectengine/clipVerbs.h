@@ -5,6 +5,7 @@
 #include "effectengine/GraphOptions.h"
 #include "effectengine/Progress.h"
 #include "effectengine/Session.h"
+#include "pictures/PngEncoder.h"
 
 #include <filesystem>
 #include <optional>
@@ -24,7 +25,8 @@ enum class AlphaChoice {
 struct EncodingOptions {
     std::string codec;
     std::optional<int> quality;
-    std::vector<std::string> encoderOptions; ///< name=value
+    std::vector<std::string> encoderOptions;        ///< name=value
+    std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
     ProgressKind progress = ProgressKind::automatic;
 };
@@ -74,6 +76,7 @@ struct RenderOptions {
     std::string pictureRate;
     CompanionOptions companions;
     bool resume = false;
+    std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
     ProgressKind progress = ProgressKind::automatic;
 };
@@ -85,7 +88,7 @@ void runRender(const RenderOptions& options, const SessionOptions& session);
 /// Prints the versions of FFmpeg's libraries and the codecs that clips can be read from and written to.
 void runCodecs();
 
-/// Adds --codec, --quality, --encoder-option, --alpha and --progress to a verb.
+/// Adds --codec, --quality, --encoder-option, --compression, --alpha and --progress to a verb.
 void addEncodingOptions(CLI::App& command, EncodingOptions& options);
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session);

@@ -214,6 +214,24 @@ same "$(cat kept.mp4)" precious "a stopped run touched the output"
 expect 0 '' "$tool" video plain.mp4 out.mp4 -e equalize --progress json
 grep -q '^{"unit":"frames","done":50,"total":50,"rate":[0-9.]*,"remaining":0.0}$' out.txt || fail "progress: $(tail -1 out.txt)"
 
+# PNG pictures: two sizes of the same pixels, which others read as well.
+expect 0 '' "$tool" render fade.json plain.mp4 told
+expect 0 '' "$tool" render fade.json plain.mp4 smaller --compression small
+diff told/manifest.json smaller/manifest.json >diff.txt || fail "--compression changes pixels: $(head -3 diff.txt)"
+[ "$(du -sb smaller | cut -f1)" -lt "$(du -sb told | cut -f1)" ] || fail "--compression small is not smaller"
+for kind in told smaller; do
+    ffmpeg -v error -i $kind/%06d.png -f framehash -hash sha256 -pix_fmt rgba - | grep -o '[0-9a-f]\{64\}' >ffmpeg.txt
+    grep -o '[0-9a-f]\{64\}' $kind/manifest.json | diff - ffmpeg.txt >diff.txt || fail "ffmpeg reads other pixels: $kind"
+done
+# An option of the codec is for the codec, which makes the same pictures of it.
+expect 0 '' "$tool" video plain.mp4 told/%06d.png --graph fade.json
+expect 0 '' "$tool" video plain.mp4 smaller/%06d.png --graph fade.json --encoder-option pred=paeth
+same "$(ffmpeg -v error -i told/%06d.png -f md5 -)" "$(ffmpeg -v error -i smaller/%06d.png -f md5 -)" "pictures by the codec"
+expect 2 '--compression is for numbered PNG' "$tool" video plain.mp4 out.mp4 --compression small -e equalize
+expect 2 '--compression is for numbered PNG' "$tool" video plain.mp4 told/%d.tif --compression fast -e equalize
+expect 2 'is for clips' "$tool" transition push told/000000.png told/000001.png no.png --compression small
+expect 2 '--compression' "$tool" render fade.json plain.mp4 no --compression tiny
+
 # Bad inputs, bad options and bad outputs end with their exit codes.
 printf 'no clip' >text.mp4
 head -c 5000 plain.mp4 >cut.mp4

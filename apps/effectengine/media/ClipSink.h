@@ -4,6 +4,7 @@
 #include "effectengine/clipVerbs.h"
 #include "effectengine/media/ClipFrame.h"
 #include "effectengine/media/SideTrack.h"
+#include "pictures/PngEncoder.h"
 
 #include <functional>
 #include <optional>
@@ -28,10 +29,11 @@ FrameShape shapeOf(const ClipInfo& clip, int width, int height);
 
 /// The encoder and its settings, as the user chose them.
 struct EncoderChoice {
-    std::string codec;          ///< an encoder's or codec's name; empty: by the output's name
-    std::optional<int> quality; ///< in the encoder's own measure; lower is better
-    std::vector<std::pair<std::string, std::string>> options;
-    bool needsAlpha = false; ///< an output that must be opaque is an error
+    std::string codec = {};          ///< an encoder's or codec's name; empty: by the output's name
+    std::optional<int> quality = {}; ///< in the encoder's own measure; lower is better
+    std::vector<std::pair<std::string, std::string>> options = {};
+    bool needsAlpha = false;                             ///< an output that must be opaque is an error
+    std::optional<pictures::PngEffort> compression = {}; ///< another output than PNG pictures is an error
 };
 
 /// An output for the frames of a clip.
@@ -68,6 +70,9 @@ private:
 
 /// Whether the name stands for numbered pictures.
 bool isPictureSequence(const std::filesystem::path& out);
+
+/// Throws ToolError when the choice holds a compression, which outputs other than PNG pictures do not have.
+void checkNoCompression(const std::filesystem::path& out, const EncoderChoice& choice);
 
 /// The container that the name stands for. Throws ToolError.
 const AVOutputFormat& containerFor(const std::filesystem::path& out);

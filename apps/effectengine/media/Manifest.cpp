@@ -5,6 +5,8 @@
 #include "effectengine/ToolError.h"
 
 #include <json/json.h>
+#include <nettle/base16.h>
+#include <nettle/sha2.h>
 
 #include <cerrno>
 #include <sstream>
@@ -160,18 +162,15 @@ void Manifest::finish()
 
 std::string pixelHash(const AVFrame& rgba)
 {
-    struct Free {
-        void operator()(AVHashContext* hash) const { av_hash_freep(&hash); }
-    };
-    AVHashContext* allocated = nullptr;
-    require(av_hash_alloc(&allocated, "SHA256"), "hash");
-    const std::unique_ptr<AVHashContext, Free> hash(allocated);
-    av_hash_init(hash.get());
+    sha256_ctx hash;
+    sha256_init(&hash);
     for (int row = 0; row < rgba.height; ++row)
-        av_hash_update(
-            hash.get(), rgba.data[0] + std::ptrdiff_t(rgba.linesize[0]) * row, std::size_t(rgba.width) * 4);
-    char hex[2 * AV_HASH_MAX_SIZE + 1];
-    av_hash_final_hex(hash.get(), reinterpret_cast<std::uint8_t*>(hex), sizeof hex);
+        sha256_update(
+            &hash, std::size_t(rgba.width) * 4, rgba.data[0] + std::ptrdiff_t(rgba.linesize[0]) * row);
+    std::uint8_t digest[SHA256_DIGEST_SIZE];
+    sha256_digest(&hash, sizeof digest, digest);
+    std::string hex(BASE16_ENCODE_LENGTH(sizeof digest), '0');
+    base16_encode_update(hex.data(), sizeof digest, digest);
     return hex;
 }
 

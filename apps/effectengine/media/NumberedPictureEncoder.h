@@ -1,10 +1,10 @@
-// Encodes numbered frames as picture files in memory, through the codecs for clips.
+// Encodes numbered frames as picture files in memory.
 #pragma once
 
 #include "effectengine/media/ClipSink.h"
 
-#include <deque>
 #include <functional>
+#include <memory>
 #include <span>
 
 namespace tool::media {
@@ -12,28 +12,26 @@ namespace tool::media {
 /// Encodes several frames at a time; their files come out in the order in which the frames went in.
 class NumberedPictureEncoder {
 public:
-    /// Takes a finished file with the number of its frame.
+    /// Takes a finished file with the number of its frame, on the thread that calls write() or finish().
     using Take = std::function<void(long long number, std::span<const unsigned char> file)>;
 
-    /// The kind of picture is that of the name's extension. Throws ToolError.
-    NumberedPictureEncoder(
-        const std::filesystem::path& name, const FrameShape& shape, const EncoderChoice& choice, Take take);
+    virtual ~NumberedPictureEncoder() = default;
 
-    const AVCodecContext& encoder() const { return *encoder_; }
+    /// The format and the colours of the frames that write() takes.
+    virtual AVPixelFormat format() const = 0;
+    virtual Colour colour() const = 0;
 
-    /// Encodes a frame. It and files of earlier frames may come out now or later; throws what Take throws.
-    void write(const AVFrame& frame, long long number);
+    /// Encodes a frame, whose pixels stay as they are from now on. It and files of earlier frames may come
+    /// out now or later; throws what Take throws.
+    virtual void write(const AVFrame& frame, long long number) = 0;
     /// Brings out the files of all frames that are still within the encoder.
-    void finish();
-
-private:
-    void receive();
-
-    Codec encoder_;
-    Take take_;
-    Packet packet_;
-    std::deque<long long> numbers_; ///< of the frames within the encoder
+    virtual void finish() = 0;
 };
+
+/// The encoder for the kind of picture that the name's extension tells, unless `choice` names another. Throws
+/// ToolError.
+std::unique_ptr<NumberedPictureEncoder> openPictureEncoder(const std::filesystem::path& name,
+    const FrameShape& shape, const EncoderChoice& choice, NumberedPictureEncoder::Take take);
 
 /// The file of a numbered picture. Throws ToolError when the name holds no place for a number.
 std::filesystem::path numbered(const std::filesystem::path& pattern, long long number);

@@ -14,7 +14,7 @@ constexpr int kScaling =
     SWS_BICUBIC | SWS_ACCURATE_RND | SWS_BITEXACT | SWS_FULL_CHR_H_INP | SWS_FULL_CHR_H_INT;
 constexpr int kUnity = 1 << 16;
 
-// The rows of a BGRA frame, whose top row comes first, in the engine's order.
+// The rows of a frame of four bytes a pixel, whose top row comes first, in the engine's order.
 pixels::View viewOf(const AVFrame& frame)
 {
     return {frame.data[0] + std::ptrdiff_t(frame.linesize[0]) * (frame.height - 1),
@@ -124,6 +124,12 @@ void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)
     };
     if (format_ == AV_PIX_FMT_BGRA)
         return copy(viewOf(frame));
+    if (format_ == AV_PIX_FMT_RGBA) {
+        const unsigned char opaque = keepsAlpha_ ? 0 : 255;
+        return pixels::rows::map(picture, viewOf(frame), [=](pixels::Bgra p) -> pixels::Bgra {
+            return {p.r, p.g, p.b, u8(p.a | opaque)};
+        });
+    }
     // The library may read a little beyond the last row, which an image of the engine does not allow.
     allocate(copied_, AV_PIX_FMT_BGRA, picture.extent());
     copy(viewOf(*copied_));

@@ -13,11 +13,12 @@ PictureSequence::PictureSequence(
     const fs::path& pattern, const FrameShape& shape, const EncoderChoice& choice)
     : pattern_(pattern),
       workplace_(pattern.parent_path() / (".effectengine." + std::to_string(getpid()))),
-      encoder_(pattern, shape, choice, [this](long long number, std::span<const unsigned char> bytes) {
-          const fs::path name = numbered(pattern_, number).filename();
-          writeFile(workplace_ / name, bytes);
-          names_.push_back(name);
-      })
+      encoder_(openPictureEncoder(
+          pattern, shape, choice, [this](long long number, std::span<const unsigned char> bytes) {
+              const fs::path name = numbered(pattern_, number).filename();
+              writeFile(workplace_ / name, bytes);
+              names_.push_back(name);
+          }))
 {
     std::error_code error;
     fs::create_directory(workplace_, error);
@@ -31,20 +32,15 @@ PictureSequence::~PictureSequence()
     fs::remove_all(workplace_, ignored);
 }
 
-Colour PictureSequence::colour() const
-{
-    return {.range = encoder_.encoder().color_range, .space = encoder_.encoder().colorspace};
-}
-
 void PictureSequence::write(AVFrame& frame, const FramePlace& place)
 {
-    encoder_.write(frame, place.number);
+    encoder_->write(frame, place.number);
     tellWritten();
 }
 
 void PictureSequence::finish()
 {
-    encoder_.finish();
+    encoder_->finish();
     for (const fs::path& name : names_) {
         std::error_code error;
         const fs::path target = pattern_.parent_path() / name;

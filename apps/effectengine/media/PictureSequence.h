@@ -12,8 +12,8 @@ public:
         const std::filesystem::path& pattern, const FrameShape& shape, const EncoderChoice& choice);
     ~PictureSequence() override;
 
-    AVPixelFormat format() const override { return encoder_.encoder().pix_fmt; }
-    Colour colour() const override;
+    AVPixelFormat format() const override { return encoder_->format(); }
+    Colour colour() const override { return encoder_->colour(); }
     void write(AVFrame& frame, const FramePlace& place) override;
     void finish() override;
 
@@ -21,7 +21,7 @@ private:
     std::filesystem::path pattern_;
     std::filesystem::path workplace_; ///< hidden directory beside the pictures
     std::vector<std::filesystem::path> names_;
-    NumberedPictureEncoder encoder_;
+    std::unique_ptr<NumberedPictureEncoder> encoder_;
 };
 
 } // namespace tool::media

@@ -8,13 +8,13 @@
 namespace tool::media {
 
 RenderedPictures::RenderedPictures(const std::filesystem::path& pattern, const ClipInfo& clip,
-    pixels::Extent size, Manifest& manifest, long long wanted)
+    pixels::Extent size, const EncoderChoice& choice, Manifest& manifest, long long wanted)
     : pattern_(pattern),
       clip_(clip),
       manifest_(manifest),
       missing_(wanted),
-      encoder_(pattern, shapeOf(clip, size.width, size.height), {},
-          [this](long long number, std::span<const unsigned char> file) { writePicture(number, file); })
+      encoder_(openPictureEncoder(pattern, shapeOf(clip, size.width, size.height), choice,
+          [this](long long number, std::span<const unsigned char> file) { writePicture(number, file); }))
 {
 }
 
@@ -22,7 +22,7 @@ void RenderedPictures::write(AVFrame& frame, const FramePlace& place)
 {
     underWay_[place.number] = {place.number, timeOf(place, clip_).seconds,
         numbered(pattern_, place.number).filename().string(), pixelHash(frame), place.damaged};
-    encoder_.write(frame, place.number);
+    encoder_->write(frame, place.number);
 }
 
 void RenderedPictures::writePicture(long long number, std::span<const unsigned char> file)
@@ -36,7 +36,7 @@ void RenderedPictures::writePicture(long long number, std::span<const unsigned c
 
 void RenderedPictures::finish()
 {
-    encoder_.finish();
+    encoder_->finish();
     stopIfAsked();
     if (missing_ > 0)
         throw ToolError(ExitCode::unreadable,

@@ -13,7 +13,7 @@ public:
     /// @param wanted    how many frames there must be before the run is complete
     /// Throws ToolError.
     RenderedPictures(const std::filesystem::path& pattern, const ClipInfo& clip, pixels::Extent size,
-        Manifest& manifest, long long wanted);
+        const EncoderChoice& choice, Manifest& manifest, long long wanted);
 
     AVPixelFormat format() const override { return AV_PIX_FMT_RGBA; }
     Colour colour() const override { return {}; }
@@ -29,7 +29,7 @@ private:
     Manifest& manifest_;
     long long missing_;
     std::map<long long, RenderedFrame> underWay_; ///< frames within the encoder
-    NumberedPictureEncoder encoder_;
+    std::unique_ptr<NumberedPictureEncoder> encoder_;
 };
 
 } // namespace tool::media

@@ -153,7 +153,8 @@ void chooseTimeBase(AVCodecContext& encoder, const FrameShape& shape)
 
 EncoderChoice choiceOf(const EncodingOptions& options)
 {
-    EncoderChoice choice{options.codec, options.quality, {}, options.alpha == AlphaChoice::keep};
+    EncoderChoice choice{
+        options.codec, options.quality, {}, options.alpha == AlphaChoice::keep, options.compression};
     for (const std::string& option : options.encoderOptions) {
         const std::size_t equals = option.find('=');
         if (equals == std::string::npos || equals == 0)

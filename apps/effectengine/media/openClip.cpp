@@ -2,6 +2,7 @@
 #include "effectengine/media/openClip.h"
 
 #include "effectengine/ToolError.h"
+#include "effectengine/media/threadShares.h"
 
 #include <unistd.h>
 
@@ -125,7 +126,7 @@ Codec openDecoder(const AVStream& stream, const fs::path& file, void* watcher)
         decoder->pix_fmt = AV_PIX_FMT_YUVA420P;
     decoder->opaque = watcher;
     decoder->pkt_timebase = stream.time_base;
-    decoder->thread_count = 0; // as many as the machine has
+    decoder->thread_count = decoderThreads(coreCount());
     const int result = avcodec_open2(decoder.get(), codec, nullptr);
     if (result < 0)
         throw ToolError(ExitCode::unreadable, "cannot decode " + file.string() + ": " + errorText(result));

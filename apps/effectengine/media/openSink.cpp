@@ -22,6 +22,13 @@ FrameShape shapeOf(const ClipInfo& clip, int width, int height)
 
 bool isPictureSequence(const fs::path& out) { return av_filename_number_test(out.c_str()); }
 
+void checkNoCompression(const fs::path& out, const EncoderChoice& choice)
+{
+    if (choice.compression)
+        throw ToolError(ExitCode::usage,
+            "--compression is for numbered PNG pictures without --encoder-option, not for " + out.string());
+}
+
 const AVOutputFormat& containerFor(const fs::path& out)
 {
     const AVOutputFormat* const container = av_guess_format(nullptr, out.c_str(), nullptr);
@@ -53,6 +60,7 @@ std::unique_ptr<ClipSink> openSink(
 {
     if (isPictureSequence(out))
         return std::make_unique<PictureSequence>(out, shape, choice);
+    checkNoCompression(out, choice);
     return std::make_unique<ClipFile>(out, shape, choice, std::move(tracks));
 }
 

@@ -189,7 +189,7 @@ void render(const RenderOptions& options, const Look& look, SessionOptions sessi
     LookRun run(look, unsigned(size.width), unsigned(size.height));
     followSound(run, look, options.in);
     const auto wanted = (long long)(missing.size());
-    RenderedPictures sink(pattern, clip, size, manifest, wanted);
+    RenderedPictures sink(pattern, clip, size, {.compression = options.compression}, manifest, wanted);
     FrameFeed feed(reader, size, range, look.info().preRoll);
     feed.showOnly(std::move(missing));
     const auto picture = [&](const ClipFrame& frame) {
