@@ -1,5 +1,6 @@
-// Evaluation of a graph. Nodes are not connected: each runs once a frame and its image is set as input of its
-// users, so a node with two users does not run twice.
+// Evaluation of a graph. Each node runs once a frame and its image is set as input of its users, so a node
+// with two users does not run twice. Only chains whose effects work row by row are connected, for the engine
+// to draw together.
 #include "host/EffectGraph.h"
 
 #include "host/GraphError.h"
@@ -32,6 +33,28 @@ EffectGraph::EffectGraph(const GraphDescription& description, unsigned width, un
 {
     for (const std::size_t i : description.used())
         nodes_.emplace_back(description.nodes[i], width, height);
+    findChains();
+}
+
+// Marks the nodes that take the picture of the one before them as their first input, where no other node
+// takes it.
+void EffectGraph::findChains()
+{
+    readsLast_.resize(nodes_.size());
+    for (std::size_t i = 1; i < nodes_.size(); ++i) {
+        const std::string& last = nodes_[i - 1].node().id;
+        std::ptrdiff_t uses = 0;
+        for (const RunningNode& running : nodes_)
+            uses += std::ranges::count(running.node().dependencies(), last);
+        readsLast_[i] = uses == 1 && nodes_[i].node().inputs.front() == last;
+    }
+}
+
+// Whether a node is evaluated together with the one before it.
+bool EffectGraph::joins(std::size_t index, const FrameTime& time) const
+{
+    return index < nodes_.size() && readsLast_[index] && nodes_[index].chains(time)
+        && nodes_[index - 1].chains(time);
 }
 
 void EffectGraph::setSource(CEffectImage* image, unsigned index)
@@ -54,11 +77,19 @@ CEffectImage* EffectGraph::imageFor(const GraphNode& node, std::string_view inpu
 
 void EffectGraph::evaluate(const FrameTime& time, CEffectImage* target, std::vector<std::string>* unchanged)
 {
-    for (RunningNode& running : nodes_) {
+    for (std::size_t i = 0; i < nodes_.size(); ++i) {
+        RunningNode& running = nodes_[i];
         const GraphNode& node = running.node();
+        // Who asks for comparisons needs every picture.
+        const bool joined = !unchanged && joins(i, time);
+        pictures_.upstream = joined ? &nodes_[i - 1] : nullptr;
         pictures_.inputs.clear();
         for (const std::string& input : node.inputs)
-            pictures_.inputs.push_back(imageFor(node, input));
+            pictures_.inputs.push_back(joined && pictures_.inputs.empty() ? nullptr : imageFor(node, input));
+        if (!unchanged && joins(i + 1, time)) {
+            running.hold(time, pictures_);
+            continue;
+        }
         pictures_.mask = node.mask && !node.mask->node.empty() ? imageFor(node, node.mask->node) : nullptr;
         pictures_.target = &running == &nodes_.back() ? target : nullptr;
         running.run(time, pictures_);

@@ -72,10 +72,13 @@ public:
 private:
     void evaluate(const FrameTime& time, CEffectImage* target, std::vector<std::string>* unchanged);
     CEffectImage* imageFor(const GraphNode& node, std::string_view input) const;
+    void findChains();
+    bool joins(std::size_t index, const FrameTime& time) const;
 
     unsigned width_;
     unsigned height_;
     std::vector<RunningNode> nodes_; ///< in order of evaluation; the output is the last
+    std::vector<bool> readsLast_;    ///< whether a node, and nothing else, reads the one before it
     std::vector<CEffectImage*> sources_;
     NodePictures pictures_;
 };

@@ -167,6 +167,7 @@ void RunningNode::restart()
             stored_[i] = {};
     }
     drew_ = false;
+    connected_ = false;
 }
 
 void RunningNode::setParameter(const ParamInfo& info, const ParameterValue& value)
@@ -251,8 +252,16 @@ bool RunningNode::writesInputs() const
 void RunningNode::setInputs(const NodePictures& pictures)
 {
     const bool copies = writesInputs();
-    for (unsigned i = 0; i < pictures.inputs.size(); ++i) {
+    upstream_ = pictures.upstream;
+    inputs_.clear();
+    if (upstream_)
+        ConnectFilter(upstream_->filter_.handle(), filter_.handle(), 0);
+    else if (connected_)
+        ConnectFilter(nullptr, filter_.handle(), 0);
+    connected_ = upstream_ != nullptr;
+    for (unsigned i = upstream_ ? 1 : 0; i < pictures.inputs.size(); ++i) {
         CEffectImage* input = pictures.inputs[i];
+        inputs_.push_back(input);
         if (copies) {
             if (i == inputCopies_.size())
                 inputCopies_.emplace_back(width_, height_);
@@ -261,6 +270,12 @@ void RunningNode::setInputs(const NodePictures& pictures)
         }
         SetInputImage(filter_.handle(), input, i);
     }
+}
+
+// Whether the picture is an input of this node or of one that is evaluated with it.
+bool RunningNode::reads(CEffectImage* target) const
+{
+    return shareMemory(inputs_, target) || (upstream_ && upstream_->reads(target));
 }
 
 // Leads a new effect to its time in steps. A particle scene simulates what passed before its first frame, but
@@ -304,11 +319,10 @@ CEffectImage* RunningNode::draw(const FrameTime& time, CEffectImage* target)
     }
 }
 
-void RunningNode::drawAlone(
-    const FrameTime& time, const std::vector<CEffectImage*>& inputs, CEffectImage* target)
+void RunningNode::drawAlone(const FrameTime& time, const NodePictures& pictures, CEffectImage* target)
 {
-    const bool opaque = node_.effect->alpha == KEXSDK::Alpha::loose && areOpaque(inputs);
-    output_ = draw(time, target && !shareMemory(inputs, target) ? target : nullptr);
+    const bool opaque = node_.effect->alpha == KEXSDK::Alpha::loose && areOpaque(pictures.inputs);
+    output_ = draw(time, target && !reads(target) ? target : nullptr);
     if (opaque)
         makeOpaque(output_);
     if (target && target != output_) {
@@ -326,7 +340,7 @@ void RunningNode::drawMixed(const FrameTime& time, const NodePictures& pictures,
     if (share == 0 && mayMissFrames(*node_.effect)) {
         pixels::rows::copy(input, viewToChange(to));
     } else {
-        drawAlone(time, pictures.inputs, nullptr);
+        drawAlone(time, pictures, nullptr);
         if (!mask_) {
             mixPictures(input, viewOf(output_), share, viewToChange(to));
         } else {
@@ -346,7 +360,21 @@ void RunningNode::run(const FrameTime& time, const NodePictures& pictures)
     if (const float share = mix(time); mask_ || share != 1)
         drawMixed(time, pictures, share);
     else
-        drawAlone(time, pictures.inputs, pictures.target);
+        drawAlone(time, pictures, pictures.target);
+}
+
+bool RunningNode::chains(const FrameTime& time) const
+{
+    const EffectInfo& effect = *node_.effect;
+    return effect.byRows && effect.alpha != KEXSDK::Alpha::loose && effect.writesInput.empty() && !mask_
+        && mix(time) == 1;
+}
+
+void RunningNode::hold(const FrameTime& time, const NodePictures& pictures)
+{
+    setTimes(time);
+    storeParameters(time);
+    setInputs(pictures);
 }
 
 } // namespace host

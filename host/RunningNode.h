@@ -12,9 +12,13 @@
 
 namespace host {
 
+class RunningNode;
+
 /// What a node reads and writes in one frame; all pictures have the graph's size.
 struct NodePictures {
     std::vector<CEffectImage*> inputs;
+    /// A node that was held and is evaluated with this one; feeds the first input, which is null then.
+    RunningNode* upstream = nullptr;
     CEffectImage* mask = nullptr;   ///< of a mask that is another node's picture
     CEffectImage* target = nullptr; ///< receives the result in place of an image of the node, unless null
 };
@@ -32,6 +36,13 @@ public:
 
     /// Sets times and parameters and evaluates the effect once.
     void run(const FrameTime& time, const NodePictures& pictures);
+
+    /// Whether the frame's picture is the effect's own, and the effect could be evaluated with the one before
+    /// it or after it in one image: it works row by row.
+    bool chains(const FrameTime& time) const;
+    /// Sets times, parameters and inputs, and leaves the evaluation to the node that this one is upstream of;
+    /// the target is not looked at. Both nodes must chain. Afterwards output() is what it was.
+    void hold(const FrameTime& time, const NodePictures& pictures);
 
     /// Makes the effect anew, without what it remembers. Values that were set stay.
     void restart();
@@ -60,8 +71,9 @@ private:
     void storeParameters(const FrameTime& time);
     bool writesInputs() const;
     void setInputs(const NodePictures& pictures);
+    bool reads(CEffectImage* target) const;
     CEffectImage* draw(const FrameTime& time, CEffectImage* target);
-    void drawAlone(const FrameTime& time, const std::vector<CEffectImage*>& inputs, CEffectImage* target);
+    void drawAlone(const FrameTime& time, const NodePictures& pictures, CEffectImage* target);
     void drawMixed(const FrameTime& time, const NodePictures& pictures, float share);
     CEffectImage* imageOfItsOwn(std::optional<Image>& image) const;
     pixels::Extent extent() const { return {int(width_), int(height_)}; }
@@ -72,6 +84,9 @@ private:
     std::vector<ParameterValue> stored_; ///< of node_.parameters, as the effect was given them
     bool drew_ = false;                  ///< since the effect was made
     CEffectImage* output_ = nullptr;
+    std::vector<CEffectImage*> inputs_;     ///< of this frame, without what upstream_ feeds
+    const RunningNode* upstream_ = nullptr; ///< of this frame
+    bool connected_ = false;                ///< the filter to another node's filter, which may be gone
     const KEXSDK::ParamInfo* writesInput_ = nullptr; ///< the parameter of EffectInfo::writesInput
     std::vector<Image> inputCopies_;                 ///< for frames in which the effect writes to its inputs
     std::optional<Image> drawn_;                     ///< what the effect draws into, if it takes any image

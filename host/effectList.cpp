@@ -172,6 +172,7 @@ EffectInfo readEffect(const Value& json)
     effect.alpha = choice(json, "alpha", kAlphas);
     effect.writesInput = text(json, "writesInput");
     effect.keepsOutput = flag(json, "keepsOutput");
+    effect.byRows = flag(json, "byRows");
     return effect;
 }
 

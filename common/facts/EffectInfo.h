@@ -37,6 +37,8 @@ struct EffectInfo {
     std::string
         writesInput{}; ///< the parameter that, unless it is 0, changes the pictures that are given; or empty
     bool keepsOutput = false; ///< leaves bytes of its output image as they were, so it needs one and the same
+    bool byRows =
+        false; ///< a row of the output depends on the same rows of the inputs alone; they may be one image
     std::string descriptor{}; ///< its file in the resource directory; empty for effects of the library itself
 };
 

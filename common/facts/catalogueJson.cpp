@@ -122,6 +122,7 @@ Json::Value entryOf(const KEXSDK::EffectInfo& effect, std::span<const ParamInfo*
     json["alpha"] = alphaName(effect.alpha);
     json["writesInput"] = effect.writesInput;
     json["keepsOutput"] = effect.keepsOutput;
+    json["byRows"] = effect.byRows;
     json["parameters"] = Json::Value(Json::arrayValue);
     for (const ParamInfo* const param : parameters)
         json["parameters"].append(parameterEntry(*param));

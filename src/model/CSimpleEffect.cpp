@@ -2,7 +2,7 @@
 #include "model/CSimpleEffect.h"
 
 #include "core/Log.h"
-#include "pixels/rows.h"
+#include "model/RowChain.h"
 
 namespace KEXSDK {
 
@@ -78,6 +78,21 @@ bool CSimpleEffect::evaluate(CEffectImage* external)
 
 CSimpleEffect::Evaluation CSimpleEffect::evaluateForReader(CEffectImage* external)
 {
+    RowChain rows;
+    try {
+        Evaluation evaluation = evaluateBeforeRows(external, rows);
+        rows.finish();
+        return evaluation;
+    } catch (...) {
+        // What ran before the failure has drawn its picture.
+        rows.finish();
+        throw;
+    }
+}
+
+// All of an evaluation but the rows of the last nodes of a chain, which the caller finishes or goes on from.
+CSimpleEffect::Evaluation CSimpleEffect::evaluateBeforeRows(CEffectImage* external, RowChain& rows)
+{
     // A cycle has led back to this node: the node that asks reads what is being written.
     if (target_)
         return {false, target_, {}};
@@ -88,34 +103,47 @@ CSimpleEffect::Evaluation CSimpleEffect::evaluateForReader(CEffectImage* externa
         output_ = ownOutput_.get();
     }
     const Entered entered(*this, external ? external : output_);
-    evaluateUpstream(external);
+    evaluateUpstream(external, rows);
     if (inputs_.empty())
         return {false, external ? nullptr : output_, {}};
     CEffectImage* written = target_;
     if (getParamInt(kEnable.name, 0)) {
         output_ = target_;
-        runAndWatchTexture();
+        draw(rows);
         written = getOutputImage();
     } else {
-        passThrough();
+        passThrough(rows);
     }
     paramsChanged = 0;
     return {true, written, written ? TextureLease(*written->record()) : TextureLease()};
 }
 
-void CSimpleEffect::evaluateUpstream(CEffectImage* external)
+void CSimpleEffect::evaluateUpstream(CEffectImage* external, RowChain& rows)
 {
+    const bool alone = connections_.size() == 1;
     for (auto& [index, connection] : connections_) {
         // A node of another size cannot draw into the host's picture, and draws into its own.
         const bool alike = connection.upstream->width() == width_ && connection.upstream->height() == height_;
-        Evaluation evaluation = connection.upstream->evaluateForReader(alike ? external : nullptr);
+        CEffectImage* const target = alike ? external : nullptr;
+        // Beside another upstream node's evaluation no rows may be left.
+        Evaluation evaluation = alone ? connection.upstream->evaluateBeforeRows(target, rows)
+                                      : connection.upstream->evaluateForReader(target);
         connection.fed = inputs_[index] = evaluation.image;
         connection.texture = std::move(evaluation.texture);
     }
 }
 
-void CSimpleEffect::runAndWatchTexture()
+void CSimpleEffect::draw(RowChain& rows)
 {
+    const CEffectImage* const source = getInputImage(0);
+    if (auto* const byRows = source ? dynamic_cast<RowWise*>(this) : nullptr) {
+        rows.goOnFrom(source->view());
+        if (byRows->beginRows()) {
+            rows.add(*byRows, source->view(), output_->viewToChange());
+            return;
+        }
+    }
+    rows.finish();
     const auto before = output_->record()->sharedBuffer;
     run();
     // No new texture: the CPU wrote the picture, and an older texture shows the one before.
@@ -123,11 +151,13 @@ void CSimpleEffect::runAndWatchTexture()
         output_->record()->dropTexture();
 }
 
-void CSimpleEffect::passThrough() const
+void CSimpleEffect::passThrough(RowChain& rows) const
 {
     const CEffectImage* const source = getInputImage(0);
-    if (source && source != target_ && source->extent() == target_->extent())
-        pixels::rows::copy(source->view(), target_->viewToChange());
+    if (!source || source == target_ || source->extent() != target_->extent())
+        return;
+    rows.goOnFrom(source->view());
+    rows.addCopy(source->view(), target_->viewToChange());
 }
 
 bool CSimpleEffect::fits(const CEffectImage& image)

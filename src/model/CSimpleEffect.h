@@ -10,6 +10,8 @@
 
 namespace KEXSDK {
 
+class RowChain;
+
 /// Every effect is such a node. It never owns its inputs or the nodes it is connected to; they must
 /// outlive its evaluations. One thread evaluates a graph at a time.
 class CSimpleEffect : public CEffectBaseParam {
@@ -77,9 +79,10 @@ private:
     };
     class Entered;
 
-    void evaluateUpstream(CEffectImage* external);
-    void runAndWatchTexture();
-    void passThrough() const;
+    Evaluation evaluateBeforeRows(CEffectImage* external, RowChain& rows);
+    void evaluateUpstream(CEffectImage* external, RowChain& rows);
+    void draw(RowChain& rows);
+    void passThrough(RowChain& rows) const;
 
     std::map<i32, CEffectImage*> inputs_;
     std::map<i32, Connection> connections_;

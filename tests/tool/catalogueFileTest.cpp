@@ -154,8 +154,8 @@ TEST_F(Catalogue, IsReadBackAsTheEngineKnowsIt)
             std::tie(effect.name, effect.title, effect.family, effect.summary, effect.inputs, effect.random));
         EXPECT_EQ(std::tie(read->shared, read->needsGpu, read->history.frames, read->alpha, read->descriptor),
             std::tie(effect.shared, effect.needsGpu, effect.history.frames, effect.alpha, effect.descriptor));
-        EXPECT_EQ(std::pair(read->writesInput, read->keepsOutput),
-            std::pair(effect.writesInput, effect.keepsOutput));
+        EXPECT_EQ(std::tie(read->writesInput, read->keepsOutput, read->byRows),
+            std::tie(effect.writesInput, effect.keepsOutput, effect.byRows));
         const auto known = describeParameters(effect.guid);
         const auto& listed = host::describeParameters(effect.guid);
         ASSERT_EQ(listed.size(), known.size());

@@ -81,6 +81,46 @@ TEST_F(RunningGraphs, DrawIntoTheirSourceAsIntoAnyPicture)
     }
 }
 
+// Effects that work row by row are drawn together where nobody sees the pictures between them.
+TEST_F(RunningGraphs, DrawChainsOfRowsAsNodeAfterNode)
+{
+    const std::string fading =
+        R"("mix": {"keyframes": [{"frame": 0, "value": 1}, {"frame": 10, "value": 1}, {"frame": 20, "value": 0.3}, {"frame": 30, "value": 1}]})";
+    const std::string binary =
+        R"("effect": "am-binary", "parameters": {"Percent": {"keyframes": [{"frame": 0, "value": 20}, {"frame": 40, "value": 60}]}})";
+    const std::string simple = R"({"id": "a", "effect": "hue-shift"}, {"id": "b", "effect": "balance"}, )";
+    for (const std::string& nodes :
+        {
+            simple + R"({"effect": "am-warm"})",
+            simple + "{" + binary + R"(, "id": "c"}, {"effect": "am-warm"})",
+            simple + "{" + binary + R"(, "id": "c", )" + fading + R"(}, {"effect": "am-warm"})",
+            simple + R"({"id": "c", "effect": "am-warm", "mask": {"node": "a"}}, {"effect": "am-negative"})",
+            simple + R"({"id": "c", "effect": "am-warm"}, {"effect": "push", "inputs": ["b", "c"]})",
+            simple + R"({"id": "c", "effect": "am-warm"}, {"effect": "push", "inputs": ["source-2", "c"]})",
+            simple
+                + R"({"id": "c", "effect": "blur"}, {"id": "d", "effect": "am-warm"}, {"effect": "am-cold"})",
+        }) {
+        SCOPED_TRACE(nodes);
+        EffectGraph single = graphOf(parsed(nodes));
+        EffectGraph graph = graphOf(parsed(nodes));
+        for (int frame = 0; frame < 40; frame += 5) {
+            paint(unsigned(frame));
+            std::vector<std::string> unchanged; // for which every picture is drawn by itself
+            const Bytes expected = copyOf(single.run(frameAt(frame), &unchanged));
+            if (frame == 25)
+                graph.reset();
+            EXPECT_TRUE(copyOf(graph.run(frameAt(frame))) == expected) << frame;
+            EXPECT_TRUE(showInto(graph, frameAt(frame)) == expected) << frame;
+            unchanged.clear();
+            if (frame % 10 == 0) {
+                EXPECT_TRUE(copyOf(graph.run(frameAt(frame), &unchanged)) == expected) << frame;
+            }
+            graph.runInto(first().handle(), frameAt(frame));
+            EXPECT_TRUE(firstBytes() == expected) << "into the source, frame " << frame;
+        }
+    }
+}
+
 TEST_F(RunningGraphs, RefuseATargetOfAnotherSize)
 {
     EffectGraph graph = graphOf(parsed(kGraphs[0]));

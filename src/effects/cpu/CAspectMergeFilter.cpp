@@ -1,6 +1,6 @@
 // Decorative frames: one effect, a pair of pictures for each of its GUIDs.
 #include "effects/cpu/OverlayPicture.h"
-#include "model/CSimpleEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/numbers.h"
 
@@ -38,39 +38,41 @@ private:
     int strength_;
 };
 
-class CAspectMergeFilter : public CSimpleEffect {
+class CAspectMergeFilter : public CRowEffect {
 public:
     CAspectMergeFilter(
         u32 w, u32 h, const char* file16x9, const char* file4x3, const Param<float>& strength = kStrength)
-        : CSimpleEffect(w, h),
+        : CRowEffect(w, h),
           overlay_({file16x9, file4x3})
     {
         declare(strength);
     }
 
-    u32 getInputCount() override { return 1; }
-
-    void run() override
+    void processRows(pixels::ConstView src, pixels::View dst, int first) const override
     {
-        const CEffectImage* const source = getInputImage(0);
-        if (!source || !fits(*source))
-            return;
-        const CEffectImage* const overlay = overlay_.at(source->extent());
-        const pixels::View output = getOutputImage()->view();
-        if (!overlay)
-            return copyOpaque(source->view(), output);
-        const int strength = pixels::truncated(double(get(kStrength)) * kWhole);
-        if (strength < 0 || strength > kWhole)
-            return pixels::rows::map2(source->view(), overlay->view(), output, AnyStrength(strength));
-        pixels::rows::map2(source->view(), overlay->view(), output, [strength](Bgra p, Bgra over) {
+        if (!picture_)
+            return copyOpaque(src, dst);
+        const pixels::ConstView overlay = picture_->view().rows(first, first + dst.height());
+        if (strength_ < 0 || strength_ > kWhole)
+            return pixels::rows::map2(src, overlay, dst, AnyStrength(strength_));
+        pixels::rows::map2(src, overlay, dst, [strength = strength_](Bgra p, Bgra over) {
             Bgra blended = ceilingBlend(p, over, over.a * strength >> 8);
             blended.a = 255;
             return blended;
         });
     }
 
+protected:
+    void prepare() override
+    {
+        picture_ = overlay_.at(extent());
+        strength_ = pixels::truncated(double(get(kStrength)) * kWhole);
+    }
+
 private:
     OverlayPicture overlay_;
+    const CEffectImage* picture_ = nullptr;
+    int strength_ = 0;
 };
 
 struct WindowShades final : CAspectMergeFilter {
@@ -86,6 +88,7 @@ const Registration<WindowShades> windowShades{{
     .family = "overlay",
     .summary = "The picture behind a window's shades.",
     .alpha = Alpha::opaque,
+    .byRows = true,
 }};
 
 struct Woven final : CAspectMergeFilter {
@@ -98,6 +101,7 @@ const Registration<Woven> woven{{
     .family = "overlay",
     .summary = "The picture in a woven frame.",
     .alpha = Alpha::opaque,
+    .byRows = true,
 }};
 
 struct Concert final : CAspectMergeFilter {
@@ -110,6 +114,7 @@ const Registration<Concert> concert{{
     .family = "overlay",
     .summary = "The picture on a concert's stage, between its lights and the crowd.",
     .alpha = Alpha::opaque,
+    .byRows = true,
 }};
 
 } // namespace

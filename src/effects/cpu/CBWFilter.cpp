@@ -1,5 +1,5 @@
 // Black and white: every pixel becomes the mean of its three colour bytes.
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"
 
@@ -8,13 +8,13 @@ namespace {
 
 using pixels::Bgra;
 
-class CBWFilter final : public CPureCEffect {
+class CBWFilter final : public CRowEffect {
 public:
-    using CPureCEffect::CPureCEffect;
+    using CRowEffect::CRowEffect;
 
-    void processFrame(const u8* src, u8* dst) override
+    void processRows(pixels::ConstView src, pixels::View dst, int) const override
     {
-        pixels::rows::map(input(src), output(dst), [](Bgra p) { return grey(p, u8((p.b + p.g + p.r) / 3)); });
+        pixels::rows::map(src, dst, [](Bgra p) { return grey(p, u8((p.b + p.g + p.r) / 3)); });
     }
 };
 
@@ -24,6 +24,7 @@ const Registration<CBWFilter> registered{{
     .title = "Black and White",
     .family = "colour",
     .summary = "Grey from the mean of red, green and blue.",
+    .byRows = true,
 }};
 
 } // namespace

@@ -1,5 +1,5 @@
 // A brightening or darkening curve per channel, with a split screen to compare.
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/ByteTables.h"
 #include "pixels/QuadraticCurve.h"
@@ -32,23 +32,32 @@ pixels::ByteTable curveTable(int percent)
     return pixels::tableOf([&](int i) { return u8(pixels::clamped(curve(i / 255.0), 0.0, 1.0) * 255); });
 }
 
-class CBalance final : public CPureCEffect {
+class CBalance final : public CRowEffect {
 public:
-    CBalance(u32 w, u32 h) : CPureCEffect(w, h) { declare(kR, kG, kB, kIsLeft, kIsSplit); }
+    CBalance(u32 w, u32 h) : CRowEffect(w, h) { declare(kR, kG, kB, kIsLeft, kIsSplit); }
 
-    void processFrame(const u8* src, u8* dst) override
+    void processRows(pixels::ConstView src, pixels::View dst, int) const override
     {
-        const pixels::ByteTables tables{
-            .b = curveTable(get(kG)), .g = curveTable(get(kR)), .r = curveTable(get(kB))};
+        pixels::mapTables(src, dst, tables_, first_, last_);
+        pixels::rows::copyColumns(src, dst, 0, first_);
+        pixels::rows::copyColumns(src, dst, last_, dst.width());
+    }
+
+protected:
+    void prepare() override
+    {
+        tables_ = {.b = curveTable(get(kG)), .g = curveTable(get(kR)), .r = curveTable(get(kB))};
         const int w = int(width());
         const bool split = get(kIsSplit) != 0;
         const bool keepLeft = get(kIsLeft) != 0;
-        const int first = split && keepLeft ? w / 2 : 0;
-        const int last = split && !keepLeft ? w / 2 : w;
-        pixels::mapTables(input(src), output(dst), tables, first, last);
-        pixels::rows::copyColumns(input(src), output(dst), 0, first);
-        pixels::rows::copyColumns(input(src), output(dst), last, w);
+        first_ = split && keepLeft ? w / 2 : 0;
+        last_ = split && !keepLeft ? w / 2 : w;
     }
+
+private:
+    pixels::ByteTables tables_{};
+    int first_ = 0; ///< columns [first_, last_) go through the curves
+    int last_ = 0;
 };
 
 const Registration<CBalance> registered{{
@@ -57,6 +66,7 @@ const Registration<CBalance> registered{{
     .title = "Colour Balance",
     .family = "colour",
     .summary = "A curve per channel, with half of the picture left as it is for comparison.",
+    .byRows = true,
 }};
 
 } // namespace

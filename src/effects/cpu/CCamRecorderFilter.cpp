@@ -22,7 +22,7 @@ public:
         const CEffectImage* const on = on_.at(extent());
         const CEffectImage* const off = off_.at(extent());
         const u32 phase = framesShown.fetch_add(1, std::memory_order_relaxed) / kFramesPerPhase;
-        layOver(input(src), output(dst), phase % 2 ? off : on, [](pixels::Bgra p) { return p; });
+        layOver(input(src), output(dst), phase % 2 ? off : on, 0, [](pixels::Bgra p) { return p; });
     }
 
 private:

@@ -8,13 +8,14 @@
 #include "graphics/GraphicsService.h"
 #include "lut/LutFile.h"
 #include "lut/lutTiles.h"
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/rows.h"
 #include "platform/CriticalSection.h"
 #include "text/Text.h"
 
 #include <fstream>
+#include <optional>
 
 namespace KEXSDK {
 namespace {
@@ -23,56 +24,73 @@ constexpr auto kCubeLutFile =
     PathParam{"CubeLutFile", "lookup table, a .cube or .3dl file"}.titled("Lookup Table");
 constexpr const char* kSetterTag = "CCubeLut::setParamVariant";
 
-class CCubeLut final : public CPureCEffect {
+class CCubeLut final : public CRowEffect {
 public:
-    CCubeLut(u32 w, u32 h) : CPureCEffect(w, h) { declare(kCubeLutFile); }
+    CCubeLut(u32 w, u32 h) : CRowEffect(w, h) { declare(kCubeLutFile); }
 
     /// A table file is read at once; the answer is whether it was. One thread may store such files while
     /// another runs the node.
     bool setParamVariant(const char* name, std::unique_ptr<ParamVariant>& value) override
     {
         if (std::string_view(name) != kCubeLutFile.name)
-            return CPureCEffect::setParamVariant(name, value);
+            return CRowEffect::setParamVariant(name, value);
         if (!value || !value->holds(ParamType::filePath) || !value->value.text
             || !load(text::utf8(value->path())))
             return false;
         const platform::MyCSingleLock lock(lock_);
-        return CPureCEffect::setParamVariant(name, value);
+        return CRowEffect::setParamVariant(name, value);
     }
 
     /// Evaluation asks here whether the node is enabled, perhaps while the first file is being stored.
     int getParamInt(const char* name, int defaultValue) override
     {
         const platform::MyCSingleLock lock(lock_);
-        return CPureCEffect::getParamInt(name, defaultValue);
+        return CRowEffect::getParamInt(name, defaultValue);
     }
 
     void run() override
     {
         const platform::MyCSingleLock lock(lock_);
         if (!drawOnGpu())
-            CPureCEffect::run();
+            CRowEffect::run();
     }
 
-    void processFrame(const u8* src, u8* dst) override
+    bool beginRows() override
     {
-        const platform::MyCSingleLock lock(lock_);
-        if (table_.size() > 0)
-            table_.apply(input(src), output(dst));
-        else
-            pixels::rows::copy(input(src), output(dst));
+        rowsLock_.emplace(lock_);
+        if (!drawsOnGpu() && CRowEffect::beginRows())
+            return true;
+        rowsLock_.reset();
+        return false;
     }
+
+    /// With the lock held by the evaluating thread.
+    void processRows(pixels::ConstView src, pixels::View dst, int) const override
+    {
+        if (table_.size() > 0)
+            table_.apply(src, dst);
+        else
+            pixels::rows::copy(src, dst);
+    }
+
+    void endRows() override { rowsLock_.reset(); }
 
 private:
+    /// With the lock held: whether a frame should go to the GPU.
+    bool drawsOnGpu() const
+    {
+        return lut::tileLayoutOf(table_.size()) && preferredForm() == EffectForm::gpu
+            && graphics().available();
+    }
+
     /// With the lock held. @return false when the CPU has to do it
     bool drawOnGpu()
     {
-        const lut::TileLayout* const layout = lut::tileLayoutOf(table_.size());
         const CEffectImage* const source = getInputImage(0);
-        if (!layout || !source || preferredForm() != EffectForm::gpu || !graphics().available())
+        if (!source || !drawsOnGpu())
             return false;
         if (lookup_.pixels.empty())
-            prepareGpu(*layout);
+            prepareGpu(*lut::tileLayoutOf(table_.size()));
         if (!gpu_ || !gpu_->problem().empty())
             return false;
         bindInput(*gpu_.get(), *this, *source, 0);
@@ -146,6 +164,7 @@ private:
     lut::LutTable table_;
     lut::LookupTexture lookup_; ///< empty until the GPU needs it; its effect reads it on every frame
     GpuEffect gpu_;
+    std::optional<platform::MyCSingleLock> rowsLock_; ///< from the first to the last row of a frame
 };
 
 const Registration<CCubeLut> registered{{
@@ -154,6 +173,7 @@ const Registration<CCubeLut> registered{{
     .title = "Cube LUT",
     .family = "colour",
     .summary = "Recolours the picture through a three-dimensional lookup table from a .cube or .3dl file.",
+    .byRows = true,
 }};
 
 } // namespace

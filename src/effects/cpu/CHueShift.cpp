@@ -1,5 +1,5 @@
 // Hue rotation that keeps luminance.
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/ColourMatrix.h"
 #include "pixels/numbers.h"
@@ -21,15 +21,20 @@ int degreesOf(int hue)
     return 0;
 }
 
-class CHueShift final : public CPureCEffect {
+class CHueShift final : public CRowEffect {
 public:
-    CHueShift(u32 w, u32 h) : CPureCEffect(w, h) { declare(kHue); }
+    CHueShift(u32 w, u32 h) : CRowEffect(w, h) { declare(kHue); }
 
-    void processFrame(const u8* src, u8* dst) override
+    void processRows(pixels::ConstView src, pixels::View dst, int) const override
     {
-        const auto matrix = pixels::ColourMatrix::hueRotation(degreesOf(get(kHue)), kLuminance);
-        pixels::mapMatrix(input(src), output(dst), matrix);
+        pixels::mapMatrix(src, dst, matrix_);
     }
+
+protected:
+    void prepare() override { matrix_ = pixels::ColourMatrix::hueRotation(degreesOf(get(kHue)), kLuminance); }
+
+private:
+    pixels::ColourMatrix matrix_{};
 };
 
 const Registration<CHueShift> registered{{
@@ -38,6 +43,7 @@ const Registration<CHueShift> registered{{
     .title = "Hue Shift",
     .family = "colour",
     .summary = "Turns all hues by one angle and keeps the luminance.",
+    .byRows = true,
 }};
 
 } // namespace

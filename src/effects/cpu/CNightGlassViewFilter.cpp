@@ -1,6 +1,6 @@
 // Night-vision goggles: a green picture behind their eyepieces.
 #include "effects/cpu/OverlayPicture.h"
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/numbers.h"
 
@@ -9,20 +9,24 @@ namespace {
 
 using pixels::Bgra;
 
-class CNightGlassViewFilter final : public CPureCEffect {
+class CNightGlassViewFilter final : public CRowEffect {
 public:
-    using CPureCEffect::CPureCEffect;
+    using CRowEffect::CRowEffect;
 
-    void processFrame(const u8* src, u8* dst) override
+    void processRows(pixels::ConstView src, pixels::View dst, int first) const override
     {
-        layOver(input(src), output(dst), overlay_.at(extent()), [](Bgra p) {
+        layOver(src, dst, picture_, first, [](Bgra p) {
             const u8 level = pixels::third(p.b + p.g + p.r);
             const u8 tint = pixels::third(level);
             return Bgra{tint, level, tint, 255};
         });
     }
 
+protected:
+    void prepare() override { picture_ = overlay_.at(extent()); }
+
 private:
+    const CEffectImage* picture_ = nullptr;
     OverlayPicture overlay_{{"NightGlassView16_9.png", "NightGlassView4_3.png"}};
 };
 
@@ -33,6 +37,7 @@ const Registration<CNightGlassViewFilter> registered{{
     .family = "overlay",
     .summary = "The green picture and the eyepieces of night-vision goggles.",
     .alpha = Alpha::opaque,
+    .byRows = true,
 }};
 
 } // namespace

@@ -1,6 +1,6 @@
 // A gun sight over the grey picture.
 #include "effects/cpu/OverlayPicture.h"
-#include "model/CPureCEffect.h"
+#include "model/CRowEffect.h"
 #include "model/EffectRegistry.h"
 #include "pixels/numbers.h"
 
@@ -9,17 +9,20 @@ namespace {
 
 using pixels::Bgra;
 
-class CSightFilter final : public CPureCEffect {
+class CSightFilter final : public CRowEffect {
 public:
-    using CPureCEffect::CPureCEffect;
+    using CRowEffect::CRowEffect;
 
-    void processFrame(const u8* src, u8* dst) override
+    void processRows(pixels::ConstView src, pixels::View dst, int first) const override
     {
-        layOver(input(src), output(dst), overlay_.at(extent()),
-            [](Bgra p) { return grey(p, pixels::third(p.b + p.g + p.r)); });
+        layOver(src, dst, picture_, first, [](Bgra p) { return grey(p, pixels::third(p.b + p.g + p.r)); });
     }
 
+protected:
+    void prepare() override { picture_ = overlay_.at(extent()); }
+
 private:
+    const CEffectImage* picture_ = nullptr;
     OverlayPicture overlay_{{"Sight16_9.png", "Sight4_3.png"}};
 };
 
@@ -30,6 +33,7 @@ const Registration<CSightFilter> registered{{
     .family = "overlay",
     .summary = "A telescopic sight over a grey picture.",
     .alpha = Alpha::opaque,
+    .byRows = true,
 }};
 
 } // namespace

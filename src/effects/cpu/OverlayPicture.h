@@ -31,13 +31,15 @@ void copyOpaque(pixels::ConstView src, pixels::View dst);
 
 /// dst = the overlay, by its own alpha, over base(src pixel), with alpha 255. Without an overlay it is
 /// copyOpaque(), and base is not asked.
+/// @param first  the row of the overlay that lies over the first row of src
 template <class Base>
-void layOver(pixels::ConstView src, pixels::View dst, const CEffectImage* overlay, Base base)
+void layOver(pixels::ConstView src, pixels::View dst, const CEffectImage* overlay, int first, Base base)
 {
     if (!overlay)
         return copyOpaque(src, dst);
-    pixels::rows::map2(src, overlay->view(), dst, [base](pixels::Bgra p, pixels::Bgra over) {
-        pixels::Bgra blended = ceilingBlend(base(p), over, over.a);
+    const pixels::ConstView over = overlay->view().rows(first, first + dst.height());
+    pixels::rows::map2(src, over, dst, [base](pixels::Bgra p, pixels::Bgra drawn) {
+        pixels::Bgra blended = ceilingBlend(base(p), drawn, drawn.a);
         blended.a = 255;
         return blended;
     });

@@ -172,7 +172,7 @@ constexpr EffectRow kRows[] = {
         .entry = {.place = 6, .name = "Emboss", .guid = "83BECB59-BA1F-4a4d-9CE1-B918E7F026B0"},
         .shown = {.title = "Grey Emboss", .summary = "A grey relief, lit from the side."},
         .reads = {.percent = {"Edge Width", "width of the relief's edges"}},
-        .apply = emboss},
+        .apply = byRows(emboss)},
     {.id = 24,
         .entry = {.place = 24, .name = "SunShine", .guid = "E05DAB18-F084-445b-BEA6-9EE4D7E5249B"},
         .shown = {.title = "Sunshine", .summary = "A round light that fades towards its rim."},

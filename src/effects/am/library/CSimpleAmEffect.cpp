@@ -158,14 +158,34 @@ void CSimpleAmEffect::run()
     if (!source || !fits(*source))
         return;
     const AmImageDesc image = describe(*getOutputImage());
-    if (!texture_) {
-        AmApplyEffectFrom(source->view(), params, &image, nullptr);
-        return;
-    }
-    // The host may have put another picture in the texture's place.
-    const CEffectImage* const second = getInputImage(1);
-    const AmImageDesc texture = describe(second && fits(*second) ? *second : *texture_);
-    AmApplyEffectFrom(source->view(), params, &image, &texture);
+    const CEffectImage* const second = texture();
+    const AmImageDesc described = second ? describe(*second) : AmImageDesc();
+    AmApplyEffectFrom(source->view(), params, &image, second ? &described : nullptr);
+}
+
+bool CSimpleAmEffect::beginRows()
+{
+    const CEffectImage* const source = getInputImage(0);
+    if (!effect_ || !effect_->apply.byRows || !source || !fits(*source))
+        return false;
+    updateParams();
+    const CEffectImage* const second = texture();
+    const AmImageDesc described = second ? describe(*second) : AmImageDesc();
+    second_ = second ? second->view() : pixels::ConstView();
+    return AmBeginRows(*params, describe(*getOutputImage()), second ? &described : nullptr);
+}
+
+void CSimpleAmEffect::processRows(pixels::ConstView src, pixels::View dst, int first) const
+{
+    AmApplyToRows(src, *params, dst, second_.bytes() ? second_.rows(first, first + dst.height()) : second_);
+}
+
+// What the effect combines with input 0: the picture that the host has put in the texture's place, or the
+// texture; null for effects without one.
+const CEffectImage* CSimpleAmEffect::texture()
+{
+    const CEffectImage* const second = texture_ ? getInputImage(1) : nullptr;
+    return second && fits(*second) ? second : texture_.get();
 }
 
 AmImageDesc CSimpleAmEffect::describe(const CEffectImage& image) const

@@ -158,6 +158,7 @@ std::vector<EffectInfo> amEffectInfos()
             .shared = effect->shared,
             .history = effect->history,
             .alpha = effect->alpha,
+            .byRows = effect->apply.byRows,
         });
     }
     return infos;

@@ -48,19 +48,34 @@ i64 copySize(const Frame& frame)
     return std::max<i64>(frame.dataSize, i64(frame.dst.width()) * frame.dst.height() * 4);
 }
 
+// Whether the second picture is what the effect of this id needs; puts it into the frame.
+bool takeSecond(Frame& frame, const EffectRow* row, const AmImageDesc* second)
+{
+    if (!am::kBlends.contains(frame.block.id) || (row && row->second == Second::none))
+        return true;
+    if (!isReadable(second))
+        return false;
+    frame.second = viewOf(*second);
+    return !(row && row->second == Second::alike) || frame.second.extent() == frame.dst.extent();
+}
+
+void takeSize(AmEffectParams& block, const AmImageDesc& image)
+{
+    if (image.width == block.width && image.height == block.height)
+        return;
+    block.width = image.width;
+    block.height = image.height;
+    block.dirty |= kAmDirtySize;
+}
+
 // Runs the effect of the block's id. In place, ids of kLocals get a copy of the picture in scratch B first,
 // even when no effect has the id.
 i32 apply(Frame frame, const AmImageDesc* second)
 {
     AmEffectParams& block = frame.block;
     const EffectRow* const row = am::findEffect(block.id);
-    if (am::kBlends.contains(block.id) && !(row && row->second == Second::none)) {
-        if (!isReadable(second))
-            return kAmBadImage;
-        frame.second = viewOf(*second);
-        if (row && row->second == Second::alike && frame.second.extent() != frame.dst.extent())
-            return kAmBadImage;
-    }
+    if (!takeSecond(frame, row, second))
+        return kAmBadImage;
     const bool copiesTwice = row && row->needsCopy;
     if (frame.inPlace() && (copiesTwice || am::kLocals.contains(block.id))) {
         const i64 bytes = copySize(frame);
@@ -74,7 +89,7 @@ i32 apply(Frame frame, const AmImageDesc* second)
         return kAmUnknown;
     if (row->prepare)
         row->prepare(block);
-    return row->apply(frame);
+    return row->apply.draw(frame);
 }
 
 } // namespace
@@ -117,17 +132,35 @@ i32 AmApplyEffectFrom(
         return kAmBadParams;
     if (!isPicture(image))
         return kAmBadImage;
-    if (image->width != block->width || image->height != block->height) {
-        block->width = image->width;
-        block->height = image->height;
-        block->dirty |= kAmDirtySize;
-    }
+    takeSize(*block, *image);
     const Frame frame{
         .src = source, .dst = viewOf(*image), .second = {}, .block = *block, .dataSize = image->dataSize};
     const i32 result = apply(frame, second);
     if (result != kAmOk)
         pixels::rows::copy(source, frame.dst);
     return result;
+}
+
+bool AmBeginRows(AmEffectParams& block, const AmImageDesc& image, const AmImageDesc* second)
+{
+    const EffectRow* const row = am::findEffect(block.id);
+    Frame frame{.src = {}, .dst = viewOf(image), .second = {}, .block = block, .dataSize = image.dataSize};
+    if (!row || !row->apply.byRows || !isPicture(&image) || !takeSecond(frame, row, second))
+        return false;
+    takeSize(block, image);
+    if (row->prepare)
+        row->prepare(block);
+    return true;
+}
+
+void AmApplyToRows(
+    pixels::ConstView source, AmEffectParams& block, pixels::View image, pixels::ConstView second)
+{
+    am::findEffect(block.id)->apply.draw({.src = source,
+        .dst = image,
+        .second = second,
+        .block = block,
+        .dataSize = i32(image.strideBytes() * image.height())});
 }
 
 } // namespace KEXSDK

@@ -29,4 +29,13 @@ i32 AmApplyEffect(AmEffectParams* block, const AmImageDesc* image, const AmImage
 i32 AmApplyEffectFrom(
     pixels::ConstView source, AmEffectParams* block, const AmImageDesc* image, const AmImageDesc* second);
 
+/// Prepares a block for AmApplyToRows() with rows of these pictures.
+/// @return false, changing nothing, when the effect needs the whole picture or AmApplyEffectFrom() would fail
+bool AmBeginRows(AmEffectParams& block, const AmImageDesc& image, const AmImageDesc* second);
+
+/// Does for a run of rows what AmApplyEffectFrom() does for all. Several threads may do so at once.
+/// @param second  the same rows of the second picture, or no bytes
+void AmApplyToRows(
+    pixels::ConstView source, AmEffectParams& block, pixels::View image, pixels::ConstView second);
+
 } // namespace KEXSDK

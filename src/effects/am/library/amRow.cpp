@@ -28,7 +28,7 @@ Collection collect(std::span<const Table> tables)
     Collection all;
     for (const auto& [family, rows] : tables) {
         for (const EffectRow& row : rows) {
-            if (!row.apply)
+            if (!row.apply.draw)
                 fail("no function", row);
             all.byId.push_back(&row);
             if (row.isListed())

@@ -16,6 +16,21 @@ struct Frame;
 /// Draws a frame and answers an AmResult. An effect that fails does so before it writes to dst.
 using Effect = i32 (*)(const Frame&);
 
+/// The function of a row.
+struct Drawing {
+    Effect draw;
+    bool byRows = false; ///< see byRows()
+
+    constexpr Drawing(Effect function) : draw(function) { }
+    constexpr Drawing(Effect function, bool rows) : draw(function), byRows(rows) { }
+    friend constexpr bool operator==(const Drawing&, const Drawing&) = default;
+};
+
+/// An effect that may be called with any run of a picture's rows in place of all, on several threads at once:
+/// it knows rows by their pixels alone, only reads its block, draws in place as well as elsewhere, and always
+/// succeeds.
+constexpr Drawing byRows(Effect function) { return {function, true}; }
+
 /// How hosts find an effect. Effects without an entry are reached by their numbers alone.
 struct CatalogueEntry {
     int place = -1; ///< in the catalogue: 0, 1, 2 and on through all tables; a new effect is the last
@@ -88,7 +103,7 @@ struct EffectRow {
     /// scratch A holds another one.
     bool needsCopy = false;
     Second second = Second::alike;
-    Effect apply;
+    Drawing apply;
 
     constexpr bool isListed() const { return entry.place >= 0; }
 };

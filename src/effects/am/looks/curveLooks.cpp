@@ -107,8 +107,8 @@ i32 fourSeason(const Frame& f)
 {
     constexpr int kBlack = 2;
     constexpr int kNarrow = 8;
-    const ByteTables thirdSeason = shifted(-45, -22, 45);
-    const ByteTables fourthSeason = shifted(90, 45, -90);
+    static const ByteTables thirdSeason = shifted(-45, -22, 45);
+    static const ByteTables fourthSeason = shifted(90, 45, -90);
     const ByteTables* const bands[] = {&kCrossProcess, &kSecondSeason, &thirdSeason, &fourthSeason};
     const int width = f.dst.width();
     const int quarter = width >> 2;
@@ -126,13 +126,16 @@ i32 fourSeason(const Frame& f)
 // A contrasty grey, tinted yellow.
 i32 blackAndYellow(const Frame& f)
 {
-    constexpr int kContrast = 5;
-    const pixels::ByteTable curve = sineContrast(kContrast);
-    const auto raised = [&](int by) {
-        return pixels::tableOf([&](int i) { return clampByte(curve[std::size_t(i)] + by); });
-    };
+    static const ByteTables tables = [] {
+        constexpr int kContrast = 5;
+        const pixels::ByteTable curve = sineContrast(kContrast);
+        const auto raised = [&](int by) {
+            return pixels::tableOf([&](int i) { return clampByte(curve[std::size_t(i)] + by); });
+        };
+        return ByteTables{curve, raised(35), raised(41)};
+    }();
     mapThenTables(
-        f, [](pixels::Bgra p) { return pixels::grey(p, u8(y10(p))); }, {curve, raised(35), raised(41)});
+        f, [](pixels::Bgra p) { return pixels::grey(p, u8(y10(p))); }, tables);
     return kAmOk;
 }
 
@@ -156,7 +159,7 @@ constexpr EffectRow kRows[] = {
     {.id = 49,
         .entry = {.place = 49, .name = "Japaness", .guid = "30055315-346C-4ed0-BF83-572605B2CF59"},
         .shown = {.title = "Japanese", .summary = "Light colours with lifted blue."},
-        .apply = throughCurves<kJapaness>},
+        .apply = byRows(throughCurves<kJapaness>)},
     {.id = 50,
         .entry = {.place = 50, .name = "CyanBlue", .guid = "E07018F9-29D3-441c-8531-CEA677B10339"},
         .shown = {.title = "Cyan Blue", .summary = "Moves the colours towards cyan and blue."},
@@ -164,62 +167,62 @@ constexpr EffectRow kRows[] = {
     {.id = 51,
         .entry = {.place = 51, .name = "LomoMovie", .guid = "234F2F06-5AA0-4307-BEF2-D3CA03747E2E"},
         .shown = {.title = "Lomo Movie", .summary = "Contrast with deep blue shadows."},
-        .apply = throughCurves<kLomoMovie>},
+        .apply = byRows(throughCurves<kLomoMovie>)},
     {.id = 52,
         .entry = {.place = 52, .name = "CrossProcess", .guid = "0172CFF4-7FE5-46fe-91E6-6F6BFCD0D23F"},
         .shown = {.title = "Cross Process", .summary = "Colours of film developed in the wrong bath."},
-        .apply = throughCurves<kCrossProcess>},
+        .apply = byRows(throughCurves<kCrossProcess>)},
     {.id = 53,
         .entry = {.place = 53, .name = "Retro", .guid = "EFFE7C7D-AA0F-4cb0-8C1C-CDE05D04BC97"},
         .shown = {.title = "Retro", .summary = "Warm lights over bluish shadows."},
-        .apply = throughCurves<kRetro>},
+        .apply = byRows(throughCurves<kRetro>)},
     {.id = 55,
         .entry = {.place = 55, .name = "Cinnamon", .guid = "971E3F12-8855-4a81-9C8F-3603A9F735DC"},
         .shown = {.title = "Cinnamon", .summary = "Muted red over lifted blue."},
-        .apply = throughCurves<kCinnamon>},
+        .apply = byRows(throughCurves<kCinnamon>)},
     {.id = 64, .apply = sine},
     {.id = 65,
         .entry = {.place = 63, .name = "FourSeason", .guid = "FB66DCAA-F85E-4be4-9470-9D6771AE26B8"},
         .shown = {.title = "Four Seasons", .summary = "Four bands with a look each."},
-        .apply = fourSeason},
+        .apply = byRows(fourSeason)},
     {.id = 67,
         .entry = {.place = 65, .name = "SunFlower", .guid = "534C741C-4450-4ea4-9D8C-BD54AD7ED668"},
         .shown = {.title = "Sunflower", .summary = "Golden lights and muted blue."},
         .needsCopy = true,
-        .apply = throughCurves<kSunFlower>},
+        .apply = byRows(throughCurves<kSunFlower>)},
     {.id = 68,
         .entry = {.place = 66, .name = "Romantic", .guid = "06540EAC-C188-426e-952D-7DD97435F6F9"},
         .shown = {.title = "Romantic", .summary = "Rosy shadows and soft lights."},
         .needsCopy = true,
-        .apply = throughCurves<kRomantic>},
+        .apply = byRows(throughCurves<kRomantic>)},
     {.id = 69,
         .entry = {.place = 67, .name = "Holiday", .guid = "8B086E1E-BB01-4f3e-934B-5DB4ADA2567F"},
         .shown = {.title = "Holiday", .summary = "Faded sunny colours."},
         .needsCopy = true,
-        .apply = throughCurves<kHoliday>},
+        .apply = byRows(throughCurves<kHoliday>)},
     {.id = 72,
         .entry = {.place = 69, .name = "BW_Yellow", .guid = "BECC0DB2-67E8-4a9c-BFFB-B1AFD8351811"},
         .shown = {.title = "Black and White, Yellow", .summary = "A contrasty grey tinted yellow."},
-        .apply = blackAndYellow},
+        .apply = byRows(blackAndYellow)},
     {.id = 74,
         .entry = {.place = 71, .name = "PurpleLomo", .guid = "56F86BED-AA95-4fb1-8DC8-49A5C15A7111"},
         .shown = {.title = "Purple Lomo", .summary = "Contrast with purple shadows."},
         .needsCopy = true,
-        .apply = throughCurves<kPurpleLomo>},
+        .apply = byRows(throughCurves<kPurpleLomo>)},
     {.id = 79,
         .entry = {.place = 76, .name = "FreshNew", .guid = "3F68EC3C-4003-488c-8BD4-4D6CA41E85C5"},
         .shown = {.title = "Fresh and New", .summary = "Lifted colours with a blue cast."},
-        .apply = freshNew},
+        .apply = byRows(freshNew)},
     {.id = 80,
         .entry = {.place = 77, .name = "BlueTears", .guid = "23ED6584-3EB2-4451-80CE-89D3529DE5C8"},
         .shown = {.title = "Blue Tears", .summary = "Cold colours with strong blue."},
         .needsCopy = true,
-        .apply = throughCurves<kBlueTears>},
+        .apply = byRows(throughCurves<kBlueTears>)},
     {.id = 81,
         .entry = {.place = 78, .name = "PurpleLove", .guid = "F944258F-0E51-4f7b-979F-91E3E826E4FC"},
         .shown = {.title = "Purple Love", .summary = "Contrast with purple lights."},
         .needsCopy = true,
-        .apply = throughCurves<kPurpleLove>},
+        .apply = byRows(throughCurves<kPurpleLove>)},
 };
 static_assert(isSound(kRows));
 
