@@ -136,6 +136,27 @@ TEST_F(Passes, SamplersFilterAndWrapAsTheirInputsSay)
     EXPECT_EQ(first(4), std::pair(22, 38));
 }
 
+TEST_F(Passes, MayShowOnePictureEachInItsOwnWay)
+{
+    shader("beyond.frag", "gl_FragColor = texture2D(mSample0, textureCoord + vec2(1.0, 0.0));");
+    shader("join.frag",
+        "gl_FragColor = vec4(texture2D(mSample0, textureCoord).r, texture2D(mSample1, textureCoord).g,"
+        "texture2D(mSample2, textureCoord + vec2(1.0, 0.0)).b, 1.0);");
+    passes(0, R"({"NAME": "a", "SHADER": "beyond.frag", "INPUTS": [{"FROM": 0, "WRAP": "repeat"}]},
+        {"NAME": "b", "SHADER": "beyond.frag", "INPUTS": [{"FROM": 0, "WRAP": "mirror", "FILTER": "nearest"}]},
+        {"SHADER": "join.frag", "INPUTS": [{"FROM": "a"}, {"FROM": "b"}, {"FROM": 0}]})");
+    start();
+    host::Image ramp(8, 1);
+    for (std::size_t i = 0; i < 32; ++i)
+        ramp.bytes()[i] = (unsigned char)(i / 4 * 16 + 16);
+    auto node = filter(0, 8, 1);
+    node.setInput(ramp);
+    for (int frame = 0; frame < 3; ++frame) {
+        const auto all = bytes(node.run());
+        EXPECT_EQ((Bgra{all[0], all[1], all[2], all[3]}), (Bgra{128, 128, 16, 255})) << frame;
+    }
+}
+
 TEST_F(Passes, PersistentOnesGoOnFromTheFrameBefore)
 {
     shader("more.frag", "gl_FragColor = texture2D(mSample0, textureCoord) + vec4(10.0 / 255.0);");
