@@ -28,8 +28,9 @@ float coarserShare()
 vec2 rungDeviation()
 {
     vec2 step = u_resolution / u_pass_resolution;
-    // A box of `step` pixels from shrinking, and a tent from enlarging.
-    vec2 rest = max(deviation() * deviation() - 0.25 * step * step, 0.1);
+    // A box of `step` pixels from shrinking, and from enlarging a tent, or two of them where steps are large.
+    float share = rung() > 8.0 ? 0.417 : 0.25;
+    vec2 rest = max(deviation() * deviation() - share * step * step, 0.1);
     return coarserShare() < 1.0 ? sqrt(rest) / step : vec2(0.0);
 }
 

@@ -4,5 +4,5 @@
 
 void main()
 {
-    gl_FragColor = disc(mSample0, 0.82 * discRadius(), 16.0);
+    gl_FragColor = disc(mSample0, 0.86 * discRadius(), 28.0);
 }

@@ -4,5 +4,5 @@
 
 void main()
 {
-    gl_FragColor = disc(mSample0, 0.27 * discRadius(), 9.0);
+    gl_FragColor = disc(mSample0, 0.21 * discRadius(), 9.0);
 }
