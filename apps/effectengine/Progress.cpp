@@ -19,13 +19,6 @@ constexpr auto kPause = 200ms;
 constexpr int kUsualColumns = 80;
 constexpr int kWidestBar = 40;
 
-// A number with a decimal point in every locale, for programs.
-std::string fixed(double value, int digits)
-{
-    char text[64];
-    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
-}
-
 int terminalColumns()
 {
     winsize size{};
@@ -44,6 +37,12 @@ std::string clockText(double seconds)
 }
 
 } // namespace
+
+std::string fixedText(double value, int digits)
+{
+    char text[64];
+    return {text, std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, digits).ptr};
+}
 
 void addProgressOption(CLI::App& command, ProgressKind& kind)
 {
@@ -100,7 +99,7 @@ void Progress::show()
 
 void Progress::showBar(double rate, double remaining) const
 {
-    const std::string speed = fixed(rate, 1) + " " + unit_ + "/s";
+    const std::string speed = fixedText(rate, 1) + " " + unit_ + "/s";
     if (total_ <= 0) {
         std::fprintf(stderr, "\r%lld %s  %s\x1b[K", done_, unit_.c_str(), speed.c_str());
         return;
@@ -117,10 +116,10 @@ void Progress::showBar(double rate, double remaining) const
 void Progress::showJson(double rate, double remaining) const
 {
     const std::string total = total_ > 0 ? std::to_string(total_) : "null";
-    const std::string left = total_ > 0 && rate > 0 ? fixed(remaining, 1) : "null";
+    const std::string left = total_ > 0 && rate > 0 ? fixedText(remaining, 1) : "null";
     std::printf(R"({"unit":"%s","done":%lld,"total":%s,"rate":%s,"remaining":%s})"
                 "\n",
-        unit_.c_str(), done_, total.c_str(), fixed(rate, 2).c_str(), left.c_str());
+        unit_.c_str(), done_, total.c_str(), fixedText(rate, 2).c_str(), left.c_str());
     std::fflush(stdout);
 }
 

@@ -15,6 +15,9 @@ enum class ProgressKind {
     none,
 };
 
+/// A number with a decimal point in every locale.
+std::string fixedText(double value, int digits);
+
 /// Adds --progress to a verb.
 void addProgressOption(CLI::App& command, ProgressKind& kind);
 

@@ -27,6 +27,13 @@ void addCompressionOption(CLI::App& command, std::optional<pictures::PngEffort>&
         ->type_name("");
 }
 
+void addReportOptions(CLI::App& command, ReportOptions& options)
+{
+    addProgressOption(command, options.progress);
+    command.add_flag("--stats", options.stats,
+        "tell on stdout, at the end, how long reading, effects and writing were at work");
+}
+
 void addCompanionOptions(CLI::App& command, CompanionOptions& options)
 {
     static const std::map<std::string, ClipEnd> kEnds{
@@ -64,7 +71,7 @@ void addEncodingOptions(CLI::App& command, EncodingOptions& options)
         ->type_name("NAME=VALUE");
     addCompressionOption(command, options.compression);
     addAlphaOption(command, options.alpha);
-    addProgressOption(command, options.progress);
+    addReportOptions(command, options.report);
 }
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session)
@@ -122,7 +129,7 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     addCompanionOptions(*command, options->companions);
     addCompressionOption(*command, options->compression);
     addAlphaOption(*command, options->alpha);
-    addProgressOption(*command, options->progress);
+    addReportOptions(*command, options->report);
     command->callback([options, &session] { runRender(*options, session); });
 }
 

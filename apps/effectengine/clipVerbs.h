@@ -21,6 +21,12 @@ enum class AlphaChoice {
     drop,
 };
 
+/// What a verb for clips tells while it runs and at its end.
+struct ReportOptions {
+    ProgressKind progress = ProgressKind::automatic;
+    bool stats = false; ///< where the time went
+};
+
 /// The user's choices for the output of a verb for clips.
 struct EncodingOptions {
     std::string codec;
@@ -28,7 +34,7 @@ struct EncodingOptions {
     std::vector<std::string> encoderOptions;        ///< name=value
     std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
-    ProgressKind progress = ProgressKind::automatic;
+    ReportOptions report;
 };
 
 /// What a clip beside the first one shows once its last frame has had its time.
@@ -78,7 +84,7 @@ struct RenderOptions {
     bool resume = false;
     std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
-    ProgressKind progress = ProgressKind::automatic;
+    ReportOptions report;
 };
 
 // The work of the verbs. They throw ToolError and LookError.
@@ -88,7 +94,7 @@ void runRender(const RenderOptions& options, const SessionOptions& session);
 /// Prints the versions of FFmpeg's libraries and the codecs that clips can be read from and written to.
 void runCodecs();
 
-/// Adds --codec, --quality, --encoder-option, --compression, --alpha and --progress to a verb.
+/// Adds --codec, --quality, --encoder-option, --compression, --alpha, --progress and --stats to a verb.
 void addEncodingOptions(CLI::App& command, EncodingOptions& options);
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session);

@@ -83,8 +83,8 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--at takes a picture's progress, 0 to 1");
     if (options.duration)
         throw ToolError(ExitCode::usage, "--duration is for clips; a picture's moment is --at");
-    if (options.encoding.compression)
-        throw ToolError(ExitCode::usage, "--compression is for clips and numbered pictures");
+    if (options.encoding.compression || options.encoding.report.stats)
+        throw ToolError(ExitCode::usage, "--compression and --stats are for clips and numbered pictures");
     if (options.stretch)
         throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
     const Look look = transitionLook(options.name, options.parameters);

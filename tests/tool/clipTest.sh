@@ -214,8 +214,24 @@ same "$(cat kept.mp4)" precious "a stopped run touched the output"
 expect 0 '' "$tool" video plain.mp4 out.mp4 -e equalize --progress json
 grep -q '^{"unit":"frames","done":50,"total":50,"rate":[0-9.]*,"remaining":0.0}$' out.txt || fail "progress: $(tail -1 out.txt)"
 
+# Where the time went: every stage's busy and waiting time is the run's, and the busiest one is named.
+expect 0 '' "$tool" video plain.mp4 out.mp4 -e equalize --progress json --stats
+tail -1 out.txt | python3 -c '
+import json, sys
+stats = json.load(sys.stdin)["stats"]
+assert stats["frames"] == 50 and stats["processorSeconds"] > 0 and stats["cores"] > 0, stats
+stages = stats["stages"]
+assert list(stages) == ["effects", "read", "write"], stats
+assert stats["bottleneck"] == max(stages, key=lambda name: stages[name]["busy"]), stats
+for stage in stages.values():
+    assert stage["busy"] > 0 and abs(stage["busy"] + stage["waiting"] - stats["seconds"] * 20) < 0.1, stats
+    assert abs(sum(stage.get("steps", {"all": stage["busy"]}).values()) - stage["busy"]) < 0.01, stats
+' || fail "--stats as JSON: $(tail -1 out.txt)"
+expect 0 '' "$tool" render fade.json plain.mp4 told --stats
+grep -q '^50 frames in ' out.txt && grep -q '^read .*decode .*convert' out.txt && grep -q 'wait for this' out.txt ||
+    fail "--stats: $(cat out.txt)"
+
 # PNG pictures: two sizes of the same pixels, which others read as well.
-expect 0 '' "$tool" render fade.json plain.mp4 told
 expect 0 '' "$tool" render fade.json plain.mp4 smaller --compression small
 diff told/manifest.json smaller/manifest.json >diff.txt || fail "--compression changes pixels: $(head -3 diff.txt)"
 [ "$(du -sb smaller | cut -f1)" -lt "$(du -sb told | cut -f1)" ] || fail "--compression small is not smaller"
@@ -229,7 +245,8 @@ expect 0 '' "$tool" video plain.mp4 smaller/%06d.png --graph fade.json --encoder
 same "$(ffmpeg -v error -i told/%06d.png -f md5 -)" "$(ffmpeg -v error -i smaller/%06d.png -f md5 -)" "pictures by the codec"
 expect 2 '--compression is for numbered PNG' "$tool" video plain.mp4 out.mp4 --compression small -e equalize
 expect 2 '--compression is for numbered PNG' "$tool" video plain.mp4 told/%d.tif --compression fast -e equalize
-expect 2 'is for clips' "$tool" transition push told/000000.png told/000001.png no.png --compression small
+expect 2 'are for clips' "$tool" transition push told/000000.png told/000001.png no.png --stats
+expect 2 'are for clips' "$tool" transition push told/000000.png told/000001.png no.png --compression small
 expect 2 '--compression' "$tool" render fade.json plain.mp4 no --compression tiny
 
 # Bad inputs, bad options and bad outputs end with their exit codes.

@@ -167,7 +167,9 @@ void ClipReader::beginEarlier()
 
 bool ClipReader::next(AVFrame& frame)
 {
+    const auto begin = std::chrono::steady_clock::now();
     const bool found = table_ && table_->numbers ? nextByNumber(frame) : nextInOrder(frame);
+    decoding_ += std::chrono::steady_clock::now() - begin;
     if (!found && index_ < 0)
         throw ToolError(ExitCode::unreadable, "no frame can be decoded from " + info_.file.string());
     return found;

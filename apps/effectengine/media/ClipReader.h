@@ -4,6 +4,7 @@
 #include "effectengine/media/DecoderWatch.h"
 #include "effectengine/media/FrameTable.h"
 
+#include <chrono>
 #include <optional>
 
 namespace tool::media {
@@ -71,6 +72,9 @@ public:
     /// file breaks off before its first frame.
     bool next(AVFrame& frame);
 
+    /// How long next() has taken so far: reading, and waiting for the decoder.
+    std::chrono::nanoseconds decoding() const { return decoding_; }
+
     /// The number of the frame that next() gave last.
     long long index() const { return index_; }
 
@@ -102,6 +106,7 @@ private:
     Codec decoder_;
     Packet packet_;
     int stream_ = -1;
+    std::chrono::nanoseconds decoding_{};
     long long index_ = -1;
     std::int64_t firstTime_ = AV_NOPTS_VALUE;
     std::int64_t lastTime_ = AV_NOPTS_VALUE;

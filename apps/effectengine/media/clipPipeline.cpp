@@ -3,6 +3,7 @@
 
 #include "effectengine/interruption.h"
 #include "effectengine/media/PictureConversion.h"
+#include "effectengine/media/StageTimes.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/threeStages.h"
 #include "effectengine/media/transparency.h"
@@ -42,7 +43,17 @@ void runPipeline(const ClipPipeline& pipeline)
     std::vector<AlphaWarning> alphaWarnings;
     for (const ClipReader* const clip : pipeline.clips)
         alphaWarnings.emplace_back(clip->info(), pipeline.alpha, pipeline.sink.format());
-    Progress progress(pipeline.progress, "frames", pipeline.expectedFrames);
+    Progress progress(pipeline.report.progress, "frames", pipeline.expectedFrames);
+    const auto decoding = [&] {
+        StageTimes::Duration sum{};
+        for (const ClipReader* const clip : pipeline.clips)
+            sum += clip->decoding();
+        for (const ClipReader* const clip : pipeline.companions)
+            sum += clip->decoding();
+        return sum;
+    };
+    const RunReport report;
+    StageTimes times{.decode = -decoding()};
     long long done = 0;
     pipeline.sink.whenWritten([&] { progress.report(++done); });
 
@@ -51,11 +62,11 @@ void runPipeline(const ClipPipeline& pipeline)
         for (std::size_t clip = 0; in.shown && clip < pipeline.clips.size(); ++clip)
             if (in.present[clip])
                 alphaWarnings[clip].look(viewOf(in.pictures[clip]));
-        CEffectImage* const picture = pipeline.picture(in);
+        CEffectImage* const picture = timed(times.effects, [&] { return pipeline.picture(in); });
         if (!in.shown)
             return false;
         if (picture) {
-            convert.convert(host::viewOf(picture), *out.frame);
+            timed(times.convert, [&] { convert.convert(host::viewOf(picture), *out.frame); });
         } else {
             av_frame_unref(out.frame.get());
             av_frame_move_ref(out.frame.get(), in.frame.get());
@@ -65,18 +76,22 @@ void runPipeline(const ClipPipeline& pipeline)
     };
     const auto write = [&](FinishedFrame& out) {
         out.frame->pts = pipeline.outputTime(out.place);
-        pipeline.sink.write(*out.frame, out.place);
+        timed(times.write, [&] { pipeline.sink.write(*out.frame, out.place); });
     };
+    const auto next = [&](ClipFrame& in) { return timed(times.read, [&] { return pipeline.next(in); }); };
     runThreeStages<ClipFrame, FinishedFrame>(
-        read, finished, {.produce = pipeline.next, .process = render, .consume = write});
+        read, finished, {.produce = next, .process = render, .consume = write});
+    times.decode += decoding();
 
     for (const ClipReader* const clip : pipeline.clips)
         warnOfDamage(*clip);
     for (const ClipReader* const clip : pipeline.companions)
         warnOfDamage(*clip);
     stopIfAsked();
-    pipeline.sink.finish();
+    timed(times.write, [&] { pipeline.sink.finish(); });
     progress.finish();
+    if (pipeline.report.stats)
+        report.print(times, done, pipeline.report.progress);
 }
 
 } // namespace tool::media

@@ -18,7 +18,7 @@ struct ClipPipeline {
     pixels::Extent size; ///< of the pictures
     AlphaChoice alpha;   ///< as the user chose
     bool keepsAlpha;     ///< false: every pixel of the output is opaque
-    ProgressKind progress;
+    ReportOptions report;
     long long expectedFrames; ///< 0 unknown
     std::vector<ClipReader*> companions =
         {}; ///< that only effects see; their pictures follow those of the clips
@@ -37,8 +37,9 @@ struct ClipPipeline {
     };
 };
 
-/// Reads, renders and writes all frames on three threads, shows progress, warns of damaged frames, and
-/// completes the sink. Throws what a stage throws, and when a stop is asked; the sink is then incomplete.
+/// Reads, renders and writes all frames on three threads, shows progress, warns of damaged frames, completes
+/// the sink, and tells where the time went if that was asked for. Throws what a stage throws, and when a stop
+/// is asked; the sink is then incomplete.
 void runPipeline(const ClipPipeline& pipeline);
 
 } // namespace tool::media

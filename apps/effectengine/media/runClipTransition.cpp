@@ -101,7 +101,7 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
         .size = size,
         .alpha = options.encoding.alpha,
         .keepsAlpha = shape.keepsAlpha,
-        .progress = options.encoding.progress,
+        .report = options.encoding.report,
         .expectedFrames = expectedFrames(first.info(), second.info(), at, options.duration),
         .next = [&](ClipFrame& frame) { return feed.next(frame); },
         .picture = picture});

@@ -210,7 +210,7 @@ void render(const RenderOptions& options, const Look& look, SessionOptions sessi
         .size = size,
         .alpha = options.alpha,
         .keepsAlpha = alpha,
-        .progress = options.progress,
+        .report = options.report,
         .expectedFrames = wanted,
         .companions = companions.readers(),
         .next = next,

@@ -178,7 +178,7 @@ void convertClip(
         .size = size,
         .alpha = options.encoding.alpha,
         .keepsAlpha = shape.keepsAlpha,
-        .progress = options.encoding.progress,
+        .report = options.encoding.report,
         .expectedFrames = expectedFrames(clip, range),
         .companions = companions.readers(),
         .next = next,
