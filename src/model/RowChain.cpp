@@ -2,7 +2,6 @@
 #include "model/RowChain.h"
 
 #include "pixels/rows.h"
-#include "pixels/streamedCopy.h"
 
 #include <algorithm>
 
@@ -61,39 +60,27 @@ void RowChain::finish()
     }
 }
 
-// Whether the last picture can hold what one node leaves to the next: nobody reads anything else there, and
-// every picture's rows lie apart from other rows of the others.
+// Whether the rows of each picture that is written lie apart from all other rows. Pictures may be one and the
+// same: within a row the nodes take their turns.
 bool RowChain::mayGoByStrips() const
 {
-    if (count_ < 2)
-        return false;
-    const pixels::ConstView desk = steps_[count_ - 1].target;
     const auto liesWell = [&](pixels::ConstView picture) {
-        return !overlapAskew(picture, steps_[0].source)
-            && std::ranges::none_of(
-                steps(), [&](const Step& other) { return overlapAskew(picture, other.target); });
+        return std::ranges::none_of(
+            steps(), [&](const Step& step) { return overlapAskew(picture, step.target); });
     };
-    return std::ranges::all_of(steps(), [&](const Step& step) {
+    return count_ > 1 && std::ranges::all_of(steps(), [&](const Step& step) {
         const pixels::ConstView second = step.node ? step.node->secondPicture() : pixels::ConstView();
-        return liesWell(step.target)
-            && (!second.bytes() || (second.bytes() != desk.bytes() && liesWell(second)));
+        return liesWell(step.source) && liesWell(step.target) && (!second.bytes() || liesWell(second));
     });
 }
 
-// Each strip goes through all nodes in the last picture, where it stays in the cache; the pictures in between
-// get copies.
+// All nodes on one strip before the next one: what a node reads, the one before it has just left in the
+// cache.
 void RowChain::processStrips() const
 {
-    const pixels::View desk = steps_[count_ - 1].target;
-    pixels::rows::anyOrderRuns(desk.extent(), [&](int first, int end) {
-        const pixels::View strip = desk.rows(first, end);
-        pixels::ConstView from = steps_[0].source.rows(first, end);
-        for (const Step& step : steps()) {
-            step.process(from, strip, first);
-            if (step.target.bytes() != desk.bytes())
-                pixels::copyStreamed(strip, step.target.rows(first, end));
-            from = strip;
-        }
+    pixels::rows::anyOrderRuns(steps_[0].target.extent(), [&](int first, int end) {
+        for (const Step& step : steps())
+            step.process(step.source.rows(first, end), step.target.rows(first, end), first);
     });
 }
 
