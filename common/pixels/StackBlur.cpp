@@ -3,8 +3,10 @@
 
 #include "pixels/Scratch.h"
 #include "pixels/rows.h"
+#include "pixels/transpose.h"
 
 #include <array>
+#include <bit>
 
 namespace pixels {
 
@@ -16,8 +18,9 @@ constexpr int kLanes = 32;
 constexpr int kBytes = kLanes * 4;
 // Columns that the horizontal pass transposes at once; a cache line of a row.
 constexpr int kTile = 16;
-// Source lines within reach of one step, and those that a tile brings early.
-constexpr int kRing = 2 * kMostStackRadius + 3 + kTile;
+// Source lines within reach of one step, and those that a tile brings early: a power of two, so that places
+// are cheap and a tile lies in one piece.
+constexpr u32 ringSize(int radius) { return std::bit_ceil(u32(2 * radius + 3 + kTile)); }
 
 struct alignas(64) Line {
     std::array<u8, kBytes> bytes;
@@ -44,10 +47,16 @@ u32 limitedToAlpha(u32 colours, u32 source)
 /// radius + 1 pixels ahead of the centre less the radius + 1 up to it.
 class Stack {
 public:
-    Stack(int count, int radius) : count_(count), radius_(radius), divisor_(stackDivisor(radius)) { }
+    Stack(int count, int radius)
+        : count_(count),
+          radius_(radius),
+          divisor_(stackDivisor(radius)),
+          ring_(ringSize(radius))
+    {
+    }
 
     /// Where to store source line `i`; lines are stored in order.
-    Line& slot(int i) { return ring_[std::size_t(i % kRing)]; }
+    Line& slot(int i) { return ring_[u32(i) & (ring_.size() - 1)]; }
     /// The last source line that step(i) needs.
     int reach(int i) const { return std::min(i + radius_ + 2, count_ - 1); }
 
@@ -99,19 +108,39 @@ private:
     StackDivisor divisor_;
     alignas(64) std::array<u32, kBytes> sum_;
     alignas(64) std::array<u32, kBytes> slope_;
-    Scratch<Line> ring_{kRing};
+    Scratch<Line> ring_;
 };
+
+// The rows of a strip lie far apart, where no processor looks ahead on its own.
+constexpr int kRowsAhead = 16;
+
+void fetchEarly(const Bgra* pixels, int count)
+{
+    constexpr int kCacheLine = 64 / int(sizeof(Bgra));
+    for (int x = 0; x < count; x += kCacheLine)
+        __builtin_prefetch(pixels + x, 1);
+}
+
+void copyPixels(u8* to, const u8* from, int count)
+{
+    if (count == kLanes)
+        std::memcpy(to, from, kBytes);
+    else
+        std::memcpy(to, from, std::size_t(count) * 4);
+}
 
 // Blurs columns [left, left + width) of the picture, in place.
 void blurColumns(View picture, int left, int width, int radius)
 {
     const int height = picture.height();
-    const std::size_t bytes = std::size_t(width) * 4;
     Stack stack(height, radius);
     int present = 0;
+    const auto row = [=](int y) { return reinterpret_cast<u8*>(&picture.at(left, y)); };
     const auto fetchTo = [&](int last) {
-        for (; present <= last; ++present)
-            std::memcpy(stack.slot(present).bytes.data(), &picture.at(left, present), bytes);
+        for (; present <= last; ++present) {
+            fetchEarly(&picture.at(left, std::min(present + kRowsAhead, height - 1)), width);
+            copyPixels(stack.slot(present).bytes.data(), row(present), width);
+        }
     };
     fetchTo(stack.reach(0));
     stack.start();
@@ -119,7 +148,7 @@ void blurColumns(View picture, int left, int width, int radius)
     for (int y = 0; y < height; ++y) {
         fetchTo(stack.reach(y));
         stack.step(y, result);
-        std::memcpy(&picture.at(left, y), result.bytes.data(), bytes);
+        copyPixels(row(y), result.bytes.data(), width);
     }
 }
 
@@ -132,11 +161,8 @@ void blurRows(ConstView src, View dst, int top, int height, int radius)
     const auto fetchTo = [&](int last) {
         while (present <= last) {
             const int count = std::min(kTile, width - present);
-            for (int lane = 0; lane < height; ++lane) {
-                const u8* const from = reinterpret_cast<const u8*>(&src.at(present, top + lane));
-                for (int x = 0; x < count; ++x)
-                    storeWord(stack.slot(present + x).bytes.data() + 4 * lane, loadWord(from + 4 * x));
-            }
+            transpose(reinterpret_cast<const u8*>(&src.at(present, top)), src.strideBytes(),
+                stack.slot(present).bytes.data(), sizeof(Line), count, height);
             present += count;
         }
     };
@@ -149,11 +175,8 @@ void blurRows(ConstView src, View dst, int top, int height, int radius)
             fetchTo(stack.reach(left + x));
             stack.step(left + x, results[std::size_t(x)]);
         }
-        for (int lane = 0; lane < height; ++lane) {
-            u8* const to = reinterpret_cast<u8*>(&dst.at(left, top + lane));
-            for (int x = 0; x < count; ++x)
-                storeWord(to + 4 * x, loadWord(results[std::size_t(x)].bytes.data() + 4 * lane));
-        }
+        transpose(results[0].bytes.data(), sizeof(Line), reinterpret_cast<u8*>(&dst.at(left, top)),
+            dst.strideBytes(), height, count);
     }
 }
 

@@ -8,12 +8,14 @@
 #include "pixels/byteQuotient.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
+#include "pixels/transpose.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <thread>
 #include <vector>
 
@@ -204,6 +206,32 @@ TEST(ByteTables, VectorAndPlainLookUpsAgreeAndKeepAlpha)
         const Bgra p = source.view().at(width - 1, 2);
         EXPECT_EQ(plain.view().at(width - 1, 2), (Bgra{u8(p.b * 7 + 1), u8(255 - p.g), u8(p.r * p.r), p.a}));
     }
+}
+
+TEST(Transpose, RowsBecomeColumnsAndNothingElseIsWritten)
+{
+    constexpr u32 kUntouched = 0xEEEEEEEE;
+    for (const auto level : {VectorLevel::base, VectorLevel::avx2, VectorLevel::avx512}) {
+        limitVectors(level);
+        for (const Extent size : {Extent{1, 1}, Extent{8, 8}, Extent{7, 16}, Extent{17, 9}, Extent{40, 3}}) {
+            const std::size_t across = std::size_t(size.width) + 3;
+            const std::size_t down = std::size_t(size.height) + 2;
+            std::vector<u32> from(across * std::size_t(size.height));
+            std::iota(from.begin(), from.end(), 0x01020304u);
+            std::vector<u32> to(down * std::size_t(size.width), kUntouched);
+            widest([=, source = reinterpret_cast<const u8*>(from.data()),
+                       target = reinterpret_cast<u8*>(to.data())] {
+                transpose(source, std::ptrdiff_t(across) * 4, target, std::ptrdiff_t(down) * 4, size.width,
+                    size.height);
+            });
+            std::vector<u32> expected(to.size(), kUntouched);
+            for (std::size_t y = 0; y < std::size_t(size.height); ++y)
+                for (std::size_t x = 0; x < std::size_t(size.width); ++x)
+                    expected[x * down + y] = from[y * across + x];
+            EXPECT_EQ(to, expected) << size.width << " x " << size.height << ", level " << int(level);
+        }
+    }
+    limitVectors(VectorLevel::avx512);
 }
 
 } // namespace
