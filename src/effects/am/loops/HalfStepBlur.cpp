@@ -2,8 +2,10 @@
 #include "effects/am/loops/HalfStepBlur.h"
 
 #include "pixels/columns.h"
+#include "pixels/transpose.h"
 
-#include <array>
+// Vectors are handed over between functions that are always compiled into one.
+#pragma GCC diagnostic ignored "-Wpsabi"
 
 namespace KEXSDK::am {
 
@@ -14,114 +16,99 @@ namespace rows = pixels::rows;
 
 // Rows that are averaged together: a mean must wait for the one before it in its row, but not for other
 // rows'.
-constexpr int kTogether = 4;
-constexpr int kHalves = 2 * kTogether;
+constexpr int kTogether = 8;
+using Words [[gnu::vector_size(4 * kTogether)]] = u32;
+using RowSums [[gnu::vector_size(4 * kTogether)]] = i32;
+using Quotients [[gnu::vector_size(4 * kTogether)]] = float;
 
-// One pixel of each row that is averaged, in two words: blue and red, green and alpha, 16 bits each.
-using Halves = std::array<u32, kHalves>;
+// One pixel of each of these rows.
+struct Column {
+    Words words;
+};
+
 constexpr u32 kEvenBytes = 0x00FF00FF;
 
-// Columns 0, 2, ... below width - 1 are averaged. For each of these steps, first how the sums change after
-// it, and then the means.
-using Steps = pixels::Scratch<Halves>;
+// Columns 0, 2, ... below width - 1 are averaged, each in a step of its own.
 constexpr int stepsOf(int width) { return width / 2; }
 
-// Added to every lane of the changes: they go down to -510, and no lane may borrow from the next.
-constexpr u32 kBias = 512;
+// Added to both halves of a change, which goes down to -765: no half may borrow from the other.
+constexpr u32 kBias = 1024;
 
 // The exact quotient, for sums up to 255 times a count of a few thousand: half a unit keeps the product away
 // from whole numbers by more than single precision errs.
 int meanOf(int sum, float inverseCount) { return int((float(sum) + 0.5f) * inverseCount); }
 
+// The same for a channel of every row.
+inline Words meansOf(const RowSums& sums, float inverseCount)
+{
+    const Quotients means = (__builtin_convertvector(sums, Quotients) + 0.5f) * inverseCount;
+    return Words(__builtin_convertvector(means, RowSums));
+}
+
+constexpr u32 between(u32 a, u32 b) { return (a & b) + ((a ^ b) >> 1 & 0x7F7F7F7F); }
+
 constexpr Bgra between(Bgra a, Bgra b)
 {
-    const u32 first = pixels::toWord(a);
-    const u32 second = pixels::toWord(b);
-    return pixels::fromWord((first & second) + ((first ^ second) >> 1 & 0x7F7F7F7F));
+    return pixels::fromWord(between(pixels::toWord(a), pixels::toWord(b)));
 }
 
-// How the sums change after each step, counted in source pixels: two enter; the step's own pixel and the odd
-// one of the two left behind leave. averageSteps() then adds the step's mean and subtracts the mean left
-// behind.
-void sumChanges(const Bgra* row, int width, int radius, const Steps& steps, std::size_t half)
+// Draws the means of all steps. `columns` are the rows' pixels; there are columns of zeros to both sides, as
+// far as the radius reaches, and before the first of the means.
+inline void averageSteps(const Column* columns, Column* means, int width, int radius)
 {
-    for (int step = 0; step < stepsOf(width); ++step) {
-        const int x = 2 * step;
-        u32 even = kBias | kBias << 16;
-        u32 odd = even;
-        const auto change = [&](int at, bool comes) {
-            if (at < 0 || at >= width)
-                return;
-            const u32 word = pixels::toWord(pixels::load(row + at));
-            const u32 evens = word & kEvenBytes;
-            const u32 odds = word >> 8 & kEvenBytes;
-            even = comes ? even + evens : even - evens;
-            odd = comes ? odd + odds : odd - odds;
-        };
-        change(x + radius + 1, true);
-        change(x + radius + 2, true);
-        change(x, false);
-        change((x - radius) | 1, false); // the odd column of the two left behind
-        steps[std::size_t(step)][half] = even;
-        steps[std::size_t(step)][half + 1] = odd;
+    RowSums b{};
+    RowSums g{};
+    RowSums r{};
+    RowSums a{};
+    for (int x = 0; x <= std::min(radius, width - 1); ++x) {
+        const Words words = columns[x].words;
+        b += RowSums(words & 0xFF);
+        g += RowSums(words >> 8 & 0xFF);
+        r += RowSums(words >> 16 & 0xFF);
+        a += RowSums(words >> 24);
     }
-}
-
-// Sums of the low and of the high 16 bits of each word.
-struct RowSums {
-    std::array<i32, kHalves> low{};
-    std::array<i32, kHalves> high{};
-
-    void add(const Halves& halves)
-    {
-        for (std::size_t i = 0; i < kHalves; ++i) {
-            low[i] += i32(halves[i] & 0xFFFF);
-            high[i] += i32(halves[i] >> 16);
-        }
-    }
-    void subtract(const Halves& halves)
-    {
-        for (std::size_t i = 0; i < kHalves; ++i) {
-            low[i] -= i32(halves[i] & 0xFFFF);
-            high[i] -= i32(halves[i] >> 16);
-        }
-    }
-};
-
-// Replaces the changes in `steps` by the means. `sums` are those of the first step.
-void averageSteps(const Steps& steps, RowSums sums, int width, int radius)
-{
-    constexpr auto kBiases = [] {
-        Halves halves{};
-        halves.fill(kBias | kBias << 16);
-        return halves;
-    }();
     for (int step = 0; step < stepsOf(width); ++step) {
         const int x = 2 * step;
         const int count = std::min(x + radius, width - 1) - std::max(x - radius, 0) + 1;
         const float inverse = 1.0f / float(count);
-        Halves& halves = steps[std::size_t(step)];
-        Halves means;
-        for (std::size_t i = 0; i < kHalves; ++i)
-            means[i] = u32(meanOf(sums.low[i], inverse)) | u32(meanOf(sums.high[i], inverse)) << 16;
-        sums.add(halves);
-        sums.subtract(kBiases);
-        sums.add(means);
-        halves = means;
-        if (const int leavingEven = x - radius + radius % 2; leavingEven >= 0)
-            sums.subtract(steps[std::size_t(leavingEven / 2)]);
+        const Words blueAndRed = meansOf(b, inverse) | meansOf(r, inverse) << 16;
+        const Words greenAndAlpha = meansOf(g, inverse) | meansOf(a, inverse) << 16;
+        means[step].words = blueAndRed | greenAndAlpha << 8;
+        // Two pixels come, and two stay behind: of those the even one has its mean by now. The step's own
+        // pixel becomes its mean.
+        const Words first = columns[x + radius + 1].words;
+        const Words second = columns[x + radius + 2].words;
+        const Words own = columns[x].words;
+        const Words odd = columns[(x - radius) | 1].words;
+        const Words even = means[(x - radius + radius % 2) / 2].words;
+        const auto change = [&](const Words& ownMean, int shift) {
+            const auto half = [=](const Words& words) { return words >> shift & kEvenBytes; };
+            return ownMean + (kBias | kBias << 16) + half(first) + half(second) - half(own) - half(odd)
+                - half(even);
+        };
+        const Words evens = change(blueAndRed, 0);
+        const Words odds = change(greenAndAlpha, 8);
+        b += RowSums(evens & 0xFFFF) - int(kBias);
+        r += RowSums(evens >> 16) - int(kBias);
+        g += RowSums(odds & 0xFFFF) - int(kBias);
+        a += RowSums(odds >> 16) - int(kBias);
     }
 }
 
-void storeMeans(const Steps& steps, std::size_t half, const Bgra* from, Bgra* to, int width)
+// Draws a row from its means and from those between them; there is room for one more mean than the row has.
+inline void storeMeans(u32* means, const Bgra* from, Bgra* to, int width)
 {
-    for (int step = 0; step < stepsOf(width); ++step) {
-        const Halves& means = steps[std::size_t(step)];
-        pixels::store(to + 2 * step, pixels::fromWord(means[half] | means[half + 1] << 8));
+    // A last column that would be averaged keeps its pixel.
+    means[stepsOf(width)] = pixels::toWord(pixels::load(from + width - 1));
+    const int pairs = (width - 1) / 2;
+#pragma GCC ivdep
+    for (int k = 0; k < pairs; ++k) {
+        pixels::store(to + 2 * k, pixels::fromWord(means[k]));
+        pixels::store(to + 2 * k + 1, pixels::fromWord(between(means[k], means[k + 1])));
     }
+    if (width % 2 == 0)
+        pixels::store(to + width - 2, pixels::fromWord(means[pairs]));
     to[width - 1] = from[width - 1];
-    for (int x = 1; x < ((width - 1) & ~1); x += 2)
-        pixels::store(to + x, between(pixels::load(to + x - 1), pixels::load(to + x + 1)));
 }
 
 } // namespace
@@ -138,26 +125,28 @@ HalfStepBlur::HalfStepBlur(pixels::ConstView src, pixels::View temporary, int ra
 void HalfStepBlur::averageAlong()
 {
     const int width = src_.width();
+    const int before = radius_ + 1;
+    const int steps = stepsOf(width);
     rows::anyOrderRuns(src_.extent(), [&](int top, int end) {
-        const Steps steps(stepsOf(width));
-        for (int first = top; first < end; first += kTogether) {
-            const int count = std::min(kTogether, end - first);
-            RowSums sums;
-            for (std::size_t i = 0; i < kTogether; ++i) {
-                const Bgra* const row = src_.row(first + std::min(int(i), count - 1)).data();
-                sumChanges(row, width, radius_, steps, 2 * i);
-                for (int x = 0; x <= std::min(radius_, width - 1); ++x) {
-                    sums.low[2 * i] += row[x].b;
-                    sums.high[2 * i] += row[x].r;
-                    sums.low[2 * i + 1] += row[x].g;
-                    sums.high[2 * i + 1] += row[x].a;
-                }
+        const pixels::Scratch<Column> columns(std::size_t(before + width + radius_ + 2));
+        const pixels::Scratch<Column> means(std::size_t(before + steps));
+        const pixels::Scratch<u32> meansOfRows(std::size_t(steps + 1) * kTogether);
+        std::ranges::fill(columns, Column{});
+        std::fill_n(means.begin(), before, Column{});
+        pixels::widest([=, src = src_, to = temporary_, radius = radius_, column = columns.data() + before,
+                           mean = means.data() + before, rowMeans = meansOfRows.data()] {
+            for (int y = top; y < end; y += kTogether) {
+                const int count = std::min(kTogether, end - y);
+                pixels::transpose(reinterpret_cast<const u8*>(src.row(y).data()), src.strideBytes(),
+                    reinterpret_cast<u8*>(column), sizeof(Column), width, count);
+                averageSteps(column, mean, width, radius);
+                pixels::transpose(reinterpret_cast<const u8*>(mean), sizeof(Column),
+                    reinterpret_cast<u8*>(rowMeans), std::ptrdiff_t(steps + 1) * 4, count, steps);
+                for (int i = 0; i < count; ++i)
+                    storeMeans(rowMeans + std::ptrdiff_t(i) * (steps + 1), src.row(y + i).data(),
+                        to.row(y + i).data(), width);
             }
-            pixels::widest([=, &steps, radius = radius_] { averageSteps(steps, sums, width, radius); });
-            for (int i = 0; i < count; ++i)
-                storeMeans(steps, std::size_t(2 * i), src_.row(first + i).data(),
-                    temporary_.row(first + i).data(), width);
-        }
+        });
     });
 }
 
