@@ -1,8 +1,11 @@
 // A ring of waves that runs out from the centre.
 #include "effects/transitions/families.h"
+#include "pixels/columns.h"
+#include "pixels/sample.h"
 
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <ranges>
 
 namespace transitions {
@@ -73,53 +76,121 @@ struct Ring {
     double decay;
 };
 
-template <class SineCosineOf> void drawRing(const Canvas& c, const Ring& ring, SineCosineOf sineCosineOf)
-{
-    drawRows(c, [=](const Line& line) {
-        const int cx = line.width / 2;
-        const int dy = line.v - c.height / 2;
+// How far the ring moves each column of a row, and the weights of `from`, by column. Rows as far above the
+// centre as below it share them.
+struct Displacement {
+    int first; ///< columns [first, last) lie inside the ring
+    int last;
+    Scratch<int> moves;   ///< rows away from the centre
+    Scratch<int> columns; ///< that the ring shows
+    Scratch<u32> weights;
+
+    explicit Displacement(int width)
+        : first(0),
+          last(0),
+          moves(std::size_t(width)),
+          columns(std::size_t(width)),
+          weights(std::size_t(width))
+    {
+    }
+
+    // For rows dy away from the centre. Call it inside widest().
+    template <class SineCosineOf>
+    void take(const Ring& ring, int dy, int width, const SineCosineOf& sineCosineOf)
+    {
+        const int cx = width / 2;
         const auto distance = [=](int dx) { return std::sqrt(double(dx * dx + dy * dy)); };
-        const auto offsets = std::views::iota(0, line.width - cx + 1);
+        const auto offsets = std::views::iota(0, width - cx + 1);
         const int reach =
             *std::ranges::partition_point(offsets, [&](int dx) { return distance(dx) < ring.radius; });
+        first = std::max(cx - reach + 1, 0);
+        last = reach > 0 ? std::min(cx + reach, width) : first;
 
-        // Both halves of the row share what depends on the distance alone.
-        const Scratch<int> moves(reach);
-        const Scratch<int> weights(reach);
-#pragma GCC ivdep
-        for (int dx = 0; dx < reach; ++dx) {
+        // Both halves of a row share what depends on the distance alone.
+        const Scratch<int> moveAt{std::size_t(reach)};
+        const Scratch<u32> weightAt{std::size_t(reach)};
+        const auto ahead = [=, move = moveAt.data(), ofFrom = weightAt.data()](int dx) {
             const double d = distance(dx);
             const auto [sine, cosine] = sineCosineOf(ring.phase - d * ring.waveNumber);
             const double weight = (1 - sine) * (ring.decay * 255 / ring.radius) * d;
             // Inside the ring d is less than the radius, so both are small.
-            moves[std::size_t(dx)] = int(cosine * d * 20 * ring.decay / ring.radius);
-            weights[std::size_t(dx)] = std::clamp(int(weight + 0.5), 0, 255);
-        }
+            move[dx] = int(cosine * d * 20 * ring.decay / ring.radius);
+            ofFrom[dx] = u32(std::clamp(int(weight + 0.5), 0, 255));
+        };
+        pixels::eachIndex(0, reach, ahead);
+        pixels::eachIndex(first, std::min(cx, last),
+            [=, move = moveAt.data(), ofFrom = weightAt.data(), toMove = moves.data(),
+                toColumn = columns.data(), toWeight = weights.data()](int x) {
+                toMove[x] = move[cx - x];
+                toColumn[x] = std::clamp(x - move[cx - x], 0, width - 1);
+                toWeight[x] = ofFrom[cx - x];
+            });
+        pixels::eachIndex(std::max(cx, first), last,
+            [=, move = moveAt.data(), ofFrom = weightAt.data(), toMove = moves.data(),
+                toColumn = columns.data(), toWeight = weights.data()](int x) {
+                toMove[x] = move[x - cx];
+                toColumn[x] = std::clamp(x + move[x - cx], 0, width - 1);
+                toWeight[x] = ofFrom[x - cx];
+            });
+    }
+};
 
-        const int first = std::max(cx - reach + 1, 0);
-        const int last = reach > 0 ? std::min(cx + reach, line.width) : first;
-        const Scratch<Bgra> from(line.width);
-        const Scratch<Bgra> to(line.width);
-        const Scratch<int> weightAt(line.width);
-        const pixels::ConstView fromPicture = c.from;
-        const pixels::ConstView toPicture = c.to;
-#pragma GCC ivdep
-        for (int x = first; x < last; ++x) {
-            const std::size_t dx = std::size_t(std::abs(x - cx));
-            const int column = std::clamp(x < cx ? x - moves[dx] : x + moves[dx], 0, line.width - 1);
-            const int row =
-                std::clamp(dy < 0 ? line.v - moves[dx] : line.v + moves[dx], 0, toPicture.height() - 1);
-            from[std::size_t(x)] = fromPicture.pictureRow(row)[std::size_t(column)];
-            to[std::size_t(x)] = toPicture.pictureRow(row)[std::size_t(column)];
-            weightAt[std::size_t(x)] = weights[dx];
-        }
-        line.copy(line.from, 0, first);
-        const Line displaced{line.v, line.width, line.dst, from.data(), to.data()};
-        displaced.mix(first, last, [w = weightAt.data()](Bgra f, Bgra t, int x) {
-            const auto byte = [a = w[x]](int p, int q) { return u8((q * (255 - a) + p * a) / 255); };
-            return Bgra{byte(f.b, t.b), byte(f.g, t.g), byte(f.r, t.r), f.a};
+// The colours of both pixels, weighed and divided by 255, with the alpha of `f`.
+constexpr u32 mixedColours(u32 f, u32 t, u32 ofFrom)
+{
+    using pixels::detail::kEvenBytes;
+    const u32 ofTo = 255 - ofFrom;
+    const u32 even = pixels::detail::lanesOver255((t & kEvenBytes) * ofTo + (f & kEvenBytes) * ofFrom);
+    const u32 odd =
+        pixels::detail::lanesOver255((t >> 8 & kEvenBytes) * ofTo + (f >> 8 & kEvenBytes) * ofFrom);
+    return ((even | odd << 8) & kColourBytes) | (f & ~kColourBytes);
+}
+
+// Draws the displaced columns of row v. `outward` is 1 where rows away from the centre come later, -1 where
+// they come earlier.
+template <class Offset>
+void drawColumns(const Canvas& c, Offset stride, int v, int outward, const Displacement& displaced)
+{
+    pixels::eachIndex(displaced.first, displaced.last,
+        [=, last = c.height - 1, from = c.from.bytes(), to = c.to.bytes(), out = c.line(v).dst,
+            moves = displaced.moves.data(), columns = displaced.columns.data(),
+            weights = displaced.weights.data()](int x) {
+            const int row = std::clamp(v + outward * moves[x], 0, last);
+            const auto place = std::ptrdiff_t(Offset(last - row) * stride + Offset(columns[x]) * 4);
+            const u32 mixed =
+                mixedColours(pixels::wordAt(from + place, 0), pixels::wordAt(to + place, 0), weights[x]);
+            pixels::store(out + x, pixels::fromWord(mixed));
         });
-        line.copy(line.from, last, line.width);
+}
+
+void drawDisplaced(const Canvas& c, int v, int outward, const Displacement& displaced)
+{
+    const Line line = c.line(v);
+    line.copy(line.from, 0, displaced.first);
+    // Twice as many pixels to a register when their offsets fit 32 bits.
+    const std::ptrdiff_t stride = c.from.strideBytes();
+    if (stride * c.height <= std::numeric_limits<i32>::max())
+        drawColumns(c, i32(stride), v, outward, displaced);
+    else
+        drawColumns(c, i64(stride), v, outward, displaced);
+    line.copy(line.from, displaced.last, line.width);
+}
+
+template <class SineCosineOf> void drawRing(const Canvas& c, const Ring& ring, SineCosineOf sineCosineOf)
+{
+    const int cy = c.height / 2;
+    // Row cy comes first, and then the pairs as far above it as below it.
+    pixels::rows::anyOrderRuns({2 * c.width, cy + 1}, [&](int top, int end) {
+        pixels::widest([&, top, end] {
+            Displacement displaced(c.width);
+            for (int dy = top; dy < end; ++dy) {
+                displaced.take(ring, dy, c.width, sineCosineOf);
+                if (cy + dy < c.height)
+                    drawDisplaced(c, cy + dy, 1, displaced);
+                if (dy > 0)
+                    drawDisplaced(c, cy - dy, -1, displaced);
+            }
+        });
     });
 }
 
