@@ -3,18 +3,20 @@
 #include "effects/am/library/amRow.h"
 #include "pixels/Scratch.h"
 #include "pixels/byteQuotient.h"
-#include "pixels/columns.h"
 #include "pixels/sample.h"
 
 #include <array>
+
+// Vectors are handed over between functions that are always compiled into one.
+#pragma GCC diagnostic ignored "-Wpsabi"
 
 namespace KEXSDK::am {
 
 namespace {
 
-using pixels::Bgra;
 using pixels::ConstView;
 using pixels::Point;
+using pixels::View;
 namespace rows = pixels::rows;
 
 // One size of the picture. Scales have 8 binary digits, and the samples differ by less than the last of them,
@@ -63,7 +65,13 @@ private:
 constexpr int kLanes = 8;
 using Lanes [[gnu::vector_size(4 * kLanes)]] = u32;
 using SignedLanes [[gnu::vector_size(4 * kLanes)]] = i32;
+using FloatLanes [[gnu::vector_size(4 * kLanes)]] = float;
+using HalfLanes [[gnu::vector_size(4 * kLanes)]] = u16;
 constexpr SignedLanes kLaneNumbers{0, 1, 2, 3, 4, 5, 6, 7};
+
+// Rows that are summed together, since what a size says of columns holds for all rows.
+constexpr std::size_t kTogether = 4;
+constexpr int kRowsTogether = int(kTogether);
 
 constexpr int scaled(int distance, int scale) { return distance * scale >> 8; }
 
@@ -71,10 +79,11 @@ constexpr int scaled(int distance, int scale) { return distance * scale >> 8; }
 struct SampledSize : Size {
     int firstInside;
     int endInside;
-    int mostSkipped; ///< source columns that at most are left out between the lanes of a block
+    int mostSkipped;            ///< source columns that at most are left out between the lanes of a block
+    const u8* lines[kTogether]; ///< what each of the rows samples
 
     SampledSize() = default;
-    SampledSize(Size size, int centre, int width) : Size(size), firstInside(0), endInside(width)
+    SampledSize(Size size, int centre, int width) : Size(size), firstInside(0), endInside(width), lines{}
     {
         const auto outside = [=, this](int x) {
             const int column = centre + scaled(x - centre, scale);
@@ -88,114 +97,135 @@ struct SampledSize : Size {
     }
 };
 
-// Sums over all sizes, for pieces of a row that stay in the nearest cache.
-class ZoomSums {
-public:
-    static constexpr int kPiece = 512;
+inline Lanes lanesAt(const u8* line, int column)
+{
+    Lanes words;
+    std::memcpy(&words, line + std::ptrdiff_t(column) * 4, sizeof words);
+    return words;
+}
 
-    ZoomSums(ConstView src, const Sizes& sizes, Point centre)
+// The sums of a block of columns for one row, by channel.
+struct Sums {
+    Lanes b{};
+    Lanes g{};
+    Lanes r{};
+};
+
+// The mean of all sizes, for a few rows of a piece of the picture, whose samples stay in a near cache.
+class ZoomBlur {
+public:
+    static constexpr int kPiece = 256; ///< columns
+
+    ZoomBlur(ConstView src, const Sizes& sizes, Point centre)
         : src_(src),
           centre_(centre),
+          samples_(sizes.samples()),
           sizes_(sizes.count())
     {
         for (std::size_t i = 0; i < sizes_.size(); ++i)
             sizes_[i] = SampledSize(sizes[i], centre.x, src.width());
     }
 
-    /// Columns [x, end) of row y, kPiece of them at most.
-    void sumUp(int y, int x, int end)
+    /// Columns [x, end) of rows [top, bottom), kTogether of them at most.
+    void draw(View dst, int top, int bottom, int x, int end)
     {
-        b_ = g_ = r_ = {};
-        for (std::size_t i = 0; i < sizes_.size();) {
-            blueAndRed_ = green_ = {};
-            const u32 times = sizes_[i].times;
-            for (; i < sizes_.size() && sizes_[i].times == times; ++i)
-                add(sizes_[i], y, x, end);
-            for (std::size_t k = 0; k < kPiece; ++k) {
-                b_[k] += (blueAndRed_[k] & 0xFFFF) * times;
-                g_[k] += green_[k] * times;
-                r_[k] += (blueAndRed_[k] >> 16) * times;
+        for (SampledSize& size : sizes_)
+            for (std::size_t row = 0; row < kTogether; ++row) {
+                const int y = std::min(top + int(row), bottom - 1);
+                const int from =
+                    std::clamp(centre_.y + scaled(y - centre_.y, size.scale), 0, src_.height() - 1);
+                size.lines[row] = reinterpret_cast<const u8*>(src_.row(from).data());
+            }
+        for (; x < end; x += kLanes) {
+            std::array<Sums, kTogether> sums;
+            sumUp(x, sums);
+            const std::size_t bytes = std::size_t(std::min(kLanes, end - x)) * 4;
+            for (int y = top; y < bottom; ++y) {
+                const Sums& sum = sums[std::size_t(y - top)];
+                Lanes words{};
+                std::memcpy(&words, &src_.at(x, y), bytes);
+                words = (words & 0xFF000000) | mean(sum.b) | mean(sum.g) << 8 | mean(sum.r) << 16;
+                std::memcpy(&dst.at(x, y), &words, bytes);
             }
         }
     }
-    const u32* b() const { return b_.data(); }
-    const u32* g() const { return g_.data(); }
-    const u32* r() const { return r_.data(); }
 
 private:
-    static constexpr u32 kBlueAndRed = 0x00FF00FF;
-    static constexpr u32 kGreen = 0x000000FF;
-
-    void add(const SampledSize& size, int y, int x, int end)
+    void sumUp(int x, std::array<Sums, kTogether>& sums) const
     {
-        const int row = std::clamp(centre_.y + scaled(y - centre_.y, size.scale), 0, src_.height() - 1);
-        const u8* const line = reinterpret_cast<const u8*>(src_.row(row).data());
-        const int first = std::clamp(size.firstInside, x, end);
-        const int last = std::clamp(size.endInside, first, end);
-        addOne(pixels::wordAt(line, 0), 0, first - x);
-        addOne(pixels::wordAt(line, src_.width() - 1), last - x, end - x);
-        int column = first;
-        if (src_.width() >= kLanes)
-            column = addBlocks(size, line, x, first, last);
-        for (; column < last; ++column)
-            addOne(pixels::wordAt(line, centre_.x + scaled(column - centre_.x, size.scale)), column - x,
-                column - x + 1);
-    }
-
-    // Samples lie side by side but for a few that are left out. A lane takes its pixel from the load that
-    // starts as many columns later as were left out before it; loads that would end outside serve no lane.
-    int addBlocks(const SampledSize& size, const u8* line, int x, int first, int end)
-    {
-        const int scale = size.scale;
-        const int mostSkipped = size.mostSkipped;
-        const int lastLoad = src_.width() - kLanes;
-        const SignedLanes laneStarts = kLaneNumbers * scale;
-        u32* blueAndRed = blueAndRed_.data() + (first - x);
-        u32* green = green_.data() + (first - x);
-        int start = (first - centre_.x) * scale;
-        for (; first + kLanes <= end; first += kLanes, start += kLanes * scale) {
-            const int base = start >> 8;
-            const SignedLanes skipped = ((laneStarts + start) >> 8) - kLaneNumbers - base;
-            const int load = centre_.x + base;
-            Lanes words;
-            std::memcpy(&words, line + std::ptrdiff_t(load) * 4, sizeof words);
-            for (int skip = 1; skip <= mostSkipped; ++skip) {
-                Lanes later;
-                std::memcpy(&later, line + std::ptrdiff_t(std::min(load + skip, lastLoad)) * 4, sizeof later);
-                words = skipped == skip ? later : words;
+        // Two channels to a number, for the sizes that count equally often: at most 257 times 255.
+        for (std::size_t i = 0; i < sizes_.size();) {
+            std::array<HalfLanes, kTogether> blueAndRed{};
+            std::array<HalfLanes, kTogether> greenAndAlpha{};
+            const u32 times = sizes_[i].times;
+            for (; i < sizes_.size() && sizes_[i].times == times; ++i) {
+                std::array<Lanes, kTogether> words;
+                sample(sizes_[i], x, words);
+                for (std::size_t row = 0; row < kTogether; ++row) {
+                    blueAndRed[row] += HalfLanes(words[row]) & 0xFF;
+                    greenAndAlpha[row] += HalfLanes(words[row]) >> 8;
+                }
             }
-            Lanes sum;
-            std::memcpy(&sum, blueAndRed, sizeof sum);
-            sum += words & kBlueAndRed;
-            std::memcpy(blueAndRed, &sum, sizeof sum);
-            std::memcpy(&sum, green, sizeof sum);
-            sum += words >> 8 & kGreen;
-            std::memcpy(green, &sum, sizeof sum);
-            blueAndRed += kLanes;
-            green += kLanes;
+            for (std::size_t row = 0; row < kTogether; ++row) {
+                sums[row].b += (Lanes(blueAndRed[row]) & 0xFFFF) * times;
+                sums[row].g += (Lanes(greenAndAlpha[row]) & 0xFFFF) * times;
+                sums[row].r += (Lanes(blueAndRed[row]) >> 16) * times;
+            }
         }
-        return first;
     }
 
-    void addOne(u32 word, int first, int end)
+    // The samples of the columns from x on. Those of one size lie side by side but for a few that are left
+    // out. A lane takes its pixel from the load that starts as many columns later as were left out before it;
+    // loads that would end outside serve no lane.
+    void sample(const SampledSize& size, int x, std::array<Lanes, kTogether>& words) const
     {
-        for (int k = first; k < end; ++k) {
-            blueAndRed_[std::size_t(k)] += word & kBlueAndRed;
-            green_[std::size_t(k)] += word >> 8 & kGreen;
+        if (x < size.firstInside || x + kLanes > size.endInside) {
+            for (std::size_t row = 0; row < kTogether; ++row)
+                words[row] = sampleApart(size, x, size.lines[row]);
+            return;
+        }
+        const int start = (x - centre_.x) * size.scale;
+        const int base = start >> 8;
+        const int load = centre_.x + base;
+        for (std::size_t row = 0; row < kTogether; ++row)
+            words[row] = lanesAt(size.lines[row], load);
+        const SignedLanes skipped = ((kLaneNumbers * size.scale + start) >> 8) - kLaneNumbers - base;
+        for (int skip = 1; skip <= size.mostSkipped; ++skip) {
+            const int later = std::min(load + skip, src_.width() - kLanes);
+            for (std::size_t row = 0; row < kTogether; ++row)
+                words[row] = skipped == skip ? lanesAt(size.lines[row], later) : words[row];
         }
     }
 
-    using Piece = std::array<u32, kPiece>;
+    // Samples that lie outside the picture, at least some of them: the row goes on with its end pixels.
+    Lanes sampleApart(const SampledSize& size, int x, const u8* line) const
+    {
+        if (x + kLanes <= size.firstInside)
+            return Lanes{} + pixels::wordAt(line, 0);
+        if (x >= size.endInside)
+            return Lanes{} + pixels::wordAt(line, src_.width() - 1);
+        Lanes words;
+        for (int lane = 0; lane < kLanes; ++lane) {
+            const int column = centre_.x + scaled(x + lane - centre_.x, size.scale);
+            words[lane] = pixels::wordAt(line, std::clamp(column, 0, src_.width() - 1));
+        }
+        return words;
+    }
+
+    // pixels::byteQuotient() of half the sum and the number of samples.
+    Lanes mean(const Lanes& sum) const
+    {
+        const SignedLanes half = SignedLanes(sum >> 1);
+        const float inverse = pixels::kTraceLess / float(samples_);
+        const SignedLanes low =
+            __builtin_convertvector(__builtin_convertvector(half, FloatLanes) * inverse, SignedLanes);
+        return Lanes(half - low * int(samples_) >= int(samples_) ? low + 1 : low);
+    }
 
     ConstView src_;
     Point centre_;
+    u32 samples_;
     pixels::Scratch<SampledSize> sizes_;
-    // Two channels to a number, for the sizes that count equally often: at most 257 times 255.
-    alignas(64) Piece blueAndRed_;
-    alignas(64) Piece green_;
-    alignas(64) Piece b_;
-    alignas(64) Piece g_;
-    alignas(64) Piece r_;
 };
 
 i32 explosion(const Frame& f)
@@ -204,23 +234,17 @@ i32 explosion(const Frame& f)
     const Point centre{std::clamp(f.block.posX, 0, 100) * picture.width / 100,
         std::clamp(f.block.posY, 0, 100) * picture.height / 100};
     const Sizes sizes(f.block.radius, picture);
-    const u32 samples = sizes.samples();
-    rows::anyOrderRuns(picture, [&](int top, int end) {
-        ZoomSums sums(f.src, sizes, centre);
-        pixels::widest([&sums, src = f.src, dst = f.dst, top, end, samples] {
-            const float inverse = pixels::kTraceLess / float(samples);
-            const auto mean = [=](u32 sum) { return pixels::byteQuotient(sum >> 1, samples, inverse); };
-            for (int y = top; y < end; ++y)
-                for (int x = 0; x < src.width(); x += ZoomSums::kPiece) {
-                    const int count = std::min(ZoomSums::kPiece, src.width() - x);
-                    sums.sumUp(y, x, x + count);
-                    pixels::mapColumns(src.row(y).data() + x, dst.row(y).data() + x, 0, count,
-                        [=, b = sums.b(), g = sums.g(), r = sums.r()](int i, Bgra p) -> Bgra {
-                            return {mean(b[i]), mean(g[i]), mean(r[i]), p.a};
-                        });
-                }
+    rows::anyOrderRuns({picture.width * kRowsTogether, (picture.height + kRowsTogether - 1) / kRowsTogether},
+        [&](int first, int last) {
+            ZoomBlur blur(f.src, sizes, centre);
+            const int end = std::min(last * kRowsTogether, picture.height);
+            pixels::widest([&blur, dst = f.dst, top = first * kRowsTogether, end] {
+                for (int x = 0; x < dst.width(); x += ZoomBlur::kPiece)
+                    for (int y = top; y < end; y += kRowsTogether)
+                        blur.draw(dst, y, std::min(y + kRowsTogether, end), x,
+                            std::min(x + ZoomBlur::kPiece, dst.width()));
+            });
         });
-    });
     return kAmOk;
 }
 
