@@ -10,6 +10,10 @@
 #include <array>
 #include <cmath>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 namespace KEXSDK::am {
 
 namespace {
@@ -72,15 +76,15 @@ private:
     u16* weights_;
 };
 
-// One level's kernel, folded: it is symmetric in both directions, so a quarter says everything.
+// One level's kernel, folded: it is symmetric in both directions, so a quarter says everything. Two weights
+// to a number, those of even distances across the rows in the lower half.
 struct FoldedKernel {
-    // Taps are taken in groups, so weights of zero follow the last one.
-    static constexpr int kGroup = 4;
-    static constexpr int kMostTaps = (kMostLevels + kGroup) / kGroup * kGroup;
+    static constexpr int kMostPairs = kMostLevels / 2 + 1;
 
     int reach = 0;
     u32 total = 1;
-    std::array<std::array<u32, kMostTaps>, kMostTaps> weights{}; ///< by distance across and along the rows
+    bool fitsSigned = true;                                             ///< all weights are below 2^15
+    std::array<std::array<u32, kMostPairs>, kMostLevels + 1> weights{}; ///< by distance along the rows
 
     FoldedKernel() = default;
     FoldedKernel(const Pyramid& pyramid, int level) : reach(level)
@@ -90,70 +94,170 @@ struct FoldedKernel {
         for (int i = 0; i <= level; ++i)
             for (int j = 0; j <= level; ++j) {
                 const u32 weight = centre[j * Pyramid::side(level) + i];
-                weights[std::size_t(i)][std::size_t(j)] = weight;
+                weights[std::size_t(i)][std::size_t(j / 2)] |= weight << (j % 2 * 16);
+                fitsSigned = fitsSigned && weight < 0x8000;
                 sum += weight * (i > 0 ? 2 : 1) * (j > 0 ? 2 : 1);
             }
         // A buffer that another effect left may hold nothing but zeros.
         total = std::max(sum, 1u);
     }
+    int pairs() const { return reach / 2 + 1; }
 };
+
+// sums[t] = the sum of lines[k][2 * t] times the lower and lines[k][2 * t + 1] times the upper half of
+// weights[k], k being below `pairs`, for 0 <= t < count. May go on for kBeyond more.
+using WeighPairs = void(const u16* const* lines, const u32* weights, int pairs, u32* sums, int count);
+constexpr int kBeyond = 32;
+
+void weighPlain(const u16* const* lines, const u32* weights, int pairs, u32* sums, int count)
+{
+    std::fill_n(sums, count, 0u);
+    for (int k = 0; k < pairs; ++k) {
+        const u32 even = weights[k] & 0xFFFF;
+        const u32 odd = weights[k] >> 16;
+        const u16* const line = lines[k];
+#pragma GCC ivdep
+        for (int t = 0; t < count; ++t)
+            sums[t] += even * line[2 * t] + odd * line[2 * t + 1];
+    }
+}
+
+#if defined(__x86_64__)
+
+// One instruction multiplies and adds the pairs of a register, if values and weights are below 2^15. GCC
+// finds it for sums along a row only.
+
+void weighBase(const u16* const* lines, const u32* weights, int pairs, u32* sums, int count)
+{
+    for (int t = 0; t < count; t += 8) {
+        __m128i first = _mm_setzero_si128();
+        __m128i second = first;
+        for (int k = 0; k < pairs; ++k) {
+            const auto* const line = reinterpret_cast<const __m128i*>(lines[k] + 2 * t);
+            const __m128i weight = _mm_set1_epi32(int(weights[k]));
+            first = _mm_add_epi32(first, _mm_madd_epi16(_mm_loadu_si128(line), weight));
+            second = _mm_add_epi32(second, _mm_madd_epi16(_mm_loadu_si128(line + 1), weight));
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(sums + t), first);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(sums + t + 4), second);
+    }
+}
+
+[[gnu::target("avx2")]] void weighAvx2(
+    const u16* const* lines, const u32* weights, int pairs, u32* sums, int count)
+{
+    for (int t = 0; t < count; t += 16) {
+        __m256i first = _mm256_setzero_si256();
+        __m256i second = first;
+        for (int k = 0; k < pairs; ++k) {
+            const auto* const line = reinterpret_cast<const __m256i*>(lines[k] + 2 * t);
+            const __m256i weight = _mm256_set1_epi32(int(weights[k]));
+            first = _mm256_add_epi32(first, _mm256_madd_epi16(_mm256_loadu_si256(line), weight));
+            second = _mm256_add_epi32(second, _mm256_madd_epi16(_mm256_loadu_si256(line + 1), weight));
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(sums + t), first);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(sums + t + 8), second);
+    }
+}
+
+[[gnu::target("avx512f,avx512bw")]] void weighAvx512(
+    const u16* const* lines, const u32* weights, int pairs, u32* sums, int count)
+{
+    for (int t = 0; t < count; t += 32) {
+        __m512i first = _mm512_setzero_si512();
+        __m512i second = first;
+        for (int k = 0; k < pairs; ++k) {
+            const u16* const line = lines[k] + 2 * t;
+            const __m512i weight = _mm512_set1_epi32(int(weights[k]));
+            first = _mm512_add_epi32(first, _mm512_madd_epi16(_mm512_loadu_si512(line), weight));
+            second = _mm512_add_epi32(second, _mm512_madd_epi16(_mm512_loadu_si512(line + 32), weight));
+        }
+        _mm512_storeu_si512(sums + t, first);
+        _mm512_storeu_si512(sums + t + 16, second);
+    }
+}
+
+#endif
+
+// The fastest for weights below 2^15.
+WeighPairs* weighSigned()
+{
+#if defined(__x86_64__)
+    switch (pixels::vectorLevel()) {
+    case pixels::VectorLevel::avx512:
+        return weighAvx512;
+    case pixels::VectorLevel::avx2:
+        return weighAvx2;
+    case pixels::VectorLevel::base:
+        return weighBase;
+    }
+#endif
+    return weighPlain;
+}
 
 // The weighted mean around the pixels of a row, in pieces that stay in the nearest cache. Rows at the same
 // distance above and below are added first. Then, for every distance along the row, each column is weighted
 // once and counts for the pixels on both its sides.
 class RowBlur {
 public:
-    // Groups reach beyond the kernel's last line, where weights are zero.
-    RowBlur() { std::ranges::fill(folded_, FoldedRow{}); }
+    RowBlur() { std::ranges::fill(folded_, FoldedPair{}); }
 
     void draw(ConstView src, const FoldedKernel& kernel, int y, Bgra* to)
     {
+        WeighPairs* const weigh = kernel.fitsSigned ? weighSigned_ : weighPlain;
         for (int x = 0; x < src.width(); x += kChunk) {
             const int count = std::min(kChunk, src.width() - x);
-            foldRows(src, kernel.reach, y, x, count);
+            foldRows(src, kernel, y, x, count);
             for (int i = 0; i <= kernel.reach; ++i)
-                addColumns(kernel, i, count);
+                addColumns(kernel, weigh, i, count);
             divide(kernel, reinterpret_cast<u8*>(to + x), count);
         }
     }
 
 private:
     static constexpr int kChunk = 128;
-    static constexpr int kMostBytes = 4 * (kChunk + 2 * kMostLevels);
-    using FoldedRow = std::array<u16, kMostBytes>;
+    static constexpr int kMostBytes = 4 * (kChunk + 2 * kMostLevels) + kBeyond;
+    using FoldedPair = std::array<u16, 2 * kMostBytes>; ///< rows at an even distance and at the next, in turn
 
-    void foldRows(ConstView src, int reach, int y, int x, int count)
+    void foldRows(ConstView src, const FoldedKernel& kernel, int y, int x, int count)
     {
+        const int reach = kernel.reach;
         const int first = std::max(x - reach, 0);
         const int end = std::min(x + count + reach, src.width());
         const auto row = [=](int at) {
             return reinterpret_cast<const u8*>(&src.at(first, std::clamp(at, 0, src.height() - 1)));
         };
-        for (int j = 0; j <= reach; ++j) {
-            const u8* const above = row(y + j);
-            const u8* const below = row(y - j);
-            const int used = j == 0 ? 0 : 0xFF; // the middle row counts once
-            u16* const line = folded_[std::size_t(j)].data();
-            u16* const to = line + 4 * (first - (x - reach));
+        for (int k = 0; k < kernel.pairs(); ++k) {
+            const u8* const above = row(y + 2 * k);
+            const u8* const below = row(y - 2 * k);
+            const u8* const nextAbove = row(y + 2 * k + 1);
+            const u8* const nextBelow = row(y - 2 * k - 1);
+            const int used = k == 0 ? 0 : 0xFF; // the middle row counts once
+            u16* const line = folded_[std::size_t(k)].data();
+            u16* const to = line + 8 * (first - (x - reach));
             const int bytes = 4 * (end - first);
 #pragma GCC ivdep
-            for (int i = 0; i < bytes; ++i)
-                to[i] = u16(above[i] + (below[i] & used));
+            for (int i = 0; i < bytes; ++i) {
+                to[2 * i] = u16(above[i] + (below[i] & used));
+                to[2 * i + 1] = u16(nextAbove[i] + nextBelow[i]);
+            }
             // Beyond its ends the row goes on with its end pixels.
-            for (u16* p = to - 4; p >= line; p -= 4)
-                std::memcpy(p, to, 4 * sizeof(u16));
-            for (u16* p = to + bytes; p < line + 4 * (count + 2 * reach); p += 4)
-                std::memcpy(p, to + bytes - 4, 4 * sizeof(u16));
+            for (u16* p = to - 8; p >= line; p -= 8)
+                std::memcpy(p, to, 8 * sizeof(u16));
+            for (u16* p = to + 2 * bytes; p < line + 8 * (count + 2 * reach); p += 8)
+                std::memcpy(p, to + 2 * bytes - 8, 8 * sizeof(u16));
         }
     }
 
-    void addColumns(const FoldedKernel& kernel, int i, int count)
+    void addColumns(const FoldedKernel& kernel, WeighPairs* weigh, int i, int count)
     {
         const int first = 4 * (kernel.reach - i);
         const int end = 4 * (kernel.reach + count + i);
-        for (int j = 0; j <= kernel.reach; j += FoldedKernel::kGroup)
-            weigh(&kernel.weights[std::size_t(i)][std::size_t(j)], j, first, end);
-        const u32* const left = column_.data() + first;
+        std::array<const u16*, FoldedKernel::kMostPairs> lines;
+        for (std::size_t k = 0; k < lines.size(); ++k)
+            lines[k] = folded_[k].data() + 2 * first;
+        u32* const left = column_.data() + first;
+        weigh(lines.data(), kernel.weights[std::size_t(i)].data(), kernel.pairs(), left, end - first);
         const u32* const right = column_.data() + 4 * (kernel.reach + i);
         u32* const sum = sum_.data();
         if (i == 0)
@@ -162,27 +266,6 @@ private:
 #pragma GCC ivdep
             for (int t = 0; t < 4 * count; ++t)
                 sum[t] += left[t] + right[t];
-    }
-
-    void weigh(const u32* weights, int j, int first, int end)
-    {
-        const auto line = [&](int k) { return folded_[std::size_t(j + k)].data(); };
-        const u16* const a = line(0);
-        const u16* const b = line(1);
-        const u16* const c = line(2);
-        const u16* const d = line(3);
-        u32* const column = column_.data();
-        const auto weighted = [=](int t) {
-            return weights[0] * a[t] + weights[1] * b[t] + weights[2] * c[t] + weights[3] * d[t];
-        };
-        if (j == 0)
-#pragma GCC ivdep
-            for (int t = first; t < end; ++t)
-                column[t] = weighted(t);
-        else
-#pragma GCC ivdep
-            for (int t = first; t < end; ++t)
-                column[t] += weighted(t);
     }
 
     void divide(const FoldedKernel& kernel, u8* to, int count) const
@@ -194,7 +277,8 @@ private:
             to[t] = pixels::byteQuotient(sum[t], kernel.total, inverse);
     }
 
-    pixels::Scratch<FoldedRow> folded_{FoldedKernel::kMostTaps};
+    WeighPairs* weighSigned_ = weighSigned();
+    pixels::Scratch<FoldedPair> folded_{FoldedKernel::kMostPairs};
     alignas(64) std::array<u32, kMostBytes> column_;
     alignas(64) std::array<u32, 4 * kChunk> sum_;
 };
