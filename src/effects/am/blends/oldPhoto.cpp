@@ -36,58 +36,87 @@ const Weights& weights()
     return kWeights;
 }
 
-// Byte j of entry i + kReach is what lies i pixels away from byte j.
-using Neighbours = std::array<const u8*, 2 * kReach + 1>;
-
-// The neighbours of each byte, weighed and summed. A weight is at most 51, so a weighed sum of two bytes fits
-// 16 bits, and so do two of those together; lanes of that width hold twice as many bytes as wider ones.
-inline void blurBytes(Neighbours from, u8* to, int count, Weights weight)
+// Values that lie kStep apart, first[j] to first[j + 2 * kReach * kStep], weighed and summed for each of
+// `count` bytes. All of it fits 16 bits, which vectors hold most of: taps are summed in groups whose weights
+// come to 257 at most, and a quarter of the whole is what the groups' quarters come to with those of their
+// rests.
+template <int kStep> inline void blurBytes(const u16* first, u8* to, int count, Weights weight)
 {
 #pragma GCC ivdep
     for (int j = 0; j < count; ++j) {
-        const auto pair = [&](std::size_t i) {
-            return u16(weight[i] * u16(from[kReach - i][j] + from[kReach + i][j]));
+        const auto pair = [&](int i) {
+            return u16(weight[std::size_t(i)]
+                * u16(first[j + (kReach - i) * kStep] + first[j + (kReach + i) * kStep]));
         };
-        u32 sum = u16(weight[0] * from[kReach][j]);
-        for (std::size_t i = 1; i <= kReach; i += 2)
-            sum += u16(pair(i) + pair(i + 1));
-        to[j] = u8(sum >> 10);
+        const u16 a = u16(u16(weight[0] * first[j + kReach * kStep]) + pair(1) + pair(2));
+        const u16 b = u16(pair(3) + pair(4) + pair(10));
+        const u16 c = u16(pair(5) + pair(6) + pair(7));
+        const u16 d = u16(pair(8) + pair(9) + u16(pair(11) + pair(12)));
+        const u16 rests = u16((a & 3) + (b & 3) + (c & 3) + (d & 3));
+        const u16 quarter = u16((a >> 2) + (b >> 2) + (c >> 2) + (d >> 2) + (rests >> 2));
+        to[j] = u8(quarter >> 8);
     }
+}
+
+inline void widen(const u8* from, u16* to, int count)
+{
+#pragma GCC ivdep
+    for (int j = 0; j < count; ++j)
+        to[j] = from[j];
 }
 
 // Blurs src along its rows, whose first and last pixels go on beyond its sides.
 void blurRows(pixels::ConstView src, pixels::View dst)
 {
-    constexpr std::size_t kSide = std::size_t(kReach) * 4;
+    constexpr int kSide = kReach * 4;
     pixels::rows::anyOrderRuns(src.extent(), [&](int top, int end) {
         pixels::widest([=, weight = weights()] {
-            const std::size_t bytes = src.row(0).size_bytes();
-            const pixels::Scratch<u8> row(bytes + 2 * kSide);
-            Neighbours neighbours;
-            for (std::size_t i = 0; i < neighbours.size(); ++i)
-                neighbours[i] = row.data() + 4 * i;
+            const int bytes = src.width() * 4;
+            const pixels::Scratch<u16> row(std::size_t(bytes) + 2 * kSide);
+            u16* const inside = row.data() + kSide;
             for (int y = top; y < end; ++y) {
-                const Bgra* const from = src.row(y).data();
-                std::memcpy(row.data() + kSide, from, bytes);
-                for (std::size_t side = 0; side < kSide; side += 4) {
-                    std::memcpy(row.data() + side, from, 4);
-                    std::memcpy(row.data() + kSide + bytes + side, from + src.width() - 1, 4);
+                widen(reinterpret_cast<const u8*>(src.row(y).data()), inside, bytes);
+                for (int side = 4; side <= kSide; side += 4) {
+                    std::memcpy(inside - side, inside, 4 * sizeof(u16));
+                    std::memcpy(inside + bytes + side - 4, inside + bytes - 4, 4 * sizeof(u16));
                 }
-                blurBytes(neighbours, reinterpret_cast<u8*>(dst.row(y).data()), int(bytes), weight);
+                blurBytes<4>(row.data(), reinterpret_cast<u8*>(dst.row(y).data()), bytes, weight);
             }
         });
     });
 }
 
-// Row y of src blurred along the columns, which go on beyond the first and the last row.
-inline void blurColumns(pixels::ConstView src, int y, const Weights& weight, u8* to)
-{
-    Neighbours neighbours;
-    for (int i = -kReach; i <= kReach; ++i)
-        neighbours[std::size_t(i + kReach)] =
-            reinterpret_cast<const u8*>(src.row(std::clamp(y + i, 0, src.height() - 1)).data());
-    blurBytes(neighbours, to, src.width() * 4, weight);
-}
+// Blurs columns of a picture in pieces, whose rows stay in the nearest cache and are widened once for all
+// rows that they count for.
+class ColumnBlur {
+public:
+    static constexpr int kPixels = 64; ///< of a row of a piece
+
+    explicit ColumnBlur(int rows) : wide_(std::size_t(rows + 2 * kReach) * kBytes) { }
+
+    /// Takes `width` columns from `left` on for rows [top, end). The first and the last row go on beyond the
+    /// picture.
+    void take(pixels::ConstView src, int left, int width, int top, int end)
+    {
+        top_ = top;
+        for (int y = top - kReach; y < end + kReach; ++y)
+            widen(reinterpret_cast<const u8*>(&src.at(left, std::clamp(y, 0, src.height() - 1))), line(y),
+                width * 4);
+    }
+    /// The blurred row y of the piece.
+    void draw(int y, Bgra* to, int width, const Weights& weight) const
+    {
+        blurBytes<kBytes>(line(y - kReach), reinterpret_cast<u8*>(to), width * 4, weight);
+    }
+
+private:
+    static constexpr int kBytes = kPixels * 4;
+
+    u16* line(int y) const { return wide_.data() + std::ptrdiff_t(y + kReach - top_) * kBytes; }
+
+    pixels::Scratch<u16> wide_;
+    int top_ = 0;
+};
 
 // Half the blurred picture and half the luma of the sharp one, stretched from 50..200; the texture over it.
 constexpr Bgra printed(Bgra blurred, Bgra sharp, Bgra texture)
@@ -111,18 +140,23 @@ i32 oldPhoto(const Frame& f)
         return kAmNoMemory;
     const pixels::View half(static_cast<u8*>(f.block.scratchC), size, stride);
     blurRows(f.src, half);
-    pixels::rows::anyOrderRuns(size, [&](int top, int end) {
+    // Runs of twice the usual length widen fewer rows beyond their ends.
+    pixels::rows::anyOrderRuns({(size.width + 1) / 2, size.height}, [&](int top, int end) {
         pixels::widest([=, sharp = f.src, second = f.second, dst = f.dst, weight = weights()] {
-            const int w = dst.width();
-            const pixels::Scratch<Bgra> blurred(w);
-            for (int y = top; y < end; ++y) {
-                blurColumns(half, y, weight, reinterpret_cast<u8*>(blurred.data()));
-                const Bgra* const from = sharp.row(y).data();
-                const Bgra* const texture = second.row(y).data();
-                Bgra* const to = dst.row(y).data();
+            ColumnBlur blur(end - top);
+            std::array<Bgra, ColumnBlur::kPixels> blurred;
+            for (int left = 0; left < dst.width(); left += ColumnBlur::kPixels) {
+                const int width = std::min(ColumnBlur::kPixels, dst.width() - left);
+                blur.take(half, left, width, top, end);
+                for (int y = top; y < end; ++y) {
+                    blur.draw(y, blurred.data(), width, weight);
+                    const Bgra* const from = &sharp.at(left, y);
+                    const Bgra* const texture = &second.at(left, y);
+                    Bgra* const to = &dst.at(left, y);
 #pragma GCC ivdep
-                for (int x = 0; x < w; ++x)
-                    store(to + x, printed(load(blurred.data() + x), load(from + x), load(texture + x)));
+                    for (int x = 0; x < width; ++x)
+                        store(to + x, printed(load(blurred.data() + x), load(from + x), load(texture + x)));
+                }
             }
         });
     });
