@@ -1,9 +1,12 @@
 // Edges that turn about a point: sweeps, rolls and the pinwheel. Along half a row every angle is monotone, so
 // a few steps of bisection find where the soft edge begins and ends, and only its pixels ask for their angle.
 #include "effects/transitions/families.h"
+#include "pixels/columns.h"
 
 #include <cmath>
+#include <cstddef>
 #include <functional>
+#include <limits>
 #include <ranges>
 
 namespace transitions {
@@ -27,13 +30,53 @@ enum class Shown { from, to };
 
 /// A soft edge over some quantity q: zone(q) is 0, 1 or 2 and grows with q; zones 0 and 2 show one picture,
 /// zone 1 mixes with weight(q), the weight of `to`.
-template <class Zone, class Weight> struct SoftEdge {
+template <class Zone, class Weight, class Estimate = std::nullptr_t> struct SoftEdge {
     Shown low;
     Shown high;
     Zone zone;
     Weight weight;
+    Estimate estimate =
+        nullptr; ///< a function: weight(q) in zone 1, within kMostOff or no number, for vectors
 };
 template <class Zone, class Weight> SoftEdge(Shown, Shown, Zone, Weight) -> SoftEdge<Zone, Weight>;
+template <class Zone, class Weight, class Estimate>
+SoftEdge(Shown, Shown, Zone, Weight, Estimate) -> SoftEdge<Zone, Weight, Estimate>;
+
+constexpr double kMostOff = 1e-6;
+
+// The arc tangent of 0 <= z <= 0.17, within 1e-12.
+inline double smallArcTangent(double z)
+{
+    const double s = z * z;
+    return z
+        * (1 + s * (-1.0 / 3 + s * (1.0 / 5 + s * (-1.0 / 7 + s * (1.0 / 9 + s * (-1.0 / 11 + s / 13))))));
+}
+
+u8 byteOfWeight(double weight) { return pixels::clampByte(pixels::truncated(weight)); }
+
+// weights[x - first] = the weight of column x for first <= x < end.
+template <class Edge, class Quantity>
+void weighColumns(int first, int end, const Edge& edge, Quantity quantity, const Scratch<u8>& weights)
+{
+    if constexpr (std::is_same_v<decltype(edge.estimate), std::nullptr_t>) {
+        for (int x = first; x < end; ++x)
+            weights[std::size_t(x - first)] = byteOfWeight(edge.weight(quantity(x)));
+    } else {
+        // An estimate says which byte the weight becomes unless it lies next to a whole number.
+        const Scratch<u8> doubtful(weights.size());
+        pixels::eachIndex(0, end - first,
+            [=, estimate = edge.estimate, to = weights.data(), doubt = doubtful.data()](int i) {
+                const double weight = pixels::clamped(estimate(quantity(first + i)), -1.0, 256.0) + 1;
+                const int whole = int(weight);
+                const double beyond = weight - whole;
+                to[i] = u8(std::min(std::max(whole - 1, 0), 255));
+                doubt[i] = u8(beyond < kMostOff || beyond > 1 - kMostOff);
+            });
+        for (int x = first; x < end; ++x)
+            if (doubtful[std::size_t(x - first)] != 0)
+                weights[std::size_t(x - first)] = byteOfWeight(edge.weight(quantity(x)));
+    }
+}
 
 void show(const Line& line, Shown picture, int first, int last)
 {
@@ -56,8 +99,7 @@ void drawPiece(const Line& line, int first, int last, bool rising, const Edge& e
     const int soft = firstColumn(first, last, past(1));
     const int end = firstColumn(soft, last, past(2));
     const Scratch<u8> weights(end - soft);
-    for (int x = soft; x < end; ++x)
-        weights[std::size_t(x - soft)] = pixels::clampByte(pixels::truncated(edge.weight(quantity(x))));
+    weighColumns(soft, end, edge, quantity, weights);
 
     show(line, rising ? edge.low : edge.high, first, soft);
     line.mix(soft, end, [a = weights.data(), soft](Bgra f, Bgra t, int x) {
@@ -106,11 +148,17 @@ template <class Ratio> void drawRoll(const Canvas& c, const Progress& p, bool ri
             [=](double r) { return r >= tangent                 ? 2
                                 : angle - std::atan(r) <= kEdge ? 1
                                                                 : 0; },
-            [=](double r) { return (angle - std::atan(r)) * 255 / kEdge; }});
+            [=](double r) { return (angle - std::atan(r)) * 255 / kEdge; },
+            [=](double r) { return smallArcTangent((tangent - r) / (1 + tangent * r)) * (255 / kEdge); }});
     } else {
+        constexpr double kPastQuarter = kQuarter - std::numbers::pi / 2;
+        const double band = kQuarterAndEdge - theta;
+        // The last digits of an angle count in bands narrower than that.
+        const double scale = band > 1e-6 ? 255 / band : std::numeric_limits<double>::quiet_NaN();
         draw(SoftEdge{Shown::to, Shown::to,
             [=](double r) { return theta < kQuarterAndEdge && std::atan(r) > theta - kEdge ? 1 : 0; },
-            [=](double r) { return (kQuarter - std::atan(r)) * 255 / (kQuarterAndEdge - theta); }});
+            [=](double r) { return (kQuarter - std::atan(r)) * 255 / (kQuarterAndEdge - theta); },
+            [=](double r) { return (smallArcTangent(1 / r) + kPastQuarter) * scale; }});
     }
 }
 
