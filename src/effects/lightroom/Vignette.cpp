@@ -4,6 +4,7 @@
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -83,16 +84,37 @@ bool Vignette::prepare(const VignetteValues& values, pixels::Extent size)
     highlights_ = (2 * (double(values.highlights) / 100) - 1) * std::fabs(amount_);
     exposure_ = std::exp2(double(values.exposure) / 100);
 
+    fillTables();
+
     const Shape shape = shapeOf(values, size);
-    const std::size_t count = std::size_t(size.width) * ((size.height + 1) / 2);
-    if (mask_ && size_ == size && shape_ == shape)
+    const std::size_t rows = std::size_t(size.height + 1) / 2;
+    if (mask_ && zones_ && size_ == size && shape_ == shape)
         return true;
-    if (!mask_.ensure(count))
+    if (!mask_.ensure(std::size_t(size.width) * rows) || !zones_.ensure(rows))
         return false;
     size_ = size;
     shape_ = shape;
     drawMask();
     return true;
+}
+
+// Where the mask is 1, and where it is 0 without highlights, every byte goes its own way, unless the values
+// are so large that products of them overflow.
+void Vignette::fillTables()
+{
+    const Weights weights{amount_, highlights_, exposure_};
+    const auto small = [](double x) { return std::fabs(x) < 1e9; };
+    insideTabled_ = small(amount_) && small(highlights_) && small(exposure_);
+    outsideTabled_ = insideTabled_ && highlights_ == 0;
+    const auto tablesOf = [=](double mask) {
+        const auto table =
+            pixels::tableOf([=](int v) { return shaded(pixels::grey({}, u8(v)), mask, weights).b; });
+        return pixels::ByteTables{table, table, table};
+    };
+    if (insideTabled_)
+        inside_ = tablesOf(1);
+    if (outsideTabled_)
+        outside_ = tablesOf(0);
 }
 
 void Vignette::drawMask()
@@ -103,14 +125,32 @@ void Vignette::drawMask()
         const double dy = std::fabs(y + 0.5 - size_.height / 2.0);
         for (int x = 0; x < quadrant.width; ++x)
             line[x] = line[size_.width - 1 - x] = maskAt(shape_, std::fabs(x + 0.5 - size_.width / 2.0), dy);
+        RowZones zones{quadrant.width, quadrant.width};
+        while (zones.inside > 0 && line[zones.inside - 1] == 1)
+            --zones.inside;
+        zones.edge =
+            int(std::find_if(line, line + zones.inside, [](double mask) { return mask != 0; }) - line);
+        zones_.data()[y] = zones;
     });
 }
 
 void Vignette::applyToRow(pixels::ConstView from, pixels::View to, int y) const
 {
     const Weights weights{amount_, highlights_, exposure_};
-    const double* const mask = mask_.data() + std::size_t(std::min(y, size_.height - 1 - y)) * size_.width;
-    pixels::widest([=] { shadeRow(from.row(0).data(), to.row(0).data(), to.width(), mask, weights); });
+    const int row = std::min(y, size_.height - 1 - y);
+    const double* const mask = mask_.data() + std::size_t(row) * size_.width;
+    const int width = to.width();
+    const int edge = outsideTabled_ ? zones_.data()[row].edge : 0;
+    const int first = insideTabled_ ? zones_.data()[row].inside : width;
+    const int last = std::max(first, width - first);
+    const int end = std::max(last, width - edge);
+    pixels::mapTables(from, to, outside_, 0, edge);
+    pixels::mapTables(from, to, inside_, first, last);
+    pixels::mapTables(from, to, outside_, end, width);
+    pixels::widest([=, source = from.row(0).data(), target = to.row(0).data()] {
+        shadeRow(source + edge, target + edge, first - edge, mask + edge, weights);
+        shadeRow(source + last, target + last, end - last, mask + last, weights);
+    });
 }
 
 } // namespace lightroom

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "pixels/Buffer.h"
-#include "pixels/View.h"
+#include "pixels/ByteTables.h"
 
 namespace lightroom {
 
@@ -33,16 +33,26 @@ private:
         double band; ///< width of the soft edge
         friend bool operator==(Shape, Shape) = default;
     };
+    struct RowZones {
+        int edge;   ///< the first column of the left half where the mask is above 0
+        int inside; ///< and where it is 1; half the width, rounded up, if there is none
+    };
     static Shape shapeOf(const VignetteValues& values, pixels::Extent size);
     static double maskAt(const Shape& shape, double dx, double dy);
     void drawMask();
+    void fillTables();
 
     pixels::Extent size_{0, 0};
     Shape shape_{};
     double amount_ = 0;
     double highlights_ = 0;
     double exposure_ = 1;
-    pixels::Buffer<double> mask_; ///< the lower half of the picture; the upper one mirrors it
+    pixels::Buffer<double> mask_;    ///< the lower half of the picture; the upper one mirrors it
+    pixels::Buffer<RowZones> zones_; ///< of the mask's rows
+    bool insideTabled_ = false;      ///< the tables hold what becomes of bytes where the mask is 1
+    bool outsideTabled_ = false;     ///< and where it is 0
+    pixels::ByteTables inside_{};
+    pixels::ByteTables outside_{};
 };
 
 } // namespace lightroom
