@@ -12,8 +12,8 @@ float halfWidth()
     return sqrt(dot(reach, reach) + 1.0);
 }
 
-/// Pixels between the samples of the last pass.
-float wideGap()
+/// The narrowest gap between samples of the last pass that reaches far enough, in pixels.
+float enough()
 {
     return ceil(0.25 * halfWidth() - 0.001);
 }
@@ -21,16 +21,25 @@ float wideGap()
 /// Pixels between the samples of the first pass.
 float fineGap()
 {
-    return ceil(0.0625 * wideGap() - 0.001);
+    return ceil(0.0625 * enough() - 0.001);
 }
 
-/// Pixels between the samples of the pass before the last: one more than so many gaps of the first pass, or a pattern
-/// as wide as that gap would come through all passes.
+/// The next gap that is no multiple of the first pass's: patterns as wide as that would come through all passes.
+float unlike(float gap)
+{
+    return fineGap() > 1.0 ? ceil(gap / fineGap() - 0.001) * fineGap() + 1.0 : gap;
+}
+
+/// Pixels between the samples of the last pass.
+float wideGap()
+{
+    return unlike(enough());
+}
+
+/// Pixels between the samples of the pass before the last.
 float narrowGap()
 {
-    float fine = fineGap();
-    float enough = ceil(0.25 * wideGap() - 0.001);
-    return fine > 1.0 ? ceil(enough / fine) * fine + 1.0 : enough;
+    return unlike(ceil(0.25 * wideGap() - 0.001));
 }
 
 /// One pixel's way along the line, in texture coordinates.
