@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <stdexcept>
+#include <system_error>
 
 namespace tool::media {
 
@@ -27,8 +28,15 @@ PngFrameEncoder::PngFrameEncoder(const FrameShape& shape, pictures::PngEffort ef
 {
     const unsigned threads = pictureEncoders(coreCount(), {shape.width, shape.height});
     most_ = threads + kWaiting;
-    for (unsigned i = 0; i < threads; ++i)
-        threads_.emplace_back([this] { encodePictures(); });
+    threads_.reserve(threads);
+    try {
+        while (threads_.size() < threads)
+            threads_.emplace_back([this] { encodePictures(); });
+    } catch (const std::system_error&) {
+        if (threads_.empty())
+            throw;
+        // A system that gives no more threads: those that there are do the work.
+    }
 }
 
 PngFrameEncoder::~PngFrameEncoder() { waiting_.abandon(); }

@@ -23,6 +23,7 @@ public:
     void finish() override;
 
 private:
+    /// A frame under way.
     struct Picture {
         Frame frame = makeFrame();
         long long number = 0;
