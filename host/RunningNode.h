@@ -18,7 +18,7 @@ class RunningNode;
 struct NodePictures {
     std::vector<CEffectImage*> inputs;
     /// A node that was held and is evaluated with this one; feeds the first input, which is null then.
-    RunningNode* upstream = nullptr;
+    const RunningNode* upstream = nullptr;
     CEffectImage* mask = nullptr;   ///< of a mask that is another node's picture
     CEffectImage* target = nullptr; ///< receives the result in place of an image of the node, unless null
 };

@@ -6,6 +6,7 @@
 
 namespace KEXSDK {
 
+/// A derived class overrides prepare() and processRows(), and with them is drawn in strips and as a whole.
 class CRowEffect : public CPureCEffect, public RowWise {
 public:
     using CPureCEffect::CPureCEffect;

@@ -13,9 +13,9 @@ class RowWise {
 public:
     /// Begins a frame in place of run(), on the evaluating thread, while the inputs' pixels may not be there
     /// yet: reads the parameters and prepares what processRows() needs.
-    /// @return false when this frame cannot be done by rows; run() is called then. True only with an input 0
-    /// of
-    ///         the node's size
+    /// @return false when this frame cannot be done by rows, and always without an input 0 of the node's
+    /// size;
+    ///         run() is called then
     virtual bool beginRows() = 0;
 
     /// Writes every pixel of rows [first, first + dst.height()) of the output. Called on several threads at
