@@ -38,10 +38,14 @@ protected:
             p = {u8(random()), u8(random()), u8(random()), u8(random())};
         ASSERT_EQ(InitializeEngine("./", nullptr), 0u);
     }
-    void SetUp() override { KEXSDK::preferForm(KEXSDK::EffectForm::cpu); }
+    void SetUp() override
+    {
+        KEXSDK::preferForm([] { return KEXSDK::EffectForm::cpu; });
+    }
     void TearDown() override
     {
-        KEXSDK::preferForm(before_);
+        KEXSDK::preferForm([this] { return before_; });
+        KEXSDK::preferredForm(); // decided while this object is there
         pixels::limitVectors(pixels::VectorLevel::avx512);
     }
 
