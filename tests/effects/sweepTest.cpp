@@ -30,11 +30,7 @@ protected:
     // Hides the fixture's function of this name: here effects find overlays and textures.
     static void SetUpTestSuite()
     {
-        test::useFilesInMemory();
-        std::mt19937 random(7);
-        test::files.others.resize(1009);
-        for (pixels::Bgra& p : test::files.others)
-            p = {u8(random()), u8(random()), u8(random()), u8(random())};
+        test::useFilesOfNoise();
         ASSERT_EQ(InitializeEngine("./", nullptr), 0u);
     }
     void SetUp() override { core::pinTime(1'700'000'000); }

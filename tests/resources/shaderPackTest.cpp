@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -160,15 +161,17 @@ TEST_F(ShaderPack, EveryDescribedParameterMovesPixels)
             for (u32 element = 0; element < param->elements; ++element) {
                 EXPECT_LE(param->low, param->value[element]);
                 EXPECT_GE(param->high, param->value[element]);
-                std::set<Bytes> pictures;
+                std::vector<Bytes> pictures;
                 // Both ends may mean the same, as a turn to the left and to the right.
                 const double between = param->low + 0.37 * (param->high - param->low);
                 for (const double value : {param->low, param->value[element], between, param->high}) {
                     host::Filter filter = make(effect);
                     store(filter, *param, element, value);
-                    pictures.insert(run(filter));
+                    pictures.push_back(run(filter));
                 }
-                EXPECT_GE(pictures.size(), 2u) << "element " << element;
+                EXPECT_TRUE(std::ranges::any_of(
+                    pictures, [&](const Bytes& picture) { return picture != pictures[0]; }))
+                    << "element " << element;
             }
         }
     }

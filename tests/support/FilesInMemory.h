@@ -5,6 +5,7 @@
 #include "pixels/Pixel.h"
 
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,16 @@ private:
 inline void useFilesInMemory()
 {
     KEXSDK::TovOgreRenderThread::setGraphicsSystemFactory([] { return std::make_unique<FilesInMemory>(); });
+}
+
+/// Every file that is asked for is there, and holds the same noise.
+inline void useFilesOfNoise()
+{
+    useFilesInMemory();
+    std::mt19937 random(7);
+    files.others.resize(1009);
+    for (pixels::Bgra& p : files.others)
+        p = {u8(random()), u8(random()), u8(random()), u8(random())};
 }
 
 } // namespace test
