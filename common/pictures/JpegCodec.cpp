@@ -63,6 +63,12 @@ void convertInks(u8* row, u32 width, bool inverted)
     }
 }
 
+void invert(u8* row, u32 width)
+{
+    for (u8* ink = row; ink != row + std::size_t{width} * 4; ++ink)
+        *ink = u8(255 - *ink);
+}
+
 /// The addresses of the next rows, kRowsAtOnce at most.
 template <class Byte> u32 nextRows(JSAMPROW* addresses, Rows<Byte> rows, u32 first, u32 height)
 {
@@ -79,8 +85,9 @@ using Target = Rows<u8> (*)(void* context, u32 width, u32 height);
 /// @param target  called with the size of the picture, it answers where its rows go, without a top row for
 ///                nowhere; it must not throw. Null: only the header is read, and the outcome is a picture
 ///                then
+/// @param keepsInks  the rows receive inks, 0 for none, and a file without four of them cannot be read
 /// @return false when the file cannot be read
-bool readJpeg(Decoded& result, std::span<const u8> file, Target target, void* context)
+bool readJpeg(Decoded& result, std::span<const u8> file, Target target, void* context, bool keepsInks = false)
 {
     jpeg_decompress_struct jpeg;
     Errors errors;
@@ -110,6 +117,8 @@ bool readJpeg(Decoded& result, std::span<const u8> file, Target target, void* co
     const Deadline deadline(u64{result.width} * result.height);
     errors.deadline = &deadline;
     const bool inks = jpeg.num_components == 4;
+    if (keepsInks && !inks)
+        std::longjmp(errors.leave, 1);
     jpeg.out_color_space = inks ? JCS_CMYK : JCS_EXT_BGRA;
     jpeg_start_decompress(&jpeg);
     const Rows<u8> rows = target(context, result.width, result.height);
@@ -119,8 +128,12 @@ bool readJpeg(Decoded& result, std::span<const u8> file, Target target, void* co
         JSAMPROW addresses[kRowsAtOnce];
         const u32 count = nextRows(addresses, rows, jpeg.output_scanline, jpeg.output_height);
         const u32 read = jpeg_read_scanlines(&jpeg, addresses, count);
-        for (u32 i = 0; inks && i < read; ++i)
-            convertInks(addresses[i], result.width, jpeg.saw_Adobe_marker);
+        for (u32 i = 0; inks && i < read; ++i) {
+            if (!keepsInks)
+                convertInks(addresses[i], result.width, jpeg.saw_Adobe_marker);
+            else if (jpeg.saw_Adobe_marker)
+                invert(addresses[i], result.width);
+        }
     }
     jpeg_finish_decompress(&jpeg);
     jpeg_destroy_decompress(&jpeg);
@@ -200,6 +213,12 @@ Decoded decodeJpeg(std::istream& file) { return readFile(file, ownPixels); }
 Decoded inspectJpeg(std::istream& file) { return readFile(file, nullptr); }
 
 Decoded decodeJpeg(std::span<const u8> file) { return readBytes(file, ownPixels); }
+
+Decoded decodeJpegInks(std::span<const u8> file)
+{
+    Decoded result;
+    return readJpeg(result, file, ownPixels, &result, true) ? std::move(result) : Decoded{};
+}
 
 Decoded inspectJpeg(std::span<const u8> file) { return readBytes(file, nullptr); }
 

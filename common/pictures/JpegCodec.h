@@ -15,6 +15,8 @@ bool beginsLikeJpeg(std::span<const u8> file);
 /// Parts of a damaged file that cannot be made out are grey; a file that ends too early is unreadable.
 Decoded decodeJpeg(std::istream& file);
 Decoded decodeJpeg(std::span<const u8> file);
+/// The inks of a file of four: cyan, magenta, yellow and black, 0 for none. Other files are unreadable.
+Decoded decodeJpegInks(std::span<const u8> file);
 /// The size alone, as inspect() answers.
 Decoded inspectJpeg(std::istream& file);
 Decoded inspectJpeg(std::span<const u8> file);

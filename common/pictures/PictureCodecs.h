@@ -5,6 +5,7 @@
 #include "core/Types.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -17,11 +18,17 @@ namespace pictures {
 /// A picture with a longer side, or with more pixels, is not decoded.
 constexpr u32 kMaxSide = 16384;
 constexpr u64 kMaxPixels = u64{kMaxSide} * kMaxSide;
-bool tooLarge(u32 width, u32 height);
+constexpr bool tooLarge(u32 width, u32 height)
+{
+    return width > kMaxSide || height > kMaxSide || u64{width} * height > kMaxPixels;
+}
 
 struct Free {
-    void operator()(void* memory) const;
+    void operator()(void* memory) const { std::free(memory); } // as the libraries release what they allocate
 };
+
+/// A value of 16 bits in 8: the nearest, value * 255 / 65535 rounded.
+constexpr u8 rounded8(u32 value) { return u8((value * 255 + 32895) >> 16); }
 
 struct Decoded {
     enum class Outcome { picture, tooLarge, unreadable };
@@ -32,10 +39,23 @@ struct Decoded {
 };
 
 /// Reads PNG, JPEG, BMP, TGA, GIF (first frame), PSD, PIC, PPM, PGM and Radiance files, told apart by their
-/// bytes. A file that ends too early is unreadable. 16-bit channels keep their upper half; orientation tags
+/// bytes. A file that ends too early is unreadable. 16-bit channels are rounded (rounded8); orientation tags
 /// and colour profiles are not applied.
 /// @param file  seekable, at its start
 Decoded decode(std::istream& file);
+
+/// A picture of 16 bits a channel.
+struct DecodedDeep {
+    Decoded::Outcome outcome = Decoded::Outcome::unreadable;
+    u32 width = 0; ///< as in Decoded
+    u32 height = 0;
+    std::unique_ptr<u16[], Free> pixels; ///< blue, green, red, alpha; null unless the outcome is a picture
+};
+
+/// Whether a file has channels of 16 bits, which decodeDeep() reads: PNG and Photoshop files.
+/// @param file  seekable, at its start, where it is left
+bool isDeep(std::istream& file);
+DecodedDeep decodeDeep(std::istream& file);
 
 /// A picture that is read as a measure of something: its greys alone, in 16 bits.
 struct DecodedGrey {

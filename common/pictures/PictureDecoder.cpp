@@ -173,6 +173,29 @@ template <class Channel> std::unique_ptr<Channel[], Free> pixelsIn(std::istream&
     return pixels;
 }
 
+template <class Channel> void swapRedAndBlue(Channel* pixels, u32 width, u32 height)
+{
+    Channel* const end = pixels + std::size_t{width} * height * 4;
+    for (Channel* pixel = pixels; pixel != end; pixel += 4)
+        std::swap(pixel[0], pixel[2]);
+}
+
+/// The picture in 8 bits. The values of 16 bits leave their memory to it.
+Decoded rounded(DecodedDeep deep)
+{
+    Decoded result{deep.outcome, deep.width, deep.height, nullptr};
+    if (!deep.pixels)
+        return result;
+    const std::size_t count = std::size_t{deep.width} * deep.height * 4;
+    const u16* const from = deep.pixels.get();
+    result.pixels.reset(static_cast<u8*>(std::malloc(count)));
+    if (result.pixels)
+        std::transform(from, from + count, result.pixels.get(), [](u16 value) { return rounded8(value); });
+    else
+        result.outcome = Decoded::Outcome::unreadable;
+    return result;
+}
+
 Decoded decodeWhole(std::istream& stream)
 {
     Decoded result = sizeIn(stream);
@@ -183,43 +206,20 @@ Decoded decodeWhole(std::istream& stream)
         result.outcome = Decoded::Outcome::unreadable;
         return result;
     }
-    u8* const end = result.pixels.get() + std::size_t{result.width} * result.height * 4;
-    for (u8* pixel = result.pixels.get(); pixel != end; pixel += 4)
-        std::swap(pixel[0], pixel[2]);
+    swapRedAndBlue(result.pixels.get(), result.width, result.height);
     return result;
 }
 
-/// Whether the file has channels of 16 bits. One that is shorter than what stb reads ahead does not count.
-bool isDeep(std::istream& stream)
+DecodedGrey decodeDeepGrey(std::istream& stream)
 {
-    char head[kHeadBytes];
-    const bool enough = bool(stream.read(head, kHeadBytes));
-    stream.clear();
-    stream.seekg(0);
-    if (!enough)
-        return false;
-    Source source(stream, 0);
-    const bool deep = readWhetherDeep(source);
-    stream.clear();
-    stream.seekg(0);
-    return deep;
-}
-
-DecodedGrey decodeDeep(std::istream& stream)
-{
-    const Decoded size = sizeIn(stream);
-    DecodedGrey result{size.outcome, size.width, size.height, true, {}};
-    if (size.outcome != Decoded::Outcome::picture)
+    const DecodedDeep picture = decodeDeep(stream);
+    DecodedGrey result{picture.outcome, picture.width, picture.height, true, {}};
+    if (!picture.pixels)
         return result;
-    const auto pixels = pixelsIn<u16>(stream, size);
-    if (!pixels) {
-        result.outcome = Decoded::Outcome::unreadable;
-        return result;
-    }
-    result.values.resize(std::size_t{size.width} * size.height);
-    const u16* from = pixels.get();
+    result.values.resize(std::size_t{picture.width} * picture.height);
+    const u16* from = picture.pixels.get();
     for (u16& value : result.values) {
-        value = luma(from[0], from[1], from[2]);
+        value = luma(from[2], from[1], from[0]);
         from += 4;
     }
     return result;
@@ -243,13 +243,6 @@ Decoded decodeTiny(const std::string& bytes)
 }
 
 } // namespace
-
-void Free::operator()(void* memory) const { std::free(memory); } // as stb releases what it allocates
-
-bool tooLarge(u32 width, u32 height)
-{
-    return width > kMaxSide || height > kMaxSide || u64{width} * height > kMaxPixels;
-}
 
 Deadline::Deadline(u64 pixels)
     : end_(std::chrono::steady_clock::now() + std::chrono::seconds(10) + std::chrono::microseconds(pixels))
@@ -286,8 +279,39 @@ Decoded decode(std::istream& file)
         head.resize(std::size_t(file.gcount()));
         return decodeTiny(head);
     }
+    file.clear();
     file.seekg(0);
-    return decodeWhole(file);
+    return isDeep(file) ? rounded(decodeDeep(file)) : decodeWhole(file);
+}
+
+// A file that is shorter than what stb reads ahead does not count.
+bool isDeep(std::istream& file)
+{
+    char head[kHeadBytes];
+    const bool enough = bool(file.read(head, kHeadBytes));
+    file.clear();
+    file.seekg(0);
+    if (!enough)
+        return false;
+    Source source(file, 0);
+    const bool deep = readWhetherDeep(source);
+    file.clear();
+    file.seekg(0);
+    return deep;
+}
+
+DecodedDeep decodeDeep(std::istream& file)
+{
+    const Decoded size = sizeIn(file);
+    DecodedDeep result{size.outcome, size.width, size.height, nullptr};
+    if (size.outcome != Decoded::Outcome::picture)
+        return result;
+    result.pixels = pixelsIn<u16>(file, size);
+    if (result.pixels)
+        swapRedAndBlue(result.pixels.get(), result.width, result.height);
+    else
+        result.outcome = Decoded::Outcome::unreadable;
+    return result;
 }
 
 DecodedGrey decodeGrey(std::istream& file)
@@ -295,7 +319,7 @@ DecodedGrey decodeGrey(std::istream& file)
     if (isPnm(file))
         return decodeGreyPnm(file);
     if (isDeep(file))
-        return decodeDeep(file);
+        return decodeDeepGrey(file);
     const Decoded picture = decode(file);
     DecodedGrey result{picture.outcome, picture.width, picture.height, false, {}};
     if (!picture.pixels)

@@ -146,7 +146,7 @@ Decoded decodePnm(std::istream& file)
     u8* to = pixels.get();
     const auto store = [&to](u16 red, u16 green, u16 blue) {
         for (const u16 value : {blue, green, red})
-            *to++ = u8(value >> 8);
+            *to++ = rounded8(value);
         *to++ = 255;
     };
     if (!pnm.eachPixel(store))
