@@ -10,6 +10,7 @@
 #include "effectengine/pictureList.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -27,6 +28,8 @@ struct Options {
     std::optional<double> time; ///< empty: the middle
     double total = FrameTime{}.total;
     bool strip = false;
+    bool srgb = false;
+    SaveOptions save;
     int processes = 0; ///< 0: one for each processor
     PictureListOptions list;
     ProgressKind progress = ProgressKind::automatic;
@@ -56,22 +59,26 @@ public:
     /// @param advise  warns of effects that did nothing for want of something
     void process(const PictureJob& job, bool advise)
     {
-        const PictureFile file(job.in);
+        const PictureFile file(job.in, colours());
         const PictureSize source = file.size();
         const PictureSize size = options_.size.empty() ? fitted(source) : parseSize(options_.size);
         checkOutput(job.out);
         if (options_.size.empty() && size.width != source.width)
             warn(job.in.string() + " is scaled from " + text(source) + " to " + text(size));
+        if (file.hasMore())
+            warn(job.in.string() + " holds several pictures, of which the first one is taken");
         StillGraph& graph = graphOf(size);
         file.loadInto(pictures_.front());
         const double time = options_.time.value_or(options_.total / 2);
         savePicture(graph.at({.seconds = time, .total = options_.total}), job.out,
-            options_.strip ? PhotoMetadata() : file.metadata());
+            options_.strip ? PhotoMetadata() : file.metadata(), options_.save);
         if (advise)
             std::ranges::for_each(graph.idleEffects(), warn);
     }
 
 private:
+    Colours colours() const { return options_.srgb ? Colours::srgb : Colours::asStored; }
+
     static std::string text(PictureSize size)
     {
         return std::to_string(size.width) + " x " + std::to_string(size.height);
@@ -88,7 +95,7 @@ private:
         pictures_.clear();
         pictures_.emplace_back(size.width, size.height);
         for (const fs::path& file : options_.with)
-            pictures_.push_back(loadPicture(file, size));
+            pictures_.push_back(loadPicture(file, size, colours()));
         return graph_.emplace(look_, pictures_);
     }
 
@@ -98,6 +105,18 @@ private:
     std::vector<host::Image> pictures_;
     std::optional<StillGraph> graph_; ///< over the pictures
 };
+
+// Settings that are for none of the files are a mistake; of several kinds, each takes its own.
+void checkSaveOptions(const std::vector<PictureJob>& jobs, const SaveOptions& options)
+{
+    const auto meansNothing = [&](auto has) {
+        return std::ranges::none_of(jobs, [&](const PictureJob& job) { return has(job.out); });
+    };
+    if (options.quality && meansNothing(hasQuality))
+        throw ToolError(ExitCode::usage, "--quality is for JPEG, WebP, AVIF and JPEG XL");
+    if (options.effort != Effort::normal && meansNothing(hasEffort))
+        throw ToolError(ExitCode::usage, "--compression is for PNG, TIFF, WebP, AVIF and JPEG XL");
+}
 
 void apply(const Options& options, const GraphOptions& graphOptions, const SessionOptions& sessionOptions)
 {
@@ -110,6 +129,7 @@ void apply(const Options& options, const GraphOptions& graphOptions, const Sessi
         sizeOf(file);
     const auto jobs = listPictures({options.words.begin() + std::ptrdiff_t(effects), options.words.end() - 1},
         options.words.back(), options.list);
+    checkSaveOptions(jobs, options.save);
     if (jobs.size() == 1) {
         PictureRun(options, look, sessionOptions).process(jobs[0], true);
         return;
@@ -153,14 +173,28 @@ void addApplyCommand(CLI::App& tool, const SessionOptions& session)
     command->add_option("--total", options->total, "duration of the effect (default 5)")
         ->type_name("SECONDS");
     command->add_flag("--strip", options->strip,
-        "leave out the photograph's EXIF data (date, camera, place) and colour profile, which PNG and JPEG "
-        "carry");
+        "leave out the photograph's EXIF data (date, camera, place) and colour profile, which all kinds but "
+        "BMP and TGA carry");
+    command->add_flag("--srgb", options->srgb,
+        "convert the colours of pictures with a colour profile to sRGB, and leave the profile out");
+    command
+        ->add_option("--quality", options->save.quality,
+            "JPEG (default 92), WebP, AVIF, JPEG XL (default 90; 100 keeps every pixel in these three)")
+        ->check(CLI::Range(1, 100))
+        ->type_name("N");
+    command
+        ->add_option("--compression", options->save.effort,
+            "quicker or smaller files of PNG (default: fast), TIFF, WebP, AVIF, JPEG XL")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, Effort>{{"fast", Effort::fast}, {"small", Effort::small}})
+                        .description("{fast,small}"))
+        ->type_name("EFFORT");
     command->add_option("-j,--jobs", options->processes, "processes for many pictures (default: processors)")
         ->check(CLI::Range(1, 1024))
         ->type_name("N");
     command->add_flag("-r,--recursive", options->list.recursive, "go into the folders of a folder");
     command->add_option("--format", options->list.format, "kind of the pictures in the directory OUT")
-        ->check(CLI::IsMember({"png", "jpg", "bmp", "tga"}))
+        ->check(CLI::IsMember(writtenKinds()))
         ->type_name("KIND");
     addProgressOption(*command, options->progress);
     command->footer("Examples:\n"

@@ -152,18 +152,23 @@ void examinePictures(Examination& examination, const fs::path& directory)
 {
     const host::Image image(4, 4);
     std::string kinds;
-    for (const char* const kind : {"png", "jpg", "bmp", "tga"}) {
-        const std::string file = (directory / (std::string("picture.") + kind)).string();
+    for (const std::string& kind : writtenKinds()) {
+        const std::string file = (directory / ("picture." + kind)).string();
         if (reportingFailure([&] {
                 savePicture(image.handle(), file);
                 loadPicture(file, {4, 4});
             })
             == ExitCode::success)
-            kinds += (kinds.empty() ? "" : ", ") + std::string(kind);
+            kinds += (kinds.empty() ? "" : ", ") + kind;
         else
-            examination.bad(ExitCode::cannotWrite, "pictures",
-                std::string(kind) + " cannot be written and read", "see the room in " + directory.string());
+            examination.bad(ExitCode::cannotWrite, "pictures", kind + " cannot be written and read",
+                "see the room in " + directory.string() + ", or install the tool's package anew");
     }
+    if (reportingFailure([] { colourConversion(); }) == ExitCode::success)
+        kinds += "; colour profiles";
+    else
+        examination.bad(ExitCode::internal, "pictures", "colour profiles cannot be used",
+            "install the tool's package anew");
     examination.good("pictures", kinds);
 }
 

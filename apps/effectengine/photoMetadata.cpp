@@ -7,6 +7,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <string_view>
 
@@ -61,17 +62,20 @@ void takeExif(PhotoMetadata& metadata, Bytes block)
     metadata.exif.assign(block.begin(), block.end());
 }
 
-// Takes a profile that is one for RGB pixels, without padding behind it, which PNG readers refuse.
+// Takes a profile without padding behind it, which PNG readers refuse.
 void takeProfile(PhotoMetadata& metadata, std::vector<u8> profile)
 {
-    if (profile.size() < kProfileHeader || !startsWith(Bytes(profile).subspan(16), "RGB ")
-        || !startsWith(Bytes(profile).subspan(36), "acsp"))
+    if (profile.size() < kProfileHeader || !startsWith(Bytes(profile).subspan(36), "acsp"))
         return;
     const std::size_t size = bigEndian(profile);
     if (size < kProfileHeader || size > profile.size())
         return;
     profile.resize(size);
-    metadata.profile = std::move(profile);
+    const Bytes space = Bytes(profile).subspan(16);
+    if (startsWith(space, "RGB "))
+        metadata.profile = std::move(profile);
+    else if (startsWith(space, "GRAY") || startsWith(space, "CMYK"))
+        metadata.ownProfile = std::move(profile);
 }
 
 /// Calls fn(marker, contents) for the segments in front of the pixels.
@@ -159,9 +163,54 @@ u32 checksum(Bytes nameAndContents)
     return u32(crc32_z(0, nameAndContents.data(), nameAndContents.size()));
 }
 
+/// What chunks of a PNG file say about its colours; a later one in this list counts before those above it.
+struct PngColours {
+    std::optional<Chromaticities> points;
+    std::optional<double> gamma;
+    bool srgb = false;
+    std::optional<ColourCode> code;
+
+    void take(Bytes nameAndContents)
+    {
+        const Bytes contents = nameAndContents.subspan(4);
+        const auto number = [&](std::size_t index) {
+            return bigEndian(contents.subspan(index * 4)) / 100000.0;
+        };
+        if (startsWith(nameAndContents, "gAMA") && contents.size() == 4 && number(0) > 0)
+            gamma = 1 / number(0);
+        else if (startsWith(nameAndContents, "cHRM") && contents.size() == 32)
+            points = Chromaticities{{number(0), number(1)}, {number(2), number(3)}, {number(4), number(5)},
+                {number(6), number(7)}, 0};
+        else if (startsWith(nameAndContents, "sRGB"))
+            srgb = true;
+        else if (startsWith(nameAndContents, "cICP") && contents.size() == 4)
+            code = ColourCode{contents[0], contents[1]};
+    }
+
+    void giveTo(PhotoMetadata& metadata) const
+    {
+        constexpr double kSrgbGamma = 2.2, kNear = 0.01;
+        constexpr Chromaticities kSrgb{
+            {0.3127, 0.3290}, {0.64, 0.33}, {0.30, 0.60}, {0.15, 0.06}, kSrgbGamma};
+        metadata.colours = code;
+        if (code || srgb || (!gamma && !points))
+            return;
+        Chromaticities colours = points.value_or(kSrgb);
+        colours.gamma = gamma.value_or(kSrgbGamma);
+        const auto near = [](Chromaticities::Point a, Chromaticities::Point b) {
+            return std::abs(a.x - b.x) < kNear && std::abs(a.y - b.y) < kNear;
+        };
+        if (!near(colours.white, kSrgb.white) || !near(colours.red, kSrgb.red)
+            || !near(colours.green, kSrgb.green) || !near(colours.blue, kSrgb.blue)
+            || std::abs(colours.gamma / kSrgbGamma - 1) > kNear)
+            metadata.chromaticities = colours;
+    }
+};
+
 PhotoMetadata readPng(Bytes file)
 {
     PhotoMetadata metadata;
+    PngColours colours;
     for (std::size_t at = kPngSignature.size(); at + kChunkFrame <= file.size();) {
         const std::size_t length = bigEndian(file.subspan(at));
         if (length > file.size() - at - kChunkFrame)
@@ -170,6 +219,7 @@ PhotoMetadata readPng(Bytes file)
         const bool exif = startsWith(nameAndContents, "eXIf");
         const bool profile = startsWith(nameAndContents, "iCCP");
         at += kChunkFrame + length;
+        colours.take(nameAndContents);
         if ((!exif && !profile) || checksum(nameAndContents) != bigEndian(file.subspan(at - 4)))
             continue;
         if (exif)
@@ -177,6 +227,8 @@ PhotoMetadata readPng(Bytes file)
         else
             takeProfile(metadata, uncompressedProfile(nameAndContents.subspan(4)));
     }
+    if (metadata.profile.empty() && metadata.ownProfile.empty())
+        colours.giveTo(metadata);
     return metadata;
 }
 
@@ -243,10 +295,27 @@ PhotoMetadata readPhotoMetadata(std::span<const u8> file)
     return {};
 }
 
-bool addPhotoMetadata(std::vector<u8>& file, const PhotoMetadata& metadata, u32 width, u32 height)
+PhotoMetadata photoMetadata(FormatHeader header)
+{
+    PhotoMetadata metadata;
+    takeExif(metadata, header.exif);
+    metadata.orientation = header.orientation.value_or(metadata.orientation);
+    takeProfile(metadata, std::move(header.profile));
+    if (metadata.profile.empty() && metadata.ownProfile.empty())
+        metadata.colours = header.colours;
+    return metadata;
+}
+
+std::vector<u8> uprightExif(const PhotoMetadata& metadata, u32 width, u32 height)
 {
     std::vector<u8> exif = metadata.exif;
     describeUpright(exif, width, height);
+    return exif;
+}
+
+bool addPhotoMetadata(std::vector<u8>& file, const PhotoMetadata& metadata, u32 width, u32 height)
+{
+    const std::vector<u8> exif = uprightExif(metadata, width, height);
     std::vector<u8> added;
     std::size_t place = 0;
     bool complete = true;

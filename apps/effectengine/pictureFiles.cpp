@@ -6,6 +6,7 @@
 #include "hosting/imageView.h"
 #include "pictures/JpegCodec.h"
 #include "pictures/PictureCodecs.h"
+#include "pictures/PngEncoder.h"
 
 #include <unistd.h>
 
@@ -30,7 +31,40 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr unsigned kLargestSide = EFFECTENGINE_LARGEST_SIDE;
-constexpr std::array kWritable{".png", ".jpg", ".jpeg", ".bmp", ".tga"};
+
+/// What the tool does with files of a name.
+struct Extension {
+    std::string_view name;
+    bool written = false;
+    bool quality = false;
+    bool effort = false;
+};
+constexpr std::array kExtensions{
+    Extension{.name = ".png", .written = true, .effort = true},
+    Extension{.name = ".jpg", .written = true, .quality = true},
+    Extension{.name = ".jpeg", .written = true, .quality = true},
+    Extension{.name = ".webp", .written = true, .quality = true, .effort = true},
+    Extension{.name = ".avif", .written = true, .quality = true, .effort = true},
+    Extension{.name = ".jxl", .written = true, .quality = true, .effort = true},
+    Extension{.name = ".tif", .written = true, .effort = true},
+    Extension{.name = ".tiff", .written = true, .effort = true},
+    Extension{.name = ".bmp", .written = true},
+    Extension{.name = ".tga", .written = true},
+    Extension{.name = ".gif"},
+    Extension{.name = ".psd"},
+    Extension{.name = ".pic"},
+    Extension{.name = ".ppm"},
+    Extension{.name = ".pgm"},
+    Extension{.name = ".hdr"},
+};
+
+/// What is known of a file by its name; nothing of other names.
+Extension extensionOf(const fs::path& file)
+{
+    const std::string name = lowerExtension(file);
+    const auto found = std::ranges::find(kExtensions, name, &Extension::name);
+    return found == kExtensions.end() ? Extension{} : *found;
+}
 
 constexpr std::array<std::pair<std::string_view, std::string_view>, 15> kKinds{{
     {"\x89PNG", "a PNG file"},
@@ -81,8 +115,8 @@ std::ifstream openPicture(const fs::path& file)
     return std::ifstream(file, std::ios::binary);
 }
 
-void checkDecoded(
-    const fs::path& file, std::istream& stream, const pictures::Decoded& picture, const char* what)
+template <class Picture>
+void checkDecoded(const fs::path& file, std::istream& stream, const Picture& picture, const char* what)
 {
     using Outcome = pictures::Decoded::Outcome;
     if (picture.outcome == Outcome::tooLarge)
@@ -100,6 +134,51 @@ void checkDecoded(
 PictureSize upright(PictureSize stored, int orientation)
 {
     return turnOf(orientation).swapsSides ? PictureSize{stored.height, stored.width} : stored;
+}
+
+/// Whether colours by these numbers are sRGB, as far as anybody tells them apart.
+bool isSrgb(ColourCode code)
+{
+    constexpr std::array kPrimaries{1u, 2u};
+    constexpr std::array kTransfers{1u, 2u, 6u, 13u, 14u, 15u};
+    return std::ranges::find(kPrimaries, code.primaries) != kPrimaries.end()
+        && std::ranges::find(kTransfers, code.transfer) != kTransfers.end();
+}
+
+/// The picture in 8 bits, which is taken from memory that it leaves.
+RawPicture rounded(RawPicture deep)
+{
+    if (!deep.deep)
+        return deep;
+    RawPicture result{.width = deep.width, .height = deep.height, .inks = deep.inks};
+    allocate(result);
+    if (!result.samples)
+        throw std::bad_alloc();
+    const u16* const from = reinterpret_cast<const u16*>(deep.samples.get());
+    std::transform(from, from + std::size_t{deep.width} * deep.height * 4, result.samples.get(),
+        [](u16 value) { return pictures::rounded8(value); });
+    return result;
+}
+
+/// Blue, green and red that are left of white light when inks take theirs from it.
+void printInks(RawPicture& picture)
+{
+    u8* const end = picture.samples.get() + std::size_t{picture.width} * picture.height * 4;
+    for (u8* pixel = picture.samples.get(); pixel != end; pixel += 4) {
+        const auto left = [black = 255 - pixel[3]](u8 ink) { return u8((255 - ink) * black / 255); };
+        const u8 red = left(pixel[0]);
+        pixel[1] = left(pixel[1]);
+        pixel[0] = left(pixel[2]);
+        pixel[2] = red;
+        pixel[3] = 255;
+    }
+    picture.inks = false;
+}
+
+bool isForInks(const std::vector<u8>& profile)
+{
+    constexpr std::size_t kSpace = 16;
+    return profile.size() > kSpace + 4 && std::memcmp(profile.data() + kSpace, "CMYK", 4) == 0;
 }
 
 // All bytes of a file. None when it cannot be read, or is larger than any picture that can be decoded.
@@ -127,9 +206,21 @@ std::string lowerExtension(const fs::path& file)
     return extension;
 }
 
-bool canBeWritten(const fs::path& file)
+bool canBeWritten(const fs::path& file) { return extensionOf(file).written; }
+
+bool canBeRead(const fs::path& file) { return !extensionOf(file).name.empty(); }
+
+bool hasQuality(const fs::path& file) { return extensionOf(file).quality; }
+
+bool hasEffort(const fs::path& file) { return extensionOf(file).effort; }
+
+std::vector<std::string> writtenKinds()
 {
-    return std::ranges::find(kWritable, lowerExtension(file)) != kWritable.end();
+    std::vector<std::string> kinds;
+    for (const Extension& extension : kExtensions)
+        if (extension.written)
+            kinds.emplace_back(extension.name.substr(1));
+    return kinds;
 }
 
 fs::path directoryOf(const fs::path& file) { return file.parent_path().empty() ? "." : file.parent_path(); }
@@ -142,32 +233,106 @@ void makeDirectory(const fs::path& directory)
         throwCannotWrite(directory, error ? error.value() : EEXIST);
 }
 
-PictureFile::PictureFile(fs::path file) : path_(std::move(file))
+PictureFile::PictureFile(fs::path file, Colours colours) : path_(std::move(file))
 {
+    constexpr const char* kNoPicture = "not a picture that can be decoded";
     std::ifstream stream = openPicture(path_);
     bytes_ = contentsOf(path_);
-    metadata_ = readPhotoMetadata(bytes_);
-    const pictures::Decoded header = isJpeg() ? pictures::inspectJpeg(bytes_) : pictures::inspect(stream);
-    checkDecoded(path_, stream, header, "not a picture that can be decoded");
-    stored_ = {header.width, header.height};
+    further_ = furtherKindOf(bytes_);
+    if (further_) {
+        FormatHeader header = formatOf(*further_).inspect(bytes_);
+        checkDecoded(path_, stream, header, kNoPicture);
+        stored_ = {header.width, header.height};
+        hasMore_ = header.pictures > 1;
+        metadata_ = photoMetadata(std::move(header));
+    } else {
+        metadata_ = readPhotoMetadata(bytes_);
+        const pictures::Decoded header = isJpeg() ? pictures::inspectJpeg(bytes_) : pictures::inspect(stream);
+        checkDecoded(path_, stream, header, kNoPicture);
+        stored_ = {header.width, header.height};
+    }
+    settleColours(colours);
+}
+
+// Colours that a file tells in numbers stay what they are by a profile that says the same.
+void PictureFile::settleColours(Colours colours)
+{
+    if (metadata_.colours && !isSrgb(*metadata_.colours)) {
+        metadata_.profile = colourConversion().profileOf(*metadata_.colours);
+        if (metadata_.profile.empty())
+            warn(path_.string() + ": its colours are taken for sRGB, which they are not");
+    }
+    if (isForInks(metadata_.ownProfile)) {
+        convertedFrom_ = metadata_.ownProfile;
+    } else if (colours == Colours::srgb) {
+        if (metadata_.chromaticities)
+            metadata_.profile = colourConversion().profileOf(*metadata_.chromaticities);
+        convertedFrom_ = metadata_.profile.empty() ? metadata_.ownProfile : metadata_.profile;
+        metadata_.profile.clear();
+    }
 }
 
 bool PictureFile::isJpeg() const { return pictures::beginsLikeJpeg(bytes_); }
 
 PictureSize PictureFile::size() const { return upright(stored_, metadata_.orientation); }
 
+// The samples of the file as they are, where they are not simply decoded to 8 bits.
+RawPicture PictureFile::stored() const
+{
+    if (further_)
+        return formatOf(*further_).decode(bytes_);
+    const auto asRaw = [](auto picture, bool inks) {
+        RawPicture raw{picture.outcome, picture.width, picture.height, sizeof(*picture.pixels.get()) == 2,
+            inks, nullptr};
+        raw.samples.reset(reinterpret_cast<u8*>(picture.pixels.release()));
+        return raw;
+    };
+    if (isJpeg() && isForInks(convertedFrom_))
+        if (pictures::Decoded inks = pictures::decodeJpegInks(bytes_); inks.pixels)
+            return asRaw(std::move(inks), true);
+    if (isJpeg())
+        return asRaw(pictures::decodeJpeg(bytes_), false);
+    std::ifstream stream = openPicture(path_);
+    return pictures::isDeep(stream) ? asRaw(pictures::decodeDeep(stream), false)
+                                    : asRaw(pictures::decode(stream), false);
+}
+
+// The stored picture in 8 bits, in the colours that are wanted.
+pictures::Decoded PictureFile::decoded() const
+{
+    if (!further_ && convertedFrom_.empty()) {
+        if (isJpeg())
+            return pictures::decodeJpeg(bytes_);
+        std::ifstream stream = openPicture(path_);
+        return pictures::decode(stream);
+    }
+    RawPicture picture = stored();
+    if (picture.outcome != pictures::Decoded::Outcome::picture)
+        return {picture.outcome, picture.width, picture.height, nullptr};
+    if (!convertedFrom_.empty()) {
+        if (auto converted = colourConversion().toSrgb(picture, convertedFrom_))
+            picture = std::move(*converted);
+        else
+            warn(path_.string() + ": its colour profile cannot be used");
+    }
+    picture = rounded(std::move(picture));
+    if (picture.inks)
+        printInks(picture);
+    return {picture.outcome, picture.width, picture.height, std::move(picture.samples)};
+}
+
 void PictureFile::loadInto(const host::Image& image) const
 {
     const pixels::View target = viewOf(image);
     const PictureSize wanted = {unsigned(target.width()), unsigned(target.height())};
     const PictureSize stored = upright(wanted, metadata_.orientation); // swapping the sides undoes itself
-    if (isJpeg() && metadata_.orientation == 1 && stored == stored_) {
+    if (isJpeg() && metadata_.orientation == 1 && stored == stored_ && convertedFrom_.empty()) {
         const auto top = reinterpret_cast<u8*>(target.pictureRow(0).data());
         if (pictures::decodeJpegInto(bytes_, stored.width, stored.height, {top, -target.strideBytes()}))
             return;
     }
+    pictures::Decoded picture = decoded();
     std::ifstream stream = openPicture(path_);
-    pictures::Decoded picture = isJpeg() ? pictures::decodeJpeg(bytes_) : pictures::decode(stream);
     checkDecoded(path_, stream, picture, "damaged or cut short");
     if (!pictures::scale(picture, stored.width, stored.height))
         throw ToolError(ExitCode::internal, "not enough memory to scale " + path_.string());
@@ -179,7 +344,7 @@ void PictureFile::loadInto(const host::Image& image) const
 
 PictureSize sizeOf(const fs::path& file) { return PictureFile(file).size(); }
 
-PhotoMetadata metadataOf(const fs::path& file) { return readPhotoMetadata(contentsOf(file)); }
+PhotoMetadata metadataOf(const fs::path& file) { return PictureFile(file).metadata(); }
 
 PictureSize parseSize(const std::string& text)
 {
@@ -207,10 +372,10 @@ PictureSize fitted(PictureSize size)
     return {scaled(size.width), scaled(size.height)};
 }
 
-host::Image loadPicture(const fs::path& file, PictureSize size)
+host::Image loadPicture(const fs::path& file, PictureSize size, Colours colours)
 {
     host::Image image(size.width, size.height);
-    PictureFile(file).loadInto(image);
+    PictureFile(file, colours).loadInto(image);
     return image;
 }
 
@@ -227,34 +392,86 @@ void checkPlace(const fs::path& file)
 
 void checkOutput(const fs::path& file)
 {
-    if (!canBeWritten(file))
+    if (!canBeWritten(file)) {
+        std::string names;
+        for (const std::string& kind : writtenKinds())
+            names += (names.empty() ? "." : ", .") + kind;
         throw ToolError(ExitCode::cannotWrite,
-            "cannot write " + file.string() + ": the name must end in .png, .jpg, .jpeg, .bmp or .tga");
+            "cannot write " + file.string() + ": the name must end in one of " + names);
+    }
     checkPlace(file);
 }
 
-void savePicture(CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata)
+namespace {
+
+std::vector<u8> encodePng(pixels::ConstView picture, Effort effort)
+{
+    pictures::PngEncoder encoder(
+        effort == Effort::small ? pictures::PngEffort::small : pictures::PngEffort::fast);
+    const auto bytes = encoder.encode({.top = reinterpret_cast<const u8*>(picture.pictureRow(0).data()),
+        .stride = -picture.strideBytes(),
+        .width = u32(picture.width()),
+        .height = u32(picture.height())});
+    return {bytes.begin(), bytes.end()};
+}
+
+std::vector<u8> encodePlain(pictures::Kind kind, pixels::ConstView picture)
+{
+    const std::size_t stride = std::size_t(picture.width()) * 4;
+    const auto topFirst = std::make_unique_for_overwrite<u8[]>(std::size_t(picture.height()) * stride);
+    for (int row = 0; row < picture.height(); ++row)
+        std::memcpy(topFirst.get() + std::size_t(row) * stride, picture.pictureRow(row).data(), stride);
+    return pictures::encode(kind, topFirst.get(), u32(picture.width()), u32(picture.height()));
+}
+
+bool isOpaque(pixels::ConstView picture)
+{
+    constexpr std::size_t kAlpha = 3;
+    for (int row = 0; row < picture.height(); ++row) {
+        const auto* const bytes = reinterpret_cast<const u8*>(picture.pictureRow(row).data());
+        for (std::size_t i = kAlpha; i < std::size_t(picture.width()) * 4; i += 4)
+            if (bytes[i] != 255)
+                return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::vector<u8> encodePicture(
+    CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata, const SaveOptions& options)
 {
     const pixels::ConstView picture = host::viewOf(image);
     const PictureSize size{unsigned(picture.width()), unsigned(picture.height())};
+    const auto top = reinterpret_cast<const u8*>(picture.pictureRow(0).data());
     const auto kind = pictures::kindOf(file.string());
     std::vector<u8> bytes;
-    if (kind == pictures::Kind::jpeg) {
-        const auto top = reinterpret_cast<const u8*>(picture.pictureRow(0).data());
-        bytes = pictures::encodeJpeg({top, -picture.strideBytes()}, size.width, size.height);
+    if (const auto further = furtherKindNamed(lowerExtension(file))) {
+        const std::vector<u8> exif = uprightExif(metadata, size.width, size.height);
+        bytes = formatOf(*further).encode(
+            {top, -picture.strideBytes(), size.width, size.height, isOpaque(picture), exif, metadata.profile},
+            options);
+    } else if (kind == pictures::Kind::jpeg) {
+        pictures::JpegQuality quality;
+        quality.percent = options.quality.value_or(quality.percent);
+        bytes = pictures::encodeJpeg({top, -picture.strideBytes()}, size.width, size.height, quality);
+    } else if (kind == pictures::Kind::png) {
+        bytes = encodePng(picture, options.effort);
     } else if (kind) {
-        const std::size_t stride = std::size_t{size.width} * 4;
-        const auto topFirst = std::make_unique_for_overwrite<u8[]>(size.height * stride);
-        for (std::size_t row = 0; row < size.height; ++row)
-            std::memcpy(topFirst.get() + row * stride, picture.pictureRow(int(row)).data(), stride);
-        bytes = pictures::encode(*kind, topFirst.get(), size.width, size.height);
+        bytes = encodePlain(*kind, picture);
     }
     if (bytes.empty())
         throw ToolError(
             ExitCode::cannotWrite, "cannot write " + file.string() + ": its kind holds no such picture");
     if (!addPhotoMetadata(bytes, metadata, size.width, size.height))
         warn(file.string() + ": the EXIF data or the colour profile is too large for this kind of file");
-    writeFile(file, bytes);
+    return bytes;
+}
+
+void savePicture(
+    CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata, const SaveOptions& options)
+{
+    writeFile(file, encodePicture(image, file, metadata, options));
 }
 
 } // namespace tool

@@ -5,7 +5,6 @@
 #include "effectengine/pictureFiles.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <set>
 
@@ -15,13 +14,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::array kReadable{
-    ".png", ".jpg", ".jpeg", ".bmp", ".tga", ".gif", ".psd", ".pic", ".ppm", ".pgm", ".hdr"};
-
 bool looksLikePicture(const fs::directory_entry& entry)
 {
     return entry.is_regular_file() && !entry.path().filename().string().starts_with('.')
-        && std::ranges::find(kReadable, lowerExtension(entry.path())) != kReadable.end();
+        && canBeRead(entry.path());
 }
 
 template <class Iterator> std::vector<fs::path> picturesOf(const fs::path& folder)

@@ -43,10 +43,13 @@ fs::path frameFile(const fs::path& directory, int index)
     return directory / name;
 }
 
-// Whether the output is one picture; numbered pictures are written as clips are.
-bool isOnePicture(const fs::path& out)
+// Whether the output is one picture; numbered pictures are written as clips are. Kinds that hold animations
+// as well are for pictures what they are for clips.
+bool isOnePicture(const fs::path& out, const fs::path& from)
 {
-    return canBeWritten(out) && out.string().find('%') == std::string::npos;
+    const std::string extension = lowerExtension(out);
+    const bool mayMove = extension == ".webp" || extension == ".avif";
+    return canBeWritten(out) && out.string().find('%') == std::string::npos && (!mayMove || canBeRead(from));
 }
 
 // The colour profile, if both pictures have the same: with the profile of one, the colours of the other would
@@ -119,7 +122,7 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
 
 void transition(const Options& options, const SessionOptions& sessionOptions)
 {
-    if (options.frames == 0 && !isOnePicture(options.out))
+    if (options.frames == 0 && !isOnePicture(options.out, options.from))
         joinClips(options, sessionOptions); // handles signals itself
     else
         interruptibly([&] { showPictures(options, sessionOptions); });
