@@ -41,6 +41,8 @@ TEST(GreyPictures, GreymapsAndPixmapsOfEveryDepthAreScaledToTheirLargestValue)
     const Row rows[] = {
         {"P5\n2 1\n255\n\x01\xFF"s, {1, 1, 1, 255, 255, 255}, {257, 65535}, false},
         {"P5 2 1 65535\n\x12\x34\xFF\xFF"s, {18, 18, 18, 255, 255, 255}, {0x1234, 65535}, true},
+        {"P5 3 1 65535\n\x01\x81\x01\x82\x80\x7F"s, {1, 1, 1, 2, 2, 2, 128, 128, 128}, {385, 386, 32895},
+            true},
         {"P5#a\n#b c\r 2\t1 # 9\n1000 \x01\xF4\x03\xE8"s, {128, 128, 128, 255, 255, 255}, {32768, 65535},
             true},
         {"P5 3 1 3\n\x01\x03\x09"s, {85, 85, 85, 255, 255, 255, 255, 255, 255}, {21845, 65535, 65535}, false},

@@ -20,7 +20,9 @@ using Encoder = std::unique_ptr<JxlEncoder, decltype(&JxlEncoderDestroy)>;
 
 constexpr int kQuality = 90;
 constexpr int kWithoutLoss = 100;
-constexpr int kEfforts[]{7, 3, 8};            // by Effort, of 1 to 9
+// By Effort, of 1 to 9. Without loss 7 takes eighteen times as long as 3 for files 2 % smaller.
+constexpr int kEfforts[]{7, 3, 8};
+constexpr int kEffortsWithoutLoss[]{3, 1, 7};
 constexpr std::size_t kExifOffset = 4;        // a number in front of the block
 constexpr std::size_t kLargestBox = 64 << 20; // of metadata
 constexpr std::size_t kPart = 1 << 16;
@@ -248,15 +250,15 @@ bool addPixels(JxlEncoder* encoder, const PictureToSave& source, const SaveOptio
 {
     const int quality = options.quality.value_or(kQuality);
     JxlEncoderFrameSettings* const settings = JxlEncoderFrameSettingsCreate(encoder, nullptr);
-    if (!settings
-        || JxlEncoderFrameSettingsSetOption(
-               settings, JXL_ENC_FRAME_SETTING_EFFORT, kEfforts[std::size_t(options.effort)])
-            != JXL_ENC_SUCCESS
-        || JxlEncoderFrameSettingsSetOption(settings, JXL_ENC_FRAME_SETTING_KEEP_INVISIBLE, 1)
-            != JXL_ENC_SUCCESS)
+    const bool lossless = quality == kWithoutLoss;
+    const int effort = (lossless ? kEffortsWithoutLoss : kEfforts)[std::size_t(options.effort)];
+    const auto set = [&](JxlEncoderFrameSettingId setting, int value) {
+        return settings && JxlEncoderFrameSettingsSetOption(settings, setting, value) == JXL_ENC_SUCCESS;
+    };
+    if (!set(JXL_ENC_FRAME_SETTING_EFFORT, effort) || !set(JXL_ENC_FRAME_SETTING_KEEP_INVISIBLE, 1))
         return false;
-    if ((quality == kWithoutLoss ? JxlEncoderSetFrameLossless(settings, JXL_TRUE)
-                                 : JxlEncoderSetFrameDistance(settings, distanceFor(quality)))
+    if ((lossless ? JxlEncoderSetFrameLossless(settings, JXL_TRUE)
+                  : JxlEncoderSetFrameDistance(settings, distanceFor(quality)))
         != JXL_ENC_SUCCESS)
         return false;
     const unsigned channels = source.opaque ? 3 : 4;

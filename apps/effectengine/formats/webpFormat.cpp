@@ -22,7 +22,8 @@ struct Methods {
     int lossy;    ///< 0 to 6
     int lossless; ///< a preset of 0 to 9
 };
-constexpr Methods kMethods[]{{4, 6}, {1, 1}, {6, 9}}; // by Effort
+// By Effort. The next preset without loss, 9, takes twenty times as long as 6 for files 4 % smaller.
+constexpr Methods kMethods[]{{4, 4}, {1, 1}, {6, 8}};
 
 WebPData dataOf(std::span<const u8> bytes) { return {bytes.data(), bytes.size()}; }
 
