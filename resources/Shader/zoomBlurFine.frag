@@ -1,11 +1,12 @@
-// Zoom blur: the nearest samples, of colours multiplied by alpha.
+// Zoom blur: the nearest samples, of colours multiplied by alpha. Nearer ones weigh less in proportion, as if all were
+// equally far apart.
 #version 120
 #include "zoomBlur.glsl"
 
 void main()
 {
     vec2 away = textureCoord - u_centre;
-    float nearness = fineStep(rest());
+    float nearness = fineStep();
     float factor = 1.0;
     vec4 sum = vec4(0.0);
     float weights = 0.0;
