@@ -15,7 +15,9 @@ float progress()
 
 float speed()
 {
-    return max(sin(3.14159265 * progress()), 0.0);
+    // Half a wave of a sine, at less cost.
+    float square = (progress() - 0.5) * (progress() - 0.5);
+    return 4.0 * progress() * (1.0 - progress()) * (1.0 - square * (0.9348 - 0.305 * square));
 }
 
 /// What is left of the way to the middle at the end of a streak.
