@@ -1,13 +1,14 @@
 // The first picture's screen colour becomes clear and shows the second picture.
 #version 120
-#include "picture.glsl"
 #include "colour.glsl"
 
+uniform sampler2D mSample0;
 uniform sampler2D mSample1;
 uniform vec3 u_screen = vec3(0.1, 0.7, 0.2); // colour of the screen
 uniform float u_tolerance = 0.35;            // 0..1
 uniform float u_softness = 0.2;              // 0..1
 uniform float u_spill = 0.8;                 // how much of the screen's tint is taken off the edges, 0..1
+varying vec2 textureCoord;                   // 0..1, y upward
 
 /// The two colour differences, without brightness: a shadow on the screen is still the screen.
 vec2 chroma(vec3 c)
@@ -17,7 +18,7 @@ vec2 chroma(vec3 c)
 
 void main()
 {
-    vec4 front = picture(textureCoord);
+    vec4 front = texture2D(mSample0, textureCoord);
     vec4 back = texture2D(mSample1, textureCoord);
     vec2 screen = chroma(u_screen);
     vec2 here = chroma(front.rgb);
