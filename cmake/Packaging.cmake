@@ -6,6 +6,9 @@ set(CPACK_PACKAGE_CONTACT "EffectEngine maintainers <maintainers@effectengine.ex
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime host development tools resources documents)
+if(EFFECTENGINE_GSTREAMER)
+    list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -58,6 +61,11 @@ effectengine_package(tools effectengine graphics ANY
     DESCRIPTION "Image and video effects on the command line
 Puts effects, chains and graphs on pictures, folders and clips, and makes
 contact sheets and galleries.")
+effectengine_package(gstreamer gstreamer1.0-effectengine video ANY
+    DEPENDS "libeffectenginehost${PROJECT_VERSION_MAJOR} ${same_version}"
+    DESCRIPTION "Image and video effects for GStreamer
+A plug-in with an element for every effect and every transition, and one for
+files with chains and graphs of them.")
 effectengine_package(resources effectengine-data graphics
     DESCRIPTION "Image and video effect engine, resources
 Configuration, descriptors and pictures that the engine is started with.")

@@ -1,6 +1,8 @@
 // GParamSpecs from the catalogue's facts, and the way of values to a run.
 #include "gstreamer/EffectProperties.h"
 
+#include "text/kebabCase.h"
+
 #include <gst/gst.h>
 
 #include <algorithm>
@@ -33,11 +35,6 @@ bool isEnumeration(const EffectHostParameter& parameter)
     return isWhole(parameter) && parameter.choiceCount > 0;
 }
 
-double initialOf(const EffectHostParameter& parameter, std::size_t element)
-{
-    return (parameter.hostDefault ? parameter.hostDefault : parameter.values)[element];
-}
-
 // Text that lives as long as the types do, which is to the end of the process.
 const char* kept(const std::string& text) { return g_intern_string(text.c_str()); }
 
@@ -46,7 +43,7 @@ GType enumerationOf(const EffectHostParameter& parameter, const std::string& nam
     auto* const values = g_new0(GEnumValue, parameter.choiceCount + 1);
     for (std::uint32_t i = 0; i < parameter.choiceCount; ++i)
         values[i] = {parameter.choices[i].value, kept(parameter.choices[i].name),
-            kept(kebabCase(parameter.choices[i].name))};
+            kept(text::kebabCase(parameter.choices[i].name))};
     const GType type = g_enum_register_static(name.c_str(), values); // which keeps the table
     gst_type_mark_as_plugin_api(type, GstPluginAPIFlags(0));
     return type;
@@ -83,7 +80,7 @@ GParamSpec* specOf(const Property& property, const std::string& typePrefix)
     const char* const help = kept(describe(property));
     if (isFile(parameter))
         return g_param_spec_string(name, title, help, nullptr, kFlags);
-    const double initial = initialOf(parameter, property.element);
+    const double initial = property.initial;
     if (isSwitch(parameter))
         return g_param_spec_boolean(name, title, help, initial != 0, kFlags);
     if (isEnumeration(parameter))
@@ -134,11 +131,10 @@ EffectProperties::EffectProperties(const std::vector<Property>& properties) : pr
 {
     for (const Property& property : properties) {
         if (values_.empty() || values_.back().parameter != property.parameter) {
-            Value value{property.parameter, {}, {}};
-            for (std::size_t i = 0; i < property.parameter->elements; ++i)
-                value.numbers.push_back(initialOf(*property.parameter, i));
-            values_.push_back(std::move(value));
+            values_.push_back({property.parameter, {}, {}});
         }
+        if (property.parameter->elements > 0)
+            values_.back().numbers.push_back(property.initial);
         valueIndex_.push_back(values_.size() - 1);
     }
 }
@@ -151,7 +147,13 @@ void EffectProperties::set(std::size_t property, const GValue* given)
         const char* const text = g_value_get_string(given);
         value.text = text ? text : "";
     } else {
-        value.numbers[properties_[property].element] = numberOf(*value.parameter, given);
+        double& number = value.numbers[properties_[property].element];
+        const double wanted = numberOf(*value.parameter, given);
+        // Projects set everything that they saved. What has been left alone stays the effect's own value,
+        // which may depend on the size of the frames.
+        if (!value.given && wanted == number)
+            return;
+        number = wanted;
     }
     value.given = value.pending = true;
 }
@@ -170,7 +172,8 @@ bool EffectProperties::apply(EffectHostRun* run, bool runIsNew)
 {
     const std::lock_guard lock(mutex_);
     for (Value& value : values_) {
-        if (!(runIsNew ? value.given : value.pending))
+        const bool isEmptyFile = isFile(*value.parameter) && value.text.empty();
+        if (!(runIsNew ? value.given : value.pending) || isEmptyFile)
             continue;
         if (!apply(run, value))
             return false;

@@ -1,6 +1,8 @@
 // Titles in kebab case; what would meet a property of every element gets "effect-" in front.
 #include "gstreamer/names.h"
 
+#include "text/kebabCase.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -11,11 +13,20 @@ namespace {
 
 // Properties that the base classes of elements have, and those of our own elements.
 constexpr std::array<std::string_view, 14> kTaken{"name", "parent", "qos", "latency", "min-upstream-latency",
-    "start-time", "start-time-selection", "emit-signals", "ignore-inactive-pads", "total-time", "start",
-    "duration", "file", "look"};
+    "start-time", "start-time-selection", "emit-signals", "force-live", "total-time", "start", "duration",
+    "file", "look"};
 
 // Parameters that tell effects where they are in time.
 constexpr std::array<std::string_view, 3> kOfTheFrame{"u_global_time", "u_total_time", "u_frame_rate"};
+
+// What effects read of a number that nobody has set: 0 where they do not declare it, but for those that
+// descriptors have in common, whose examples change nothing.
+double initialOf(const EffectHostEffect& effect, const EffectHostParameter& parameter, std::size_t element)
+{
+    if (parameter.hostDefault)
+        return parameter.hostDefault[element];
+    return parameter.declared || *effect.descriptor ? parameter.values[element] : 0;
+}
 
 template <std::size_t N> bool contains(const std::array<std::string_view, N>& all, std::string_view name)
 {
@@ -23,21 +34,6 @@ template <std::size_t N> bool contains(const std::array<std::string_view, N>& al
 }
 
 } // namespace
-
-std::string kebabCase(std::string_view title)
-{
-    std::string name;
-    for (const char c : title) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (std::isalnum(byte) && byte < 128)
-            name += char(std::tolower(byte));
-        else if (!name.empty() && name.back() != '-')
-            name += '-';
-    }
-    if (!name.empty() && name.back() == '-')
-        name.pop_back();
-    return name;
-}
 
 std::string typeName(std::string_view prefix, std::string_view effect)
 {
@@ -58,14 +54,15 @@ std::vector<Property> propertiesOf(const EffectHostEffect& effect)
         const EffectHostParameter& parameter = effect.parameters[i];
         if (contains(kOfTheFrame, parameter.name))
             continue;
-        std::string name = kebabCase(parameter.title);
+        std::string name = text::kebabCase(parameter.title);
         if (contains(kTaken, name) || !std::isalpha(static_cast<unsigned char>(name.front())))
             name = "effect-" + name;
-        if (parameter.elements <= 1)
+        if (parameter.elements == 0)
             all.push_back({&parameter, 0, name});
-        else
-            for (std::size_t element = 0; element < parameter.elements; ++element)
-                all.push_back({&parameter, element, name + '-' + std::to_string(element + 1)});
+        for (std::size_t element = 0; element < parameter.elements; ++element)
+            all.push_back({&parameter, element,
+                parameter.elements == 1 ? name : name + '-' + std::to_string(element + 1),
+                initialOf(effect, parameter, element)});
     }
     return all;
 }

@@ -10,10 +10,6 @@
 
 namespace bridge {
 
-/// Small letters and digits of a title with hyphens between its words: "bubbles-per-second" of
-/// "Bubbles per Second".
-std::string kebabCase(std::string_view title);
-
 /// "EffectGlow" for "glow", with a prefix: the name of a GObject type.
 std::string typeName(std::string_view prefix, std::string_view effect);
 
@@ -23,6 +19,7 @@ struct Property {
     const EffectHostParameter* parameter;
     std::size_t element;
     std::string name;
+    double initial = 0; ///< what elements begin with: the same bytes as when nothing is set
 };
 
 /// The properties of an effect in the order of its parameters, without those that hosts set for every frame.

@@ -104,6 +104,24 @@ std::string command(const Json::Value& effect)
     return effect["history"] == "none" ? "effectengine apply " + name + " in.jpg out.png\n" + video : video;
 }
 
+std::string elementName(const Json::Value& effect)
+{
+    return (effect["family"] == "transition" ? "ee-transition-" : "ee-") + text(effect["name"]);
+}
+
+// The element that the effect is in GStreamer.
+std::string pipeline(const Json::Value& effect)
+{
+    const std::string element = elementName(effect);
+    if (effect["inputs"].asUInt() > 1)
+        return "gst-launch-1.0 " + element
+            + " name=both ! videoconvert ! autovideosink \\\n"
+              "    filesrc location=from.mp4 ! decodebin ! both. \\\n"
+              "    filesrc location=to.mp4 ! decodebin ! both.";
+    return "gst-launch-1.0 filesrc location=in.mp4 ! decodebin ! videoconvert ! " + element
+        + " ! videoconvert ! autovideosink\ngst-inspect-1.0 " + element;
+}
+
 std::string code(const Json::Value& effect)
 {
     std::string lines = "GetFilter(&quot;" + text(effect["guid"]) + "&quot;, width, height, &amp;filter);\n";
@@ -119,7 +137,8 @@ std::string effectPage(const Json::Value& data, const Json::Value& effect)
     return filledIn(pageParts::effectPageHtml,
         {{"title", text(effect["title"])}, {"summary", text(effect["summary"])},
             {"pictures", figures(data, effect)}, {"facts", facts(effect)},
-            {"parameters", parameterTable(effect)}, {"command", command(effect)}, {"code", code(effect)}});
+            {"parameters", parameterTable(effect)}, {"command", command(effect)},
+            {"pipeline", pipeline(effect)}, {"code", code(effect)}});
 }
 
 std::string indexPage(const Json::Value& data)
