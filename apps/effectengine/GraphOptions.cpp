@@ -51,7 +51,7 @@ bool GraphOptions::given() const
     return !values_->effects.empty() || !values_->graph.empty() || !values_->preset.empty();
 }
 
-Look GraphOptions::look(const std::string& effect) const
+Look GraphOptions::look(const std::string& effect, bool mayWrite) const
 {
     const Values& v = *values_;
     const std::string file = v.graph.empty() ? v.preset : v.graph;
@@ -67,7 +67,7 @@ Look GraphOptions::look(const std::string& effect) const
             look.assign(*nextParameter++);
     }
     warnOf(look, file);
-    if (!v.savedPreset.empty())
+    if (mayWrite && !v.savedPreset.empty())
         writeTextFile(v.savedPreset, look.info().json);
     return look;
 }

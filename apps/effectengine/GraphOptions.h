@@ -21,9 +21,9 @@ public:
     bool given() const;
 
     /// The look, checked. Parameters belong to the effect named last before them, and without -e to
-    /// `effect` or to the preset's last one. Warnings go to stderr; --save-preset is obeyed. Throws
-    /// ToolError and LookError.
-    Look look(const std::string& effect = {}) const;
+    /// `effect` or to the preset's last one. Warnings go to stderr; --save-preset is obeyed unless nothing
+    /// may be written. Throws ToolError and LookError.
+    Look look(const std::string& effect = {}, bool mayWrite = true) const;
 
 private:
     struct Values;

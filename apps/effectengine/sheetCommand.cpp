@@ -8,10 +8,12 @@
 #include "effectengine/exampleLook.h"
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
+#include "effectengine/runPlan.h"
 #include "hosting/imageView.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <memory>
 
 namespace tool {
@@ -32,6 +34,7 @@ struct Options {
     int columns = 6;
     double time = 2;
     ProgressKind progress = ProgressKind::automatic;
+    DryRunOptions dryRun;
 };
 
 PictureSize tileSize(const Options& options)
@@ -88,6 +91,24 @@ private:
     std::vector<host::Image> pictures_;
 };
 
+void printPlan(const Options& options, const std::vector<KEXSDK::EffectInfo>& effects, PictureSize tile)
+{
+    RunPlan plan("sheet");
+    std::vector<std::string> names;
+    std::ranges::transform(effects, std::back_inserter(names), &KEXSDK::EffectInfo::name);
+    plan.setEffects(names);
+    plan.setFact("tileWidth", tile.width);
+    plan.setFact("tileHeight", tile.height);
+    PlannedStep step;
+    step.reads.push_back({options.in, sizeOf(options.in)});
+    if (!options.second.empty())
+        step.reads.push_back({options.second, sizeOf(options.second)});
+    step.writes.push_back({options.out, {}});
+    step.action = actionFor(options.out);
+    plan.add(std::move(step));
+    print(plan, options.dryRun);
+}
+
 void sheet(const Options& options, const SessionOptions& sessionOptions)
 {
     const std::vector<KEXSDK::EffectInfo> effects = chosen(options.choice);
@@ -100,6 +121,8 @@ void sheet(const Options& options, const SessionOptions& sessionOptions)
     if (!options.second.empty())
         sizeOf(options.second);
     const PictureSize tile = tileSize(options);
+    if (options.dryRun.wanted)
+        return printPlan(options, effects, tile);
     const Session session(sessionOptions);
     const TilePainter painter(options, tile);
     ContactSheet result(effects.size(), options.columns, {int(tile.width), int(tile.height)});
@@ -140,6 +163,7 @@ void addSheetCommand(CLI::App& tool, const SessionOptions& session)
         ->check(CLI::Range(0.0, 60.0))
         ->type_name("SECONDS");
     addProgressOption(*command, options->progress);
+    addDryRunOptions(*command, options->dryRun);
     command->footer("Examples:\n"
                     "  effectengine sheet in.jpg sheet.png --kind am-look\n"
                     "  effectengine sheet from.jpg sheet.png --second to.jpg --kind transition --columns 9");

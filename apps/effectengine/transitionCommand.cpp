@@ -6,6 +6,7 @@
 #include "effectengine/commands.h"
 #include "effectengine/interruption.h"
 #include "effectengine/pictureFiles.h"
+#include "effectengine/runPlan.h"
 
 #include <cstdio>
 #include <memory>
@@ -32,14 +33,17 @@ struct Options {
     std::string size;
     bool stretch = false;
     EncodingOptions encoding;
+    DryRunOptions dryRun;
 };
 
 constexpr double kMiddle = 0.5;
 
+constexpr const char* kFramePattern = "frame-%04d.png";
+
 fs::path frameFile(const fs::path& directory, int index)
 {
     char name[32];
-    std::snprintf(name, sizeof name, "frame-%04d.png", index);
+    std::snprintf(name, sizeof name, kFramePattern, index);
     return directory / name;
 }
 
@@ -65,6 +69,9 @@ PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
 
 void joinClips(const Options& options, const SessionOptions& session)
 {
+    if (options.dryRun.wanted)
+        throw ToolError(
+            ExitCode::usage, "--dry-run tells of transitions between pictures, not between clips");
     ClipTransitionOptions clips;
     clips.effect = options.name;
     clips.parameters = options.parameters;
@@ -77,6 +84,26 @@ void joinClips(const Options& options, const SessionOptions& session)
     clips.stretch = options.stretch;
     clips.encoding = options.encoding;
     runClipTransition(clips, session);
+}
+
+void printPlan(const Options& options, const Look& look, PictureSize size)
+{
+    RunPlan plan("transition");
+    plan.setLook(look);
+    PlannedStep step;
+    for (const fs::path& file : {options.from, options.to})
+        step.reads.push_back({file, sizeOf(file)});
+    if (options.frames == 0) {
+        plan.setFact("progress", options.at.value_or(kMiddle));
+        checkOutput(options.out);
+        step.writes.push_back({options.out, size});
+    } else {
+        plan.setFact("frames", options.frames);
+        step.writes.push_back({options.out / kFramePattern, size});
+    }
+    step.action = actionFor(options.frames == 0 ? options.out : frameFile(options.out, 0));
+    plan.add(std::move(step));
+    print(plan, options.dryRun);
 }
 
 void showPictures(const Options& options, const SessionOptions& sessionOptions)
@@ -92,6 +119,8 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
     const Look look = transitionLook(options.name, options.parameters);
     const PictureSize size = options.size.empty() ? fitted(sizeOf(options.from)) : parseSize(options.size);
+    if (options.dryRun.wanted)
+        return printPlan(options, look, size);
     sizeOf(options.to);
     if (options.frames == 0)
         checkOutput(options.out);
@@ -161,6 +190,7 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
     command->add_flag("--stretch", options->stretch,
         "clip: TO fills the picture of FROM, without black bars but out of shape");
     addEncodingOptions(*command, options->encoding);
+    addDryRunOptions(*command, options->dryRun);
     command->callback([options, &session] { transition(*options, session); });
 }
 
