@@ -93,12 +93,11 @@ void ContactSheet::label(std::size_t tile, std::string text)
 
 void ContactSheet::save(const std::filesystem::path& file) const
 {
-    PartialFile partial(file);
-    errno = 0;
-    if (!pictures::save(partial.path().string(), reinterpret_cast<const u8*>(pixels_.data()),
-            u32(size_.width), u32(size_.height)))
-        throwCannotWrite(file, errno ? errno : EIO);
-    partial.keep();
+    const auto bytes = pictures::encode(pictures::Kind::png, reinterpret_cast<const u8*>(pixels_.data()),
+        u32(size_.width), u32(size_.height));
+    if (bytes.empty())
+        throwCannotWrite(file, EFBIG);
+    writeFile(file, bytes);
 }
 
 } // namespace tool

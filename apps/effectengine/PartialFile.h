@@ -23,8 +23,13 @@ public:
     const std::filesystem::path& path() const { return path_; }
     const std::filesystem::path& target() const { return target_; }
 
-    /// Writes the whole contents of the hidden file. Throws ToolError.
+    /// Writes the whole contents of the hidden file, which has no name before it is complete where the file
+    /// system allows that. Throws ToolError.
     void write(std::span<const unsigned char> bytes) const;
+
+    /// To be called before someone else writes the hidden file: makes it and keeps it locked, so that nobody
+    /// takes it for what a killed process has left, and removes what such ones have left of this target.
+    void claim();
 
     /// Gives the written file the target's name, and the permissions of the file that was there. Throws
     /// ToolError, also when that file was protected.
@@ -35,6 +40,7 @@ private:
     std::filesystem::path path_;
     Leftover leftover_;
     bool kept_ = false;
+    int lock_ = -1; ///< open file that holds the lock of a claimed file
 };
 
 /// Whether the rest of a name is the number of a process that has ended, alone or followed by a hyphen: what

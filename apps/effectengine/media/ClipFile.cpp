@@ -49,6 +49,7 @@ ClipFile::ClipFile(
     for (auto& track : tracks)
         addTrack(std::move(track));
 
+    file_.claim();
     check(avio_open(&opened->pb, ("file:" + file_.path().string()).c_str(), AVIO_FLAG_WRITE));
     Dictionary options;
     if (isQuickTimeKind(container))
