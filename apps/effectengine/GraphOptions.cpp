@@ -51,6 +51,13 @@ bool GraphOptions::given() const
     return !values_->effects.empty() || !values_->graph.empty() || !values_->preset.empty();
 }
 
+std::string GraphOptions::fileStem() const
+{
+    const Values& v = *values_;
+    return v.effects.empty() ? std::filesystem::path(v.graph.empty() ? v.preset : v.graph).stem().string()
+                             : "";
+}
+
 Look GraphOptions::look(const std::string& effect, bool mayWrite) const
 {
     const Values& v = *values_;

@@ -20,6 +20,9 @@ public:
     /// Whether -e, --graph or --preset was given; if not, the verb may take an effect's name as a word.
     bool given() const;
 
+    /// The name, without extension, of the file of --graph or --preset, if the look is what that file says.
+    std::string fileStem() const;
+
     /// The look, checked. Parameters belong to the effect named last before them, and without -e to
     /// `effect` or to the preset's last one. Warnings go to stderr; --save-preset is obeyed unless nothing
     /// may be written. Throws ToolError and LookError.

@@ -17,6 +17,7 @@ enum class ExitCode {
     unreadable = 4,   ///< an input exists but cannot be read or decoded
     cannotWrite = 5,  ///< the output cannot be written
     effectFailed = 6, ///< an effect could not be made or run
+    someFailed = 6,   ///< some pictures of a batch failed, and the rest are done
     diskFull = 7,     ///< the output's file system has no room
     noGraphics = 8,   ///< the graphics system did not start
 };
@@ -37,8 +38,17 @@ public:
     explicit AlreadyReported(ExitCode code) : ToolError(code, "") { }
 };
 
-/// Runs the work; a failure becomes one line on stderr, with `place` in front of messages that do not name a
-/// file or node themselves. Exceptions that are no std::exception pass.
+/// How work ended: with success, or with a code and the words that say why.
+struct Outcome {
+    ExitCode code = ExitCode::success;
+    std::string words{}; ///< empty for success, and for what was reported before
+};
+
+/// Runs the work and gives a failure's words, with `place` in front of messages that do not name a file or
+/// node themselves. Exceptions that are no std::exception pass.
+template <class Work> Outcome outcomeOf(Work work, const std::string& place = {});
+
+/// Runs the work as above; a failure becomes one line on stderr.
 template <class Work> ExitCode reportingFailure(Work work, const std::string& place = {});
 
 /// Prints "effectengine: MESSAGE" on a line of its own, also when a progress bar is shown.
@@ -48,24 +58,27 @@ void warn(const std::string& message);
 
 ExitCode codeOf(EffectHostResult result);
 
-template <class Work> ExitCode reportingFailure(Work work, const std::string& place)
+template <class Work> Outcome outcomeOf(Work work, const std::string& place)
 {
     const std::string front = place.empty() ? place : place + ": ";
     try {
         work();
-        return ExitCode::success;
-    } catch (const AlreadyReported& error) {
-        return error.code();
+        return {};
     } catch (const ToolError& error) {
-        complain(error.what());
-        return error.code();
+        return {error.code(), error.what()};
     } catch (const LookError& error) {
-        complain(front + error.what());
-        return codeOf(error.code());
+        return {codeOf(error.code()), front + error.what()};
     } catch (const std::exception& error) {
-        complain(front + error.what());
-        return ExitCode::internal;
+        return {ExitCode::internal, front + error.what()};
     }
+}
+
+template <class Work> ExitCode reportingFailure(Work work, const std::string& place)
+{
+    const Outcome outcome = outcomeOf(work, place);
+    if (!outcome.words.empty())
+        complain(outcome.words);
+    return outcome.code;
 }
 
 } // namespace tool

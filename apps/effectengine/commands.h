@@ -10,6 +10,7 @@ namespace tool {
 void addListCommand(CLI::App& tool);
 void addDescribeCommand(CLI::App& tool);
 void addApplyCommand(CLI::App& tool, const SessionOptions& session);
+void addWatchCommand(CLI::App& tool, const SessionOptions& session);
 void addLutCommand(CLI::App& tool);
 void addTransitionCommand(CLI::App& tool, const SessionOptions& session);
 void addManCommand(CLI::App& tool);

@@ -124,6 +124,14 @@ void stopIfAsked()
         throw Interrupted();
 }
 
+void untilAsked(const std::function<void()>& part)
+{
+    try {
+        part();
+    } catch (const Interrupted&) {
+    }
+}
+
 void interruptibly(const std::function<void()>& work)
 {
     {

@@ -19,6 +19,10 @@ bool stopAsked() noexcept;
 /// Throws when a signal has come; what is thrown is for interruptibly() alone to catch.
 void stopIfAsked();
 
+/// Runs a part of the work; what stopIfAsked() throws in it ends that part alone, for work that has something
+/// to say at its end before it stops as well.
+void untilAsked(const std::function<void()>& part);
+
 /// A file that goes with the process when it is ended by force while this lives.
 class Leftover {
 public:

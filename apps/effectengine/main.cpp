@@ -7,21 +7,22 @@ namespace tool {
 
 namespace {
 
-constexpr const char* kFooter = "Examples:\n"
-                                "  effectengine list --search blur\n"
-                                "  effectengine apply hue-shift -p Hue=20 in.jpg out.png\n"
-                                "  effectengine apply --help\n"
-                                "\n"
-                                "Exit codes:\n"
-                                "  0  done\n"
-                                "  1  internal fault\n"
-                                "  2  bad command line, unknown effect or parameter, bad value\n"
-                                "  3  missing input\n"
-                                "  4  unreadable input\n"
-                                "  5  cannot write the output\n"
-                                "  6  an effect failed\n"
-                                "  7  disk full\n"
-                                "  8  the graphics system did not start";
+constexpr const char* kFooter =
+    "Examples:\n"
+    "  effectengine list --search blur\n"
+    "  effectengine apply hue-shift -p Hue=20 in.jpg out.png\n"
+    "  effectengine apply --help\n"
+    "\n"
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  internal fault\n"
+    "  2  bad command line, unknown effect or parameter, bad value\n"
+    "  3  missing input\n"
+    "  4  unreadable input\n"
+    "  5  cannot write the output\n"
+    "  6  an effect failed; of many pictures: some failed, and the rest are done\n"
+    "  7  disk full\n"
+    "  8  the graphics system did not start";
 
 void run(int argc, char** argv)
 {
@@ -39,6 +40,7 @@ void run(int argc, char** argv)
     addListCommand(tool);
     addDescribeCommand(tool);
     addApplyCommand(tool, session);
+    addWatchCommand(tool, session);
     addLutCommand(tool);
     addTransitionCommand(tool, session);
     addSheetCommand(tool, session);

@@ -223,6 +223,14 @@ std::vector<std::string> writtenKinds()
     return kinds;
 }
 
+std::vector<std::string> readExtensions()
+{
+    std::vector<std::string> names;
+    for (const Extension& extension : kExtensions)
+        names.emplace_back(extension.name);
+    return names;
+}
+
 fs::path directoryOf(const fs::path& file) { return file.parent_path().empty() ? "." : file.parent_path(); }
 
 void makeDirectory(const fs::path& directory)

@@ -82,6 +82,9 @@ bool canBeRead(const std::filesystem::path& file);
 /// The extensions, without their dots, of kinds that can be written.
 std::vector<std::string> writtenKinds();
 
+/// The extensions, with their dots, of kinds that can be read.
+std::vector<std::string> readExtensions();
+
 /// Whether SaveOptions mean something for the kind that the extension names.
 bool hasQuality(const std::filesystem::path& file);
 bool hasEffort(const std::filesystem::path& file);

@@ -54,7 +54,7 @@ level() { pixels_of "$1" | awk '{ sum += $1 + $2 + $3 } END { print int(sum / NR
 [ "$(level still.bmp)" -gt $((3 * $(level first.bmp))) ] || fail "no frames before: $(level first.bmp) to $(level still.bmp)"
 # A still is the same whether it is made alone or after others.
 mkdir many && cp in.png many/a.png && cp in.png many/b.png
-expect 0 '' "$tool" apply -j 1 --format bmp vertigo many results
+expect 0 '2 done' "$tool" apply -j 1 --format bmp vertigo many results
 cmp -s still.bmp results/b.bmp || fail "a still depends on the one before it"
 # Pictures of one size share memory: nothing of one shows in the next, damaged ones in between included.
 mkdir others && cp in.png others/d.png
@@ -64,13 +64,13 @@ mkdir others && cp in.png others/d.png
 head -c 1500 others/e.jpg >others/b.jpg
 for effect in blank vertigo am-noise black-and-white; do
     rm -rf results && mkdir results
-    expect 4 'damaged or cut short' "$tool" --seed 1 apply -j 1 --format bmp "$effect" others results
+    expect 6 'damaged or cut short' "$tool" --seed 1 apply -j 1 --progress none --format bmp "$effect" others results
     for name in a.jpg c.jpg d.png e.jpg; do
         "$tool" --seed 1 apply "$effect" "others/$name" alone.bmp 2>err.txt
         cmp -s alone.bmp "results/${name%.*}.bmp" || fail "$effect: $name depends on the pictures before it"
     done
 done
-expect 0 '' "$tool" --seed 1 apply -j 1 am-noise many noises
+expect 0 '2 done' "$tool" --seed 1 apply -j 1 am-noise many noises
 cmp -s noises/a.png noises/b.png || fail "chance depends on the pictures before"
 
 EFFECTENGINE_SEED=1 "$tool" apply am-noise in.png still.png
@@ -79,7 +79,7 @@ EFFECTENGINE_SEED=2 "$tool" --seed 1 apply am-noise in.png still.png
 cmp -s still.png noises/a.png || fail "--seed goes before the environment"
 EFFECTENGINE_SEED=2 "$tool" apply am-noise in.png still.png
 cmp -s still.png noises/a.png && fail "another seed gives the same noise"
-expect 0 '' "$tool" apply -j 1 am-noise many alike
+expect 0 '2 done' "$tool" apply -j 1 am-noise many alike
 cmp -s alike/a.png alike/b.png || fail "without a seed, chance depends on the pictures before"
 
 # Steps that only the GPU has are drawn by it, also where the CPU would be quicker.
@@ -108,7 +108,7 @@ expect 0 'highlight does nothing as it was called: it waits for iMouse' "$tool" 
 expect 0 'waits for' "$tool" apply highlight -p Radius=2 in.png still.bmp
 expect 0 'rings does nothing as it was called' "$tool" apply -e am-negative -e rings in.png still.bmp
 expect 0 'delay-grab does nothing here' "$tool" apply delay-grab in.png still.bmp
-expect 0 'rings does nothing as it was called' "$tool" apply -j 2 --format bmp rings many rung
+expect 0 'rings does nothing as it was called' "$tool" apply -j 2 --progress none --format bmp rings many rung
 expect 0 '' "$tool" apply highlight -p kex_effect_enable=0 in.png still.bmp
 expect 0 '' "$tool" apply highlight -p Enable=1 -p Radius=1 -p Opacity=0.5 -p iMouse=40,30 -p Color=1,0,0 in.png still.bmp
 expect 0 '' "$tool" apply am-blur2 -p kex_effect_enable=0 in.png still.bmp

@@ -68,7 +68,7 @@ expect 0 '' "$tool" apply equalize in.bmp folder.png
 # Several pictures, folders, processes.
 mkdir -p photos/inner
 for name in a b c inner/d; do cp in.bmp "photos/$name.bmp"; done
-expect 0 '' "$tool" apply black-and-white -j 1 photos one
+expect 0 '3 done' "$tool" apply black-and-white -j 1 photos one
 expect 0 '' "$tool" apply black-and-white -j 3 -r --progress json photos many
 grep -q '"done":4,"total":4' out.txt || fail "progress as JSON: $(cat out.txt)"
 [ "$(ls one)" = "$(printf '%s\n' a.bmp b.bmp c.bmp)" ] || fail "a folder without -r: $(ls one)"
@@ -83,7 +83,7 @@ expect 5 'would become' "$tool" apply black-and-white --format png photos clash
 rm photos/a.jpg
 printf 'no picture' >photos/bad.png
 for jobs in 1 3; do
-    expect 4 'photos/bad.png' "$tool" apply black-and-white -j "$jobs" photos "some$jobs"
+    expect 6 'photos/bad.png' "$tool" apply black-and-white -j "$jobs" --progress none photos "some$jobs"
     [ "$(ls "some$jobs")" = "$(ls one | grep bmp)" ] || fail "the other pictures are made all the same"
 done
 expect 2 'would have to be one' "$tool" apply equalize in.bmp grey.bmp out.png
@@ -257,7 +257,7 @@ cmp -s whole.png kept.png || fail "a failed run touched the output"
 if [ "$(id -u)" -eq 0 ] && mkdir small && mount -t tmpfs -o size=64k none small 2>/dev/null; then
     "$tool" apply --size 600x600 -e equalize in.bmp big.bmp
     expect 7 'no room' "$tool" apply equalize big.bmp small/out.bmp
-    expect 7 'no room' "$tool" apply equalize -j 2 big.bmp in.bmp small
+    expect 7 'no room' "$tool" apply equalize -j 2 --progress none big.bmp in.bmp small
     expect 7 'no room' "$tool" sheet big.bmp small/sheet.png --tile 300x300
     rm -f small/in.bmp
     [ -z "$(ls -A small)" ] || fail "a partial file stays on the full disk: $(ls -A small)"

@@ -76,17 +76,20 @@ ExitCode makePictures(const Options& options, const SessionOptions& session,
         std::min(options.processes > 0 ? options.processes : processors, int(effects.size()));
     const Workers workers(effects.size(), [&](std::size_t i) { return "effect " + effects[i].name; });
     Progress progress(options.progress, "effects", int(effects.size()));
-    return workers.run(
+    const Workers::Result result = workers.run(
         processes,
-        [&]() -> Workers::Piece {
+        [&]() -> Workers::Work {
             const auto studio = std::make_shared<Studio>(options, session, layout, directory);
             return [studio, &effects](std::size_t i) {
                 if (i == 0)
                     studio->pictures.saveInputs();
                 studio->pictures.make(effects[i]);
+                return Workers::Piece::done;
             };
         },
         progress);
+    stopIfAsked();
+    return result.code();
 }
 
 void gallery(const Options& options, SessionOptions session)
