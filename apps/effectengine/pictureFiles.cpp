@@ -446,7 +446,7 @@ bool isOpaque(pixels::ConstView picture)
 
 } // namespace
 
-std::vector<u8> encodePicture(
+std::vector<u8> pictureBytes(
     CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata, const SaveOptions& options)
 {
     const pixels::ConstView picture = host::viewOf(image);
@@ -479,7 +479,7 @@ std::vector<u8> encodePicture(
 void savePicture(
     CEffectImage* image, const fs::path& file, const PhotoMetadata& metadata, const SaveOptions& options)
 {
-    writeFile(file, encodePicture(image, file, metadata, options));
+    writeFile(file, pictureBytes(image, file, metadata, options));
 }
 
 } // namespace tool

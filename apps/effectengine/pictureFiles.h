@@ -103,10 +103,10 @@ void makeDirectory(const std::filesystem::path& directory);
 /// @param file  names the kind by its extension
 /// @param metadata  goes into files of kinds that have room for it
 /// Throws ToolError when the kind cannot hold the picture.
-std::vector<u8> encodePicture(CEffectImage* image, const std::filesystem::path& file,
+std::vector<u8> pictureBytes(CEffectImage* image, const std::filesystem::path& file,
     const PhotoMetadata& metadata = {}, const SaveOptions& options = {});
 
-/// Saves a picture as encodePicture() makes it: writes beside the target, checks what was written, then
+/// Saves a picture as pictureBytes() makes it: writes beside the target, checks what was written, then
 /// renames. Throws ToolError; the target is then as it was before.
 void savePicture(CEffectImage* image, const std::filesystem::path& file, const PhotoMetadata& metadata = {},
     const SaveOptions& options = {});
