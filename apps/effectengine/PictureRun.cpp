@@ -204,7 +204,7 @@ void PictureRun::processFile(const fs::path& in, const std::string& shown, const
     CEffectImage* const picture = graph.at({.seconds = time, .total = options_.total});
     const PhotoMetadata metadata = options_.strip ? PhotoMetadata() : file.metadata();
     if (toStream)
-        writeStandardOutput(encodePicture(picture, nameOfStream(options_), metadata, options_.save));
+        writeStandardOutput(pictureBytes(picture, nameOfStream(options_), metadata, options_.save));
     else
         savePicture(picture, out, metadata, options_.save);
     if (advise)
