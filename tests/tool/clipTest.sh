@@ -74,7 +74,7 @@ same "$(of v width,height small.mp4)" 80,50 "a size of the user's"
 # Other kinds of output.
 expect 0 'encoded anew as opus' "$tool" video plain.mp4 out.webm -e equalize
 same "$(of v codec_name,nb_read_frames out.webm) $(of a codec_name out.webm)" "vp9,50 opus" "webm"
-expect 0 'sound (aac) has no place' "$tool" video plain.mp4 out.gif "${copy[@]}"
+expect 0 'sound (track 2, aac) has no place' "$tool" video plain.mp4 out.gif "${copy[@]}"
 same "$(of v codec_name,width,height,nb_read_frames out.gif)" gif,160,120,50 "gif"
 alike plain.mp4 out.gif 28
 expect 0 '' "$tool" video plain.mp4 out.mov -e equalize --codec libx264 --quality 30 --encoder-option preset=ultrafast

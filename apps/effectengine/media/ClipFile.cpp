@@ -5,17 +5,22 @@
 #include "effectengine/interruption.h"
 #include "effectengine/media/encoders.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace tool::media {
 
 namespace {
 
-bool isQuickTimeKind(const AVOutputFormat& container)
+// The options of a container's muxer.
+void setContainerOptions(Dictionary& options, const AVOutputFormat& container, const Notes& notes)
 {
-    return container.codec_tag
-        && (std::string_view(container.name) == "mp4" || std::string_view(container.name) == "mov"
-            || std::string_view(container.name) == "ipod");
+    if (!isQuickTimeKind(container))
+        return;
+    // It plays while it loads. Notes of phones and cameras, which no table lists, need one of their own.
+    const bool ofCamera =
+        std::ranges::any_of(notes, [](const auto& note) { return note.first.starts_with("com."); });
+    options.set("movflags", ofCamera ? "+faststart+use_metadata_tags" : "+faststart");
 }
 
 } // namespace
@@ -46,14 +51,14 @@ ClipFile::ClipFile(
     stream_->time_base = encoder_->time_base;
     stream_->avg_frame_rate = shape.frameRate;
     stream_->sample_aspect_ratio = shape.sampleAspect;
-    for (auto& track : tracks)
+    tracks.notes.apply(*opened, *stream_, isHighRange(encoder_->color_trc));
+    for (auto& track : tracks.tracks)
         addTrack(std::move(track));
 
     file_.claim();
     check(avio_open(&opened->pb, ("file:" + file_.path().string()).c_str(), AVIO_FLAG_WRITE));
     Dictionary options;
-    if (isQuickTimeKind(container))
-        options.set("movflags", "+faststart"); // plays while it loads
+    setContainerOptions(options, container, tracks.notes.file);
     const int result = avformat_write_header(opened, options.address());
     if (result == AVERROR(EINVAL))
         throw ToolError(
@@ -69,7 +74,7 @@ void ClipFile::addTrack(std::unique_ptr<SideTrack> source)
     require(avcodec_parameters_copy(stream->codecpar, &source->parameters()), "stream");
     stream->codecpar->codec_tag = 0; // each container marks the codec in its own way
     stream->time_base = source->timeBase();
-    av_dict_copy(&stream->metadata, source->metadata(), 0);
+    mark(*stream, source->marks(), *output_->oformat);
     tracks_.push_back({std::move(source), stream});
 }
 

@@ -3,6 +3,7 @@
 
 #include "effectengine/media/openClip.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tool::media {
@@ -21,14 +22,31 @@ CopiedTrack::CopiedTrack(const std::filesystem::path& clip, int stream, Span spa
       stream_(stream)
 {
     readOnly(*input_, stream);
+    marks_ = marksOf(this->stream());
+    titles_ = parameters().codec_type == AVMEDIA_TYPE_SUBTITLE;
     const AVRational unit = timeBase();
     const std::int64_t start =
         input_->start_time == AV_NOPTS_VALUE ? 0 : av_rescale_q(input_->start_time, AV_TIME_BASE_Q, unit);
     from_ = start + ticks(span.from, unit);
     to_ = std::isfinite(span.to) ? start + ticks(span.to, unit) : INT64_MAX;
     cut_ = span.from > 0;
-    if (cut_)
-        av_seek_frame(input_.get(), stream, from_, AVSEEK_FLAG_BACKWARD); // else it reads from the start
+    // A title may stand long before the part and last into it; a file that is not cut is read from the start.
+    if (cut_ && !titles_)
+        av_seek_frame(input_.get(), stream, from_, AVSEEK_FLAG_BACKWARD);
+}
+
+// Shortens a title to the part; false when it is none. A title that began before time 0 would move all other
+// tracks, since containers have no times before it.
+bool CopiedTrack::cutTitle(AVPacket& packet) const
+{
+    if (packet.pts == AV_NOPTS_VALUE)
+        return false;
+    const std::int64_t begin = std::max(packet.pts, from_);
+    const std::int64_t end = std::min(packet.pts + packet.duration, to_);
+    if (packet.duration > 0)
+        packet.duration = std::max<std::int64_t>(end - begin, 0);
+    packet.pts = packet.dts = begin;
+    return true;
 }
 
 bool CopiedTrack::next(AVPacket& packet)
@@ -45,6 +63,8 @@ bool CopiedTrack::next(AVPacket& packet)
             continue;
         if (time >= to_)
             return false;
+        if (titles_ && !cutTitle(packet))
+            continue;
         for (std::int64_t* const t : {&packet.pts, &packet.dts})
             if (*t != AV_NOPTS_VALUE)
                 *t -= from_;

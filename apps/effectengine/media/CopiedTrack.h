@@ -12,15 +12,19 @@ public:
 
     const AVCodecParameters& parameters() const override { return *input_->streams[stream_]->codecpar; }
     AVRational timeBase() const override { return input_->streams[stream_]->time_base; }
-    const AVDictionary* metadata() const override { return input_->streams[stream_]->metadata; }
     bool next(AVPacket& packet) override;
 
+    const AVStream& stream() const { return *input_->streams[stream_]; }
+
 private:
+    bool cutTitle(AVPacket& packet) const;
+
     Input input_;
     int stream_;
     std::int64_t from_;
     std::int64_t to_;
     bool cut_ = false;
+    bool titles_ = false;
 };
 
 } // namespace tool::media

@@ -23,7 +23,10 @@ template <class Value, class End> bool offers(const Value* choices, End end, Val
 
 const AVCodec& encoderFor(const AVOutputFormat& container, const std::filesystem::path& outputName)
 {
-    const AVCodecID id = av_guess_codec(&container, nullptr, outputName.c_str(), nullptr, AVMEDIA_TYPE_AUDIO);
+    AVCodecID id = av_guess_codec(&container, nullptr, outputName.c_str(), nullptr, AVMEDIA_TYPE_AUDIO);
+    if (!avcodec_find_encoder(id)
+        && avformat_query_codec(&container, AV_CODEC_ID_AAC, FF_COMPLIANCE_NORMAL) == 1)
+        id = AV_CODEC_ID_AAC; // what telephones once wrote has no encoder here
     const AVCodec* codec = nullptr;
     if (id == AV_CODEC_ID_OPUS)
         codec = avcodec_find_encoder_by_name("libopus"); // the built-in one is experimental
@@ -69,9 +72,10 @@ void connect(AVFilterContext* from, AVFilterContext* to, unsigned input)
     require(avfilter_link(from, 0, to, input), "filter connection");
 }
 
-EncodedTrack::EncodedTrack(
-    const Build& build, const AVOutputFormat& container, const std::filesystem::path& outputName)
-    : graph_(avfilter_graph_alloc()),
+EncodedTrack::EncodedTrack(const Build& build, const AVOutputFormat& container,
+    const std::filesystem::path& outputName, TrackMarks marks)
+    : SideTrack(std::move(marks)),
+      graph_(avfilter_graph_alloc()),
       frame_(makeFrame())
 {
     const AVCodec& codec = encoderFor(container, outputName);
@@ -82,7 +86,8 @@ EncodedTrack::EncodedTrack(
     const AVSampleFormat format = codec.sample_fmts ? codec.sample_fmts[0] : AV_SAMPLE_FMT_FLTP;
     AVFilterContext* const source = build(*graph_);
     std::vector<std::pair<std::string, std::string>> wanted{{"sample_fmts", av_get_sample_fmt_name(format)}};
-    if (!offers(codec.supported_samplerates, 0, kUsualRate) || codec.id == AV_CODEC_ID_OPUS)
+    if (!offers(codec.supported_samplerates, 0, kUsualRate) || codec.id == AV_CODEC_ID_OPUS
+        || std::string_view(container.name).starts_with("mxf")) // which holds no other rate
         wanted.push_back({"sample_rates",
             std::to_string(codec.supported_samplerates ? codec.supported_samplerates[0] : kUsualRate)});
     if (const std::string layouts = layoutsOf(codec); !layouts.empty())
@@ -103,10 +108,7 @@ EncodedTrack::EncodedTrack(
     require(avcodec_open2(encoder_.get(), &codec, nullptr), "sound encoder");
     if (!(codec.capabilities & AV_CODEC_CAP_VARIABLE_FRAME_SIZE))
         av_buffersink_set_frame_size(sink_, unsigned(encoder_->frame_size));
-    parameters_.reset(avcodec_parameters_alloc());
-    if (!parameters_)
-        throw std::bad_alloc();
-    require(avcodec_parameters_from_context(parameters_.get(), encoder_.get()), "sound parameters");
+    parameters_ = parametersOf(*encoder_);
 }
 
 bool EncodedTrack::next(AVPacket& packet)

@@ -13,22 +13,18 @@ public:
     using Build = std::function<AVFilterContext*(AVFilterGraph&)>;
 
     /// Encodes in the container's own codec for sound. Throws std::runtime_error.
-    EncodedTrack(
-        const Build& build, const AVOutputFormat& container, const std::filesystem::path& outputName);
+    EncodedTrack(const Build& build, const AVOutputFormat& container, const std::filesystem::path& outputName,
+        TrackMarks marks = {});
 
     const AVCodecParameters& parameters() const override { return *parameters_; }
     AVRational timeBase() const override { return encoder_->time_base; }
     bool next(AVPacket& packet) override;
 
 private:
-    struct FreeParameters {
-        void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
-    };
-
     Filters graph_;
     AVFilterContext* sink_ = nullptr;
     Codec encoder_;
-    std::unique_ptr<AVCodecParameters, FreeParameters> parameters_;
+    Parameters parameters_;
     Frame frame_;
 };
 

@@ -1,38 +1,34 @@
-// Sound and subtitles of an output: packets copied from a file, or sound encoded anew.
+// What goes along with the pictures of an output: sound and subtitles, attachments, and the clip's notes.
 #pragma once
 
-#include "effectengine/media/ffmpeg.h"
-
-#include <filesystem>
-#include <limits>
-#include <vector>
+#include "effectengine/media/ClipNotes.h"
 
 namespace tool::media {
-
-/// The part of a clip that is wanted, in seconds from the file's start; `from` becomes 0.
-struct Span {
-    double from = 0;
-    double to = std::numeric_limits<double>::infinity();
-};
 
 /// One stream that accompanies the pictures.
 class SideTrack {
 public:
+    explicit SideTrack(TrackMarks marks = {}) : marks_(std::move(marks)) { }
     virtual ~SideTrack() = default;
 
+    const TrackMarks& marks() const { return marks_; }
     virtual const AVCodecParameters& parameters() const = 0;
     /// The unit of the packets' times.
     virtual AVRational timeBase() const = 0;
-    /// What a player shows about it (its language), or null.
-    virtual const AVDictionary* metadata() const { return nullptr; }
     /// The next packet in decoding order; false at the end. Throws.
     virtual bool next(AVPacket& packet) = 0;
+
+protected:
+    TrackMarks marks_;
 };
 
-using SideTracks = std::vector<std::unique_ptr<SideTrack>>;
+struct SideTracks {
+    std::vector<std::unique_ptr<SideTrack>> tracks;
+    ClipNotes notes;
+};
 
-/// The clip's sound and subtitles for a container: copied, or sound encoded anew where the container cannot
-/// hold it. What cannot come along is a warning on stderr that names the file.
+/// What goes along from a clip into a container: copied, or encoded anew where the container cannot hold it
+/// as it is. What cannot come along is a warning on stderr that names the file.
 SideTracks tracksOf(const std::filesystem::path& clip, const AVOutputFormat& container, Span span,
     const std::filesystem::path& outputName);
 

@@ -22,10 +22,43 @@ Packet makePacket()
     return packet;
 }
 
+namespace {
+
+Parameters makeParameters()
+{
+    Parameters parameters(avcodec_parameters_alloc());
+    if (!parameters)
+        throw std::bad_alloc();
+    return parameters;
+}
+
+} // namespace
+
+Parameters copyOf(const AVCodecParameters& parameters)
+{
+    Parameters copy = makeParameters();
+    if (avcodec_parameters_copy(copy.get(), &parameters) < 0)
+        throw std::bad_alloc();
+    return copy;
+}
+
+Parameters parametersOf(const AVCodecContext& encoder)
+{
+    Parameters parameters = makeParameters();
+    if (avcodec_parameters_from_context(parameters.get(), &encoder) < 0)
+        throw std::bad_alloc();
+    return parameters;
+}
+
 bool hasAlpha(AVPixelFormat format)
 {
     const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
     return descriptor && (descriptor->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL));
+}
+
+bool isHighRange(AVColorTransferCharacteristic transfer)
+{
+    return transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67;
 }
 
 std::string errorText(int result)

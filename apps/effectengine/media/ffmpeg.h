@@ -47,6 +47,7 @@ using Output = std::unique_ptr<AVFormatContext, detail::CloseOutput>;
 using Codec = std::unique_ptr<AVCodecContext, detail::FreeByAddress<avcodec_free_context>>;
 using Frame = std::unique_ptr<AVFrame, detail::FreeByAddress<av_frame_free>>;
 using Packet = std::unique_ptr<AVPacket, detail::FreeByAddress<av_packet_free>>;
+using Parameters = std::unique_ptr<AVCodecParameters, detail::FreeByAddress<avcodec_parameters_free>>;
 using Filters = std::unique_ptr<AVFilterGraph, detail::FreeByAddress<avfilter_graph_free>>;
 using Scaler = std::unique_ptr<SwsContext, detail::FreeScaler>;
 
@@ -78,8 +79,15 @@ private:
 Frame makeFrame();
 Packet makePacket();
 
+/// A copy of codec parameters, and those of an open encoder. Throw std::bad_alloc.
+Parameters copyOf(const AVCodecParameters& parameters);
+Parameters parametersOf(const AVCodecContext& encoder);
+
 /// Whether a pixel may be transparent, by itself or by a palette.
 bool hasAlpha(AVPixelFormat format);
+
+/// Whether numbers stand for light of a high dynamic range: PQ or HLG.
+bool isHighRange(AVColorTransferCharacteristic transfer);
 
 /// The meaning of a negative result, for people who need not know the library.
 std::string errorText(int result);

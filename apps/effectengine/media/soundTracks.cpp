@@ -1,10 +1,13 @@
 // The choice of tracks for an output, and the filters for those that are encoded anew.
+#include "effectengine/media/AttachedTrack.h"
+#include "effectengine/media/ConvertedSubtitles.h"
 #include "effectengine/media/CopiedTrack.h"
 #include "effectengine/media/EncodedTrack.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/openClip.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace fs = std::filesystem;
@@ -15,9 +18,28 @@ namespace {
 
 constexpr const char* kMixedRate = "48000";
 
+// Whether the container holds sound or subtitles of a codec. Streams of MPEG tell the library nothing but the
+// usual codec.
 bool holds(const AVOutputFormat& container, AVCodecID codec)
 {
+    constexpr std::array kTransport{AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AAC, AV_CODEC_ID_AC3,
+        AV_CODEC_ID_EAC3, AV_CODEC_ID_DTS, AV_CODEC_ID_OPUS, AV_CODEC_ID_DVB_SUBTITLE};
+    constexpr std::array kProgram{
+        AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3, AV_CODEC_ID_DTS, AV_CODEC_ID_DVD_SUBTITLE};
+    const std::string_view name = container.name;
+    if (name == "mpegts")
+        return std::ranges::find(kTransport, codec) != kTransport.end();
+    if (name == "mpeg" || name == "vob" || name == "dvd" || name == "svcd")
+        return std::ranges::find(kProgram, codec) != kProgram.end();
     return avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL) == 1;
+}
+
+// How many tracks of sound the container holds.
+int soundsIn(const AVOutputFormat& container)
+{
+    if (container.audio_codec == AV_CODEC_ID_NONE)
+        return 0;
+    return std::string_view(container.name) == "flv" ? 1 : std::numeric_limits<int>::max();
 }
 
 std::string number(double seconds) { return std::to_string(std::llround(seconds * 1e6)) + "us"; }
@@ -76,7 +98,7 @@ double startOf(const AVFormatContext& input)
 }
 
 std::unique_ptr<SideTrack> encoded(const fs::path& clip, int stream, double start, Span span,
-    const AVOutputFormat& container, const fs::path& outputName)
+    const AVOutputFormat& container, const fs::path& outputName, TrackMarks marks)
 {
     const auto build = [&](AVFilterGraph& graph) {
         AVFilterContext* last = samplesOf(graph, clip, stream, start);
@@ -86,38 +108,144 @@ std::unique_ptr<SideTrack> encoded(const fs::path& clip, int stream, double star
         last = then(last, addFilter(graph, "atrim", nullptr, part));
         return then(last, addFilter(graph, "asetpts", nullptr, {{"expr", "PTS-STARTPTS"}}));
     };
-    return std::make_unique<EncodedTrack>(build, container, outputName);
+    return std::make_unique<EncodedTrack>(build, container, outputName, std::move(marks));
 }
+
+/// Finds the place of one stream after another in the output.
+class TrackChoice {
+public:
+    TrackChoice(const fs::path& clip, const AVOutputFormat& container, Span span, const fs::path& outputName)
+        : clip_(clip),
+          input_(openClip(clip)),
+          pictures_(pictureStreamOf(*input_, clip)),
+          container_(container),
+          span_(span),
+          outputName_(outputName)
+    {
+    }
+
+    SideTracks tracks()
+    {
+        for (unsigned i = 0; i < input_->nb_streams; ++i)
+            if (int(i) != pictures_)
+                take(*input_->streams[i]);
+        chosen_.notes = clipNotesOf(clip_, *input_, pictures_, container_, span_, outputName_);
+        return std::move(chosen_);
+    }
+
+private:
+    void take(const AVStream& stream)
+    {
+        switch (stream.codecpar->codec_type) {
+        case AVMEDIA_TYPE_AUDIO:
+            return takeSound(stream);
+        case AVMEDIA_TYPE_SUBTITLE:
+            return takeSubtitles(stream);
+        case AVMEDIA_TYPE_ATTACHMENT:
+            return takeAttachment(stream);
+        case AVMEDIA_TYPE_VIDEO:
+            if (isCover(stream))
+                return takeCover(stream);
+            return warn(
+                clip_, "pictures (" + nameOf(stream) + ") are left out: one track of pictures is taken");
+        default:
+            return takeOther(stream);
+        }
+    }
+
+    void takeSound(const AVStream& stream)
+    {
+        if (sounds_ == soundsIn(container_))
+            return warnOfNoPlace("sound", stream, "has");
+        ++sounds_;
+        if (holds(container_, stream.codecpar->codec_id))
+            return add(std::make_unique<CopiedTrack>(clip_, stream.index, span_));
+        if (!isDecodable(stream))
+            return warnOfUndecodable(clip_, stream);
+        add(encoded(clip_, stream.index, startOf(*input_), span_, container_, outputName_, marksOf(stream)));
+        warn(clip_, "sound (" + nameOf(stream) + ") is encoded anew as " + codecOfLast());
+    }
+
+    // QuickTime keeps chapters as a track of texts, too.
+    bool repeatsChapters(const AVStream& stream) const
+    {
+        const bool text = stream.codecpar->codec_tag == MKTAG('t', 'e', 'x', 't');
+        return input_->nb_chapters > 0
+            && (stream.discard == AVDISCARD_ALL || (text && stream.nb_frames == input_->nb_chapters));
+    }
+
+    void takeSubtitles(const AVStream& stream)
+    {
+        if (repeatsChapters(stream))
+            return;
+        auto copy = std::make_unique<CopiedTrack>(clip_, stream.index, span_);
+        if (holds(container_, stream.codecpar->codec_id))
+            return add(std::move(copy));
+        const AVCodec* const encoder = textEncoderFor(stream, container_);
+        if (!encoder)
+            return warnOfNoPlace("subtitles", stream, "have");
+        add(std::make_unique<ConvertedSubtitles>(
+            std::move(copy), clip_, *encoder, *input_->streams[pictures_]->codecpar));
+        warn(clip_, "subtitles (" + nameOf(stream) + ") are written as " + codecOfLast());
+    }
+
+    void takeAttachment(const AVStream& stream)
+    {
+        if (!takesFiles())
+            return warnOfNoPlace("attachment", stream, "has");
+        add(std::make_unique<AttachedTrack>(stream));
+    }
+
+    void takeCover(const AVStream& stream)
+    {
+        const AVCodecID codec = stream.codecpar->codec_id;
+        const std::string_view name = container_.name;
+        const bool known = codec == AV_CODEC_ID_MJPEG || codec == AV_CODEC_ID_PNG;
+        if (!known || !(takesFiles() || name == "mp4" || name == "ipod"))
+            return warnOfNoPlace("cover picture", stream, "has");
+        auto cover = std::make_unique<AttachedTrack>(stream);
+        if (takesFiles())
+            cover->becomeFile();
+        add(std::move(cover));
+    }
+
+    // Chapters and timecode, which some files also keep as tracks, go along as notes.
+    void takeOther(const AVStream& stream)
+    {
+        const bool timecode = stream.codecpar->codec_tag == MKTAG('t', 'm', 'c', 'd');
+        if (!repeatsChapters(stream) && !timecode)
+            warnOfNoPlace("data", stream, "has");
+    }
+
+    bool takesFiles() const { return std::string_view(container_.name) == "matroska"; }
+
+    void add(std::unique_ptr<SideTrack> track) { chosen_.tracks.push_back(std::move(track)); }
+
+    std::string codecOfLast() const { return avcodec_get_name(chosen_.tracks.back()->parameters().codec_id); }
+
+    void warnOfNoPlace(const char* what, const AVStream& stream, const char* has) const
+    {
+        warn(clip_,
+            std::string(what) + " (" + nameOf(stream) + ") " + has + " no place in "
+                + outputName_.filename().string());
+    }
+
+    const fs::path& clip_;
+    Input input_;
+    int pictures_;
+    const AVOutputFormat& container_;
+    Span span_;
+    const fs::path& outputName_;
+    SideTracks chosen_;
+    int sounds_ = 0;
+};
 
 } // namespace
 
 SideTracks tracksOf(
     const fs::path& clip, const AVOutputFormat& container, Span span, const fs::path& outputName)
 {
-    SideTracks tracks;
-    const Input input = openClip(clip);
-    for (unsigned i = 0; i < input->nb_streams; ++i) {
-        const AVCodecParameters& stored = *input->streams[i]->codecpar;
-        const std::string codec = avcodec_get_name(stored.codec_id);
-        const bool sound = stored.codec_type == AVMEDIA_TYPE_AUDIO;
-        if (!sound && stored.codec_type != AVMEDIA_TYPE_SUBTITLE)
-            continue;
-        if (holds(container, stored.codec_id))
-            tracks.push_back(std::make_unique<CopiedTrack>(clip, int(i), span));
-        else if (!sound)
-            warn(clip, "subtitles (" + codec + ") have no place in " + outputName.filename().string());
-        else if (container.audio_codec == AV_CODEC_ID_NONE)
-            warn(clip, "sound (" + codec + ") has no place in " + outputName.filename().string());
-        else if (!isDecodable(*input->streams[i]))
-            warnOfUndecodable(clip, *input->streams[i]);
-        else {
-            tracks.push_back(encoded(clip, int(i), startOf(*input), span, container, outputName));
-            warn(clip,
-                "sound (" + codec + ") is encoded anew as "
-                    + avcodec_get_name(tracks.back()->parameters().codec_id));
-        }
-    }
-    return tracks;
+    return TrackChoice(clip, container, span, outputName).tracks();
 }
 
 SideTracks crossfadedTracks(const fs::path& first, const fs::path& second, double at, double duration,
@@ -159,7 +287,7 @@ SideTracks crossfadedTracks(const fs::path& first, const fs::path& second, doubl
         connect(part(1, duration, lengthOfSecond), fade, 1);
         return fade;
     };
-    tracks.push_back(std::make_unique<EncodedTrack>(build, container, outputName));
+    tracks.tracks.push_back(std::make_unique<EncodedTrack>(build, container, outputName));
     return tracks;
 }
 
