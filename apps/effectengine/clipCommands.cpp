@@ -100,6 +100,7 @@ void addVideoCommand(CLI::App& tool, const SessionOptions& session)
             "--timing", options->timing, "clip that numbered pictures were made from: its times and sound")
         ->type_name("CLIP")
         ->excludes(rate);
+    addDepthOptions(*command, options->depth);
     addCompanionOptions(*command, options->companions);
     addEncodingOptions(*command, options->encoding);
     command->callback([options, graph, &session] { runVideo(*options, graph, session); });
@@ -126,6 +127,7 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     command
         ->add_option("--rate", options->pictureRate, "frames per second of numbered pictures (default: 25)")
         ->type_name("RATE");
+    addDepthOptions(*command, options->depth);
     addCompanionOptions(*command, options->companions);
     addCompressionOption(*command, options->compression);
     addAlphaOption(*command, options->alpha);

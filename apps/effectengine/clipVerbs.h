@@ -2,6 +2,7 @@
 // run, so a program of its own holds them, which these functions start when the tool calls them.
 #pragma once
 
+#include "effectengine/DepthOptions.h"
 #include "effectengine/GraphOptions.h"
 #include "effectengine/Progress.h"
 #include "effectengine/Session.h"
@@ -54,6 +55,7 @@ struct VideoOptions {
     std::string size;
     std::string pictureRate;
     std::filesystem::path timing; ///< clip whose times and sound numbered pictures take
+    DepthOptions depth;
     CompanionOptions companions;
     EncodingOptions encoding;
 };
@@ -69,6 +71,7 @@ struct ClipTransitionOptions {
     double duration = 1;
     std::string size;
     bool stretch = false; ///< the second clip fills the picture, whatever its own shape
+    DepthOptions depth;
     EncodingOptions encoding;
 };
 
@@ -80,6 +83,7 @@ struct RenderOptions {
     std::string chunk;
     std::string size;
     std::string pictureRate;
+    DepthOptions depth;
     CompanionOptions companions;
     bool resume = false;
     std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast

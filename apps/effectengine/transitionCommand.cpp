@@ -32,6 +32,7 @@ struct Options {
     int frames = 0; ///< 0: one frame at `at`
     std::string size;
     bool stretch = false;
+    DepthOptions depth;
     EncodingOptions encoding;
     DryRunOptions dryRun;
 };
@@ -82,6 +83,7 @@ void joinClips(const Options& options, const SessionOptions& session)
     clips.duration = options.duration.value_or(clips.duration);
     clips.size = options.size;
     clips.stretch = options.stretch;
+    clips.depth = options.depth;
     clips.encoding = options.encoding;
     runClipTransition(clips, session);
 }
@@ -117,6 +119,8 @@ void showPictures(const Options& options, const SessionOptions& sessionOptions)
         throw ToolError(ExitCode::usage, "--compression and --stats are for clips and numbered pictures");
     if (options.stretch)
         throw ToolError(ExitCode::usage, "--stretch is for clips; pictures are stretched always");
+    if (options.depth.dither || options.depth.toneMapping != ToneMapping::none)
+        throw ToolError(ExitCode::usage, "--tonemap and --dither are for clips");
     const Look look = transitionLook(options.name, options.parameters);
     const PictureSize size = options.size.empty() ? fitted(sizeOf(options.from)) : parseSize(options.size);
     if (options.dryRun.wanted)
@@ -189,6 +193,7 @@ void addTransitionCommand(CLI::App& tool, const SessionOptions& session)
     command->add_option("--size", options->size, "WIDTHxHEIGHT to scale to (default: the first one's own)");
     command->add_flag("--stretch", options->stretch,
         "clip: TO fills the picture of FROM, without black bars but out of shape");
+    addDepthOptions(*command, options->depth);
     addEncodingOptions(*command, options->encoding);
     addDryRunOptions(*command, options->dryRun);
     command->callback([options, &session] { transition(*options, session); });

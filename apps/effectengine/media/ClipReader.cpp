@@ -2,6 +2,7 @@
 #include "effectengine/media/ClipReader.h"
 
 #include "effectengine/ToolError.h"
+#include "effectengine/media/ToneMapper.h"
 #include "effectengine/media/openClip.h"
 #include "effectengine/photoMetadata.h"
 
@@ -44,7 +45,14 @@ Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::pat
 
 } // namespace
 
-ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate)
+Colour ClipInfo::pictureColour() const
+{
+    if (!isToneMapped())
+        return colour;
+    return {AVCOL_RANGE_MPEG, AVCOL_SPC_BT709, AVCOL_PRI_BT709, AVCOL_TRC_BT709, colour.location};
+}
+
+ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate, const DepthOptions& depth)
     : pictureRate_(pictureRate),
       packet_(makePacket()),
       ahead_(makeFrame()),
@@ -53,6 +61,18 @@ ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate)
     info_.file = file;
     begin();
     describe();
+    info_.depth = depth;
+    if (depth.toneMapping != ToneMapping::none)
+        chooseToneMapping();
+}
+
+void ClipReader::chooseToneMapping()
+{
+    checkToneMapping();
+    if (isHighRange(info_.colour.transfer))
+        info_.brightest = brightestOf(info_.file, *input_->streams[stream_]);
+    else
+        info_.depth.toneMapping = ToneMapping::none;
 }
 
 // Opens the file anew at its start, with a fresh decoder: one that has seen later packets would go on with

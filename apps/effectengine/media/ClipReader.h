@@ -1,6 +1,7 @@
 // The reader of a clip's frames, in the order in which they are shown.
 #pragma once
 
+#include "effectengine/DepthOptions.h"
 #include "effectengine/media/DecoderWatch.h"
 #include "effectengine/media/FrameTable.h"
 
@@ -42,7 +43,12 @@ struct ClipInfo {
     long long frames = 0;   ///< as the file says, or estimated from its duration; 0 unknown
     int audioStreams = 0;
     int subtitleStreams = 0;
+    DepthOptions depth;   ///< its curve is none unless the clip has a high dynamic range
+    double brightest = 0; ///< of a clip whose tones are mapped, in multiples of white
 
+    bool isToneMapped() const { return depth.toneMapping != ToneMapping::none; }
+    /// The colours of the clip's pictures once they are the engine's.
+    Colour pictureColour() const;
     bool mayBeTransparent() const { return hasAlpha(format); }
     double rate() const { return av_q2d(frameRate); }
 };
@@ -52,7 +58,9 @@ class ClipReader {
 public:
     /// Opens the clip. Throws ToolError.
     /// @param pictureRate  frames per second of numbered pictures; empty for the library's own 25
-    explicit ClipReader(const std::filesystem::path& file, const std::string& pictureRate = {});
+    /// @param depth        how the frames become pictures
+    explicit ClipReader(const std::filesystem::path& file, const std::string& pictureRate = {},
+        const DepthOptions& depth = {});
 
     const ClipInfo& info() const { return info_; }
 
@@ -89,6 +97,7 @@ public:
 
 private:
     void describe();
+    void chooseToneMapping();
     void begin();
     bool beginBefore(long long frame, std::size_t keysBack);
     void beginEarlier();

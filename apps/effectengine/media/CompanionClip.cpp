@@ -21,8 +21,8 @@ constexpr double kTiny = 1e-6;
 } // namespace
 
 CompanionClip::CompanionClip(const std::filesystem::path& file, const CompanionOptions& options,
-    const std::string& pictureRate, pixels::Extent size, AVRational pixelAspect)
-    : reader_(file, pictureRate),
+    const std::string& pictureRate, const DepthOptions& depth, pixels::Extent size, AVRational pixelAspect)
+    : reader_(file, pictureRate, depth),
       end_(options.end),
       size_(size),
       part_(options.stretch ? size : shapedLike(reader_.info(), size, pixelAspect)),
@@ -116,12 +116,12 @@ void CompanionClip::show(double seconds, pixels::View to)
     pixels::rows::copy(picture(), to);
 }
 
-CompanionClips::CompanionClips(const CompanionOptions& options, const ClipInfo& first, pixels::Extent size,
-    const std::string& pictureRate)
+CompanionClips::CompanionClips(const CompanionOptions& options, const DepthOptions& depth,
+    const ClipInfo& first, pixels::Extent size, const std::string& pictureRate)
 {
     const AVRational pixelAspect = shapeOf(first, size.width, size.height).sampleAspect;
     for (const std::filesystem::path& file : options.files) {
-        CompanionClip& clip = clips_.emplace_back(file, options, pictureRate, size, pixelAspect);
+        CompanionClip& clip = clips_.emplace_back(file, options, pictureRate, depth, size, pixelAspect);
         warnOfDepth(clip.reader().info());
     }
 }

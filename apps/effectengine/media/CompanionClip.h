@@ -14,10 +14,12 @@ class CompanionClip {
 public:
     /// Opens the clip. Throws ToolError.
     /// @param pictureRate  frames per second of numbered pictures
+    /// @param depth        how its frames become pictures
     /// @param size         of the pictures to draw
     /// @param pixelAspect  of those pictures; 0/1 for square pixels
     CompanionClip(const std::filesystem::path& file, const CompanionOptions& options,
-        const std::string& pictureRate, pixels::Extent size, AVRational pixelAspect);
+        const std::string& pictureRate, const DepthOptions& depth, pixels::Extent size,
+        AVRational pixelAspect);
 
     ClipReader& reader() { return reader_; }
 
@@ -62,11 +64,12 @@ private:
 class CompanionClips {
 public:
     /// Opens the clips. Throws ToolError.
+    /// @param depth        how their frames become pictures
     /// @param first        the clip that they run beside
     /// @param size         of the pictures
     /// @param pictureRate  frames per second of numbered pictures
-    CompanionClips(const CompanionOptions& options, const ClipInfo& first, pixels::Extent size,
-        const std::string& pictureRate);
+    CompanionClips(const CompanionOptions& options, const DepthOptions& depth, const ClipInfo& first,
+        pixels::Extent size, const std::string& pictureRate);
 
     std::vector<ClipReader*> readers();
 

@@ -1,6 +1,7 @@
 // Conversion by yuvPixels where format and size allow it, else by the scaling library.
 #include "effectengine/media/PictureConversion.h"
 
+#include "effectengine/media/orderedDither.h"
 #include "effectengine/media/yuvPixels.h"
 #include "pixels/rows.h"
 #include "pixels/sample.h"
@@ -32,6 +33,46 @@ void allocate(Frame& frame, AVPixelFormat format, pixels::Extent size)
     frame->width = size.width;
     frame->height = size.height;
     require(av_frame_get_buffer(frame.get(), 0), "frame");
+}
+
+bool isDeep(AVPixelFormat format)
+{
+    const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
+    return descriptor && descriptor->comp[0].depth > 8 && !(descriptor->flags & AV_PIX_FMT_FLAG_PAL);
+}
+
+// The code of full light in the scaling library's 16 bits. It brings red, green and blue there by zeros
+// behind shorter codes, but scales pixels that are not in planes as luma and chroma, whose codes become those
+// of 8 bits times 256.
+int wholeOf(const AVFrame& frame, pixels::Extent size)
+{
+    const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(AVPixelFormat(frame.format));
+    const bool scaled = frame.width != size.width || frame.height != size.height;
+    if (!(format.flags & AV_PIX_FMT_FLAG_RGB) || (scaled && !(format.flags & AV_PIX_FMT_FLAG_PLANAR)))
+        return 255 * 256;
+    return 65536 - (1 << std::max(0, 16 - format.comp[0].depth));
+}
+
+// Converts planes of 16 bits of green, blue, red and alpha, whose top row comes first.
+// @param whole  the code that becomes 255
+void dither(const AVFrame& frame, int whole, pixels::View picture)
+{
+    pixels::rows::anyOrder(picture.extent(), [&](int y) {
+        const int row = picture.height() - 1 - y; // from the top
+        const auto plane = [&](int i) {
+            return reinterpret_cast<const u16*>(frame.data[i] + std::ptrdiff_t(frame.linesize[i]) * row);
+        };
+        const u16* const blue = plane(1);
+        const u16* const green = plane(0);
+        const u16* const red = plane(2);
+        const u16* const alpha = plane(3);
+        const auto to = picture.row(y);
+        for (int x = 0; x < picture.width(); ++x) {
+            const int offset = (2 * ditherRank(x % kDitherSize, row % kDitherSize) + 1) * whole / 128;
+            const auto byte = [=](int sample) { return u8(std::min((sample * 255 + offset) / whole, 255)); };
+            to[std::size_t(x)] = {byte(blue[x]), byte(green[x]), byte(red[x]), byte(alpha[x])};
+        }
+    });
 }
 
 void turn(pixels::ConstView from, const Orientation& orientation, pixels::View to)
@@ -89,20 +130,29 @@ void ToPicture::convert(const AVFrame& frame, pixels::View picture)
 
 void ToPicture::convertStored(const AVFrame& frame, pixels::View picture)
 {
+    if (clip_.isToneMapped()) {
+        if (!toneMapper_)
+            toneMapper_.emplace(clip_, clip_.depth.dither);
+        return scale(toneMapper_->map(frame), {.range = AVCOL_RANGE_JPEG}, picture);
+    }
     const auto format = AVPixelFormat(frame.format);
     const Colour colour = completed(clip_.colour, format, frame.width, frame.height);
     if ((isPlainYuv(format) || isDeepYuv(format)) && hasYuvMatrix(colour.space)
         && frame.width == picture.width() && frame.height == picture.height())
-        yuvToBgra(frame, colour, picture);
+        yuvToBgra(frame, colour, picture, clip_.depth.dither);
     else
         scale(frame, colour, picture);
 }
 
 void ToPicture::scale(const AVFrame& frame, const Colour& colour, pixels::View picture)
 {
-    allocate(scaled_, AV_PIX_FMT_BGRA, picture.extent());
+    const bool dithers = clip_.depth.dither && isDeep(AVPixelFormat(frame.format));
+    allocate(scaled_, dithers ? AV_PIX_FMT_GBRAP16LE : AV_PIX_FMT_BGRA, picture.extent());
     scaler_.scale(frame, colour, *scaled_, {.range = AVCOL_RANGE_JPEG});
-    pixels::rows::copy(viewOf(*scaled_), picture);
+    if (dithers)
+        dither(*scaled_, wholeOf(frame, picture.extent()), picture);
+    else
+        pixels::rows::copy(viewOf(*scaled_), picture);
 }
 
 void FromPicture::convert(pixels::ConstView picture, AVFrame& frame)

@@ -1,7 +1,7 @@
 // Conversion between a clip's frames and the engine's pictures.
 #pragma once
 
-#include "effectengine/media/ClipReader.h"
+#include "effectengine/media/ToneMapper.h"
 #include "pixels/View.h"
 
 #include <vector>
@@ -42,6 +42,7 @@ private:
     pixels::Extent stored_; ///< the size before the picture is turned upright
     FrameScaler scaler_;
     Frame scaled_;
+    std::optional<ToneMapper> toneMapper_;
     std::vector<unsigned char> turned_;
 };
 

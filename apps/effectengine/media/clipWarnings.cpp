@@ -13,13 +13,15 @@ void warn(const std::filesystem::path& clip, const std::string& what)
 void warnOfDepth(const ClipInfo& clip)
 {
     const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(clip.format);
-    const AVColorTransferCharacteristic transfer = clip.colour.transfer;
-    const bool highRange = transfer == AVCOL_TRC_SMPTE2084 || transfer == AVCOL_TRC_ARIB_STD_B67;
+    const bool highRange = isHighRange(clip.colour.transfer);
     if (format && format->comp[0].depth > 8 && !(format->flags & AV_PIX_FMT_FLAG_PAL))
         warn(clip.file,
             std::to_string(format->comp[0].depth) + " bits a channel become 8"
-                + (highRange ? "; its high dynamic range is kept as it is coded, and effects see the codes"
-                             : ""));
+                + (clip.depth.dither ? " by dithering" : "")
+                + (clip.isToneMapped() ? "; its high dynamic range is mapped to BT.709"
+                        : highRange
+                        ? "; its high dynamic range is kept as it is coded, and effects see the codes"
+                        : ""));
 }
 
 void warnOfDamage(const ClipReader& reader)

@@ -11,7 +11,7 @@ namespace tool::media {
 FrameShape shapeOf(const ClipInfo& clip, int width, int height)
 {
     FrameShape shape{
-        width, height, clip.timeBase, clip.frameRate, clip.sampleAspect, clip.format, clip.colour};
+        width, height, clip.timeBase, clip.frameRate, clip.sampleAspect, clip.format, clip.pictureColour()};
     if (clip.sampleAspect.num && (width != clip.width || height != clip.height)) {
         // Pixels of another aspect, so that the picture keeps its shape on the screen.
         const AVRational scale{clip.width * height, clip.height * width};

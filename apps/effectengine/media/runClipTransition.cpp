@@ -62,8 +62,8 @@ SideTracks tracksFor(const ClipTransitionOptions& options, double at)
 void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
 {
     const Look look = transitionLook(options.effect, options.parameters);
-    ClipReader first(options.from);
-    ClipReader second(options.to);
+    ClipReader first(options.from, {}, options.depth);
+    ClipReader second(options.to, {}, options.depth);
     checkClipOutput(options.out);
     checkNotItself(options.from, options.out);
     checkNotItself(options.to, options.out);

@@ -122,6 +122,10 @@ Json::Value settingsOf(const RenderOptions& options, const Look& look, pixels::E
     settings["last"] = Json::Int64(range.last);
     settings["seed"] = Json::Int64(seed);
     settings["alpha"] = alpha;
+    if (clip.info().isToneMapped())
+        settings["toneMapping"] = nameOf(clip.info().depth.toneMapping);
+    if (options.depth.dither)
+        settings["dither"] = true;
     return settings;
 }
 
@@ -161,7 +165,7 @@ void render(const RenderOptions& options, const Look& look, SessionOptions sessi
         sessionOptions.seed = kUsualSeed;
     const fs::path pattern = patternOf(options.out);
     const fs::path directory = pattern.parent_path();
-    ClipReader reader(options.in, options.pictureRate);
+    ClipReader reader(options.in, options.pictureRate, options.depth);
     const ClipInfo& clip = reader.info();
     const long long count = reader.table().count();
     const FrameRange range = rangeOf(options, count);
@@ -171,8 +175,8 @@ void render(const RenderOptions& options, const Look& look, SessionOptions sessi
         checkNotItself(file, pattern);
     const pixels::Extent size = workingSize(clip, options.size);
     warnOfDepth(clip);
-    CompanionClips companions(
-        options.companions, clip, size, pictureRateBeside(clip.frameRate, options.pictureRate));
+    CompanionClips companions(options.companions, options.depth, clip, size,
+        pictureRateBeside(clip.frameRate, options.pictureRate));
 
     makeDirectory(directory);
     // By the format alone: looking through the clip would cost every chunk as much as the whole.

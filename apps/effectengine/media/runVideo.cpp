@@ -124,8 +124,9 @@ SideTracks tracksFor(const VideoOptions& options, const Timing& timing)
 /// Whether a frame without effects can be written as it is stored: it has the encoder's form already.
 bool goesStraight(const AVFrame& frame, const ClipInfo& clip, pixels::Extent size, const ClipSink& sink)
 {
-    return clip.orientation.upright() && frame.format == sink.format() && frame.width == size.width
-        && frame.height == size.height && isPlainYuv(AVPixelFormat(frame.format));
+    return clip.orientation.upright() && !clip.isToneMapped() && frame.format == sink.format()
+        && frame.width == size.width && frame.height == size.height
+        && isPlainYuv(AVPixelFormat(frame.format));
 }
 
 void convertClip(
@@ -134,7 +135,7 @@ void convertClip(
     checkClipCount(look ? look->info().inputs : 1, options.companions, "the graph", "video");
     const FrameRange range = parseFrames(options.frames);
     const EncoderChoice choice = choiceOf(options.encoding);
-    ClipReader reader(options.in, options.pictureRate);
+    ClipReader reader(options.in, options.pictureRate, options.depth);
     const ClipInfo& clip = reader.info();
     checkClipOutput(options.out);
     checkNotItself(options.in, options.out);
@@ -143,7 +144,7 @@ void convertClip(
     const pixels::Extent size = workingSize(clip, options.size);
     const Timing timing(options, reader, range);
     CompanionClips companions(
-        options.companions, clip, size, pictureRateBeside(timing.rate(), options.pictureRate));
+        options.companions, options.depth, clip, size, pictureRateBeside(timing.rate(), options.pictureRate));
 
     const Session session(sessionOptions);
     std::optional<LookRun> run;

@@ -1,6 +1,7 @@
 // Conversion by fixed-point colour matrices, row by row.
 #include "effectengine/media/yuvPixels.h"
 
+#include "effectengine/media/orderedDither.h"
 #include "pixels/numbers.h"
 #include "pixels/rows.h"
 
@@ -150,13 +151,12 @@ void doubled(const u8* samples, u8* to, int width)
         to[width - 1] = samples[width / 2];
 }
 
-void narrowed(const u8* samples, u8* to, int count, int bits)
+void narrowed(const u8* samples, u8* to, int count, int bits, const std::array<int, kDitherSize>& offsets)
 {
-    const int half = 1 << (bits - 9);
     for (int x = 0; x < count; ++x) {
         u16 sample;
         std::memcpy(&sample, samples + 2 * x, sizeof sample);
-        to[x] = u8(std::min((sample + half) >> (bits - 8), 255));
+        to[x] = u8(std::min((sample + offsets[std::size_t(x % kDitherSize)]) >> (bits - 8), 255));
     }
 }
 
@@ -240,7 +240,7 @@ Colour completed(Colour colour, AVPixelFormat format, int width, int height)
     return colour;
 }
 
-void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
+void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture, bool dither)
 {
     const ToBgra matrix(scaleOf(colour));
     const auto [columns, rows] = samplingOf(AVPixelFormat(frame.format));
@@ -255,7 +255,8 @@ void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture)
             const u8* const samples = planeRow(frame.data[plane], frame.linesize[plane], row);
             if (bits == 8)
                 return samples;
-            narrowed(samples, narrow.data() + plane * width, count, bits);
+            narrowed(
+                samples, narrow.data() + plane * width, count, bits, narrowingOffsets(row, bits - 8, dither));
             return narrow.data() + plane * width;
         };
         for (int top = first; top < last; ++top) {

@@ -20,8 +20,9 @@ bool hasYuvMatrix(AVColorSpace space);
 Colour completed(Colour colour, AVPixelFormat format, int width, int height);
 
 /// Converts a frame to pixels. Each chroma sample colours all pixels that share it; without alpha each pixel
-/// becomes opaque. The frame is plain or deep (then rounded to 8 bits); the view has its size.
-void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture);
+/// becomes opaque. The frame is plain or deep (then its samples are rounded to 8 bits, or dithered); the view
+/// has its size.
+void yuvToBgra(const AVFrame& frame, const Colour& colour, pixels::View picture, bool dither);
 
 /// Converts pixels to a frame. Each chroma sample is the mean of the pixels that share it, so a picture that
 /// came from such samples gives them back. The frame is writable and has the view's size.
