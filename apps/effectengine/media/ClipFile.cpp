@@ -3,7 +3,9 @@
 
 #include "effectengine/ToolError.h"
 #include "effectengine/interruption.h"
+#include "effectengine/media/animationPlays.h"
 #include "effectengine/media/encoders.h"
+#include "effectengine/media/gifFrames.h"
 
 #include <algorithm>
 #include <limits>
@@ -13,13 +15,14 @@ namespace tool::media {
 namespace {
 
 // The options of a container's muxer.
-void setContainerOptions(Dictionary& options, const AVOutputFormat& container, const Notes& notes)
+void setContainerOptions(Dictionary& options, const AVOutputFormat& container, const ClipNotes& notes)
 {
+    setPlays(options, container, notes.plays.value_or(0));
     if (!isQuickTimeKind(container))
         return;
     // It plays while it loads. Notes of phones and cameras, which no table lists, need one of their own.
     const bool ofCamera =
-        std::ranges::any_of(notes, [](const auto& note) { return note.first.starts_with("com."); });
+        std::ranges::any_of(notes.file, [](const auto& note) { return note.first.starts_with("com."); });
     options.set("movflags", ofCamera ? "+faststart+use_metadata_tags" : "+faststart");
 }
 
@@ -43,6 +46,7 @@ ClipFile::ClipFile(
     encoder_ = openEncoder(codec, shape, choice, container.flags & AVFMT_GLOBALHEADER);
     if (encoder_->pix_fmt == AV_PIX_FMT_PAL8)
         palette_.emplace(shape);
+    clearsFrames_ = codec.id == AV_CODEC_ID_GIF && shape.keepsAlpha;
 
     stream_ = avformat_new_stream(opened, nullptr);
     if (!stream_)
@@ -58,7 +62,7 @@ ClipFile::ClipFile(
     file_.claim();
     check(avio_open(&opened->pb, ("file:" + file_.path().string()).c_str(), AVIO_FLAG_WRITE));
     Dictionary options;
-    setContainerOptions(options, container, tracks.notes.file);
+    setContainerOptions(options, container, tracks.notes);
     const int result = avformat_write_header(opened, options.address());
     if (result == AVERROR(EINVAL))
         throw ToolError(
@@ -94,6 +98,7 @@ void ClipFile::write(AVFrame& frame, const FramePlace& place)
     if (lastTime_ != AV_NOPTS_VALUE && frame.pts <= lastTime_)
         frame.pts = lastTime_ + 1; // a coarser unit than the clip's
     lastTime_ = frame.pts;
+    lastDuration_ = place.duration > 0 ? place.duration : 0;
     if (place.duration > 0)
         durations_[frame.pts] = av_rescale_q(place.duration, unit_, encoder_->time_base);
     frame.pict_type = AV_PICTURE_TYPE_NONE;
@@ -109,6 +114,8 @@ void ClipFile::encode(AVFrame* frame)
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
             return;
         require(result, "encoder");
+        if (clearsFrames_)
+            clearBeforeNext(*packet_);
         if (const auto duration = durations_.find(packet_->pts); duration != durations_.end()) {
             packet_->duration = duration->second;
             durations_.erase(duration);
@@ -156,6 +163,7 @@ void ClipFile::finish()
 {
     encode(nullptr);
     writeTracksUpTo(std::numeric_limits<std::int64_t>::max(), {1, 1});
+    setFinalDelay(*output_, av_mul_q({int(std::min<std::int64_t>(lastDuration_, 1 << 20)), 1}, unit_));
     check(av_write_trailer(output_.get()));
     check(0);
     const int closed = avio_closep(&output_->pb);

@@ -43,9 +43,11 @@ private:
     AVStream* stream_ = nullptr;
     std::vector<Track> tracks_;
     std::optional<PaletteFilter> palette_;
+    bool clearsFrames_ = false; ///< of a transparent GIF
     Packet packet_;
     std::map<std::int64_t, std::int64_t> durations_; ///< by time, of frames within the encoder
     std::int64_t lastTime_ = AV_NOPTS_VALUE;
+    std::int64_t lastDuration_ = 0; ///< of the latest frame; 0 unknown
 };
 
 } // namespace tool::media

@@ -2,6 +2,7 @@
 #include "effectengine/media/ClipNotes.h"
 
 #include "effectengine/media/ClipReader.h"
+#include "effectengine/media/animationPlays.h"
 #include "effectengine/media/clipWarnings.h"
 
 #include <algorithm>
@@ -217,8 +218,8 @@ ClipNotes clipNotesOf(const fs::path& clip, const AVFormatContext& input, int st
 {
     const std::string noPlace = " no place in " + outputName.filename().string();
     const AVStream& pictures = *input.streams[stream];
-    ClipNotes notes{
-        notesOf(input.metadata), marksOf(pictures), chaptersOf(input, span), descriptionsOf(clip, pictures)};
+    ClipNotes notes{notesOf(input.metadata), marksOf(pictures), chaptersOf(input, span),
+        descriptionsOf(clip, pictures), playsOf(clip)};
     if (!notes.chapters.empty() && !holdsChapters(container)) {
         warn(clip, "chapters have" + noPlace);
         notes.chapters.clear();

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace tool::media {
@@ -50,6 +51,7 @@ struct ClipNotes {
     TrackMarks pictures;
     std::vector<Chapter> chapters;
     std::vector<Description> descriptions;
+    std::optional<int> plays; ///< of an animated picture; 0 for ever
 
     /// Enters all into an output whose header is not written yet.
     /// @param highRange  the pictures are still coded in high dynamic range

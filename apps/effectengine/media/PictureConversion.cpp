@@ -50,7 +50,7 @@ int wholeOf(const AVFrame& frame, pixels::Extent size)
     const bool scaled = frame.width != size.width || frame.height != size.height;
     if (!(format.flags & AV_PIX_FMT_FLAG_RGB) || (scaled && !(format.flags & AV_PIX_FMT_FLAG_PLANAR)))
         return 255 * 256;
-    return 65536 - (1 << std::max(0, 16 - format.comp[0].depth));
+    return 65536 - (1 << std::max(2, 16 - format.comp[0].depth)); // it may lose the lowest two bits
 }
 
 // Converts planes of 16 bits of green, blue, red and alpha, whose top row comes first.

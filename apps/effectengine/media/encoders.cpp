@@ -89,6 +89,8 @@ AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape)
 {
     constexpr std::array kPictures{AV_CODEC_ID_PNG, AV_CODEC_ID_TIFF, AV_CODEC_ID_TARGA, AV_CODEC_ID_BMP};
     const auto offered = formatsOf(codec);
+    if (codec.id == AV_CODEC_ID_WEBP)
+        return AV_PIX_FMT_BGRA; // the library has a matrix of its own
     const auto offers = [&](AVPixelFormat format) {
         return offered.empty() || std::ranges::find(offered, format) != offered.end();
     };
@@ -130,6 +132,9 @@ void applyChoice(AVCodecContext& encoder, const EncoderChoice& choice)
             setOption(encoder, name, value);
     if (settings && !settings->quality.empty() && choice.quality)
         setOption(encoder, std::string(settings->quality), std::to_string(*choice.quality));
+    else if (encoder.codec_id == AV_CODEC_ID_WEBP)
+        setOption(
+            encoder, "quality", std::to_string(std::max(0, 100 - 3 * choice.quality.value_or(kUsualScale))));
     else if (!settings)
         setScale(encoder, choice.quality.value_or(kUsualScale));
     for (const auto& [name, value] : choice.options)
@@ -189,8 +194,11 @@ const AVCodec& encoderOf(const std::filesystem::path& out, const EncoderChoice& 
 {
     if (!choice.codec.empty())
         return encoderNamed(choice.codec);
-    return encoderFor(
-        av_guess_codec(&containerFor(out), nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO), out);
+    const AVCodecID id =
+        av_guess_codec(&containerFor(out), nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO);
+    if (id == AV_CODEC_ID_WEBP && isPictureSequence(out))
+        return encoderNamed("libwebp"); // the usual one puts all frames into a file
+    return encoderFor(id, out);
 }
 
 bool offersAlpha(const AVCodec& codec)
@@ -215,6 +223,8 @@ Codec openEncoder(
                 + " knows no transparency; choose another --codec or name, or leave out --alpha keep");
     if (codec.id == AV_CODEC_ID_VP8 && hasAlpha(encoder->pix_fmt))
         setOption(*encoder, "auto-alt-ref", "0"); // the encoder has no transparency with it
+    if (codec.id == AV_CODEC_ID_GIF && shape.keepsAlpha)
+        setOption(*encoder, "gifflags", "0"); // whole frames, each of which begins on a clear canvas
     encoder->thread_count = 0;
     chooseTimeBase(*encoder, shape);
     const AVPixFmtDescriptor* const format = av_pix_fmt_desc_get(encoder->pix_fmt);

@@ -6,6 +6,21 @@
 
 namespace tool::media {
 
+void detail::freeBytes(AVIOContext* stream)
+{
+    delete static_cast<InputBytes*>(stream->opaque);
+    av_freep(&stream->buffer);
+    avio_context_free(&stream);
+}
+
+void detail::CloseInput::operator()(AVFormatContext* context) const
+{
+    AVIOContext* const own = context->flags & AVFMT_FLAG_CUSTOM_IO ? context->pb : nullptr;
+    avformat_close_input(&context);
+    if (own)
+        freeBytes(own);
+}
+
 Frame makeFrame()
 {
     Frame frame(av_frame_alloc());

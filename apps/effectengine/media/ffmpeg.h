@@ -21,12 +21,26 @@ extern "C" {
 
 namespace tool::media {
 
+/// What an input reads that is not a file of FFmpeg's own. It is the `opaque` of the input's stream and goes
+/// with the input.
+class InputBytes {
+public:
+    virtual ~InputBytes() = default;
+};
+
 namespace detail {
 
 /// A deleter by those functions of the libraries that take the address of the handle.
 template <auto free> struct FreeByAddress {
     template <class Handle> void operator()(Handle* handle) const { free(&handle); }
 };
+
+struct CloseInput {
+    void operator()(AVFormatContext* context) const;
+};
+
+/// Frees a stream that reads InputBytes, with them.
+void freeBytes(AVIOContext* stream);
 
 struct CloseOutput {
     void operator()(AVFormatContext* context) const
@@ -42,7 +56,7 @@ struct FreeScaler {
 
 } // namespace detail
 
-using Input = std::unique_ptr<AVFormatContext, detail::FreeByAddress<avformat_close_input>>;
+using Input = std::unique_ptr<AVFormatContext, detail::CloseInput>;
 using Output = std::unique_ptr<AVFormatContext, detail::CloseOutput>;
 using Codec = std::unique_ptr<AVCodecContext, detail::FreeByAddress<avcodec_free_context>>;
 using Frame = std::unique_ptr<AVFrame, detail::FreeByAddress<av_frame_free>>;

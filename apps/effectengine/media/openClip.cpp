@@ -2,6 +2,7 @@
 #include "effectengine/media/openClip.h"
 
 #include "effectengine/ToolError.h"
+#include "effectengine/media/AnimatedWebp.h"
 #include "effectengine/media/threadShares.h"
 
 #include <unistd.h>
@@ -30,6 +31,12 @@ void checkReadable(const fs::path& file)
         throw ToolError(ExitCode::unreadable, "is a directory, not a clip: " + file.string());
     if (access(file.c_str(), R_OK) != 0)
         throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
+}
+
+void findStreams(AVFormatContext& input, const fs::path& file)
+{
+    if (avformat_find_stream_info(&input, nullptr) < 0)
+        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": no streams found");
 }
 
 // The name of a decoder that must take the place of the usual one; null for the others. WebM has transparency
@@ -75,6 +82,11 @@ bool hasAlphaBeside(const AVStream& stream)
 Input openClip(const fs::path& file, const std::string& pictureRate)
 {
     checkReadable(file);
+    if (isAnimatedWebp(file)) {
+        Input animation = openAnimatedWebp(file);
+        findStreams(*animation, file);
+        return animation;
+    }
     // A clip that refers to others (a playlist) may name only files of this machine.
     Dictionary options;
     options.set("protocol_whitelist", "file");
@@ -91,8 +103,7 @@ Input openClip(const fs::path& file, const std::string& pictureRate)
     if (result < 0)
         throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": " + errorText(result));
     Input input(opened);
-    if (avformat_find_stream_info(opened, nullptr) < 0)
-        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": no streams found");
+    findStreams(*input, file);
     return input;
 }
 
