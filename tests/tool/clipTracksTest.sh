@@ -113,6 +113,29 @@ expect 0 'data (track 2' "$tool" video data.ts data.mkv
 make -i all.mkv -i all.mkv -map 0:v:0 -map 1:v:0 -c copy twice.mkv
 expect 0 'pictures (track 2, h264) are left out' "$tool" video twice.mkv once.mkv
 
+# Subtitles as pictures, whose end some files do not tell.
+cat >draw.py <<'END'
+import struct, sys
+def segment(time, kind, body):
+    return b'PG' + struct.pack('>IIBH', int(time * 90000), 0, kind, len(body)) + body
+row = bytes([0, 0x90, 1, 0, 0])
+drawing = struct.pack('>HBB', 0, 0, 0xc0) + (len(row) * 8 + 4).to_bytes(3, 'big') + struct.pack('>HH', 16, 8) + row * 8
+for number, time in enumerate((0.2, 1.2)):
+    place = struct.pack('>HHBHBBBBHBBHH', 96, 64, 16, number, 0x80, 0, 0, 1, 0, 0, 0, 10, 10)
+    window = struct.pack('>BBHHHH', 1, 0, 10, 10, 16, 8)
+    colours = bytes([0, 0, 0, 16, 128, 128, 0, 1, 235, 128, 128, 255])
+    for kind, body in (0x16, place), (0x17, window), (0x14, colours), (0x15, drawing), (0x80, b''):
+        sys.stdout.buffer.write(segment(time, kind, body))
+END
+/usr/bin/python3 draw.py >drawn.sup
+make -i drawn.sup -i all.mkv -map 1:v:0 -map 0:s -c:v copy -c:s dvdsub drawn.mkv
+expect 0 '' "$tool" video drawn.mkv drawn.mp4
+same "$(of s:0 stream=codec_name drawn.mp4)" dvd_subtitle "subtitles of DVDs in MP4"
+make -i drawn.sup -i all.mkv -map 1:v:0 -map 0:s -c copy blu-ray.mkv
+expect 0 '' "$tool" video blu-ray.mkv blu-ray-out.mkv
+same "$(of s:0 stream=codec_name blu-ray-out.mkv)" hdmv_pgs_subtitle "subtitles of Blu-ray discs in Matroska"
+expect 0 'subtitles (track 2, hdmv_pgs_subtitle) have no place' "$tool" video blu-ray.mkv out.webm
+
 # A camera's own notes, the light that a clip was graded for, and pictures that go all around.
 make -i all.mkv -map 0:v:0 -c copy -movflags use_metadata_tags -metadata com.maker.model=K1 -metadata creation_time=2020-01-02T03:04:05Z camera.mov
 expect 0 '' "$tool" video camera.mov camera.mp4

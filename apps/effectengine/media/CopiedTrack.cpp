@@ -10,6 +10,9 @@ namespace tool::media {
 
 namespace {
 
+/// Seconds. A longer title is one whose end is not known, and MP4 refuses it.
+constexpr double kLongestTitle = 24 * 60 * 60;
+
 std::int64_t ticks(double seconds, AVRational unit)
 {
     return std::isfinite(seconds) ? std::llround(seconds / av_q2d(unit)) : INT64_MAX;
@@ -41,6 +44,8 @@ bool CopiedTrack::cutTitle(AVPacket& packet) const
 {
     if (packet.pts == AV_NOPTS_VALUE)
         return false;
+    if (double(packet.duration) * av_q2d(timeBase()) > kLongestTitle)
+        packet.duration = 0;
     const std::int64_t begin = std::max(packet.pts, from_);
     const std::int64_t end = std::min(packet.pts + packet.duration, to_);
     if (packet.duration > 0)
