@@ -116,5 +116,28 @@ wait $process
 [ "$(grep -c 'ended unexpectedly' err.txt)" -eq 1 ] && [ "$(ls results | wc -l)" -eq 23 ] || fail "$(ls results | wc -l) results: $(cat err.txt)"
 check results new.png
 
+# What a killed run left of a clip goes with the next run of that name, and nobody else's files do.
+ffmpeg -v error -f lavfi -i testsrc2=size=640x360:rate=25:duration=8 clip.mp4
+mkdir clips
+"$tool" video clip.mp4 clips/out.mp4 -e am-negative 2>err.txt &
+process=$!
+until [ -n "$(find clips -name '.out.*.mp4')" ] || ! kill -0 $process; do sleep 0.01; done
+kill -9 $process
+wait $process 2>/dev/null
+left=$(find clips -name '.out.*.mp4')
+[ -n "$left" ] || fail "nothing was left to remove: $(ls -A clips)"
+dead=$process
+others=(clips/.out.$$.mp4 clips/.other.$dead.mp4 clips/.out.mp4 clips/.out.$dead.mkv)
+touch "${others[@]}"
+exec 8>"clips/.out.$((dead + 1)).mp4" # as one on another machine has it
+flock 8
+"$tool" video clip.mp4 clips/out.mp4 -e am-negative --frames 0-4 2>err.txt || fail "a clip after a kill: $(cat err.txt)"
+[ ! -e "$left" ] || fail "$left stays"
+exec 8>&-
+rm "clips/.out.$((dead + 1)).mp4" || fail "a file that another machine writes was removed"
+for file in "${others[@]}"; do
+    [ -e "$file" ] || fail "$file was removed"
+done
+
 [ "$failures" -eq 0 ] && echo "$((kills * 3 + 9)) kills did no harm"
 exit "$((failures > 0))"
