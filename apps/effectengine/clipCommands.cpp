@@ -31,7 +31,57 @@ void addReportOptions(CLI::App& command, ReportOptions& options)
 {
     addProgressOption(command, options.progress);
     command.add_flag("--stats", options.stats,
-        "tell on stdout, at the end, how long reading, effects and writing were at work");
+        "tell on stdout (on stderr when frames go to stdout), at the end, how long reading, effects and "
+        "writing "
+        "were at work");
+}
+
+/// The options of an input. Those of its part exclude each other.
+struct InputOptionNames {
+    CLI::Option* frames;
+    CLI::Option* start;
+    CLI::Option* end;
+    CLI::Option* rate;
+};
+
+InputOptionNames addInputOptions(CLI::App& command, InputOptions& options)
+{
+    InputOptionNames names{};
+    names.frames =
+        command.add_option("--frames", options.frames, "only these frames, counted from 0")->type_name("A-B");
+    names.start = command
+                      .add_option("--start", options.start,
+                          "only frames from this time on: seconds or [HH:]MM:SS, from the first frame")
+                      ->type_name("TIME")
+                      ->excludes(names.frames);
+    names.end = command.add_option("--end", options.end, "only frames before this time")
+                    ->type_name("TIME")
+                    ->excludes(names.frames);
+    command
+        .add_option("--size", options.size,
+            "size to scale to (default: the clip's own); with --input-format rawvideo that of its pictures")
+        ->type_name("WIDTHxHEIGHT");
+    command.add_option("--scale", options.scale, "size to scale to, of raw pictures as well")
+        ->type_name("WIDTHxHEIGHT");
+    names.rate =
+        command
+            .add_option("--rate", options.rate, "frames per second of numbered or raw pictures (default: 25)")
+            ->type_name("RATE");
+    command
+        .add_option("--input-format", options.format,
+            "what IN is, where its bytes do not tell: rawvideo, y4m, nut, matroska, mpegts...")
+        ->type_name("NAME");
+    command
+        .add_option("--pixel-format", options.pixelFormat,
+            "with --input-format rawvideo: yuv420p, rgb24, bgra, gray...")
+        ->type_name("NAME");
+    command
+        .add_option("--total-time", options.total,
+            "seconds that effects take for the clip's duration (default: the clip's, or 5 where it is "
+            "unknown)")
+        ->check(CLI::PositiveNumber)
+        ->type_name("SECONDS");
+    return names;
 }
 
 void addCompanionOptions(CLI::App& command, CompanionOptions& options)
@@ -58,6 +108,12 @@ void addCompanionOptions(CLI::App& command, CompanionOptions& options)
 
 void addEncodingOptions(CLI::App& command, EncodingOptions& options)
 {
+    command
+        .add_option("--format", options.container,
+            "container, when OUT's name does not tell: y4m, nut, rawvideo, matroska... (default for a pipe: "
+            "y4m, "
+            "or nut for pictures with transparency or in RGB)")
+        ->type_name("NAME");
     command.add_option("--codec", options.codec, "encoder or codec (default: by the output's name)")
         ->type_name("NAME");
     command
@@ -69,6 +125,10 @@ void addEncodingOptions(CLI::App& command, EncodingOptions& options)
             "--encoder-option", options.encoderOptions, "an option of the encoder, such as preset=slow")
         ->allow_extra_args(false)
         ->type_name("NAME=VALUE");
+    command
+        .add_option("--output-pixel-format", options.pixelFormat,
+            "of the encoder, by FFmpeg's names (default: near the input's)")
+        ->type_name("NAME");
     addCompressionOption(command, options.compression);
     addAlphaOption(command, options.alpha);
     addReportOptions(command, options.report);
@@ -78,23 +138,17 @@ void addVideoCommand(CLI::App& tool, const SessionOptions& session)
 {
     const auto options = std::make_shared<VideoOptions>();
     CLI::App* const command = tool.add_subcommand("video", "Applies effects to a clip.");
-    command->add_option("IN", options->in, "clip, GIF, or numbered pictures such as frames/%06d.png")
+    command
+        ->add_option("IN", options->input.file,
+            "clip, GIF, numbered pictures such as frames/%06d.png, or - for standard input")
         ->required();
     command
         ->add_option("OUT", options->out,
-            "clip (.mp4, .mkv, .mov, .webm, .gif...) or numbered pictures such as frames/%06d.png")
+            "clip (.mp4, .mkv, .mov, .webm, .gif...), numbered pictures such as frames/%06d.png, or - for "
+            "standard output")
         ->required();
     const GraphOptions graph(*command);
-    command
-        ->add_option(
-            "--frames", options->frames, "only these frames, counted from 0; with the sound of theirs")
-        ->type_name("A-B");
-    command->add_option("--size", options->size, "size to scale to (default: the clip's own)")
-        ->type_name("WIDTHxHEIGHT");
-    CLI::Option* const rate = command
-                                  ->add_option("--rate", options->pictureRate,
-                                      "frames per second of numbered pictures (default: 25)")
-                                  ->type_name("RATE");
+    CLI::Option* const rate = addInputOptions(*command, options->input).rate;
     command
         ->add_option(
             "--timing", options->timing, "clip that numbered pictures were made from: its times and sound")
@@ -103,6 +157,7 @@ void addVideoCommand(CLI::App& tool, const SessionOptions& session)
     addDepthOptions(*command, options->depth);
     addCompanionOptions(*command, options->companions);
     addEncodingOptions(*command, options->encoding);
+    addDryRunOptions(*command, options->dryRun);
     command->callback([options, graph, &session] { runVideo(*options, graph, session); });
 }
 
@@ -112,26 +167,23 @@ void addRenderCommand(CLI::App& tool, const SessionOptions& session)
     CLI::App* const command =
         tool.add_subcommand("render", "Renders a graph over a clip, or a part of it, to numbered pictures.");
     command->add_option("GRAPH", options->graph, "JSON file with a graph of effects")->required();
-    command->add_option("IN", options->in, "clip, or numbered pictures")->required();
+    command->add_option("IN", options->input.file, "clip, numbered pictures, or - for standard input")
+        ->required();
     command->add_option("OUT", options->out, "numbered pictures such as frames/%06d.png, or a directory")
         ->required();
-    CLI::Option* const frames =
-        command->add_option("--frames", options->frames, "only these frames, counted from 0")
-            ->type_name("A-B");
+    const InputOptionNames names = addInputOptions(*command, options->input);
     command->add_option("--chunk", options->chunk, "only part I of N equal parts, counted from 1")
         ->type_name("I/N")
-        ->excludes(frames);
+        ->excludes(names.frames)
+        ->excludes(names.start)
+        ->excludes(names.end);
     command->add_flag("--resume", options->resume, "keep the pictures that an earlier run finished");
-    command->add_option("--size", options->size, "size to scale to (default: the clip's own)")
-        ->type_name("WIDTHxHEIGHT");
-    command
-        ->add_option("--rate", options->pictureRate, "frames per second of numbered pictures (default: 25)")
-        ->type_name("RATE");
     addDepthOptions(*command, options->depth);
     addCompanionOptions(*command, options->companions);
     addCompressionOption(*command, options->compression);
     addAlphaOption(*command, options->alpha);
     addReportOptions(*command, options->report);
+    addDryRunOptions(*command, options->dryRun);
     command->callback([options, &session] { runRender(*options, session); });
 }
 

@@ -6,6 +6,7 @@
 #include "effectengine/GraphOptions.h"
 #include "effectengine/Progress.h"
 #include "effectengine/Session.h"
+#include "effectengine/runPlan.h"
 #include "pictures/PngEncoder.h"
 
 #include <filesystem>
@@ -36,6 +37,22 @@ struct EncodingOptions {
     std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
     ReportOptions report;
+    std::string container;   ///< name of the output's; empty: by the output's name
+    std::string pixelFormat; ///< name of the output's; empty: as the encoder has it
+};
+
+/// The user's words about the clip that a verb reads, and about the part and the size that are wanted of it.
+struct InputOptions {
+    std::filesystem::path file;
+    std::string format;          ///< name of its container; empty: by its bytes
+    std::string pixelFormat;     ///< of raw pictures
+    std::string rate;            ///< of numbered and raw pictures
+    std::string size;            ///< of raw pictures; of the output for other clips
+    std::string scale;           ///< of the output
+    std::string frames;          ///< A-B
+    std::string start;           ///< a time
+    std::string end;             ///< a time
+    std::optional<double> total; ///< seconds that effects take for the clip's duration
 };
 
 /// What a clip beside the first one shows once its last frame has had its time.
@@ -49,15 +66,13 @@ struct CompanionOptions {
 };
 
 struct VideoOptions {
-    std::filesystem::path in;
+    InputOptions input;
     std::filesystem::path out;
-    std::string frames;
-    std::string size;
-    std::string pictureRate;
     std::filesystem::path timing; ///< clip whose times and sound numbered pictures take
     DepthOptions depth;
     CompanionOptions companions;
     EncodingOptions encoding;
+    DryRunOptions dryRun;
 };
 
 struct ClipTransitionOptions {
@@ -77,18 +92,16 @@ struct ClipTransitionOptions {
 
 struct RenderOptions {
     std::filesystem::path graph;
-    std::filesystem::path in;
+    InputOptions input;
     std::filesystem::path out;
-    std::string frames;
     std::string chunk;
-    std::string size;
-    std::string pictureRate;
     DepthOptions depth;
     CompanionOptions companions;
     bool resume = false;
     std::optional<pictures::PngEffort> compression; ///< of PNG pictures; empty: fast
     AlphaChoice alpha = AlphaChoice::automatic;
     ReportOptions report;
+    DryRunOptions dryRun;
 };
 
 // The work of the verbs. They throw ToolError and LookError.
@@ -98,7 +111,8 @@ void runRender(const RenderOptions& options, const SessionOptions& session);
 /// Prints the versions of FFmpeg's libraries and the codecs that clips can be read from and written to.
 void runCodecs();
 
-/// Adds --codec, --quality, --encoder-option, --compression, --alpha, --progress and --stats to a verb.
+/// Adds --format, --codec, --quality, --encoder-option, --output-pixel-format, --compression, --alpha,
+/// --progress and --stats to a verb.
 void addEncodingOptions(CLI::App& command, EncodingOptions& options);
 
 void addVideoCommand(CLI::App& tool, const SessionOptions& session);

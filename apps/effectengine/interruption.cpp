@@ -132,6 +132,12 @@ void untilAsked(const std::function<void()>& part)
     }
 }
 
+void stopBy(int signal)
+{
+    received = signal;
+    throw Interrupted();
+}
+
 void interruptibly(const std::function<void()>& work)
 {
     {

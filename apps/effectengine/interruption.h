@@ -23,6 +23,10 @@ void stopIfAsked();
 /// to say at its end before it stops as well.
 void untilAsked(const std::function<void()>& part);
 
+/// Ends the work as if this signal had come: SIGPIPE for an output whose reader is gone. To be called within
+/// interruptibly().
+[[noreturn]] void stopBy(int signal);
+
 /// A file that goes with the process when it is ended by force while this lives.
 class Leftover {
 public:

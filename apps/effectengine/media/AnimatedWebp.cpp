@@ -272,6 +272,7 @@ Input openAnimatedWebp(const fs::path& file)
         throw std::bad_alloc();
     }
     opened->pb = stream;
+    opened->opaque = bytes.get();
     const int result = avformat_open_input(&opened, nullptr, av_find_input_format("apng"), nullptr);
     if (result < 0) {
         detail::freeBytes(stream); // the context is gone already

@@ -15,34 +15,44 @@ namespace tool::media {
 namespace {
 
 // The options of a container's muxer.
-void setContainerOptions(Dictionary& options, const AVOutputFormat& container, const ClipNotes& notes)
+void setContainerOptions(
+    Dictionary& options, const AVOutputFormat& container, const ClipNotes& notes, bool toPipe)
 {
     setPlays(options, container, notes.plays.value_or(0));
+    if (toPipe && std::string_view(container.name) == "nut")
+        options.set("write_index", "0"); // it would be gathered in memory
     if (!isQuickTimeKind(container))
         return;
     // It plays while it loads. Notes of phones and cameras, which no table lists, need one of their own.
     const bool ofCamera =
         std::ranges::any_of(notes.file, [](const auto& note) { return note.first.starts_with("com."); });
-    options.set("movflags", ofCamera ? "+faststart+use_metadata_tags" : "+faststart");
+    options.set("movflags",
+        std::string(toPipe ? "+frag_keyframe+empty_moov+default_base_moof" : "+faststart")
+            + (ofCamera ? "+use_metadata_tags" : ""));
 }
 
 } // namespace
 
 ClipFile::ClipFile(
     const std::filesystem::path& out, const FrameShape& shape, const EncoderChoice& choice, SideTracks tracks)
-    : file_(out),
+    : name_(outputName(out)),
       unit_(shape.timeBase),
       packet_(makePacket())
 {
-    const AVOutputFormat& container = containerFor(out);
+    if (!goesToPipe(out))
+        file_.emplace(out);
+    const AVOutputFormat& container = containerFor(out, choice.container);
     AVFormatContext* opened = nullptr;
-    require(avformat_alloc_output_context2(&opened, &container, nullptr, file_.path().c_str()), "container");
+    require(
+        avformat_alloc_output_context2(&opened, &container, nullptr, file_ ? file_->path().c_str() : nullptr),
+        "container");
     output_.reset(opened);
 
     const AVCodec& codec = encoderOf(out, choice);
     if (avformat_query_codec(&container, codec.id, FF_COMPLIANCE_NORMAL) == 0)
         throw ToolError(ExitCode::usage,
-            out.string() + " cannot hold " + avcodec_get_name(codec.id) + "; choose another name or --codec");
+            name_.string() + " cannot hold " + avcodec_get_name(codec.id)
+                + "; choose another name or --codec");
     encoder_ = openEncoder(codec, shape, choice, container.flags & AVFMT_GLOBALHEADER);
     if (encoder_->pix_fmt == AV_PIX_FMT_PAL8)
         palette_.emplace(shape);
@@ -59,15 +69,29 @@ ClipFile::ClipFile(
     for (auto& track : tracks.tracks)
         addTrack(std::move(track));
 
-    file_.claim();
-    check(avio_open(&opened->pb, ("file:" + file_.path().string()).c_str(), AVIO_FLAG_WRITE));
+    open(out);
     Dictionary options;
-    setContainerOptions(options, container, tracks.notes);
+    setContainerOptions(options, container, tracks.notes, !file_);
     const int result = avformat_write_header(opened, options.address());
     if (result == AVERROR(EINVAL))
         throw ToolError(
-            ExitCode::usage, out.string() + " cannot hold these streams; choose another name or --codec");
+            ExitCode::usage, name_.string() + " cannot hold these streams; choose another name or --codec");
     check(result);
+}
+
+void ClipFile::open(const std::filesystem::path& out)
+{
+    if (file_) {
+        file_->claim();
+        check(avio_open(&output_->pb, ("file:" + file_->path().string()).c_str(), AVIO_FLAG_WRITE));
+        return;
+    }
+    constexpr std::int64_t kLongestWait = AV_TIME_BASE / 2;
+    pipe_ = openPipeToWrite(out);
+    output_->pb = pipe_.get();
+    // Frames go on at once, and wait for sound only as long as it comes along with them.
+    output_->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_FLUSH_PACKETS;
+    output_->max_interleave_delta = kLongestWait;
 }
 
 void ClipFile::addTrack(std::unique_ptr<SideTrack> source)
@@ -134,7 +158,7 @@ void ClipFile::writeTracksUpTo(std::int64_t time, AVRational unit)
             stopIfAsked();
             AVPacket& packet = *track.waiting;
             if (!packet.data && !track.source->next(packet)) {
-                track.ended = true;
+                track.ended = !track.source->mayGoOn();
                 break;
             }
             if (packet.dts != AV_NOPTS_VALUE
@@ -155,8 +179,12 @@ void ClipFile::check(int result)
     // A write into a buffer may fail later; then only the stream holds the error.
     if (result >= 0 && output_->pb && output_->pb->error < 0)
         result = output_->pb->error;
+    if (result == AVERROR_EXIT)
+        stopIfAsked();
+    if (result == AVERROR(EPIPE) && pipe_)
+        stopForClosedReader(*pipe_, name_);
     if (result < 0)
-        throwCannotWrite(file_.target(), AVUNERROR(result));
+        throwCannotWrite(name_, AVUNERROR(result));
 }
 
 void ClipFile::finish()
@@ -165,11 +193,15 @@ void ClipFile::finish()
     writeTracksUpTo(std::numeric_limits<std::int64_t>::max(), {1, 1});
     setFinalDelay(*output_, av_mul_q({int(std::min<std::int64_t>(lastDuration_, 1 << 20)), 1}, unit_));
     check(av_write_trailer(output_.get()));
+    if (pipe_)
+        avio_flush(pipe_.get());
     check(0);
+    if (!file_)
+        return;
     const int closed = avio_closep(&output_->pb);
     if (closed < 0)
-        throwCannotWrite(file_.target(), AVUNERROR(closed));
-    file_.keep();
+        throwCannotWrite(name_, AVUNERROR(closed));
+    file_->keep();
 }
 
 } // namespace tool::media

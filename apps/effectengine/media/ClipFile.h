@@ -4,6 +4,7 @@
 #include "effectengine/PartialFile.h"
 #include "effectengine/media/ClipSink.h"
 #include "effectengine/media/PaletteFilter.h"
+#include "effectengine/media/pipes.h"
 
 #include <map>
 #include <optional>
@@ -30,14 +31,17 @@ private:
         bool ended = false;
     };
 
+    void open(const std::filesystem::path& out);
     void addTrack(std::unique_ptr<SideTrack> source);
     void encode(AVFrame* frame);
     void writeTracksUpTo(std::int64_t time, AVRational unit);
     void writePacket(AVPacket& packet);
     void check(int result);
 
-    PartialFile file_;
-    AVRational unit_; ///< of the frames that write() gets
+    std::filesystem::path name_;      ///< of the output, in messages
+    std::optional<PartialFile> file_; ///< none for a pipe
+    Pipe pipe_;                       ///< or this
+    AVRational unit_;                 ///< of the frames that write() gets
     Output output_;
     Codec encoder_;
     AVStream* stream_ = nullptr;

@@ -232,7 +232,7 @@ ClipNotes clipNotesOf(const fs::path& clip, const AVFormatContext& input, int st
     return notes;
 }
 
-std::vector<ClipNotes::Description> descriptionsOf(const fs::path& clip, const AVStream& pictures)
+std::vector<ClipNotes::Description> descriptionsOf(const ClipSource& clip, const AVStream& pictures)
 {
     std::vector<ClipNotes::Description> found;
     for (const AVPacketSideDataType type : {AV_PKT_DATA_MASTERING_DISPLAY_METADATA,
@@ -242,7 +242,7 @@ std::vector<ClipNotes::Description> descriptionsOf(const fs::path& clip, const A
             found.push_back({type, {bytes, bytes + size}});
     }
     const bool told = std::ranges::any_of(found, [](const auto& one) { return isLight(one.type); });
-    if (told || !isHighRange(pictures.codecpar->color_trc))
+    if (told || clip.passesOnce() || !isHighRange(pictures.codecpar->color_trc))
         return found;
     // Some files tell it with the coded pictures only.
     ClipReader reader(clip);

@@ -2,6 +2,7 @@
 // marks.
 #pragma once
 
+#include "effectengine/media/ClipSource.h"
 #include "effectengine/media/ffmpeg.h"
 
 #include <filesystem>
@@ -64,9 +65,9 @@ struct ClipNotes {
 ClipNotes clipNotesOf(const std::filesystem::path& clip, const AVFormatContext& input, int stream,
     const AVOutputFormat& container, Span span, const std::filesystem::path& outputName);
 
-/// Descriptions of a clip's pictures; those of high dynamic range also where only the coded pictures tell.
-std::vector<ClipNotes::Description> descriptionsOf(
-    const std::filesystem::path& clip, const AVStream& pictures);
+/// Descriptions of a clip's pictures; those of high dynamic range also where only the coded pictures tell,
+/// unless the clip passes once.
+std::vector<ClipNotes::Description> descriptionsOf(const ClipSource& clip, const AVStream& pictures);
 
 /// Whether the container is MP4 or QuickTime or one of their kin.
 bool isQuickTimeKind(const AVOutputFormat& container);

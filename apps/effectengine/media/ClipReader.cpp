@@ -2,6 +2,7 @@
 #include "effectengine/media/ClipReader.h"
 
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/ToneMapper.h"
 #include "effectengine/media/openClip.h"
 #include "effectengine/photoMetadata.h"
@@ -30,12 +31,12 @@ Orientation orientationOf(const AVStream& stream)
 }
 
 // The EXIF orientation of the first of numbered photographs counts for all. A packet holds a file's bytes.
-Orientation orientationOfPictures(const AVFormatContext& pictures, const fs::path& file)
+Orientation orientationOfPictures(const AVFormatContext& pictures, const ClipSource& source)
 {
     const std::string_view format = pictures.iformat->name;
-    if (format != "image2" && !format.ends_with("_pipe"))
+    if ((format != "image2" && !format.ends_with("_pipe")) || source.passesOnce())
         return {};
-    const Input input = openClip(file); // the first packet of the other one is for the decoder
+    const Input input = openClip(source); // the first packet of the other one is for the decoder
     const Packet packet = makePacket();
     if (av_read_frame(input.get(), packet.get()) < 0)
         return {};
@@ -52,13 +53,15 @@ Colour ClipInfo::pictureColour() const
     return {AVCOL_RANGE_MPEG, AVCOL_SPC_BT709, AVCOL_PRI_BT709, AVCOL_TRC_BT709, colour.location};
 }
 
-ClipReader::ClipReader(const fs::path& file, const std::string& pictureRate, const DepthOptions& depth)
-    : pictureRate_(pictureRate),
-      packet_(makePacket()),
+ClipReader::ClipReader(const ClipSource& source, const DepthOptions& depth)
+    : packet_(makePacket()),
       ahead_(makeFrame()),
       before_(makeFrame())
 {
-    info_.file = file;
+    info_.source = source;
+    info_.file = source.name();
+    if (source.passesOnce())
+        pipe_ = openPipeToRead(source.path());
     begin();
     describe();
     info_.depth = depth;
@@ -70,7 +73,7 @@ void ClipReader::chooseToneMapping()
 {
     checkToneMapping();
     if (isHighRange(info_.colour.transfer))
-        info_.brightest = brightestOf(info_.file, *input_->streams[stream_]);
+        info_.brightest = brightestOf(info_.source, *input_->streams[stream_]);
     else
         info_.depth.toneMapping = ToneMapping::none;
 }
@@ -81,7 +84,7 @@ void ClipReader::begin()
 {
     decoder_.reset();
     watch_.forget();
-    input_ = openClip(info_.file, pictureRate_);
+    input_ = pipe_ ? openPassingClip(info_.source, *pipe_) : openClip(info_.source);
     stream_ = pictureStreamOf(*input_, info_.file);
     decoder_ = openDecoder(*input_->streams[stream_], info_.file, &watch_);
     readOnly(*input_, stream_);
@@ -100,7 +103,7 @@ void ClipReader::describe()
     const AVCodecParameters& stored = *stream.codecpar;
     info_.orientation = orientationOf(stream);
     if (info_.orientation.upright())
-        info_.orientation = orientationOfPictures(*input_, info_.file);
+        info_.orientation = orientationOfPictures(*input_, info_.source);
     info_.width = stored.width;
     info_.height = stored.height;
     info_.sampleAspect = av_guess_sample_aspect_ratio(input_.get(), &stream, nullptr);
@@ -109,6 +112,7 @@ void ClipReader::describe()
         if (info_.sampleAspect.num)
             info_.sampleAspect = av_inv_q(info_.sampleAspect);
     }
+    info_.codec = stored.codec_id;
     info_.format = decoder_->pix_fmt;
     if (info_.width <= 0 || info_.height <= 0 || info_.format == AV_PIX_FMT_NONE)
         throw ToolError(ExitCode::unreadable, "no frame can be decoded from " + info_.file.string());
@@ -128,6 +132,7 @@ void ClipReader::describe()
         info_.duration = double(stream.duration) * av_q2d(stream.time_base);
     else if (input_->duration != AV_NOPTS_VALUE)
         info_.duration = double(input_->duration) / AV_TIME_BASE;
+    info_.duration = std::max(0.0, info_.duration); // some formats count a pipe's bytes, which nobody knows
     info_.frames = stream.nb_frames > 0 ? stream.nb_frames : (long long)(info_.duration * info_.rate() + 0.5);
     for (unsigned i = 0; i < input_->nb_streams; ++i) {
         const AVMediaType type = input_->streams[i]->codecpar->codec_type;
@@ -139,13 +144,20 @@ void ClipReader::describe()
 const FrameTable& ClipReader::table()
 {
     if (!table_)
-        table_ = readFrameTable(info_.file, pictureRate_);
+        table_ = readFrameTable(info_.source);
     return *table_;
+}
+
+void ClipReader::handOnOthers(const std::vector<int>& streams, Take take)
+{
+    for (const int stream : streams)
+        input_->streams[stream]->discard = AVDISCARD_DEFAULT;
+    takeOther_ = std::move(take);
 }
 
 void ClipReader::skipTo(long long frame)
 {
-    if (frame <= 0 || !table().numbers || frame >= table().count())
+    if (frame <= 0 || pipe_ || !table().numbers || frame >= table().count())
         return;
     index_ = frame - 1;
     keysBack_ = 1;
@@ -190,6 +202,8 @@ bool ClipReader::next(AVFrame& frame)
     const auto begin = std::chrono::steady_clock::now();
     const bool found = table_ && table_->numbers ? nextByNumber(frame) : nextInOrder(frame);
     decoding_ += std::chrono::steady_clock::now() - begin;
+    if (!found)
+        stopIfAsked();
     if (!found && index_ < 0)
         throw ToolError(ExitCode::unreadable, "no frame can be decoded from " + info_.file.string());
     return found;
@@ -235,7 +249,7 @@ bool ClipReader::nextByNumber(AVFrame& frame)
         damaged_.insert(index_);
     av_frame_unref(&frame);
     require(av_frame_ref(&frame, &shown), "frame");
-    frame.pts = table_->times[std::size_t(index_)];
+    lastTime_ = frame.pts = table_->times[std::size_t(index_)];
     if (lost)
         frame.pkt_duration = 0;
     return true;
@@ -290,6 +304,8 @@ bool ClipReader::feed()
     do {
         av_packet_unref(packet_.get());
         result = av_read_frame(input_.get(), packet_.get());
+        if (result >= 0 && packet_->stream_index != stream_ && takeOther_)
+            takeOther_(*packet_);
     } while (result >= 0 && (packet_->stream_index != stream_ || packet_->size == 0));
     drained_ = result < 0;
     breaksOff_ = drained_ && result != AVERROR_EOF;

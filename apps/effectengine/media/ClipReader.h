@@ -2,10 +2,13 @@
 #pragma once
 
 #include "effectengine/DepthOptions.h"
+#include "effectengine/media/ClipSource.h"
 #include "effectengine/media/DecoderWatch.h"
 #include "effectengine/media/FrameTable.h"
+#include "effectengine/media/pipes.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 namespace tool::media {
@@ -29,17 +32,19 @@ struct Orientation {
 
 /// The properties of a clip.
 struct ClipInfo {
-    std::filesystem::path file;
-    int width = 0; ///< as shown, after the display matrix
+    ClipSource source;
+    std::filesystem::path file; ///< its name in messages
+    int width = 0;              ///< as shown, after the display matrix
     int height = 0;
     Orientation orientation;
     AVRational sampleAspect{0, 1}; ///< as shown; 0/1 unknown
+    AVCodecID codec = AV_CODEC_ID_NONE;
     AVPixelFormat format = AV_PIX_FMT_NONE;
     Colour colour;
     AVRational timeBase{1, 1};  ///< unit of timestamps
     AVRational frameRate{0, 1}; ///< average
     std::int64_t start = 0; ///< timestamp at which the file starts: its sound may come before its first frame
-    double duration = 0;    ///< seconds
+    double duration = 0;    ///< seconds; 0 unknown, as of most pipes
     long long frames = 0;   ///< as the file says, or estimated from its duration; 0 unknown
     int audioStreams = 0;
     int subtitleStreams = 0;
@@ -56,23 +61,30 @@ struct ClipInfo {
 /// Decodes a clip from its start, or from a frame on.
 class ClipReader {
 public:
+    /// Takes a packet of another stream than that of the pictures; it may move its contents.
+    using Take = std::function<void(AVPacket& packet)>;
+
     /// Opens the clip. Throws ToolError.
-    /// @param pictureRate  frames per second of numbered pictures; empty for the library's own 25
-    /// @param depth        how the frames become pictures
-    explicit ClipReader(const std::filesystem::path& file, const std::string& pictureRate = {},
-        const DepthOptions& depth = {});
+    /// @param depth  how the frames become pictures
+    explicit ClipReader(const ClipSource& source, const DepthOptions& depth = {});
 
     const ClipInfo& info() const { return info_; }
+    /// The clip's streams.
+    const AVFormatContext& container() const { return *input_; }
 
     /// Times and number of all frames, from a pass over the file when it is first asked for. From then on,
-    /// and before the first next(), frames are numbered by it.
+    /// and before the first next(), frames are numbered by it. Not for clips that pass once.
     const FrameTable& table();
 
+    /// Hands on the packets of other streams that next() comes past, on its thread; for clips that pass once.
+    /// To be called before the first next().
+    void handOnOthers(const std::vector<int>& streams, Take take);
+
     /// Goes to a frame, counted from 0, without decoding everything before it where the file allows it. To be
-    /// called before the first next().
+    /// called before the first next(). A clip that passes once stays where it is.
     void skipTo(long long frame);
 
-    /// Goes back to the state before the first next().
+    /// Goes back to the state before the first next(). Not for clips that pass once.
     void startAgain();
 
     /// The next frame as it is stored; its pts is set, and ascends. Where frames are numbered by the table,
@@ -82,6 +94,9 @@ public:
 
     /// How long next() has taken so far: reading, and waiting for the decoder.
     std::chrono::nanoseconds decoding() const { return decoding_; }
+
+    /// The time of the frame that next() gave last, in seconds since the file's start.
+    double secondsSinceStart() const { return double(lastTime_ - info_.start) * av_q2d(info_.timeBase); }
 
     /// The number of the frame that next() gave last.
     long long index() const { return index_; }
@@ -109,12 +124,13 @@ private:
     bool feed();
 
     ClipInfo info_;
-    std::string pictureRate_;
     DecoderWatch watch_; ///< outlives the decoder, whose threads use it
+    Pipe pipe_;          ///< of a clip that passes once
     Input input_;
     Codec decoder_;
     Packet packet_;
     int stream_ = -1;
+    Take takeOther_;
     std::chrono::nanoseconds decoding_{};
     long long index_ = -1;
     std::int64_t firstTime_ = AV_NOPTS_VALUE;

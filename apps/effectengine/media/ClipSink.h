@@ -34,6 +34,8 @@ struct EncoderChoice {
     std::vector<std::pair<std::string, std::string>> options = {};
     bool needsAlpha = false;                             ///< an output that must be opaque is an error
     std::optional<pictures::PngEffort> compression = {}; ///< another output than PNG pictures is an error
+    std::string container = {};                          ///< its name; empty: by the output's name
+    AVPixelFormat pixelFormat = AV_PIX_FMT_NONE;         ///< none: near the source's
 };
 
 /// An output for the frames of a clip.
@@ -74,14 +76,27 @@ bool isPictureSequence(const std::filesystem::path& out);
 /// Throws ToolError when the choice holds a compression, which outputs other than PNG pictures do not have.
 void checkNoCompression(const std::filesystem::path& out, const EncoderChoice& choice);
 
-/// The container that the name stands for. Throws ToolError.
-const AVOutputFormat& containerFor(const std::filesystem::path& out);
+/// The container of this name, or else the one that the output's name stands for. Throws ToolError.
+const AVOutputFormat& containerFor(const std::filesystem::path& out, const std::string& container);
+
+/// Whether the name stands for standard output, or for what is written once and in order.
+bool goesToPipe(const std::filesystem::path& out);
+
+/// What messages call the output.
+std::filesystem::path outputName(const std::filesystem::path& out);
+
+/// Chooses what neither the output's name nor the user tells: the container for a pipe, and how it holds
+/// frames that are not compressed. Throws ToolError.
+/// @param clips  that the output shows
+void settleChoice(EncoderChoice& choice, const std::filesystem::path& out, AlphaChoice alpha,
+    const std::vector<const ClipInfo*>& clips);
 
 /// Throws ToolError when the output would replace one of the inputs.
 void checkNotItself(const std::filesystem::path& in, const std::filesystem::path& out);
 
 /// Throws ToolError when the name is none that can be written, or its directory is missing or closed.
-void checkClipOutput(const std::filesystem::path& out);
+/// @param container  as in EncoderChoice
+void checkClipOutput(const std::filesystem::path& out, const std::string& container = {});
 
 /// Opens a clip or a sequence of pictures, by the name; `tracks` go along in a clip. Throws ToolError:
 /// unknown codec or option, or a file that cannot be written.

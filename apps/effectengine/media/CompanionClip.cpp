@@ -18,11 +18,19 @@ namespace {
 /// Absorbs the rounding of calculations in floating point; far below the time of a frame.
 constexpr double kTiny = 1e-6;
 
+ClipSource sourceOfCompanion(const std::filesystem::path& file, const std::string& pictureRate)
+{
+    const ClipSource source(file, pictureRate);
+    if (source.passesOnce())
+        throw ToolError(ExitCode::usage, "--with takes a file, which can be sought in, not a pipe");
+    return source;
+}
+
 } // namespace
 
 CompanionClip::CompanionClip(const std::filesystem::path& file, const CompanionOptions& options,
     const std::string& pictureRate, const DepthOptions& depth, pixels::Extent size, AVRational pixelAspect)
-    : reader_(file, pictureRate, depth),
+    : reader_(sourceOfCompanion(file, pictureRate), depth),
       end_(options.end),
       size_(size),
       part_(options.stretch ? size : shapedLike(reader_.info(), size, pixelAspect)),

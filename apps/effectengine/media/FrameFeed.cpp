@@ -4,51 +4,65 @@
 #include "effectengine/interruption.h"
 #include "hosting/imageView.h"
 
+#include <algorithm>
+
 namespace tool::media {
 
-FrameFeed::FrameFeed(ClipReader& reader, pixels::Extent size, FrameRange range, long long preRoll)
+FrameFeed::FrameFeed(ClipReader& reader, pixels::Extent size, const ClipPart& part, long long preRoll)
     : reader_(reader),
       convert_(reader.info(), size.width, size.height),
-      range_(range),
-      preRoll_(preRoll == kAllFrames ? FrameRange::kOpen : preRoll)
+      part_(part),
+      preRoll_(preRoll == kAllFrames ? FrameRange::kOpen : preRoll),
+      begun_(part.times.start <= 0)
 {
 }
 
-void FrameFeed::showOnly(std::set<long long> frames) { only_ = std::move(frames); }
+void FrameFeed::leaveOut(std::set<long long> frames) { leftOut_ = std::move(frames); }
 
-bool FrameFeed::shown(long long frame) const
+// The first frame from this one on that is shown, which may stand beyond the range. Asked for ascending
+// frames it looks at each that is left out but once.
+long long FrameFeed::wantedFrom(long long frame)
 {
-    return range_.holds(frame) && (!only_ || only_->contains(frame));
+    if (wanted_ >= frame)
+        return wanted_;
+    wanted_ = std::max(frame, part_.frames.first);
+    for (auto left = leftOut_.lower_bound(wanted_); left != leftOut_.end() && *left == wanted_; ++left)
+        ++wanted_;
+    return wanted_;
 }
 
-// Whether effects must see the frame: it is shown itself, or a shown one follows within the pre-roll.
-bool FrameFeed::seen(long long frame) const
+// Whether effects must see the frame: it is shown itself, or a shown one follows within the pre-roll. Of
+// times nobody knows which frame they begin with, so effects with a history see all before it.
+bool FrameFeed::isSeen(long long frame)
 {
-    const long long reach = preRoll_ >= FrameRange::kOpen - frame ? FrameRange::kOpen : frame + preRoll_;
-    if (!only_)
-        return reach >= range_.first && frame <= range_.last;
-    const auto next = only_->lower_bound(std::max(frame, range_.first));
-    return next != only_->end() && *next <= reach;
+    if (!begun_)
+        return preRoll_ > 0;
+    const long long wanted = wantedFrom(frame);
+    return wanted <= part_.frames.last && wanted - frame <= preRoll_;
 }
 
 bool FrameFeed::next(ClipFrame& in)
 {
     if (!started_) {
-        const long long first = only_ && !only_->empty() ? *only_->begin() : range_.first;
+        const long long first = wantedFrom(0);
         reader_.skipTo(preRoll_ >= first ? 0 : first - preRoll_);
         started_ = true;
     }
-    const bool nothingLeft = only_ && (only_->empty() || reader_.index() >= *only_->rbegin());
-    if (nothingLeft || reader_.index() >= range_.last)
-        return false;
     do {
         stopIfAsked();
-        if (!reader_.next(*in.frame))
+        if (readBeyond_ || wantedFrom(reader_.index() + 1) > part_.frames.last || !reader_.next(*in.frame))
             return false;
-    } while (!seen(reader_.index()));
+        const auto reached = [&](double seconds) {
+            return isAtOrAfter(in.frame->pts, reader_.firstTime(), reader_.info(), seconds);
+        };
+        begun_ = begun_ || reached(part_.times.start);
+        readBeyond_ = reached(part_.times.end);
+        if (readBeyond_)
+            return false;
+    } while (!isSeen(reader_.index()));
     in.place = {reader_.index(), in.frame->pts, in.frame->pts - reader_.firstTime(), in.frame->pkt_duration,
         reader_.damaged()};
-    in.shown = shown(reader_.index());
+    in.shown = begun_ && wantedFrom(reader_.index()) == reader_.index();
     convert_.convert(*in.frame, viewOf(in.pictures.front()));
     return true;
 }

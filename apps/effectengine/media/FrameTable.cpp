@@ -30,10 +30,9 @@ bool isShown(const AVPacket& packet, AVCodecID codec)
 }
 
 // Removes the first frames of a clip that was cut out of another one, as far as they need what was cut off.
-void dropWhatNeedsEarlierFrames(
-    FrameTable& table, const std::filesystem::path& file, const std::string& pictureRate)
+void dropWhatNeedsEarlierFrames(FrameTable& table, const ClipSource& source)
 {
-    ClipReader reader(file, pictureRate);
+    ClipReader reader(source);
     const Frame frame = makeFrame();
     if (reader.next(*frame))
         table.times.erase(table.times.begin(), std::ranges::lower_bound(table.times, frame->pts));
@@ -46,10 +45,10 @@ long long FrameTable::at(std::int64_t time) const
     return std::ranges::upper_bound(times, time) - times.begin() - 1;
 }
 
-FrameTable readFrameTable(const std::filesystem::path& file, const std::string& pictureRate)
+FrameTable readFrameTable(const ClipSource& source)
 {
-    const Input input = openClip(file, pictureRate);
-    const int stream = pictureStreamOf(*input, file);
+    const Input input = openClip(source);
+    const int stream = pictureStreamOf(*input, source.name());
     readOnly(*input, stream);
     const AVCodecParameters& codec = *input->streams[stream]->codecpar;
     const bool seeks = seeksExactly(*input);
@@ -82,7 +81,7 @@ FrameTable readFrameTable(const std::filesystem::path& file, const std::string& 
     table.numbers = seeks && table.times.front() != AV_NOPTS_VALUE
         && std::ranges::adjacent_find(table.times) == table.times.end();
     if (table.numbers && table.times.front() != first)
-        dropWhatNeedsEarlierFrames(table, file, pictureRate);
+        dropWhatNeedsEarlierFrames(table, source);
     return table;
 }
 

@@ -1,9 +1,9 @@
 // A table of the times of a clip's frames, and of the places where decoding can begin.
 #pragma once
 
+#include "effectengine/media/ClipSource.h"
 #include "effectengine/media/ffmpeg.h"
 
-#include <filesystem>
 #include <vector>
 
 namespace tool::media {
@@ -26,6 +26,6 @@ struct FrameTable {
 };
 
 /// Reads all packets of a clip. Throws ToolError.
-FrameTable readFrameTable(const std::filesystem::path& file, const std::string& pictureRate = {});
+FrameTable readFrameTable(const ClipSource& source);
 
 } // namespace tool::media

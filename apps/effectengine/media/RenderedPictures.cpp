@@ -8,7 +8,7 @@
 namespace tool::media {
 
 RenderedPictures::RenderedPictures(const std::filesystem::path& pattern, const ClipInfo& clip,
-    pixels::Extent size, const EncoderChoice& choice, Manifest& manifest, long long wanted)
+    pixels::Extent size, const EncoderChoice& choice, Manifest& manifest, std::optional<long long> wanted)
     : pattern_(pattern),
       clip_(clip),
       manifest_(manifest),
@@ -30,7 +30,8 @@ void RenderedPictures::writePicture(long long number, std::span<const unsigned c
     writeFile(numbered(pattern_, number), file);
     manifest_.add(underWay_.at(number));
     underWay_.erase(number);
-    --missing_;
+    if (missing_)
+        --*missing_;
     tellWritten();
 }
 
@@ -38,9 +39,9 @@ void RenderedPictures::finish()
 {
     encoder_->finish();
     stopIfAsked();
-    if (missing_ > 0)
+    if (missing_.value_or(0) > 0)
         throw ToolError(ExitCode::unreadable,
-            clip_.file.string() + ": " + std::to_string(missing_) + " frames cannot be decoded");
+            clip_.file.string() + ": " + std::to_string(*missing_) + " frames cannot be decoded");
     manifest_.finish();
 }
 

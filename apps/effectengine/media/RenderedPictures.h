@@ -10,10 +10,10 @@ namespace tool::media {
 class RenderedPictures final : public ClipSink {
 public:
     /// @param manifest  begun; finish() finishes it
-    /// @param wanted    how many frames there must be before the run is complete
+    /// @param wanted    how many frames there must be before the run is complete; empty when nobody knows
     /// Throws ToolError.
     RenderedPictures(const std::filesystem::path& pattern, const ClipInfo& clip, pixels::Extent size,
-        const EncoderChoice& choice, Manifest& manifest, long long wanted);
+        const EncoderChoice& choice, Manifest& manifest, std::optional<long long> wanted);
 
     AVPixelFormat format() const override { return AV_PIX_FMT_RGBA; }
     Colour colour() const override { return {}; }
@@ -27,7 +27,7 @@ private:
     std::filesystem::path pattern_;
     const ClipInfo& clip_;
     Manifest& manifest_;
-    long long missing_;
+    std::optional<long long> missing_;
     std::map<long long, RenderedFrame> underWay_; ///< frames within the encoder
     std::unique_ptr<NumberedPictureEncoder> encoder_;
 };

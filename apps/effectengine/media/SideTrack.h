@@ -15,8 +15,10 @@ public:
     virtual const AVCodecParameters& parameters() const = 0;
     /// The unit of the packets' times.
     virtual AVRational timeBase() const = 0;
-    /// The next packet in decoding order; false at the end. Throws.
+    /// The next packet in decoding order; false when there is none. Throws.
     virtual bool next(AVPacket& packet) = 0;
+    /// Whether next() may give more after it gave none: true while a pipe has not brought them yet.
+    virtual bool mayGoOn() const { return false; }
 
 protected:
     TrackMarks marks_;

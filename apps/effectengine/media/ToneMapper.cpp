@@ -106,7 +106,7 @@ void checkToneMapping()
                     + ", which this machine's libraries lack");
 }
 
-double brightestOf(const std::filesystem::path& clip, const AVStream& pictures)
+double brightestOf(const ClipSource& clip, const AVStream& pictures)
 {
     double mastered = 0;
     for (const ClipNotes::Description& one : descriptionsOf(clip, pictures)) {

@@ -36,7 +36,7 @@ private:
 void checkToneMapping();
 
 /// The brightest light in the clip, in multiples of the white of BT.709 (100 candela a square metre): as its
-/// file tells, else 10.
-double brightestOf(const std::filesystem::path& clip, const AVStream& pictures);
+/// file tells, else 10. Of a clip that passes once only its container tells.
+double brightestOf(const ClipSource& clip, const AVStream& pictures);
 
 } // namespace tool::media

@@ -85,21 +85,27 @@ AVPixelFormat alphaFormat(
     return best;
 }
 
-AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape)
+AVPixelFormat chooseFormat(const AVCodec& codec, const FrameShape& shape, AVPixelFormat chosen)
 {
     constexpr std::array kPictures{AV_CODEC_ID_PNG, AV_CODEC_ID_TIFF, AV_CODEC_ID_TARGA, AV_CODEC_ID_BMP};
     const auto offered = formatsOf(codec);
-    if (codec.id == AV_CODEC_ID_WEBP)
-        return AV_PIX_FMT_BGRA; // the library has a matrix of its own
     const auto offers = [&](AVPixelFormat format) {
         return offered.empty() || std::ranges::find(offered, format) != offered.end();
     };
+    if (chosen != AV_PIX_FMT_NONE) {
+        if (!offers(chosen))
+            throw ToolError(ExitCode::usage,
+                "encoder " + std::string(codec.name) + " has no pixel format " + av_get_pix_fmt_name(chosen));
+        return chosen;
+    }
     if (codec.id == AV_CODEC_ID_GIF)
         return AV_PIX_FMT_PAL8;
+    if (codec.id == AV_CODEC_ID_WEBP)
+        return AV_PIX_FMT_BGRA; // the library has a matrix of its own
     if (std::ranges::find(kPictures, codec.id) != kPictures.end())
         return offers(AV_PIX_FMT_RGBA) ? AV_PIX_FMT_RGBA : AV_PIX_FMT_BGRA;
     const AVPixelFormat wanted = wantedFormat(codec, shape);
-    if (shape.keepsAlpha)
+    if (shape.keepsAlpha && offersAlpha(codec))
         if (const AVPixelFormat format = alphaFormat(offered, shape, wanted); format != AV_PIX_FMT_NONE)
             return format;
     if (offers(wanted))
@@ -160,6 +166,14 @@ EncoderChoice choiceOf(const EncodingOptions& options)
 {
     EncoderChoice choice{
         options.codec, options.quality, {}, options.alpha == AlphaChoice::keep, options.compression};
+    choice.container = options.container;
+    if (!options.pixelFormat.empty()) {
+        choice.pixelFormat = av_get_pix_fmt(options.pixelFormat.c_str());
+        if (!sws_isSupportedOutput(choice.pixelFormat) || choice.pixelFormat == AV_PIX_FMT_PAL8)
+            throw ToolError(ExitCode::usage,
+                "cannot write the pixel format \"" + options.pixelFormat
+                    + "\" (yuv420p, rgb24, bgra, gray...)");
+    }
     for (const std::string& option : options.encoderOptions) {
         const std::size_t equals = option.find('=');
         if (equals == std::string::npos || equals == 0)
@@ -194,8 +208,8 @@ const AVCodec& encoderOf(const std::filesystem::path& out, const EncoderChoice& 
 {
     if (!choice.codec.empty())
         return encoderNamed(choice.codec);
-    const AVCodecID id =
-        av_guess_codec(&containerFor(out), nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO);
+    const AVCodecID id = av_guess_codec(
+        &containerFor(out, choice.container), nullptr, out.c_str(), nullptr, AVMEDIA_TYPE_VIDEO);
     if (id == AV_CODEC_ID_WEBP && isPictureSequence(out))
         return encoderNamed("libwebp"); // the usual one puts all frames into a file
     return encoderFor(id, out);
@@ -204,6 +218,8 @@ const AVCodec& encoderOf(const std::filesystem::path& out, const EncoderChoice& 
 bool offersAlpha(const AVCodec& codec)
 {
     const auto offered = formatsOf(codec);
+    if (codec.id == AV_CODEC_ID_WRAPPED_AVFRAME)
+        return false; // y4m, which has no format with alpha
     return offered.empty() || std::ranges::any_of(offered, hasAlpha);
 }
 
@@ -216,7 +232,7 @@ Codec openEncoder(
     encoder->width = shape.width;
     encoder->height = shape.height;
     encoder->sample_aspect_ratio = shape.sampleAspect;
-    encoder->pix_fmt = chooseFormat(codec, shape);
+    encoder->pix_fmt = chooseFormat(codec, shape, choice.pixelFormat);
     if (choice.needsAlpha && !hasAlpha(encoder->pix_fmt))
         throw ToolError(ExitCode::usage,
             "encoder " + std::string(codec.name)

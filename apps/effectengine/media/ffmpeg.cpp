@@ -15,7 +15,7 @@ void detail::freeBytes(AVIOContext* stream)
 
 void detail::CloseInput::operator()(AVFormatContext* context) const
 {
-    AVIOContext* const own = context->flags & AVFMT_FLAG_CUSTOM_IO ? context->pb : nullptr;
+    AVIOContext* const own = context->opaque ? context->pb : nullptr;
     avformat_close_input(&context);
     if (own)
         freeBytes(own);

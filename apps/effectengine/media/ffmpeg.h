@@ -11,6 +11,7 @@ extern "C" {
 #include <libavutil/hash.h>
 #include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
+#include <libavutil/parseutils.h>
 #include <libavutil/pixdesc.h>
 #include <libavutil/tx.h>
 #include <libswscale/swscale.h>
@@ -21,8 +22,8 @@ extern "C" {
 
 namespace tool::media {
 
-/// What an input reads that is not a file of FFmpeg's own. It is the `opaque` of the input's stream and goes
-/// with the input.
+/// What an input reads that is not a file of FFmpeg's own. It is the `opaque` of the input and of its stream,
+/// and both go with the input. Streams of other inputs (pipes) belong to who made them.
 class InputBytes {
 public:
     virtual ~InputBytes() = default;
@@ -45,7 +46,8 @@ void freeBytes(AVIOContext* stream);
 struct CloseOutput {
     void operator()(AVFormatContext* context) const
     {
-        avio_closep(&context->pb);
+        if (!(context->flags & AVFMT_FLAG_CUSTOM_IO)) // else its owner closes it
+            avio_closep(&context->pb);
         avformat_free_context(context);
     }
 };

@@ -2,6 +2,7 @@
 #include "effectengine/media/openClip.h"
 
 #include "effectengine/ToolError.h"
+#include "effectengine/interruption.h"
 #include "effectengine/media/AnimatedWebp.h"
 #include "effectengine/media/threadShares.h"
 
@@ -21,22 +22,85 @@ bool namesPictures(const fs::path& file)
     return av_filename_number_test(file.c_str()) && !fs::exists(file);
 }
 
-void checkReadable(const fs::path& file)
+void checkReadable(const ClipSource& source)
 {
+    const fs::path file = source.path();
+    const std::string name = source.name().string();
     if (namesPictures(file))
         return;
     if (!fs::exists(file))
-        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
+        throw ToolError(ExitCode::missingInput, "no such file: " + name);
     if (fs::is_directory(file))
-        throw ToolError(ExitCode::unreadable, "is a directory, not a clip: " + file.string());
+        throw ToolError(ExitCode::unreadable, "is a directory, not a clip: " + name);
     if (access(file.c_str(), R_OK) != 0)
-        throw ToolError(ExitCode::unreadable, "no permission to read " + file.string());
+        throw ToolError(ExitCode::unreadable, "no permission to read " + name);
 }
 
-void findStreams(AVFormatContext& input, const fs::path& file)
+// The named container, or null when the bytes are to tell.
+const AVInputFormat* formatOf(const ClipSource& source)
+{
+    if (source.format.empty())
+        return nullptr;
+    const AVInputFormat* const format = av_find_input_format(source.format.c_str());
+    if (!format || format->flags & AVFMT_NOFILE)
+        throw ToolError(ExitCode::usage,
+            "no input format \"" + source.format + "\" (y4m, nut, matroska, mpegts, rawvideo...)");
+    return format;
+}
+
+void describeRawPictures(const ClipSource& source, Dictionary& options)
+{
+    int width = 0;
+    int height = 0;
+    AVRational rate{};
+    if (av_parse_video_size(&width, &height, source.size.c_str()) < 0)
+        throw ToolError(ExitCode::usage, "--size takes WIDTHxHEIGHT, not \"" + source.size + "\"");
+    if (av_get_pix_fmt(source.pixelFormat.c_str()) == AV_PIX_FMT_NONE)
+        throw ToolError(ExitCode::usage,
+            "no pixel format \"" + source.pixelFormat + "\" (yuv420p, yuv422p, rgb24, bgra, gray...)");
+    if (!source.pictureRate.empty() && av_parse_video_rate(&rate, source.pictureRate.c_str()) < 0)
+        throw ToolError(ExitCode::usage,
+            "--rate takes frames per second, such as 25 or 30000/1001, not \"" + source.pictureRate + "\"");
+    options.set("video_size", source.size);
+    options.set("pixel_format", source.pixelFormat);
+    options.set("framerate", source.pictureRate.empty() ? "25" : source.pictureRate);
+}
+
+void findStreams(AVFormatContext& input, const ClipSource& source)
 {
     if (avformat_find_stream_info(&input, nullptr) < 0)
-        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": no streams found");
+        throw ToolError(ExitCode::unreadable, "cannot read " + source.name().string() + ": no streams found");
+}
+
+/// @param pipe  to read from; null for the file at the address
+Input opened(const ClipSource& source, AVIOContext* pipe, const std::string& address)
+{
+    const std::string name = source.name().string();
+    // A clip that refers to others (a playlist) may name only files of this machine.
+    Dictionary options;
+    options.set("protocol_whitelist", "file");
+    if (source.isRaw()) {
+        describeRawPictures(source, options);
+    } else if (namesPictures(source.file)) {
+        options.set("start_number_range", kFirstPictureUpTo);
+        if (!source.pictureRate.empty())
+            options.set("framerate", source.pictureRate);
+    }
+    const AVInputFormat* const format = formatOf(source);
+    AVFormatContext* opened = avformat_alloc_context();
+    if (!opened)
+        throw std::bad_alloc();
+    opened->pb = pipe;
+    const int result = avformat_open_input(&opened, address.c_str(), format, options.address());
+    if (result < 0)
+        stopIfAsked();
+    if (result == AVERROR(ENOENT))
+        throw ToolError(ExitCode::missingInput, "no such file: " + name);
+    if (result < 0)
+        throw ToolError(ExitCode::unreadable, "cannot read " + name + ": " + errorText(result));
+    Input input(opened);
+    findStreams(*input, source);
+    return input;
 }
 
 // The name of a decoder that must take the place of the usual one; null for the others. WebM has transparency
@@ -79,33 +143,18 @@ bool hasAlphaBeside(const AVStream& stream)
         && std::string_view(mode->value) == "1";
 }
 
-Input openClip(const fs::path& file, const std::string& pictureRate)
+Input openClip(const ClipSource& source)
 {
-    checkReadable(file);
-    if (isAnimatedWebp(file)) {
-        Input animation = openAnimatedWebp(file);
-        findStreams(*animation, file);
+    checkReadable(source);
+    if (source.format.empty() && isAnimatedWebp(source.path())) {
+        Input animation = openAnimatedWebp(source.path());
+        findStreams(*animation, source);
         return animation;
     }
-    // A clip that refers to others (a playlist) may name only files of this machine.
-    Dictionary options;
-    options.set("protocol_whitelist", "file");
-    if (namesPictures(file)) {
-        options.set("start_number_range", kFirstPictureUpTo);
-        if (!pictureRate.empty())
-            options.set("framerate", pictureRate);
-    }
-    AVFormatContext* opened = nullptr;
-    const int result =
-        avformat_open_input(&opened, ("file:" + file.string()).c_str(), nullptr, options.address());
-    if (result == AVERROR(ENOENT))
-        throw ToolError(ExitCode::missingInput, "no such file: " + file.string());
-    if (result < 0)
-        throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": " + errorText(result));
-    Input input(opened);
-    findStreams(*input, file);
-    return input;
+    return opened(source, nullptr, "file:" + source.path().string());
 }
+
+Input openPassingClip(const ClipSource& source, AVIOContext& pipe) { return opened(source, &pipe, ""); }
 
 int pictureStreamOf(const AVFormatContext& input, const fs::path& file)
 {

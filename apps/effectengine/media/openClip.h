@@ -1,16 +1,17 @@
 // Functions that open a clip: the file, its stream of pictures, its decoder.
 #pragma once
 
-#include "effectengine/media/ffmpeg.h"
-
-#include <filesystem>
+#include "effectengine/media/ClipSource.h"
+#include "effectengine/media/pipes.h"
 
 namespace tool::media {
 
 /// Opens a clip file, or the pictures that a name with %04d stands for. Throws ToolError: missing,
 /// unreadable, or no clip.
-/// @param pictureRate  frames per second of pictures; empty for the library's own 25
-Input openClip(const std::filesystem::path& file, const std::string& pictureRate = {});
+Input openClip(const ClipSource& source);
+
+/// Opens a clip that passes once, over the end of a pipe that must outlive the input. Throws ToolError.
+Input openPassingClip(const ClipSource& source, AVIOContext& pipe);
 
 /// The number of the stream that holds the clip's pictures. Throws ToolError when none does.
 int pictureStreamOf(const AVFormatContext& input, const std::filesystem::path& file);

@@ -2,6 +2,7 @@
 #include "effectengine/ToolError.h"
 #include "effectengine/media/ClipFile.h"
 #include "effectengine/media/PictureSequence.h"
+#include "effectengine/media/pipes.h"
 #include "effectengine/pictureFiles.h"
 
 namespace fs = std::filesystem;
@@ -20,6 +21,20 @@ FrameShape shapeOf(const ClipInfo& clip, int width, int height)
     return shape;
 }
 
+namespace {
+
+const AVOutputFormat& containerNamed(const std::string& name)
+{
+    const AVOutputFormat* const container =
+        av_guess_format(name == "y4m" ? "yuv4mpegpipe" : name.c_str(), nullptr, nullptr);
+    if (!container || container->flags & AVFMT_NOFILE || container->video_codec == AV_CODEC_ID_NONE)
+        throw ToolError(ExitCode::usage,
+            "no output format \"" + name + "\" (y4m, nut, rawvideo, matroska, mpegts, mp4...)");
+    return *container;
+}
+
+} // namespace
+
 bool isPictureSequence(const fs::path& out) { return av_filename_number_test(out.c_str()); }
 
 void checkNoCompression(const fs::path& out, const EncoderChoice& choice)
@@ -29,8 +44,14 @@ void checkNoCompression(const fs::path& out, const EncoderChoice& choice)
             "--compression is for numbered PNG pictures without --encoder-option, not for " + out.string());
 }
 
-const AVOutputFormat& containerFor(const fs::path& out)
+bool goesToPipe(const fs::path& out) { return isStandardStream(out) || isPipe(out); }
+
+fs::path outputName(const fs::path& out) { return isStandardStream(out) ? "standard output" : out; }
+
+const AVOutputFormat& containerFor(const fs::path& out, const std::string& name)
 {
+    if (!name.empty() && !isPictureSequence(out))
+        return containerNamed(name);
     const AVOutputFormat* const container = av_guess_format(nullptr, out.c_str(), nullptr);
     if (!container || (container->flags & AVFMT_NOFILE && !isPictureSequence(out))
         || container->video_codec == AV_CODEC_ID_NONE)
@@ -42,15 +63,19 @@ const AVOutputFormat& containerFor(const fs::path& out)
     return *container;
 }
 
-void checkClipOutput(const fs::path& out)
+void checkClipOutput(const fs::path& out, const std::string& container)
 {
-    containerFor(out);
-    checkPlace(out);
+    if (!goesToPipe(out) || !container.empty())
+        containerFor(out, container);
+    if (!goesToPipe(out))
+        checkPlace(out);
 }
 
 void checkNotItself(const fs::path& in, const fs::path& out)
 {
     std::error_code ignored;
+    if (goesToPipe(out))
+        return;
     if (in == out || fs::equivalent(in, out, ignored))
         throw ToolError(ExitCode::usage, out.string() + " is the input; it would be replaced");
 }

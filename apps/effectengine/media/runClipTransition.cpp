@@ -51,20 +51,24 @@ long long expectedFrames(const ClipInfo& first, const ClipInfo& second, double a
     return std::llround((at + duration) * first.rate() + afterwards);
 }
 
-SideTracks tracksFor(const ClipTransitionOptions& options, double at)
+SideTracks tracksFor(const ClipTransitionOptions& options, const EncoderChoice& choice, double at)
 {
     if (isPictureSequence(options.out))
         return {};
-    return crossfadedTracks(
-        options.from, options.to, at, options.duration, containerFor(options.out), options.out);
+    return crossfadedTracks(options.from, options.to, at, options.duration,
+        containerFor(options.out, choice.container), outputName(options.out));
 }
 
 void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
 {
     const Look look = transitionLook(options.effect, options.parameters);
-    ClipReader first(options.from, {}, options.depth);
-    ClipReader second(options.to, {}, options.depth);
-    checkClipOutput(options.out);
+    EncoderChoice choice = choiceOf(options.encoding);
+    checkClipOutput(options.out, choice.container);
+    for (const auto* const file : {&options.from, &options.to})
+        if (ClipSource(*file).passesOnce())
+            throw ToolError(ExitCode::usage, "transition takes files, whose lengths are known, not a pipe");
+    ClipReader first(options.from, options.depth);
+    ClipReader second(options.to, options.depth);
     checkNotItself(options.from, options.out);
     checkNotItself(options.to, options.out);
     const pixels::Extent size = workingSize(first.info(), options.size);
@@ -77,12 +81,12 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     LookRun run(look, unsigned(size.width), unsigned(size.height));
     FrameShape shape = shapeOf(first.info(), size.width, size.height);
     shape.timeBase = unit;
-    const EncoderChoice choice = choiceOf(options.encoding);
+    settleChoice(choice, options.out, options.encoding.alpha, {&first.info(), &second.info()});
     shape.keepsAlpha =
         keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&first.info(), &second.info()});
     const pixels::Extent secondSize =
         options.stretch ? size : shapedLike(second.info(), size, shape.sampleAspect);
-    const auto sink = openSink(options.out, shape, choice, tracksFor(options, at));
+    const auto sink = openSink(options.out, shape, choice, tracksFor(options, choice, at));
     warnOfDepth(first.info());
     warnOfDepth(second.info());
 

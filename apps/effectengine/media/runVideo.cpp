@@ -3,15 +3,19 @@
 #include "effectengine/interruption.h"
 #include "effectengine/media/CompanionClip.h"
 #include "effectengine/media/FrameFeed.h"
+#include "effectengine/media/PassingTracks.h"
 #include "effectengine/media/clipPipeline.h"
+#include "effectengine/media/clipPlan.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/encoders.h"
 #include "effectengine/media/followSound.h"
+#include "effectengine/media/totalTime.h"
 #include "effectengine/media/transparency.h"
 #include "effectengine/media/workingSize.h"
 #include "effectengine/media/yuvPixels.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -22,23 +26,35 @@ namespace {
 /// The times of the output's frames: those of the clip, or of the clip that numbered pictures were made from.
 class Timing {
 public:
-    Timing(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
-        : source_(options.timing.empty() ? options.in : options.timing),
+    Timing(const VideoOptions& options, ClipReader& reader, const ClipPart& part, const Look* look)
+        : source_(reader.info().source),
+          start_(reader.info().start),
           unit_(reader.info().timeBase),
           rate_(reader.info().frameRate),
-          origin_(reader.info().start),
+          origin_(start_),
           duration_(reader.info().duration)
     {
         if (!options.timing.empty())
             takeTimes(options);
-        else if (!range.whole())
-            cut(options, reader, range);
+        else if (!part.whole() && !source_.passesOnce())
+            cut(reader, part.frames);
+        duration_ = totalTime(options.input, duration_, look);
     }
 
-    const fs::path& source() const { return source_; }
+    /// Where the sound comes from.
+    const ClipSource& source() const { return source_; }
+    bool isOfOtherClip() const { return !times_.empty(); }
     AVRational unit() const { return unit_; }
     AVRational rate() const { return rate_; }
     Span span() const { return span_; }
+
+    /// Begins the output with a frame of a clip that passes once. To be called before timeOf() for it.
+    /// @return its time in seconds since the clip's start
+    double beginAt(const FramePlace& place)
+    {
+        origin_ = place.time;
+        return double(origin_ - start_) * av_q2d(unit_);
+    }
 
     std::int64_t timeOf(const FramePlace& place) const { return clipTimeOf(place) - origin_; }
 
@@ -60,7 +76,7 @@ private:
             return place.time;
         if (place.number >= (long long)(times_.size()))
             throw ToolError(ExitCode::usage,
-                source_.string() + " has only " + std::to_string(times_.size())
+                source_.name().string() + " has only " + std::to_string(times_.size())
                     + " frames, the pictures more");
         return times_[std::size_t(place.number)];
     }
@@ -72,24 +88,23 @@ private:
 
     void takeTimes(const VideoOptions& options)
     {
-        const ClipReader clip(options.timing);
-        times_ = readFrameTable(options.timing).times;
+        source_ = options.timing;
+        if (source_.passesOnce())
+            throw ToolError(
+                ExitCode::usage, "--timing takes a file, whose times are read beforehand, not a pipe");
+        const ClipReader clip(source_);
+        times_ = readFrameTable(source_).times;
         unit_ = clip.info().timeBase;
         rate_ = clip.info().frameRate;
-        origin_ = clip.info().start;
+        origin_ = start_ = clip.info().start;
         duration_ = clip.info().duration;
     }
 
-    void cut(const VideoOptions& options, ClipReader& reader, const FrameRange& range)
+    void cut(ClipReader& reader, const FrameRange& range)
     {
         const FrameTable& table = reader.table();
         const long long count = table.count();
-        const std::int64_t start = reader.info().start;
-        if (range.first >= count)
-            throw ToolError(ExitCode::usage,
-                "--frames " + options.frames + ": " + options.in.string() + " has " + std::to_string(count)
-                    + " frames");
-        const auto seconds = [&](std::int64_t time) { return double(time - start) * av_q2d(unit_); };
+        const auto seconds = [&](std::int64_t time) { return double(time - start_) * av_q2d(unit_); };
         origin_ = table.times[std::size_t(range.first)];
         span_.from = seconds(origin_);
         if (range.last < count - 1)
@@ -98,7 +113,8 @@ private:
             span_.to = seconds(table.times.back() + table.lastDuration);
     }
 
-    fs::path source_;
+    ClipSource source_;
+    std::int64_t start_; ///< of the source
     AVRational unit_;
     AVRational rate_;
     std::int64_t origin_;
@@ -114,11 +130,93 @@ long long expectedFrames(const ClipInfo& clip, const FrameRange& range)
     return std::max(0LL, std::min(clip.frames - 1, range.last) - range.first + 1);
 }
 
-SideTracks tracksFor(const VideoOptions& options, const Timing& timing)
+/// The sound and the subtitles of the output.
+class Accompaniment {
+public:
+    /// @param name  of the output
+    Accompaniment(ClipReader& reader, Timing& timing, const ClipPart& part, const AVOutputFormat& container,
+        const fs::path& name)
+        : reader_(reader),
+          timing_(timing),
+          part_(part)
+    {
+        if (isPictureSequence(timing.source().file) || timing.source().isRaw())
+            return;
+        if (timing.source().passesOnce())
+            passing_.emplace(reader, container, name);
+        else
+            tracks_ = tracksOf(timing.source().path(), container, timing.span(), name);
+    }
+
+    /// To be asked for once.
+    SideTracks tracks() { return passing_ ? passing_->tracks() : std::move(tracks_); }
+
+    /// To be called with each frame that is shown, on the reading thread.
+    void goWith(const FramePlace& place)
+    {
+        if (!std::exchange(begun_, true) && !timing_.isOfOtherClip() && reader_.info().source.passesOnce())
+            begin(place);
+        lastDuration_ = place.duration;
+    }
+
+    /// To be called after the last frame that is shown, on the reading thread.
+    /// @param readBeyond  whether the reader is one frame further
+    void end(bool readBeyond)
+    {
+        if (!passing_)
+            return;
+        if (!part_.whole())
+            readUpToEnd(readBeyond);
+        passing_->close();
+    }
+
+private:
+    void begin(const FramePlace& place)
+    {
+        const double start = part_.whole() ? 0 : timing_.beginAt(place);
+        if (passing_)
+            passing_->beginAt(start, start > 0);
+    }
+
+    // Sound may lie a little behind its pictures.
+    void readUpToEnd(bool readBeyond)
+    {
+        constexpr double kFurthestBehind = 5;
+        const Frame frame = makeFrame();
+        const bool ends = !readBeyond && !reader_.next(*frame);
+        const double end = reader_.secondsSinceStart()
+            + (ends ? double(lastDuration_) * av_q2d(reader_.info().timeBase) : 0);
+        passing_->endAt(end);
+        while (!ends && !passing_->complete() && reader_.secondsSinceStart() < end + kFurthestBehind
+            && reader_.next(*frame))
+            stopIfAsked();
+    }
+
+    ClipReader& reader_;
+    Timing& timing_;
+    ClipPart part_;
+    SideTracks tracks_;
+    std::optional<PassingTracks> passing_;
+    std::int64_t lastDuration_ = 0;
+    bool begun_ = false;
+};
+
+void printPlan(const VideoOptions& options, const std::optional<Look>& look, ClipReader& reader,
+    CompanionClips& companions, const ClipPart& part, pixels::Extent size, const EncoderChoice& choice)
 {
-    if (isPictureSequence(options.out) || isPictureSequence(timing.source()))
-        return {};
-    return tracksOf(timing.source(), containerFor(options.out), timing.span(), options.out);
+    RunPlan plan("video");
+    if (look)
+        plan.setLook(*look);
+    PlannedStep step = plannedStep(reader, companions);
+    if (!options.timing.empty())
+        step.reads.push_back({options.timing, {}});
+    PlannedFile& out = step.writes.emplace_back(plannedOutput(options.out, part, size));
+    out.facts.emplace_back("container", containerFor(options.out, choice.container).name);
+    out.facts.emplace_back("codec", encoderOf(options.out, choice).name);
+    if (!goesToPipe(options.out))
+        step.action = actionFor(options.out);
+    plan.add(std::move(step));
+    print(plan, options.dryRun);
 }
 
 /// Whether a frame without effects can be written as it is stored: it has the encoder's form already.
@@ -133,18 +231,23 @@ void convertClip(
     const VideoOptions& options, const std::optional<Look>& look, const SessionOptions& sessionOptions)
 {
     checkClipCount(look ? look->info().inputs : 1, options.companions, "the graph", "video");
-    const FrameRange range = parseFrames(options.frames);
-    const EncoderChoice choice = choiceOf(options.encoding);
-    ClipReader reader(options.in, options.pictureRate, options.depth);
+    EncoderChoice choice = choiceOf(options.encoding);
+    checkClipOutput(options.out, choice.container);
+    const std::string wantedSize = outputSizeOf(options.input);
+    ClipReader reader(sourceOf(options.input), options.depth);
     const ClipInfo& clip = reader.info();
-    checkClipOutput(options.out);
-    checkNotItself(options.in, options.out);
+    checkNotItself(clip.source.path(), options.out);
     for (const fs::path& file : options.companions.files)
         checkNotItself(file, options.out);
-    const pixels::Extent size = workingSize(clip, options.size);
-    const Timing timing(options, reader, range);
+    const pixels::Extent size = workingSize(clip, wantedSize);
+    const ClipPart part = partOf(options.input, reader);
+    Timing timing(options, reader, part, look ? &*look : nullptr);
     CompanionClips companions(
-        options.companions, options.depth, clip, size, pictureRateBeside(timing.rate(), options.pictureRate));
+        options.companions, options.depth, clip, size, pictureRateBeside(timing.rate(), options.input.rate));
+
+    settleChoice(choice, options.out, options.encoding.alpha, {&clip});
+    if (options.dryRun.wanted)
+        return printPlan(options, look, reader, companions, part, size, choice);
 
     const Session session(sessionOptions);
     std::optional<LookRun> run;
@@ -157,10 +260,15 @@ void convertClip(
     shape.timeBase = timing.unit();
     shape.frameRate = timing.rate();
     shape.keepsAlpha = keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&clip});
-    const auto sink = openSink(options.out, shape, choice, tracksFor(options, timing));
+    const AVOutputFormat& container = containerFor(options.out, choice.container);
+    std::optional<Accompaniment> accompaniment;
+    if (!isPictureSequence(options.out))
+        accompaniment.emplace(reader, timing, part, container, outputName(options.out));
+    const auto sink =
+        openSink(options.out, shape, choice, accompaniment ? accompaniment->tracks() : SideTracks());
     warnOfDepth(clip);
 
-    FrameFeed feed(reader, size, range, look ? look->info().preRoll : 0);
+    FrameFeed feed(reader, size, part, look ? look->info().preRoll : 0);
     const auto picture = [&](const ClipFrame& frame) -> CEffectImage* {
         if (!run)
             return goesStraight(*frame.frame, clip, size, *sink) ? nullptr : frame.pictures.front().handle();
@@ -168,9 +276,18 @@ void convertClip(
             run->setSource(frame.pictures[i], i);
         return run->run(timing.frameTime(frame.place));
     };
+    bool anyShown = false;
     const auto next = [&](ClipFrame& frame) {
-        if (!feed.next(frame))
+        if (!feed.next(frame)) {
+            if (!anyShown)
+                throwNoFrames(options.input, reader, reader.index() + 1);
+            if (accompaniment)
+                accompaniment->end(feed.readBeyond());
             return false;
+        }
+        anyShown = anyShown || frame.shown;
+        if (frame.shown && accompaniment)
+            accompaniment->goWith(frame.place);
         companions.show(frame, timing.frameTime(frame.place).seconds + timing.rounding(frame.place));
         return true;
     };
@@ -180,7 +297,7 @@ void convertClip(
         .alpha = options.encoding.alpha,
         .keepsAlpha = shape.keepsAlpha,
         .report = options.encoding.report,
-        .expectedFrames = expectedFrames(clip, range),
+        .expectedFrames = part.times.whole() ? expectedFrames(clip, part.frames) : 0,
         .companions = companions.readers(),
         .next = next,
         .picture = picture,
@@ -198,7 +315,7 @@ void runVideo(const VideoOptions& options, const GraphOptions& graph, const Sess
     media::DecoderWatch::listen();
     std::optional<Look> look;
     if (graph.given())
-        look = graph.look();
+        look = graph.look({}, !options.dryRun.wanted);
     interruptibly([&] { media::convertClip(options, look, session); });
 }
 

@@ -20,9 +20,9 @@ bool isTransparent(pixels::ConstView picture)
     return false;
 }
 
-bool isTransparent(const std::filesystem::path& file)
+bool isTransparent(const ClipSource& source)
 {
-    ClipReader reader(file);
+    ClipReader reader(source);
     const pixels::Extent size{reader.info().width, reader.info().height};
     ToPicture convert(reader.info(), size.width, size.height);
     std::vector<unsigned char> pixels(std::size_t(size.width) * std::size_t(size.height) * 4);
@@ -44,7 +44,7 @@ bool keepsAlpha(AlphaChoice choice, const AVCodec& encoder, const std::vector<co
     if (choice != AlphaChoice::automatic)
         return choice == AlphaChoice::keep;
     return offersAlpha(encoder) && std::ranges::any_of(clips, [](const ClipInfo* clip) {
-        return clip->mayBeTransparent() && isTransparent(clip->file);
+        return clip->mayBeTransparent() && (clip->source.passesOnce() || isTransparent(clip->source));
     });
 }
 

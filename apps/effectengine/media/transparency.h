@@ -10,8 +10,8 @@
 namespace tool::media {
 
 /// Whether an output is to be transparent where its frames are. For the automatic choice this looks through
-/// those clips whose format has room for transparency, up to the first frame with any; effects on opaque
-/// clips may leave what they like in the alpha channel.
+/// those clips whose format has room for transparency, up to the first frame with any; of clips that pass
+/// once, room is enough. Effects on opaque clips may leave what they like in the alpha channel.
 bool keepsAlpha(AlphaChoice choice, const AVCodec& encoder, const std::vector<const ClipInfo*>& clips);
 
 /// Warns once when a picture of the clip is transparent and the output cannot be.

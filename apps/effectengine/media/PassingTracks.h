@@ -1,0 +1,43 @@
+// Sound and subtitles of a clip that passes once.
+#pragma once
+
+#include "effectengine/media/ClipReader.h"
+#include "effectengine/media/SideTrack.h"
+
+namespace tool::media {
+
+/// Packets of tracks on their way from the one reader of a pipe to the output. They wait in memory for their
+/// time, so memory stays flat where the clip holds sound and pictures side by side.
+class PassingTracks {
+public:
+    /// Has the reader hand on those tracks that the container can hold. What cannot come along is a warning
+    /// on stderr. Both this and the reader must outlive the tracks' use.
+    PassingTracks(
+        ClipReader& reader, const AVOutputFormat& container, const std::filesystem::path& outputName);
+
+    /// The tracks for the output, to be asked for once.
+    SideTracks tracks() const;
+
+    // What the reader's thread tells. Seconds count from the clip's start.
+
+    /// The output begins here: packets that end before are left out, and this time becomes 0.
+    /// @param cut  false: packets before the time are kept, as decoders may need them
+    void beginAt(double seconds, bool cut);
+    /// The output ends here.
+    void endAt(double seconds);
+    /// Whether all sound up to the end has come.
+    bool complete() const;
+    /// Nothing more will come.
+    void close();
+
+private:
+    struct Queue;
+    class Track;
+
+    void take(AVPacket& packet);
+
+    ClipReader& reader_;
+    std::vector<std::shared_ptr<Queue>> queues_;
+};
+
+} // namespace tool::media
