@@ -80,6 +80,7 @@ for kind in matroska:mkv nut:nut; do
         (cat in.${kind#*:} || true) 2>/dev/null | "$tool" video - pipe.mkv --codec ffv1 "${chain[@]}" $part 2>err.txt || fail "$kind $part: $(cat err.txt)"
         same "$(frames -i pipe.mkv)" "$(frames -i file.mkv)" "frames of $kind $part"
         same "$(packets pipe.mkv)" "$(packets file.mkv)" "packets of $kind $part"
+        [ "$(packets pipe.mkv | grep -c ,)" -gt 30 ] || fail "$kind $part: sound is missing"
         case $part in
         *-34 | *.4*) same "$(frames -i file.mkv)" "$(sed -n 11,35p <<<"$whole")" "$part" ;;
         *30- | *1.2) same "$(frames -i file.mkv)" "$(sed -n '31,$p' <<<"$whole")" "$part" ;;
@@ -127,6 +128,7 @@ expect 2 'excludes' "$tool" video plain.mp4 no.mkv --start 1 --frames 3-4
 expect 2 'needs --size' "$tool" video - no.mkv --input-format rawvideo </dev/null
 expect 2 'no pixel format' "$tool" video plain.yuv no.mkv --input-format rawvideo --size 160x120 --pixel-format none
 expect 2 'no input format' "$tool" video plain.yuv no.mkv --input-format nonsense
+expect 2 '--format is for clips' "$tool" video plain.mp4 no%03d.png --format nut
 expect 2 'no output format' "$tool" video plain.mp4 - --format nonsense
 expect 4 'standard input' "$tool" video - no.mkv < <(head -c 3000 /dev/zero)
 ls no* 2>/dev/null && fail "a refused run leaves something"
@@ -167,6 +169,12 @@ same "${few% *}${many% *}" 00 "long runs"
 "$tool" video plain.mp4 - --format y4m --stats --progress json "${chain[@]}" >out.y4m 2>err.txt
 same "$(frames -i out.y4m)" "$whole" "with progress and statistics"
 grep -q '"bottleneck"' err.txt || fail "--stats goes to stderr: $(cat err.txt)"
+
+# A run that fails does not wait for an input that stalls.
+begin=$SECONDS
+expect 7 'no room' "$tool" video - /dev/full --format rawvideo < <(head -c 90000 plain.y4m; exec sleep 20)
+[ $((SECONDS - begin)) -lt 10 ] || fail "a failed run waits for its input"
+kill $! 2>/dev/null
 
 # A dry run tells and writes nothing.
 touch there.mkv

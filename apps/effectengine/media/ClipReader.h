@@ -92,6 +92,13 @@ public:
     /// file breaks off before its first frame.
     bool next(AVFrame& frame);
 
+    /// Lets next() wait no longer for what a pipe may bring. For other threads than the one that reads.
+    void abandon() const
+    {
+        if (pipe_)
+            media::abandon(*pipe_);
+    }
+
     /// How long next() has taken so far: reading, and waiting for the decoder.
     std::chrono::nanoseconds decoding() const { return decoding_; }
 

@@ -68,7 +68,7 @@ std::unique_ptr<NumberedPictureEncoder> openPictureEncoder(const fs::path& name,
 {
     const AVCodec& codec = encoderOf(name, choice);
     // What the options mean only the codec knows.
-    if (codec.id == AV_CODEC_ID_PNG && choice.options.empty())
+    if (codec.id == AV_CODEC_ID_PNG && choice.options.empty() && choice.pixelFormat == AV_PIX_FMT_NONE)
         return std::make_unique<PngFrameEncoder>(
             shape, choice.compression.value_or(pictures::PngEffort::fast), std::move(take));
     checkNoCompression(name, choice);

@@ -57,6 +57,16 @@ void runPipeline(const ClipPipeline& pipeline)
     long long done = 0;
     pipeline.sink.whenWritten([&] { progress.report(++done); });
 
+    // The reading thread need not notice that another one failed, while it waits for a pipe.
+    const auto orAbandon = [&](const auto& work) {
+        try {
+            return work();
+        } catch (...) {
+            for (const ClipReader* const clip : pipeline.clips)
+                clip->abandon();
+            throw;
+        }
+    };
     const auto render = [&](ClipFrame& in, FinishedFrame& out) {
         stopIfAsked();
         for (std::size_t clip = 0; in.shown && clip < pipeline.clips.size(); ++clip)
@@ -79,8 +89,11 @@ void runPipeline(const ClipPipeline& pipeline)
         timed(times.write, [&] { pipeline.sink.write(*out.frame, out.place); });
     };
     const auto next = [&](ClipFrame& in) { return timed(times.read, [&] { return pipeline.next(in); }); };
-    runThreeStages<ClipFrame, FinishedFrame>(
-        read, finished, {.produce = next, .process = render, .consume = write});
+    runThreeStages<ClipFrame, FinishedFrame>(read, finished,
+        {.produce = next,
+            .process = [&](ClipFrame& in,
+                           FinishedFrame& out) { return orAbandon([&] { return render(in, out); }); },
+            .consume = [&](FinishedFrame& out) { orAbandon([&] { write(out); }); }});
     times.decode += decoding();
 
     for (const ClipReader* const clip : pipeline.clips)

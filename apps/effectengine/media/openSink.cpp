@@ -65,6 +65,8 @@ const AVOutputFormat& containerFor(const fs::path& out, const std::string& name)
 
 void checkClipOutput(const fs::path& out, const std::string& container)
 {
+    if (!container.empty() && isPictureSequence(out))
+        throw ToolError(ExitCode::usage, "--format is for clips; numbered pictures are what their names say");
     if (!goesToPipe(out) || !container.empty())
         containerFor(out, container);
     if (!goesToPipe(out))

@@ -9,6 +9,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -48,9 +49,11 @@ public:
 
     bool wasIgnoredBefore() const { return before_.sa_handler == SIG_IGN; }
 
+    void abandon() { abandoned_ = true; }
+
     int read(std::uint8_t* bytes, int count) const
     {
-        while (!stopAsked()) {
+        while (!stopAsked() && !abandoned_) {
             pollfd waiting{file_, POLLIN, 0};
             const int ready = poll(&waiting, 1, kPatienceMs);
             const ssize_t got = ready > 0 ? ::read(file_, bytes, std::size_t(count)) : ready;
@@ -78,6 +81,7 @@ public:
 
 private:
     int file_;
+    std::atomic<bool> abandoned_ = false;
     bool hearsNoSignal_ = false;
     struct sigaction before_ { };
 };
@@ -142,6 +146,8 @@ Pipe openPipeToRead(const fs::path& path)
         throw ToolError(ExitCode::usage, name + " is a terminal; a clip comes from a file or a pipe");
     return contextFor(std::move(end), false);
 }
+
+void abandon(const AVIOContext& pipe) { endOf(pipe).abandon(); }
 
 Pipe openPipeToWrite(const fs::path& name)
 {

@@ -21,10 +21,13 @@ inline bool isStandardStream(const std::filesystem::path& name) { return name ==
 /// Whether the path leads to a pipe, a socket or a device.
 bool isPipe(const std::filesystem::path& path);
 
-/// The end to read from. Reading waits for the other side and ends with AVERROR_EXIT when a stop is asked.
+/// The end to read from. Reading waits for the other side; it ends with AVERROR_EXIT when a stop is asked.
 /// Throws ToolError: no permission, or a terminal.
 /// @param path  "/dev/stdin" for standard input
 Pipe openPipeToRead(const std::filesystem::path& path);
+
+/// Ends reading, now and from now on, with AVERROR_EXIT. For other threads than the one that reads.
+void abandon(const AVIOContext& pipe);
 
 /// The end to write to; "-" stands for standard output, and what else would be printed there goes to standard
 /// error from then on. While it is open a closed reader is an error of writing, AVERROR(EPIPE), and no
