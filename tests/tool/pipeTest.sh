@@ -87,6 +87,19 @@ for kind in matroska:mkv nut:nut; do
         esac
     done
 done
+# Sound that the output cannot hold is encoded anew from a pipe, too: the same packets; in parts a few more samples.
+make -f lavfi -i testsrc2=s=64x48:r=25 -f lavfi -i "aevalsrc='if(lt(t,2),0,sin(2*PI*440*t)*0.5)|0.3*sin(2*PI*t*(200+50*t))':s=44100" \
+    -t 4 -c:v ffv1 -c:a pcm_s16le pcm.mkv
+expect 0 'encoded anew as aac' "$tool" video pcm.mkv file.mp4
+expect 0 'encoded anew as aac' "$tool" video - pipe.mp4 < <(cat pcm.mkv)
+same "$(packets pipe.mp4)" "$(packets file.mp4)" "packets of sound that is encoded anew"
+same "$(sound pipe.mp4)" "$(sound file.mp4)" "sound that is encoded anew"
+expect 0 'encoded anew as aac' "$tool" video - part.mp4 --start 1.48 --end 3.2 < <(cat pcm.mkv || true)
+awk "BEGIN { exit !($(of a duration part.mp4) > 1.7 && $(of a duration part.mp4) < 1.75) }" ||
+    fail "sound of a part that is encoded anew: $(of a duration part.mp4)"
+quiet=$(ffmpeg -v info -i part.mp4 -af 'pan=mono|c0=c0,silencedetect=n=-40dB:d=0.2' -f null - 2>&1 | sed -n 's/.*silence_end: \([0-9.]*\).*/\1/p')
+awk "BEGIN { exit !(${quiet:-9} > 0.5 && ${quiet:-9} < 0.54) }" || fail "sound of a part is out of place: $quiet"
+
 make -f lavfi -i testsrc2=s=64x48:r=24:d=4 -c:v ffv1 coarse.mkv # its unit, a millisecond, cannot tell the times of frames
 expect 0 '' "$tool" video coarse.mkv part.mkv --codec ffv1 --start 0.0416667 --end 3.0833333
 same "$(frames -i part.mkv)" "$(frames -i coarse.mkv | sed -n 2,74p)" "times that are rounded"

@@ -123,6 +123,11 @@ bool EncodedTrack::next(AVPacket& packet)
         require(received == AVERROR(EAGAIN) ? 0 : received, "sound encoder");
         av_frame_unref(frame_.get());
         const int filtered = av_buffersink_get_frame(sink_, frame_.get());
+        if (filtered == AVERROR(EAGAIN) && feed_) {
+            if (!feed_())
+                return false;
+            continue;
+        }
         const bool ended = filtered == AVERROR_EOF;
         require(ended ? 0 : filtered, "sound filters");
         if (!ended)

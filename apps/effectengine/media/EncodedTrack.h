@@ -16,6 +16,10 @@ public:
     EncodedTrack(const Build& build, const AVOutputFormat& container, const std::filesystem::path& outputName,
         TrackMarks marks = {});
 
+    /// Has a function called when a source of the graph, an "abuffer", must be given more; it answers false
+    /// when there is none now, and next() does, too.
+    void feedWith(std::function<bool()> feed) { feed_ = std::move(feed); }
+
     const AVCodecParameters& parameters() const override { return *parameters_; }
     AVRational timeBase() const override { return encoder_->time_base; }
     bool next(AVPacket& packet) override;
@@ -23,6 +27,7 @@ public:
 private:
     Filters graph_;
     AVFilterContext* sink_ = nullptr;
+    std::function<bool()> feed_;
     Codec encoder_;
     Parameters parameters_;
     Frame frame_;

@@ -1,6 +1,7 @@
 // Queues between the thread that reads and the one that writes.
 #include "effectengine/media/PassingTracks.h"
 
+#include "effectengine/media/PassingSound.h"
 #include "effectengine/media/clipWarnings.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 
 namespace tool::media {
 
@@ -90,31 +92,48 @@ PassingTracks::PassingTracks(
     std::vector<int> streams;
     for (unsigned i = 0; i < input.nb_streams; ++i) {
         const AVStream& stream = *input.streams[i];
-        const bool sound = stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
-        if (!sound && stream.codecpar->codec_type != AVMEDIA_TYPE_SUBTITLE)
+        const AVMediaType type = stream.codecpar->codec_type;
+        if (type != AVMEDIA_TYPE_AUDIO && type != AVMEDIA_TYPE_SUBTITLE)
             continue;
-        if (!holds(container, stream.codecpar->codec_id)) {
-            warn(reader.info().file,
-                std::string(sound ? "sound (" : "subtitles (") + avcodec_get_name(stream.codecpar->codec_id)
-                    + ") from a pipe has no place in " + outputName.filename().string());
-            continue;
-        }
         const std::int64_t start = input.start_time == AV_NOPTS_VALUE
             ? 0
             : av_rescale_q(input.start_time, AV_TIME_BASE_Q, stream.time_base);
-        queues_.push_back(std::make_shared<Queue>(stream, start));
+        const auto queue = std::make_shared<Queue>(stream, start);
+        if (!addTrack(queue, container, outputName))
+            continue;
+        queues_.push_back(queue);
         streams.push_back(int(i));
     }
     if (!streams.empty())
         reader.handOnOthers(streams, [this](AVPacket& packet) { take(packet); });
 }
 
-SideTracks PassingTracks::tracks() const
+bool PassingTracks::addTrack(const std::shared_ptr<Queue>& queue, const AVOutputFormat& container,
+    const std::filesystem::path& outputName)
 {
-    SideTracks tracks;
-    for (const auto& queue : queues_)
-        tracks.tracks.push_back(std::make_unique<Track>(queue));
-    return tracks;
+    const AVCodecParameters& stored = *queue->stream.codecpar;
+    const bool sound = stored.codec_type == AVMEDIA_TYPE_AUDIO;
+    const std::string name =
+        std::string(sound ? "sound (" : "subtitles (") + avcodec_get_name(stored.codec_id) + ")";
+    auto packets = std::make_unique<Track>(queue);
+    if (holds(container, stored.codec_id)) {
+        tracks_.tracks.push_back(std::move(packets));
+        return true;
+    }
+    if (!sound || container.audio_codec == AV_CODEC_ID_NONE) {
+        warn(reader_.info().file, name + " has no place in " + outputName.filename().string());
+        return false;
+    }
+    try {
+        tracks_.tracks.push_back(
+            std::make_unique<PassingSound>(std::move(packets), queue->stream, container, outputName));
+    } catch (const std::runtime_error& error) {
+        warn(reader_.info().file, name + " is left out: " + error.what());
+        return false;
+    }
+    warn(reader_.info().file,
+        name + " is encoded anew as " + avcodec_get_name(tracks_.tracks.back()->parameters().codec_id));
+    return true;
 }
 
 void PassingTracks::take(AVPacket& packet)

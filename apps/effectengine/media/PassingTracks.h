@@ -10,13 +10,14 @@ namespace tool::media {
 /// time, so memory stays flat where the clip holds sound and pictures side by side.
 class PassingTracks {
 public:
-    /// Has the reader hand on those tracks that the container can hold. What cannot come along is a warning
-    /// on stderr. Both this and the reader must outlive the tracks' use.
+    /// Has the reader hand on those tracks that can come along: copied, or sound encoded anew where the
+    /// container cannot hold it. What cannot is a warning on stderr. Both this and the reader must outlive
+    /// the tracks' use.
     PassingTracks(
         ClipReader& reader, const AVOutputFormat& container, const std::filesystem::path& outputName);
 
     /// The tracks for the output, to be asked for once.
-    SideTracks tracks() const;
+    SideTracks tracks() { return std::move(tracks_); }
 
     // What the reader's thread tells. Seconds count from the clip's start.
 
@@ -34,10 +35,14 @@ private:
     struct Queue;
     class Track;
 
+    /// False for a stream that cannot come along.
+    bool addTrack(const std::shared_ptr<Queue>& queue, const AVOutputFormat& container,
+        const std::filesystem::path& outputName);
     void take(AVPacket& packet);
 
     ClipReader& reader_;
     std::vector<std::shared_ptr<Queue>> queues_;
+    SideTracks tracks_;
 };
 
 } // namespace tool::media
