@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Kills at random moments: older files stay whole, nothing half-written appears, and the next run completes.
-# killTest.sh TOOL [KILLS]
+# pictureKillTest.sh TOOL [KILLS]
 source "$(dirname "$0")/../support/toolScript.sh" "$1"
 kills=${2:-10}
 RANDOM=${KILL_SEED:-$$}

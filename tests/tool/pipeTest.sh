@@ -100,6 +100,26 @@ awk "BEGIN { exit !($(of a duration part.mp4) > 1.7 && $(of a duration part.mp4)
 quiet=$(ffmpeg -v info -i part.mp4 -af 'pan=mono|c0=c0,silencedetect=n=-40dB:d=0.2' -f null - 2>&1 | sed -n 's/.*silence_end: \([0-9.]*\).*/\1/p')
 awk "BEGIN { exit !(${quiet:-9} > 0.5 && ${quiet:-9} < 0.54) }" || fail "sound of a part is out of place: $quiet"
 
+# Tracks of a pipe have their marks, and as many places as those of a file; a title that began before a part moves nothing.
+printf '1\n00:00:00,200 --> 00:00:00,900\nOne\n\n2\n00:00:01,200 --> 00:00:01,300\nAnother\n' >titles.srt
+make -i plain.mp4 -i titles.srt -map 0:v -map 0:a -map 0:a -map 1 -c copy -c:s srt -metadata:s:a:1 language=fra -metadata:s:a:1 title=Autre \
+    -disposition:a:0 0 -disposition:a:1 default -metadata:s:s:0 language=eng tracks.mkv
+marks() { ffprobe -v error -show_entries stream=codec_name:stream_tags=language,title:stream_disposition=default -of csv=p=0 "$1" | tail -n +2; }
+titles() { ffprobe -v error -select_streams s -show_entries packet=pts_time,duration_time -of csv=p=0 "$1"; }
+for part in '' '--frames 10-34'; do
+    # shellcheck disable=SC2086
+    expect 0 '' "$tool" video tracks.mkv file.mkv $part
+    # shellcheck disable=SC2086
+    expect 0 '' "$tool" video - pipe.mkv $part < <(cat tracks.mkv || true)
+    same "$(marks pipe.mkv)" "$(marks file.mkv)" "marks of tracks $part"
+    same "$(titles pipe.mkv | wc -l) $(titles pipe.mkv) $(packets pipe.mkv)" "2 $(titles file.mkv) $(packets file.mkv)" "titles $part"
+done
+expect 0 '' "$tool" video - pipe.ts < <(ffmpeg -v error -i plain.mp4 -c:v copy -c:a ac3 -f matroska -)
+same "$(of a codec_name pipe.ts | tr -d , | grep . | sort -u)" ac3 "sound that MPEG-TS holds is copied"
+"$tool" video - pipe.flv < <(cat tracks.mkv) 2>err.txt || fail "to FLV: $(cat err.txt)"
+same "$(grep -c 'sound (track 3, fra, aac) has no place' err.txt)$(grep -c 'subtitles (track 4, eng, subrip) have no place' err.txt)" 11 \
+    "FLV holds one track of sound: $(cat err.txt)"
+
 make -f lavfi -i testsrc2=s=64x48:r=24:d=4 -c:v ffv1 coarse.mkv # its unit, a millisecond, cannot tell the times of frames
 expect 0 '' "$tool" video coarse.mkv part.mkv --codec ffv1 --start 0.0416667 --end 3.0833333
 same "$(frames -i part.mkv)" "$(frames -i coarse.mkv | sed -n 2,74p)" "times that are rounded"

@@ -20,6 +20,20 @@ std::int64_t ticks(double seconds, AVRational unit)
 
 } // namespace
 
+bool cutTitle(AVPacket& packet, AVRational unit, std::int64_t from, std::int64_t to)
+{
+    if (packet.pts == AV_NOPTS_VALUE)
+        return false;
+    if (double(packet.duration) * av_q2d(unit) > kLongestTitle)
+        packet.duration = 0;
+    const std::int64_t begin = std::max(packet.pts, from);
+    const std::int64_t end = std::min(packet.pts + packet.duration, to);
+    if (packet.duration > 0)
+        packet.duration = std::max<std::int64_t>(end - begin, 0);
+    packet.pts = packet.dts = begin;
+    return true;
+}
+
 CopiedTrack::CopiedTrack(const std::filesystem::path& clip, int stream, Span span)
     : input_(openClip(clip)),
       stream_(stream)
@@ -38,22 +52,6 @@ CopiedTrack::CopiedTrack(const std::filesystem::path& clip, int stream, Span spa
         av_seek_frame(input_.get(), stream, from_, AVSEEK_FLAG_BACKWARD);
 }
 
-// Shortens a title to the part; false when it is none. A title that began before time 0 would move all other
-// tracks, since containers have no times before it.
-bool CopiedTrack::cutTitle(AVPacket& packet) const
-{
-    if (packet.pts == AV_NOPTS_VALUE)
-        return false;
-    if (double(packet.duration) * av_q2d(timeBase()) > kLongestTitle)
-        packet.duration = 0;
-    const std::int64_t begin = std::max(packet.pts, from_);
-    const std::int64_t end = std::min(packet.pts + packet.duration, to_);
-    if (packet.duration > 0)
-        packet.duration = std::max<std::int64_t>(end - begin, 0);
-    packet.pts = packet.dts = begin;
-    return true;
-}
-
 bool CopiedTrack::next(AVPacket& packet)
 {
     while (true) {
@@ -68,7 +66,7 @@ bool CopiedTrack::next(AVPacket& packet)
             continue;
         if (time >= to_)
             return false;
-        if (titles_ && !cutTitle(packet))
+        if (titles_ && !cutTitle(packet, timeBase(), from_, to_))
             continue;
         for (std::int64_t* const t : {&packet.pts, &packet.dts})
             if (*t != AV_NOPTS_VALUE)

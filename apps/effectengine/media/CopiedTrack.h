@@ -17,8 +17,6 @@ public:
     const AVStream& stream() const { return *input_->streams[stream_]; }
 
 private:
-    bool cutTitle(AVPacket& packet) const;
-
     Input input_;
     int stream_;
     std::int64_t from_;
@@ -26,5 +24,9 @@ private:
     bool cut_ = false;
     bool titles_ = false;
 };
+
+/// Shortens the packet of a title to a part, in the packet's unit; false when it tells no time. A title that
+/// began before time 0 would move all other tracks, since containers have no times before it.
+bool cutTitle(AVPacket& packet, AVRational unit, std::int64_t from, std::int64_t to);
 
 } // namespace tool::media

@@ -1,8 +1,10 @@
 // Queues between the thread that reads and the one that writes.
 #include "effectengine/media/PassingTracks.h"
 
+#include "effectengine/media/CopiedTrack.h"
 #include "effectengine/media/PassingSound.h"
 #include "effectengine/media/clipWarnings.h"
+#include "effectengine/media/trackPlaces.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,11 +18,6 @@ namespace tool::media {
 namespace {
 
 std::int64_t timeOf(const AVPacket& packet) { return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts; }
-
-bool holds(const AVOutputFormat& container, AVCodecID codec)
-{
-    return avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL) == 1;
-}
 
 } // namespace
 
@@ -48,7 +45,10 @@ struct PassingTracks::Queue {
 /// The output's end of a queue.
 class PassingTracks::Track final : public SideTrack {
 public:
-    explicit Track(std::shared_ptr<Queue> queue) : SideTrack(marksOf(queue->stream)), queue_(std::move(queue))
+    explicit Track(std::shared_ptr<Queue> queue)
+        : SideTrack(marksOf(queue->stream)),
+          queue_(std::move(queue)),
+          titles_(queue_->stream.codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE)
     {
     }
 
@@ -66,6 +66,9 @@ public:
                 continue;
             av_packet_unref(&packet);
             av_packet_move_ref(&packet, first.get());
+            // Where the part ends may not be known yet, so titles keep their ends.
+            if (titles_ && !cutTitle(packet, timeBase(), *queue_->from, INT64_MAX))
+                continue;
             for (std::int64_t* const t : {&packet.pts, &packet.dts})
                 if (*t != AV_NOPTS_VALUE)
                     *t -= *queue_->from;
@@ -82,6 +85,7 @@ public:
 
 private:
     std::shared_ptr<Queue> queue_;
+    bool titles_;
 };
 
 PassingTracks::PassingTracks(
@@ -113,16 +117,18 @@ bool PassingTracks::addTrack(const std::shared_ptr<Queue>& queue, const AVOutput
 {
     const AVCodecParameters& stored = *queue->stream.codecpar;
     const bool sound = stored.codec_type == AVMEDIA_TYPE_AUDIO;
-    const std::string name =
-        std::string(sound ? "sound (" : "subtitles (") + avcodec_get_name(stored.codec_id) + ")";
+    const std::string name = (sound ? "sound (" : "subtitles (") + nameOf(queue->stream) + ")";
     auto packets = std::make_unique<Track>(queue);
+    const bool noPlace = sound ? sounds_ == soundsIn(container) : !holds(container, stored.codec_id);
+    if (noPlace) {
+        warn(reader_.info().file,
+            name + (sound ? " has" : " have") + " no place in " + outputName.filename().string());
+        return false;
+    }
+    sounds_ += sound;
     if (holds(container, stored.codec_id)) {
         tracks_.tracks.push_back(std::move(packets));
         return true;
-    }
-    if (!sound || container.audio_codec == AV_CODEC_ID_NONE) {
-        warn(reader_.info().file, name + " has no place in " + outputName.filename().string());
-        return false;
     }
     try {
         tracks_.tracks.push_back(

@@ -43,6 +43,7 @@ private:
     ClipReader& reader_;
     std::vector<std::shared_ptr<Queue>> queues_;
     SideTracks tracks_;
+    int sounds_ = 0;
 };
 
 } // namespace tool::media

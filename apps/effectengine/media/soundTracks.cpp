@@ -5,9 +5,9 @@
 #include "effectengine/media/EncodedTrack.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/openClip.h"
+#include "effectengine/media/trackPlaces.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace fs = std::filesystem;
@@ -18,52 +18,12 @@ namespace {
 
 constexpr const char* kMixedRate = "48000";
 
-// Whether the container holds sound or subtitles of a codec. Streams of MPEG tell the library nothing but the
-// usual codec.
-bool holds(const AVOutputFormat& container, AVCodecID codec)
-{
-    constexpr std::array kTransport{AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AAC, AV_CODEC_ID_AC3,
-        AV_CODEC_ID_EAC3, AV_CODEC_ID_DTS, AV_CODEC_ID_OPUS, AV_CODEC_ID_DVB_SUBTITLE};
-    constexpr std::array kProgram{
-        AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3, AV_CODEC_ID_DTS, AV_CODEC_ID_DVD_SUBTITLE};
-    const std::string_view name = container.name;
-    if (name == "mpegts")
-        return std::ranges::find(kTransport, codec) != kTransport.end();
-    if (name == "mpeg" || name == "vob" || name == "dvd" || name == "svcd")
-        return std::ranges::find(kProgram, codec) != kProgram.end();
-    return avformat_query_codec(&container, codec, FF_COMPLIANCE_NORMAL) == 1;
-}
-
-// How many tracks of sound the container holds.
-int soundsIn(const AVOutputFormat& container)
-{
-    if (container.audio_codec == AV_CODEC_ID_NONE)
-        return 0;
-    return std::string_view(container.name) == "flv" ? 1 : std::numeric_limits<int>::max();
-}
-
 std::string number(double seconds) { return std::to_string(std::llround(seconds * 1e6)) + "us"; }
 
 AVFilterContext* then(AVFilterContext* from, AVFilterContext* to)
 {
     connect(from, to);
     return to;
-}
-
-// The name of a track in messages: its number in the file, its language and its codec.
-std::string nameOf(const AVStream& stream)
-{
-    const AVCodecParameters& stored = *stream.codecpar;
-    std::string name = "track " + std::to_string(stream.index + 1);
-    if (const AVDictionaryEntry* const language = av_dict_get(stream.metadata, "language", nullptr, 0))
-        if (std::string_view(language->value) != "und")
-            name += ", " + std::string(language->value);
-    if (stored.codec_id != AV_CODEC_ID_NONE)
-        return name + ", " + avcodec_get_name(stored.codec_id);
-    if (!stored.codec_tag)
-        return name + ", unknown codec";
-    char tag[AV_FOURCC_MAX_STRING_SIZE] = "";
-    return name + ", unknown codec " + av_fourcc_make_string(tag, stored.codec_tag);
 }
 
 // Whether the stream can be decoded: there is a decoder, and the stream tells its rate and channels.
