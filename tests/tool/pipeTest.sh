@@ -198,7 +198,9 @@ print(code, resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)' "$tool" vid
 few=$(grown 500 matroska)
 many=$(grown 6000 matroska)
 same "${few% *}${many% *}" 00 "long runs"
-[ "$((${many#* } - ${few#* }))" -lt 4000 ] || fail "memory grows with the frames: $few, $many kB"
+# Sanitizers keep what was released for a while.
+grep -q -E '__[at]san_init' "$tool" || [ "$((${many#* } - ${few#* }))" -lt 4000 ] ||
+    fail "memory grows with the frames: $few, $many kB"
 "$tool" video plain.mp4 - --format y4m --stats --progress json "${chain[@]}" >out.y4m 2>err.txt
 same "$(frames -i out.y4m)" "$whole" "with progress and statistics"
 grep -q '"bottleneck"' err.txt || fail "--stats goes to stderr: $(cat err.txt)"
