@@ -24,8 +24,8 @@ public:
     /// @param properties  live as long as this
     explicit EffectProperties(const std::vector<Property>& properties);
 
-    void set(std::size_t property, const GValue* value);
-    void get(std::size_t property, GValue* value) const;
+    void set(std::size_t property, const GValue* given);
+    void get(std::size_t property, GValue* wanted) const;
 
     /// Sets the run's parameters that the element's properties have changed since the last call, or, for a
     /// new run, that they ever changed. False when the run refuses one: EffectHostLastError() has the words.

@@ -275,11 +275,11 @@ Input openAnimatedWebp(const fs::path& file)
     opened->opaque = bytes.get();
     const int result = avformat_open_input(&opened, nullptr, av_find_input_format("apng"), nullptr);
     if (result < 0) {
-        detail::freeBytes(stream); // the context is gone already
-        bytes.release();
+        static_cast<void>(bytes.release()); // to the stream
+        detail::freeBytes(stream);          // the context is gone already
         throw ToolError(ExitCode::unreadable, "cannot read " + file.string() + ": " + errorText(result));
     }
-    bytes.release();
+    static_cast<void>(bytes.release()); // to the input
     return Input(opened);
 }
 
