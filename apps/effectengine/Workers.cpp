@@ -236,15 +236,19 @@ Workers::Result Workers::runApart(int processes, const MakeWork& makeWork, Progr
 {
     Board board(count_);
     Collection collection(listener_, count_, progress);
-    // A process that crashes takes its piece with it; new ones do what nobody else is left to do.
+    // A process that crashes takes its piece with it; new ones do what nobody else is left to do, unless the
+    // last ones all died before they had begun a piece.
+    bool crashed = false;
     for (std::size_t before = count_ + 1; board.left() > 0 && board.left() < before && !stopAsked();) {
         before = board.left();
-        if (!workInChildren(processes, board, makeWork, collection))
+        crashed = workInChildren(processes, board, makeWork, collection);
+        if (!crashed)
             break;
     }
     progress.finish();
+    const bool abandoned = crashed && board.left() > 0;
     for (std::size_t i = 0; i < count_; ++i) {
-        if (!board.begun(i) || collection.told(i) || stopAsked())
+        if ((!board.begun(i) && !abandoned) || collection.told(i) || stopAsked())
             continue;
         const Outcome crash{
             ExitCode::internal, nameOf_(i) + ": the process that worked on it ended unexpectedly"};
