@@ -88,6 +88,7 @@ struct ClipTransitionOptions {
     bool stretch = false; ///< the second clip fills the picture, whatever its own shape
     DepthOptions depth;
     EncodingOptions encoding;
+    DryRunOptions dryRun;
 };
 
 struct RenderOptions {

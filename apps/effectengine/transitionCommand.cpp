@@ -70,9 +70,6 @@ PhotoMetadata commonProfile(const fs::path& from, const fs::path& to)
 
 void joinClips(const Options& options, const SessionOptions& session)
 {
-    if (options.dryRun.wanted)
-        throw ToolError(
-            ExitCode::usage, "--dry-run tells of transitions between pictures, not between clips");
     ClipTransitionOptions clips;
     clips.effect = options.name;
     clips.parameters = options.parameters;
@@ -85,6 +82,7 @@ void joinClips(const Options& options, const SessionOptions& session)
     clips.stretch = options.stretch;
     clips.depth = options.depth;
     clips.encoding = options.encoding;
+    clips.dryRun = options.dryRun;
     runClipTransition(clips, session);
 }
 

@@ -115,6 +115,15 @@ make -sseof -0.05 -i tall.mp4 -update 1 -vf scale=60:120,pad=160:120:50:0 tall.p
 alike beside.png tall.png 25
 expect 2 'is no transition' "$tool" transition equalize plain.mp4 second.mp4 joined.mp4
 expect 2 'ends at' "$tool" transition push plain.mp4 second.mp4 joined.mp4 --at 9
+expect 0 '' "$tool" transition push plain.mp4 second.mp4 never.webm --duration 0.5 --dry-run --json
+python3 -c '
+import json
+plan = json.load(open("out.txt"))
+step = plan["steps"][0]
+assert plan["duration"] == 0.5 and abs(plan["at"] + 0.5 - step["reads"][0]["seconds"]) < 1e-6, plan
+assert step["action"] == "make" and (step["writes"][0]["container"], step["writes"][0]["codec"]) == ("webm", "libvpx-vp9"), step
+' || fail "dry run of a transition: $(cat out.txt)"
+[ -e never.webm ] && fail "a dry run writes"
 
 # Rendering in parts: the same hashes as the whole, for effects without and with a history.
 cat >history.json <<'END'

@@ -4,6 +4,7 @@
 #include "effectengine/interruption.h"
 #include "effectengine/media/JoinedFeed.h"
 #include "effectengine/media/clipPipeline.h"
+#include "effectengine/media/clipPlan.h"
 #include "effectengine/media/clipWarnings.h"
 #include "effectengine/media/encoders.h"
 #include "effectengine/media/transparency.h"
@@ -59,6 +60,25 @@ SideTracks tracksFor(const ClipTransitionOptions& options, const EncoderChoice& 
         containerFor(options.out, choice.container), outputName(options.out));
 }
 
+void printPlan(const ClipTransitionOptions& options, const Look& look, ClipReader& first, ClipReader& second,
+    double at, pixels::Extent size, const EncoderChoice& choice)
+{
+    RunPlan plan("transition");
+    plan.setLook(look);
+    plan.setFact("at", at);
+    plan.setFact("duration", options.duration);
+    PlannedStep step;
+    step.reads = {plannedInput(first), plannedInput(second)};
+    PlannedFile& out = step.writes.emplace_back(
+        PlannedFile{options.out, PictureSize{unsigned(size.width), unsigned(size.height)}});
+    out.facts.emplace_back("container", containerFor(options.out, choice.container).name);
+    out.facts.emplace_back("codec", encoderOf(options.out, choice).name);
+    if (!goesToPipe(options.out))
+        step.action = actionFor(options.out);
+    plan.add(std::move(step));
+    print(plan, options.dryRun);
+}
+
 void join(const ClipTransitionOptions& options, const SessionOptions& sessionOptions)
 {
     const Look look = transitionLook(options.effect, options.parameters);
@@ -73,6 +93,9 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     checkNotItself(options.to, options.out);
     const pixels::Extent size = workingSize(first.info(), options.size);
     const double at = startOf(options, first.info());
+    settleChoice(choice, options.out, options.encoding.alpha, {&first.info(), &second.info()});
+    if (options.dryRun.wanted)
+        return printPlan(options, look, first, second, at, size, choice);
     const AVRational unit = unitFor(first.info());
     const std::int64_t begin = std::llround(at / av_q2d(unit));
     const std::int64_t duration = std::llround(options.duration / av_q2d(unit));
@@ -81,7 +104,6 @@ void join(const ClipTransitionOptions& options, const SessionOptions& sessionOpt
     LookRun run(look, unsigned(size.width), unsigned(size.height));
     FrameShape shape = shapeOf(first.info(), size.width, size.height);
     shape.timeBase = unit;
-    settleChoice(choice, options.out, options.encoding.alpha, {&first.info(), &second.info()});
     shape.keepsAlpha =
         keepsAlpha(options.encoding.alpha, encoderOf(options.out, choice), {&first.info(), &second.info()});
     const pixels::Extent secondSize =
